@@ -1,0 +1,8 @@
+# Every target of the project is built with these.
+add_library(parvex_warnings INTERFACE)
+target_compile_options(parvex_warnings INTERFACE -Wall -Wextra -Werror)
+
+if(PARVEX_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "interface/legacy_link.h"
+#include "platform/xml.h"
+
+namespace parvex {
+
+/// Carries one command out and answers with the reply, which may be a null document ("no document").
+using CommandHandler = xml::Document (*)(LegacyLink& link, const xml::Document& command);
+
+/// One row of a command table. The tables feed dispatch, `parvex commands`, the help text and the reference pages.
+struct CommandEntry {
+  std::string_view name;     ///< compared exactly, letter case included
+  CommandHandler handler;
+  std::string_view summary;  ///< one line for people
+};
+
+/// The commands that Pull serves, in the order in which names are compared.
+std::span<const CommandEntry> PullCommands();
+/// The commands that PullNGORLA serves. getHybrisXMLNoUI and RebuildTag are here only, and the project, tag, report and
+/// option commands in Pull only: deliberate, the two kinds of front end never shared their commands.
+std::span<const CommandEntry> PullNgorlaCommands();
+
+}  // namespace parvex

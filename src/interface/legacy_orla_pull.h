@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "interface/legacy_link.h"
+#include "platform/platform.h"
+#include "platform/xml.h"
+
+namespace parvex {
+
+/// The one public object: takes a command document, carries it out against the legacy application, answers with a reply
+/// document. Belongs to one thread. Run-time errors are not trapped: they leave the call as an AutomationError.
+class LegacyORLAPull {
+ public:
+  /// Creates the message router; its AutomationError when it cannot be created.
+  explicit LegacyORLAPull(const Platform& platform);
+
+  /// Carries out one of PullCommands(). The command document is changed in place where the handler rewrites it. The reply
+  /// is the handler's document itself; a null document where the handler answers with none.
+  xml::Document Pull(const xml::Document& command);
+
+  /// Carries out one of PullNgorlaCommands(). A text that does not parse is an empty command document, and so a missing
+  /// command name ("object not set").
+  std::string PullNGORLA(std::string_view commandXml);
+
+ private:
+  LegacyLink link_;
+};
+
+}  // namespace parvex

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/platform.h"
+
+namespace parvex {
+
+// UIKeys.txt in the program folder: lines of key, "=" and value, ANSI text. The builder reads its window settings from it.
+// Both operations raise an error with their own name as source ("KDQU470.getUIValue", "KDQU470.setUIValue") and the text
+// "Unable to read BinPath" when the program folder is not known; a missing file is "file not found".
+
+/// What follows the first "=" of the first line that begins with `key` (letter case counts) and holds a "="; empty when
+/// there is none.
+std::string getUIValue(const Platform& platform, std::string_view key);
+
+/// Gives the lines of ToolBarActive and TreeViewActive the new value and the line of SplitterPosition its fixed text; all
+/// other lines stay. A file of more than 101 lines is an error (9) and stays as it is.
+void setUIValue(const Platform& platform, std::string_view value);
+
+}  // namespace parvex

@@ -1,0 +1,133 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace parvex::xml {
+
+// XML documents as the front end and the legacy application see them: the behaviour of MSXML 3 with white space not
+// preserved, asynchronous loading off and XPath selection. All text is UTF-8.
+//
+// Document and Node are light handles, cheap to copy. A node keeps the tree it lives in alive, also after it was moved
+// into another document, and stays valid when its parent's content is replaced (it is then a node without parent).
+// Handles belong to one thread at a time.
+//
+// A handle may be null ("no node", "no document"); asking a null handle for anything but its truth value raises
+// "object not set" (RuntimeError::ObjectNotSet), naming what was asked.
+
+class Document;
+
+class Node {
+ public:
+  Node() noexcept = default;
+  Node(const Node& other) noexcept;
+  Node(Node&& other) noexcept;
+  Node& operator=(const Node& other) noexcept;
+  Node& operator=(Node&& other) noexcept;
+  ~Node();
+
+  explicit operator bool() const noexcept { return handle_ != nullptr; }
+
+  bool IsElement() const;
+  /// The name of an element or attribute as written; "#text", "#cdata-section", "#comment" or "#document" for others.
+  std::string Name() const;
+
+  /// The text of the node and its descendants, outer blanks trimmed, CR LF read as LF; text of CDATA sections is not
+  /// trimmed.
+  std::string Text() const;
+  /// Replaces all content by one text (no child for an empty text).
+  void SetText(std::string_view text) const;
+
+  /// The value of an attribute, nothing when the element has none of that name.
+  std::optional<std::string> Attribute(std::string_view name) const;
+  /// Sets an attribute, behind those that exist when it is new. An empty value is an attribute with an empty value.
+  void SetAttribute(std::string_view name, std::string_view value) const;
+
+  /// The node's markup on one line, `<A/>` for an empty element, without a final line break. A document node's markup
+  /// carries its declaration, when there is one, and ends with CR LF (empty for an empty document).
+  std::string Xml() const;
+
+  /// The first node, in document order, that an XPath expression selects from here; a null node when there is none. An
+  /// expression that cannot be parsed raises an error that quotes it.
+  Node First(std::string_view xpath) const;
+  /// All nodes that an XPath expression selects from here, in document order.
+  std::vector<Node> All(std::string_view xpath) const;
+
+  Node Parent() const;
+  Node FirstChild() const;
+  Node NextSibling() const;
+  /// The first child element of that name; a null node when there is none. Cost: the children before it.
+  Node Child(std::string_view name) const;
+  /// The next sibling element of that name; a null node when there is none.
+  Node Next(std::string_view name) const;
+
+  /// Appends `child` as the last child and returns it. A node of another place or another document is moved.
+  Node Append(const Node& child) const;
+  /// Takes the node out of its tree; it stays valid and can be appended elsewhere.
+  void Remove() const;
+  /// A deep copy without parent, owned by the same document.
+  Node Clone() const;
+
+  /// The document that the node lives in now.
+  Document Owner() const;
+
+  /// Whether two handles mean the same node.
+  friend bool operator==(const Node& a, const Node& b) noexcept { return a.handle_ == b.handle_; }
+
+ private:
+  friend class Document;
+  friend struct Adapter;
+  void* handle_ = nullptr;  // the adapter's node, with one reference held
+};
+
+class Document {
+ public:
+  /// A null handle. Documents are made by New, Parse and Load.
+  Document() noexcept = default;
+
+  explicit operator bool() const noexcept { return static_cast<bool>(node_); }
+
+  /// A new, empty document.
+  static Document New();
+  /// A new document with the content of `text`; empty when the text does not parse. An encoding named in the text's
+  /// declaration is not looked at: the text is UTF-8.
+  static Document Parse(std::string_view text);
+  /// A new document from the bytes of a file, decoded as its byte order mark or declaration says, UTF-8 otherwise; empty
+  /// when they do not parse.
+  static Document Load(std::string_view bytes);
+
+  /// Why the last Parse or Load left this document empty, with line and column; empty when it did not fail.
+  std::string ParseError() const;
+
+  /// Whether the document has no root element.
+  bool IsEmpty() const;
+  /// The root element; a null node for an empty document.
+  Node Root() const;
+  /// The document itself as a node, from which relative expressions start.
+  const Node& AsNode() const { return node_; }
+
+  /// A new element or CDATA section of this document without parent.
+  Node CreateElement(std::string_view name) const;
+  Node CreateCData(std::string_view text) const;
+
+  Node First(std::string_view xpath) const { return node_.First(xpath); }
+  std::vector<Node> All(std::string_view xpath) const { return node_.All(xpath); }
+  /// Appends to the document element ("object not set" when there is none), or makes `child` the root of an empty one.
+  Node Append(const Node& child) const;
+
+  std::string Xml() const { return node_.Xml(); }
+  /// The content of a file that holds this document: the text of Xml() in the encoding that the declaration names, UTF-8
+  /// otherwise. Characters that the encoding lacks become character references.
+  std::string Bytes() const;
+
+  friend bool operator==(const Document& a, const Document& b) noexcept { return a.node_ == b.node_; }
+
+ private:
+  friend class Node;
+  friend struct Adapter;
+  Node node_;
+};
+
+}  // namespace parvex::xml

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace parvex::standin {
+
+/// How the substitute legacy application is told to misbehave. Everything absent means: behave.
+struct StandinSettings {
+  struct Workflow {
+    bool cancel = false;          ///< ends as if its user had cancelled
+    std::optional<int> exitCode;  ///< ends with this code (0 to 255), whatever it did
+    bool writeNothing = false;    ///< leaves neither an output file nor blobs
+  };
+  struct Router {
+    std::vector<std::string> refuse;  ///< names of the commands that the router refuses
+  };
+  Workflow workflow;
+  Router router;
+};
+
+/// Reads the text of a standin.json. A text that is no JSON, a key that nobody knows and a value of the wrong type are
+/// AutomationErrors (5) that name `fileName`, the key and the value. The keys "builder" and "reportServer" are accepted
+/// and not looked into: the substitute has no such components yet.
+StandinSettings ParseStandinSettings(std::string_view json, std::string_view fileName);
+
+/// The settings of a machine folder: those of its standin.json, or the defaults when it has none.
+StandinSettings ReadStandinSettings(const std::filesystem::path& machineFolder);
+
+}  // namespace parvex::standin

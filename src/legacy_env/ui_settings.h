@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -8,8 +9,11 @@
 namespace parvex {
 
 // UIKeys.txt in the program folder: lines of key, "=" and value, ANSI text. The builder reads its window settings from it.
-// Both operations raise an error with their own name as source ("KDQU470.getUIValue", "KDQU470.setUIValue") and the text
-// "Unable to read BinPath" when the program folder is not known; a missing file is "file not found".
+// Every failure has the operation's name as its source ("KDQU470.getUIValue", "KDQU470.setUIValue"): kBinPathUnknown with
+// the text "Unable to read BinPath" when the program folder is not known, "file not found" (53) for a missing file.
+
+/// Number of the error "Unable to read BinPath": the first that a component may give an error of its own.
+inline constexpr std::uint32_t kBinPathUnknown = 0x80040200u;
 
 /// What follows the first "=" of the first line that begins with `key` (letter case counts) and holds a "="; empty when
 /// there is none.

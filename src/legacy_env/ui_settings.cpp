@@ -1,0 +1,82 @@
+#include "legacy_env/ui_settings.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "legacy_env/install_paths.h"
+#include "platform/automation_error.h"
+
+namespace parvex {
+namespace {
+
+constexpr const char* kReader = "KDQU470.getUIValue";
+constexpr const char* kWriter = "KDQU470.setUIValue";
+constexpr std::size_t kMostLines = 101;
+
+// There is no blank before WidthP: deliberate, the builder's own reader expects the text as it was always written.
+constexpr std::string_view kSplitterLine = "SplitterPosition=<ColSplitter Index=\"0\"WidthP=\"22819\">";
+
+std::string SettingsFile(const Platform& platform, const char* operation) {
+  std::string binPath;
+  if (!ReadBinPath(platform, binPath)) {
+    throw AutomationError(kBinPathUnknown, operation, "Unable to read BinPath");
+  }
+  return binPath + "\\UIKeys.txt";
+}
+
+// The lines of the file, each without its line break (CR LF, CR or LF).
+std::vector<std::string> ReadLines(const Platform& platform, const std::string& path, const char* operation) {
+  std::string text;
+  try {
+    text = platform.codePage.FromAnsi(platform.files.ReadAll(path));
+  } catch (const AutomationError& error) {
+    throw AutomationError(error.Number(), operation, error.Description());
+  }
+  std::vector<std::string> lines;
+  for (std::size_t from = 0; from < text.size();) {
+    const std::size_t end = std::min(text.find_first_of("\r\n", from), text.size());
+    lines.push_back(text.substr(from, end - from));
+    from = end + (text.compare(end, 2, "\r\n") == 0 ? 2 : 1);
+  }
+  return lines;
+}
+
+bool IsSettingOf(std::string_view line, std::string_view key) {
+  return line.starts_with(key) && line.find('=') != std::string_view::npos;
+}
+
+std::string Rewritten(const std::string& line, std::string_view value) {
+  if (IsSettingOf(line, "ToolBarActive") || IsSettingOf(line, "TreeViewActive")) {
+    return line.substr(0, line.find('=') + 1).append(value);
+  }
+  return IsSettingOf(line, "SplitterPosition") ? std::string(kSplitterLine) : line;
+}
+
+}  // namespace
+
+std::string getUIValue(const Platform& platform, std::string_view key) {
+  for (const std::string& line : ReadLines(platform, SettingsFile(platform, kReader), kReader)) {
+    if (IsSettingOf(line, key)) {
+      return line.substr(line.find('=') + 1);
+    }
+  }
+  return {};
+}
+
+void setUIValue(const Platform& platform, std::string_view value) {
+  const std::string path = SettingsFile(platform, kWriter);
+  const std::vector<std::string> lines = ReadLines(platform, path, kWriter);
+  if (lines.size() > kMostLines) {
+    throw AutomationError(MakeRuntimeError(RuntimeError::SubscriptOutOfRange, "").Number(), kWriter,
+                          path + " has " + std::to_string(lines.size()) + " lines; it may have at most " +
+                              std::to_string(kMostLines));
+  }
+  std::string text;
+  for (const std::string& line : lines) {
+    text += Rewritten(line, value) + "\r\n";
+  }
+  platform.files.Replace(path, platform.codePage.ToAnsi(text));
+}
+
+}  // namespace parvex

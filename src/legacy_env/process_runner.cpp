@@ -9,7 +9,6 @@ namespace parvex {
 namespace {
 
 constexpr int kMinimisedWithoutFocus = 6;
-constexpr std::uint32_t kObjectErrorBase = 0x80040000u;
 constexpr std::chrono::milliseconds kPollInterval{100};
 
 // Reading, pumping and sleeping come in this order, also after the last reading: deliberate, the caller's windows get

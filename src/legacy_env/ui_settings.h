@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/automation_error.h"
 #include "platform/platform.h"
 
 namespace parvex {
@@ -12,8 +13,8 @@ namespace parvex {
 // Every failure has the operation's name as its source ("KDQU470.getUIValue", "KDQU470.setUIValue"): kBinPathUnknown with
 // the text "Unable to read BinPath" when the program folder is not known, "file not found" (53) for a missing file.
 
-/// Number of the error "Unable to read BinPath": the first that a component may give an error of its own.
-inline constexpr std::uint32_t kBinPathUnknown = 0x80040200u;
+/// Number of the error "Unable to read BinPath".
+inline constexpr std::uint32_t kBinPathUnknown = kObjectErrorBase + 0x200u;
 
 /// What follows the first "=" of the first line that begins with `key` (letter case counts) and holds a "="; empty when
 /// there is none.

@@ -30,6 +30,9 @@ class AutomationError : public std::runtime_error {
   std::string source_;
 };
 
+/// Where the numbers begin that a component gives errors of its own.
+inline constexpr std::uint32_t kObjectErrorBase = 0x80040000u;
+
 /// Numbers of the automation runtime.
 enum class RuntimeError : std::uint16_t {
   InvalidCall = 5,         ///< invalid procedure call or argument

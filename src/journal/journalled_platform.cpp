@@ -1,0 +1,157 @@
+#include "journal/journalled_platform.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "journal/journal_lines.h"
+#include "journal/journalled_automation.h"
+
+namespace parvex::journal {
+namespace {
+
+class JournalledRouter : public MessageRouter {
+ public:
+  JournalledRouter(std::unique_ptr<MessageRouter> outside, std::ostream& out)
+      : outside_(std::move(outside)), out_(out) {}
+
+  bool SendRequestMessage(const std::string& request, std::string& response) override {
+    Json line = {{"kind", "router"}, {"request", request}, {"answer", ""}, {"success", false}};
+    try {
+      const bool success = outside_->SendRequestMessage(request, response);
+      line["answer"] = response;
+      line["success"] = success;
+      WriteLine(out_, line);
+      return success;
+    } catch (const AutomationError& error) {
+      line["error"] = ErrorJson(error);
+      WriteLine(out_, line);
+      throw;
+    }
+  }
+
+ private:
+  std::unique_ptr<MessageRouter> outside_;
+  std::ostream& out_;
+};
+
+class JournalledRouters : public MessageRouters {
+ public:
+  JournalledRouters(MessageRouters& outside, std::ostream& out) : outside_(outside), out_(out) {}
+
+  std::unique_ptr<MessageRouter> Create() override {
+    return std::make_unique<JournalledRouter>(outside_.Create(), out_);
+  }
+
+ private:
+  MessageRouters& outside_;
+  std::ostream& out_;
+};
+
+Json ProcessLine(std::string_view commandLine, int windowStyle) {
+  return {{"kind", "process"}, {"command", std::string(commandLine)}, {"windowStyle", windowStyle},
+          {"exitCode", nullptr}};
+}
+
+// Writes its line when the exit code is known, or when it is dropped before.
+class JournalledProcess : public Process {
+ public:
+  JournalledProcess(std::unique_ptr<Process> outside, Json line, std::ostream& out)
+      : outside_(std::move(outside)), line_(std::move(line)), out_(out) {}
+  JournalledProcess(const JournalledProcess&) = delete;
+  JournalledProcess& operator=(const JournalledProcess&) = delete;
+  ~JournalledProcess() override { WriteOnce(); }
+
+  std::uint32_t ExitCode() override {
+    const std::uint32_t exitCode = outside_->ExitCode();
+    if (exitCode != kStillActive && line_) {
+      (*line_)["exitCode"] = static_cast<std::int32_t>(exitCode);
+      WriteOnce();
+    }
+    return exitCode;
+  }
+
+ private:
+  void WriteOnce() {
+    if (line_) {
+      WriteLine(out_, *line_);
+      line_.reset();
+    }
+  }
+
+  std::unique_ptr<Process> outside_;
+  std::optional<Json> line_;  // until it is written
+  std::ostream& out_;
+};
+
+class JournalledProcesses : public Processes {
+ public:
+  JournalledProcesses(Processes& outside, std::ostream& out) : outside_(outside), out_(out) {}
+
+  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) override {
+    Json line = ProcessLine(commandLine, windowStyle);
+    try {
+      std::unique_ptr<Process> process = outside_.Start(commandLine, windowStyle);
+      return std::make_unique<JournalledProcess>(std::move(process), std::move(line), out_);
+    } catch (const AutomationError& error) {
+      line["exitCode"] = static_cast<std::int32_t>(kObjectErrorBase + error.RuntimeNumber());
+      line["error"] = ErrorJson(error);
+      WriteLine(out_, line);
+      throw;
+    }
+  }
+
+ private:
+  Processes& outside_;
+  std::ostream& out_;
+};
+
+class JournalledMessageBoxes : public MessageBoxes {
+ public:
+  JournalledMessageBoxes(MessageBoxes& outside, std::ostream& out) : outside_(outside), out_(out) {}
+
+  // Written before the box opens: it may stay open for long.
+  void Show(std::string_view text, std::string_view caption, Icon icon) override {
+    WriteLine(out_, {{"kind", "messageBox"},
+                     {"text", std::string(text)},
+                     {"caption", std::string(caption)},
+                     {"icon", icon == Icon::Stop ? "stop" : "none"}});
+    outside_.Show(text, caption, icon);
+  }
+
+ private:
+  MessageBoxes& outside_;
+  std::ostream& out_;
+};
+
+}  // namespace
+
+struct JournalledPlatform::Parts {
+  Parts(const parvex::Platform& theOutside, std::ostream& out)
+      : outside(theOutside),
+        routers(outside.messageRouters, out),
+        automation(outside.automation, out),
+        processes(outside.processes, out),
+        boxes(outside.messageBoxes, out) {}
+
+  const parvex::Platform outside;
+  JournalledRouters routers;
+  JournalledAutomation automation;
+  JournalledProcesses processes;
+  JournalledMessageBoxes boxes;
+};
+
+JournalledPlatform::JournalledPlatform(const parvex::Platform& outside, std::ostream& out)
+    : parts_(std::make_unique<Parts>(outside, out)) {}
+
+JournalledPlatform::~JournalledPlatform() = default;
+
+parvex::Platform JournalledPlatform::Platform() {
+  const parvex::Platform& outside = parts_->outside;
+  return {outside.registry,    outside.privateProfile, outside.files,   parts_->processes,
+          outside.messagePump, parts_->boxes,          parts_->routers, parts_->automation,
+          outside.projectDatabases, outside.codePage};
+}
+
+}  // namespace parvex::journal

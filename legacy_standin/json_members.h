@@ -1,0 +1,45 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+namespace parvex::standin {
+
+using Json = nlohmann::ordered_json;
+
+/// The parsed text; an AutomationError (5) that names `fileName` and the position when it is no JSON.
+Json ParseJson(std::string_view text, std::string_view fileName);
+
+/// The members of one object of a JSON file, taken by name. Whatever does not fit is an AutomationError (5) that names the
+/// file, the member with its place in the file, what was wanted and the value that was found.
+class JsonMembers {
+ public:
+  JsonMembers(std::string fileName, std::string place, const Json& object);
+
+  /// The member's value, null when it is not there.
+  Json Take(const std::string& key);
+  /// The member's value, empty when it is not there.
+  std::string TakeText(const std::string& key);
+  bool TakeFlag(const std::string& key, bool fallback);
+  /// The member's items, none when it is not there.
+  Json TakeList(const std::string& key);
+  /// The members of an object, none when it is not there.
+  JsonMembers TakeObject(const std::string& key);
+
+  /// Refuses what nobody has taken: a misspelt key must not go unnoticed.
+  void Finish() const;
+
+  /// The member's place in the file, for example "units[2].stored".
+  std::string PlaceOf(const std::string& key) const;
+  [[noreturn]] void Refuse(const std::string& place, const std::string& wanted, const Json& value) const;
+
+  const std::string& FileName() const { return fileName_; }
+
+ private:
+  std::string fileName_;
+  std::string place_;
+  Json rest_;
+};
+
+}  // namespace parvex::standin

@@ -1,0 +1,194 @@
+#include "legacy_standin/sample_machine.h"
+
+#include <array>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "legacy_standin/jet_writer.h"
+#include "legacy_standin/sample_project.h"
+#include "legacy_standin/units.h"
+#include "platform/automation_error.h"
+#include "platform/text.h"
+#include "platform/xml.h"
+
+namespace parvex::standin {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Stands in a machine folder from the first step of its making: what stands beside it may be made anew.
+constexpr const char* kMarker = "sample-machine.txt";
+constexpr std::string_view kMarkerText =
+    "This folder stands for a Windows machine with a substitute legacy application.\n"
+    "It was made by \"parvex machine create\", which makes registry.reg, drive_c and commands anew\n"
+    "when it is told so again; other files in this folder stay.\n";
+constexpr std::array kMadeHere = {"registry.reg", "drive_c", "commands"};
+
+constexpr std::string_view kRegistry =
+    "Windows Registry Editor Version 5.00\r\n"
+    "\r\n"
+    "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane]\r\n"
+    "\r\n"
+    "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane\\KDQ47]\r\n"
+    "\"BinPath\"=\"C:\\\\Korvane\\\\TQ5-VX\\\\Bin\\\\\"\r\n"
+    "\"Version\"=\"4.71\"\r\n"
+    "\r\n";
+
+constexpr std::string_view kUiKeys =
+    "ToolBarActive=-1\r\n"
+    "TreeViewActive=-1\r\n"
+    "SplitterPosition=<ColSplitter Index=\"0\" WidthP=\"22819\">\r\n"
+    "LastProject=Riverside Clinic\r\n";
+
+constexpr std::string_view kOptions = R"(<?xml version="1.0" encoding="windows-1252"?>
+<Tools>
+  <Tool ID="SOV01">
+    <Option><Name>txtReportFooter</Name><Value>Selections are subject to review</Value></Option>
+    <Option><Name>chkShowPrices</Name><Value>1</Value></Option>
+    <Option><Name>cmbPaperSize</Name><Value>Letter</Value></Option>
+  </Tool>
+  <Tool ID="SOV02">
+    <Option><Name>cmbLanguage</Name><Value>English</Value></Option>
+    <Option><Name>cmbUnitOfMeasure</Name><Value>Imperial</Value></Option>
+  </Tool>
+</Tools>
+)";
+
+/// One tool a product family; the fan coil tool is newer than the unit that was selected with it.
+constexpr std::string_view kTools = R"(<?xml version="1.0" encoding="windows-1252"?>
+<Tools>
+  <Tool><Name>Rooftop units</Name><Pdsg>RTU47</Pdsg><Version>4.71.0</Version></Tool>
+  <Tool><Name>Custom air handlers</Name><Pdsg>AHE47</Pdsg><Version>4.71.0</Version></Tool>
+  <Tool><Name>Chillers</Name><Pdsg>XRC47</Pdsg><Version>4.71.0</Version></Tool>
+  <Tool><Name>Water-source heat pumps</Name><Pdsg>WSH47</Pdsg><Version>4.71.0</Version></Tool>
+  <Tool><Name>Fan coils</Name><Pdsg>FCB47</Pdsg><Version>4.72.1</Version></Tool>
+  <Tool><Name>Split systems</Name><Pdsg>SD347</Pdsg><Version>4.71.0</Version></Tool>
+</Tools>
+)";
+
+constexpr std::string_view kTagUpdateInfo = R"(<?xml version="1.0" encoding="windows-1252"?>
+<TagUpdateInfo>
+  <Table Name="TagData"><Column>sTagName</Column><Column>sDescription</Column></Table>
+  <Table Name="TagIndex"><Column>sTagName</Column></Table>
+</TagUpdateInfo>
+)";
+
+void WriteFile(const fs::path& path, std::string_view bytes) {
+  fs::create_directories(path.parent_path());
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  file.close();
+  if (!file) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, "cannot write " + path.string());
+  }
+}
+
+/// UTF-16LE with byte order mark, as the registry editor exports it. The text is ASCII.
+std::string AsRegistryExport(std::string_view text) {
+  std::string bytes = "\xFF\xFE";
+  for (const char c : text) {
+    bytes += {c, '\0'};
+  }
+  return bytes;
+}
+
+JetTable ConfigTable() {
+  return {"Config",
+          {{.name = "sPdsg", .size = 10}, {.name = "sKey", .size = 50}, {.name = "sValue"}},
+          {{"KDQ47", "CompanyName", "Marsh & Lindqvist Mechanical"},
+           {"KDQ47", "EmailID", "quotes@marsh-lindqvist.example"},
+           {"KDQ47", "ContactNumber", "+1 555 0147"}}};
+}
+
+/// The index of tags: where a tag's number is found by its family, its version and its name.
+JetTable TagIndexTable(const std::vector<Unit>& units) {
+  JetTable table = {"TagIndex",
+                    {{.name = "lTagId", .type = JetColumn::Type::Long},
+                     {.name = "sAPP", .size = 10},
+                     {.name = "sAppVer", .size = 10},
+                     {.name = "sTagName"}},
+                    {}};
+  for (const Unit& unit : units) {
+    const std::string pdsg = FieldOf(unit.keys, "PDSG");
+    table.rows.push_back({std::to_string(unit.tagId), std::string(FirstUnits(pdsg, 3)),
+                          std::string(LastUnits(pdsg, 2)), FieldOf(unit.keys, "MarkFor")});
+  }
+  return table;
+}
+
+void WriteProject(const fs::path& folder, const std::vector<Unit>& units) {
+  WriteFile(folder / "units.json", FormatUnits(units));
+  const std::array tables = {ConfigTable(), TagIndexTable(units)};
+  WriteFile(folder / "project.mdb", MakeJetDatabase(tables));
+}
+
+/// A command document that exports tags of the project, all of them when none is named.
+std::string ExportCommand(const std::vector<std::string>& tagNames) {
+  const xml::Document command = xml::Document::Parse(
+      "<COMMAND><NAME>getHybrisXMLNoUI</NAME><PARAMETER><NAME>selection</NAME><VALUE><UserSelectionTransfer>"
+      "<ProjectName/></UserSelectionTransfer></VALUE></PARAMETER></COMMAND>");
+  command.First("//ProjectName").SetText(kSampleProject);
+  if (!tagNames.empty()) {
+    const xml::Node list = command.First("//UserSelectionTransfer").Append(command.CreateElement("TagNames"));
+    for (const std::string& name : tagNames) {
+      list.Append(command.CreateElement("TagName")).SetText(name);
+    }
+  }
+  return command.Bytes();
+}
+
+void WriteCommands(const fs::path& folder) {
+  WriteFile(folder / "getHybrisXMLNoUI.xml", ExportCommand({}));
+  WriteFile(folder / "getHybrisXMLNoUI-two-tags.xml", ExportCommand({"CH-1", "Küche & Café <EG>"}));
+  WriteFile(folder / "getHybrisXML.xml", "<COMMAND><NAME>getHybrisXML</NAME></COMMAND>\r\n");
+}
+
+void WriteProgramFolder(const fs::path& bin, const fs::path& workflowProgram) {
+  WriteFile(bin / "UIKeys.txt", kUiKeys);
+  WriteFile(bin / "Options.xml", kOptions);
+  WriteFile(bin / "Tools.xml", kTools);
+  WriteFile(bin / "TagUpdateInfo.xml", kTagUpdateInfo);
+  const fs::path program = bin / "kdwfm470.exe";
+  fs::copy_file(workflowProgram, program);
+  fs::permissions(program, fs::perms::owner_all, fs::perm_options::add);
+}
+
+/// Leaves `folder` as one that this function may fill: new, empty, or emptied of what was made here before.
+void ClaimFolder(const fs::path& folder) {
+  if (fs::exists(folder) && !fs::is_directory(folder)) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, folder.string() + " is not a folder");
+  }
+  if (fs::exists(folder) && !fs::is_empty(folder) && !fs::exists(folder / kMarker)) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess,
+                           folder.string() + " is neither empty nor a sample machine: it stays as it is");
+  }
+  WriteFile(folder / kMarker, kMarkerText);
+  for (const char* name : kMadeHere) {
+    fs::remove_all(folder / name);
+  }
+}
+
+}  // namespace
+
+void CreateSampleMachine(const fs::path& folder, const fs::path& workflowProgram) {
+  if (!fs::is_regular_file(workflowProgram)) {
+    throw MakeRuntimeError(RuntimeError::FileNotFound, "no workflow program " + workflowProgram.string());
+  }
+  try {
+    ClaimFolder(folder);
+    WriteFile(folder / "registry.reg", AsRegistryExport(kRegistry));
+    const fs::path root = folder / "drive_c" / "Korvane" / "TQ5-VX";
+    for (const char* name : {"Temp", "Archives"}) {
+      fs::create_directories(root / name);
+    }
+    WriteProgramFolder(root / "Bin", workflowProgram);
+    WriteProject(root / "Projects" / kSampleProject, SampleUnits());
+    WriteCommands(folder / "commands");
+  } catch (const fs::filesystem_error& error) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string("cannot make the sample machine: ") + error.what());
+  }
+}
+
+}  // namespace parvex::standin

@@ -1,0 +1,28 @@
+# What the cross build for Windows needs beyond the native one.
+
+# The message router of the legacy application, as the installation registers it; the defaults are the substitute's.
+set(PARVEX_ROUTER_CLSID "{196AAAC4-3B30-44CD-BF13-4C212B3BCD3D}" CACHE STRING "Class id of the message router")
+set(PARVEX_ROUTER_IID "{E3B59D45-E9F2-4852-95E0-C034FE2B0A22}" CACHE STRING "Interface id of the message router")
+
+# The cross compiler sees none of this system's header folders. Libraries that are headers only are staged alone.
+function(parvex_stage_headers target folder)
+  find_path(${target}_HEADERS ${folder} PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+  set(staged ${CMAKE_BINARY_DIR}/staged/${folder})
+  file(COPY ${${target}_HEADERS}/${folder} DESTINATION ${staged})
+  add_library(${target}_staged INTERFACE)
+  target_include_directories(${target}_staged SYSTEM INTERFACE ${staged})
+  add_library(${target}::${target} ALIAS ${target}_staged)
+endfunction()
+
+parvex_stage_headers(nlohmann_json nlohmann)
+parvex_stage_headers(CLI11 CLI)
+
+# GoogleTest comes as sources.
+find_path(PARVEX_GOOGLETEST_SOURCES googletest/CMakeLists.txt PATHS /usr/src/googletest NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+add_subdirectory(${PARVEX_GOOGLETEST_SOURCES} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+foreach(name gtest gtest_main gmock gmock_main)
+  if(NOT TARGET GTest::${name})
+    add_library(GTest::${name} ALIAS ${name})
+  endif()
+endforeach()

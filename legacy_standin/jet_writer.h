@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace parvex::standin {
+
+struct JetColumn {
+  enum class Type { Text, Memo, Boolean, Byte, Integer, Long, Single, Double };
+  std::string name;
+  Type type = Type::Text;
+  int size = 255;          ///< characters that a text may have, at most 255; of no meaning for the other types
+  bool compressed = true;  ///< whether texts are stored in the compressed form where that is shorter
+};
+
+struct JetTable {
+  std::string name;
+  std::vector<JetColumn> columns;
+  /// As many values as columns; no value is a null, numbers are decimal.
+  std::vector<std::vector<std::optional<std::string>>> rows;
+};
+
+/// The bytes of a new Jet 4 database that holds these tables and the system tables, none with an index. A value that its
+/// column cannot take is an AutomationError.
+std::string MakeJetDatabase(std::span<const JetTable> tables);
+
+}  // namespace parvex::standin

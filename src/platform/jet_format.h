@@ -1,0 +1,124 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The Jet 4 file format (.mdb), as far as reading, changing and making files needs it: numbers, texts, rows and data
+/// pages as bytes. Nothing here knows files or tables by name; docs/jet-databases.md describes the format in prose.
+namespace parvex::jet {
+
+inline constexpr std::size_t kPageSize = 4096;
+/// "Standard Jet DB" stands behind these four bytes at the start of every file.
+inline constexpr std::string_view kFileStart{"\0\1\0\0Standard Jet DB\0", 20};
+/// The system catalogue (MSysObjects) always has its table definition on this page.
+inline constexpr std::uint32_t kCataloguePage = 2;
+/// What the catalogue calls a table; the number of a table's definition page is its object id.
+inline constexpr int kTableObject = 1;
+
+enum class PageType : std::uint8_t { Database = 0, Data = 1, TableDefinition = 2, UsageMap = 5 };
+
+enum class ColumnType : std::uint8_t {
+  Boolean = 1,
+  Byte = 2,
+  Integer = 3,
+  Long = 4,
+  Currency = 5,
+  Single = 6,
+  Double = 7,
+  DateTime = 8,
+  Binary = 9,
+  Text = 10,
+  LongBinary = 11,
+  Memo = 12,
+  Guid = 15,
+  Decimal = 16
+};
+
+struct Column {
+  std::string name;
+  ColumnType type = ColumnType::Text;
+  bool fixed = false;                ///< has its place in the fixed part of a row
+  bool compressed = false;           ///< texts may be stored in the compressed form
+  bool autonumber = false;
+  std::uint16_t number = 0;          ///< its bit in the null mask; numbers of deleted columns are not used again
+  std::uint16_t variableNumber = 0;  ///< its entry in the table of variable offsets
+  std::uint16_t fixedOffset = 0;     ///< from the end of the row's column count
+  std::uint16_t size = 0;            ///< bytes: exactly for fixed columns, at most for texts
+};
+
+/// What the rows of one table have in common.
+struct RowShape {
+  std::vector<Column> columns;
+  std::uint16_t columnCount = 0;    ///< with the deleted ones
+  std::uint16_t variableCount = 0;  ///< with the deleted ones
+};
+
+/// The stored bytes of a row's columns, in the order of RowShape::columns; a null column has none. A Boolean is never
+/// null: it has no bytes when false and one when true.
+using StoredValues = std::vector<std::optional<std::string>>;
+
+/// Where a row stands. Stored in four bytes: the row number in the lowest, the page above it.
+struct RowPlace {
+  std::uint32_t page = 0;
+  std::uint8_t row = 0;
+  bool operator==(const RowPlace&) const = default;
+};
+
+// Numbers, little-endian. The place must lie inside.
+std::uint16_t Get16(std::string_view bytes, std::size_t at);
+std::uint32_t Get32(std::string_view bytes, std::size_t at);
+RowPlace GetPlace(std::string_view bytes, std::size_t at);
+void Put16(std::string& bytes, std::size_t at, std::uint16_t value);
+void Put32(std::string& bytes, std::size_t at, std::uint32_t value);
+void PutPlace(std::string& bytes, std::size_t at, RowPlace place);
+void Append16(std::string& bytes, std::uint16_t value);
+void Append32(std::string& bytes, std::uint32_t value);
+
+/// UTF-16 in little-endian bytes, as texts and names are stored. Bytes that are no UTF-8 become U+FFFD.
+std::string Utf16Bytes(std::string_view utf8);
+/// The reverse; a surrogate without its other half becomes U+FFFD.
+std::string Utf8FromUtf16Bytes(std::string_view bytes);
+/// A text as a column stores it: compressed when that is allowed and shorter.
+std::string EncodeText(std::string_view utf8, bool compress);
+/// A memo's column bytes with the text kept inside the row.
+std::string EncodeMemo(std::string_view utf8, bool compress);
+
+/// A row. Values are as many as columns; the value of a fixed column has exactly its size.
+std::string EncodeRow(const RowShape& shape, const StoredValues& values);
+/// The reverse; nothing when the row's bytes contradict themselves or the shape.
+std::optional<StoredValues> DecodeRow(const RowShape& shape, std::string_view row);
+
+/// A data page taken apart: what its slots hold, in order. Slots are never renumbered, since indexes and other pages
+/// point at them.
+struct DataPage {
+  struct Slot {
+    bool hidden = false;   ///< reached only through a pointer elsewhere
+    bool pointer = false;  ///< holds the place of a row that has outgrown this page
+    std::string bytes;
+    bool Deleted() const { return hidden && pointer; }
+  };
+  std::uint32_t owner = 0;  ///< definition page of the table
+  std::vector<Slot> slots;
+
+  /// Free bytes on the page; negative when it is overfull and cannot be written.
+  std::ptrdiff_t FreeBytes() const;
+  /// Whether one more row of that length has room.
+  bool HasRoom(std::size_t rowLength) const;
+};
+
+/// Nothing when the bytes are not a sound data page.
+std::optional<DataPage> DecodeDataPage(std::string_view page);
+std::string EncodeDataPage(const DataPage& page);
+
+/// The longest row that a page can hold.
+inline constexpr std::size_t kLongestRow = 4060;
+/// Rows of a page are numbered in one byte.
+inline constexpr std::size_t kMostRows = 255;
+
+/// Turns the masked part of a database page readable, or back.
+void ToggleHeaderMask(std::string& databasePage);
+
+}  // namespace parvex::jet

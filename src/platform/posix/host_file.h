@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace parvex::posix {
+
+// Whole files of this system. Errors are AutomationErrors that call the file by `shownPath`, its path on the machine.
+
+/// Tells one version of a file from the next.
+struct FileVersion {
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;
+  std::int64_t size = 0;
+  std::int64_t modifiedNanoseconds = 0;
+  std::int64_t changedNanoseconds = 0;
+  bool operator==(const FileVersion&) const = default;
+};
+
+/// Nothing when the file does not exist or is none.
+std::optional<FileVersion> VersionOf(const std::filesystem::path& host);
+
+/// Not found (53), a folder or not readable (75).
+std::string ReadHostFile(const std::filesystem::path& host, std::string_view shownPath);
+
+enum class IfPresent { Replace, Refuse };
+
+/// Makes `host` hold exactly `bytes`: a new file beside it, completely written, takes the name in one step, so that the old
+/// or the complete new file stands there at every moment. The new file is gone after a failure. A replaced file hands its
+/// permissions on; one that nobody may write is read-only and refused (75), as is an existing one if asked to (58). No
+/// room: 61. An existing file's bytes are safe from a power cut too: the new ones reach the disk before they take the name.
+void WriteHostFile(const std::filesystem::path& host, std::string_view bytes, IfPresent ifPresent,
+                   std::string_view shownPath);
+
+/// Not found (53), a folder or read-only (75).
+void RemoveHostFile(const std::filesystem::path& host, std::string_view shownPath);
+
+/// The AutomationError for the system's error number `code`, said as "`what` `shownPath`: reason".
+[[noreturn]] void RaiseSystemError(int code, std::string_view what, std::string_view shownPath);
+
+}  // namespace parvex::posix

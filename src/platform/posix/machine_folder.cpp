@@ -1,0 +1,241 @@
+#include "platform/posix/machine_folder.h"
+
+#include <dirent.h>
+#include <limits.h>
+#include <locale.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <wctype.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+#include "platform/automation_error.h"
+#include "platform/text.h"
+
+namespace parvex::posix {
+namespace {
+
+constexpr std::size_t kMostFoundPaths = 10'000;
+
+bool IsSeparator(char c) { return c == '\\' || c == '/'; }
+
+bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+// Names of devices stay devices with an extension ("nul.txt") and in every folder.
+bool IsDeviceName(std::string_view name) {
+  static constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
+  const std::string stem = FoldName(TrimBlanks(name.substr(0, name.find('.'))));
+  if (stem.size() == 4 && (stem.starts_with("COM") || stem.starts_with("LPT"))) {
+    return stem[3] >= '1' && stem[3] <= '9';
+  }
+  return std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end();
+}
+
+std::string_view WithoutTrailingDotsAndBlanks(std::string_view name) {
+  const std::size_t last = name.find_last_not_of(". ");
+  return name.substr(0, last == std::string_view::npos ? 0 : last + 1);
+}
+
+// One component between separators. False when no file can be called that.
+bool AppendComponent(std::vector<std::string>& names, std::string_view component) {
+  if (component.empty() || component == ".") {
+    return true;
+  }
+  if (component == "..") {
+    if (!names.empty()) {
+      names.pop_back();
+    }
+    return true;
+  }
+  const std::string_view name = WithoutTrailingDotsAndBlanks(component);
+  if (!IsFileName(name)) {
+    return false;
+  }
+  names.emplace_back(name);
+  return true;
+}
+
+bool Exists(const std::string& host) {
+  struct stat status;
+  return stat(host.c_str(), &status) == 0;
+}
+
+bool IsFolder(const std::string& host) {
+  struct stat status;
+  return stat(host.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// The first name in the folder, in the order of the bytes, that is `name` in any letter case and leads somewhere.
+std::optional<std::string> FindInFolder(const std::string& folder, const std::string& name) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.c_str()), closedir);
+  if (!listing) {
+    return std::nullopt;
+  }
+  const std::string wanted = FoldName(name);
+  std::optional<std::string> best;
+  while (const dirent* entry = readdir(listing.get())) {
+    const std::string_view candidate = entry->d_name;
+    if ((!best || candidate < *best) && FoldName(candidate) == wanted && Exists(folder + "/" + entry->d_name)) {
+      best = candidate;
+    }
+  }
+  return best;
+}
+
+std::optional<std::string> RealPath(const std::string& host) {
+  const std::unique_ptr<char, void (*)(void*)> real(realpath(host.c_str(), nullptr), free);
+  return real ? std::optional<std::string>(real.get()) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<MachinePath> MachinePath::Parse(std::string_view text) {
+  MachinePath path;
+  if (text.empty() || (text.size() >= 2 && IsSeparator(text[0]) && IsSeparator(text[1]))) {
+    return std::nullopt;
+  }
+  if (text.size() >= 2 && text[1] == ':' && IsLetter(text[0])) {
+    path.drive = static_cast<char>(text[0] & ~0x20);
+    text.remove_prefix(2);
+  }
+  path.endsInSeparator = !text.empty() && IsSeparator(text.back());
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find_first_of("\\/"), text.size());
+    if (!AppendComponent(path.names, text.substr(0, end))) {
+      return std::nullopt;
+    }
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return path;
+}
+
+std::string MachinePath::Text() const {
+  std::string text{drive, ':'};
+  for (const std::string& name : names) {
+    text.append("\\").append(name);
+  }
+  return names.empty() ? text + "\\" : text;
+}
+
+MachinePath MachinePath::Parent() const {
+  MachinePath parent{drive, names, true};
+  if (!names.empty()) {
+    parent.names.pop_back();
+  }
+  return parent;
+}
+
+bool IsFileName(std::string_view name) {
+  const auto refused = [](char c) {
+    return static_cast<unsigned char>(c) < 0x20 || std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos;
+  };
+  return !name.empty() && name == WithoutTrailingDotsAndBlanks(name) && std::none_of(name.begin(), name.end(), refused) &&
+         !IsDeviceName(name);
+}
+
+std::string FoldName(std::string_view name) {
+  // The letters of the C library's own UTF-8 locale, whatever locale the process runs in.
+  static const locale_t letters = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  if (letters == nullptr || IsAscii(name)) {
+    return ToUpper(name);
+  }
+  std::u16string units = ToUtf16(name);
+  for (char16_t& unit : units) {
+    const wint_t upper = towupper_l(unit, letters);
+    unit = upper <= 0xFFFF ? static_cast<char16_t>(upper) : unit;
+  }
+  return FromUtf16(units);
+}
+
+MachineFolder::MachineFolder(const std::filesystem::path& root) : root_(std::filesystem::absolute(root)) {
+  if (!root_.has_filename()) {
+    root_ = root_.parent_path();
+  }
+  if (!IsFolder(root_.string())) {
+    throw MakeRuntimeError(RuntimeError::PathNotFound, "the machine folder " + root.string() + " does not exist");
+  }
+}
+
+std::optional<std::filesystem::path> MachineFolder::Resolve(std::string_view path) {
+  const std::optional<MachinePath> parsed = MachinePath::Parse(path);
+  return parsed ? Resolve(*parsed) : std::nullopt;
+}
+
+std::optional<std::filesystem::path> MachineFolder::Resolve(const MachinePath& path) {
+  const std::optional<std::string> host = Find(path, path.names.size());
+  if (!host || (path.endsInSeparator && !IsFolder(*host))) {
+    return std::nullopt;
+  }
+  return *host;
+}
+
+std::filesystem::path MachineFolder::Target(std::string_view path) {
+  const std::optional<MachinePath> parsed = MachinePath::Parse(path);
+  if (!parsed) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(path) + " cannot be the path of a file");
+  }
+  return Target(*parsed);
+}
+
+std::filesystem::path MachineFolder::Target(const MachinePath& path) {
+  const std::optional<std::filesystem::path> folder = Resolve(path.Parent());
+  if (!folder) {
+    throw MakeRuntimeError(RuntimeError::PathNotFound, "the folder of " + path.Text() + " does not exist");
+  }
+  const std::optional<std::string> existing = Find(path, path.names.size());
+  if (path.endsInSeparator || path.names.empty() || (existing && IsFolder(*existing))) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, path.Text() + " is a folder");
+  }
+  RefuseOutsideOfDrive(path, existing ? std::filesystem::path(*existing) : *folder);
+  return existing ? std::filesystem::path(*existing) : *folder / path.names.back();
+}
+
+void MachineFolder::RefuseOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host) const {
+  const std::optional<std::string> drive = RealPath(DriveFolder(path.drive));
+  const std::optional<std::string> real = RealPath(host.string());
+  if (!drive || !real || !(*real + "/").starts_with(*drive + "/")) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess,
+                           path.Text() + " leads out of drive " + path.drive + " by a link and is not written");
+  }
+}
+
+std::string MachineFolder::DriveFolder(char drive) const {
+  return root_.string() + "/drive_" + static_cast<char>(drive | 0x20);
+}
+
+// The first `depth` names of a path.
+std::optional<std::string> MachineFolder::Find(const MachinePath& path, std::size_t depth) {
+  std::string exact = DriveFolder(path.drive);
+  for (std::size_t i = 0; i < depth; ++i) {
+    exact.append("/").append(path.names[i]);
+  }
+  if (Exists(exact)) {
+    return exact;
+  }
+  if (depth == 0) {
+    return std::nullopt;
+  }
+  if (const auto known = found_.find(exact); known != found_.end()) {
+    if (Exists(known->second)) {
+      return known->second;
+    }
+    found_.erase(known);
+  }
+  const std::optional<std::string> folder = Find(path, depth - 1);
+  const std::optional<std::string> name = folder ? FindInFolder(*folder, path.names[depth - 1]) : std::nullopt;
+  if (!name) {
+    return std::nullopt;
+  }
+  if (found_.size() >= kMostFoundPaths) {
+    found_.clear();
+  }
+  return found_.emplace(std::move(exact), *folder + "/" + *name).first->second;
+}
+
+}  // namespace parvex::posix

@@ -1,0 +1,99 @@
+#include "hybris/return_to_legacy.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "codec/bin_encoder.h"
+#include "interface/reply_envelope.h"
+#include "legacy_env/file_routines.h"
+#include "legacy_env/ini_target.h"
+#include "legacy_env/install_paths.h"
+#include "platform/automation_error.h"
+#include "platform/text.h"
+
+namespace parvex {
+namespace {
+
+/// A path inside the tag document. It is looked for under PARAMETERS, which no other command has: deliberate, the return
+/// command's front end wraps its parameters once more. Its project name and mark-for text are not used here.
+std::string InTag(std::string_view path) {
+  return "//COMMAND/PARAMETERS/PARAMETER/PROJECT/TAGS/TAG/" + std::string(path);
+}
+
+void ShowBox(const Platform& platform, std::string_view text) {
+  platform.messageBoxes.Show(text, kDefaultCaption, MessageBoxes::Icon::None);
+}
+
+xml::Document Refuse(const Platform& platform, std::string_view boxText, std::string_view errorMessage) {
+  ShowBox(platform, boxText);
+  return MakeFailedReply(errorMessage);
+}
+
+void DeleteWhenThere(const Platform& platform, const std::string& path) {
+  if (FileExists(platform, path)) {
+    platform.files.Remove(path);
+  }
+}
+
+void WriteEntry(const Platform& platform, const std::string& file, std::string_view section, std::string_view key,
+                std::string_view value) {
+  SetIniTarget(platform, section, file);
+  if (WriteIniString(platform, key, value) == 0) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, "cannot write [" + std::string(section) + "] " +
+                                                             std::string(key) + " to \"" + file + "\"");
+  }
+}
+
+/// Every component of the document is shown once for every base unit, deliberately: the list of components is that of the
+/// whole document, not of the unit.
+void ShowComponents(const Platform& platform, const xml::Document& command) {
+  const std::size_t unitCount = command.All(InTag("BASEUNITS/BASEUNIT")).size();
+  if (unitCount == 0) {
+    return;
+  }
+  std::vector<std::string> texts;
+  for (const xml::Node& component : command.All(InTag("BASEUNITS/BASEUNIT/COMPONENTS/COMPONENT"))) {
+    texts.push_back(component.Xml());
+  }
+  for (std::size_t unit = 0; unit < unitCount; ++unit) {
+    for (const std::string& text : texts) {
+      ShowBox(platform, text);
+    }
+  }
+}
+
+}  // namespace
+
+xml::Document ReturnTagToLegacy(LegacyLink& link, const xml::Document& command) {
+  const Platform& platform = link.platform;
+  const xml::Node pdsg = command.First(InTag("ATTRIBUTES_LIST/PDSG"));
+  if (!pdsg) {
+    return Refuse(platform, "This Tag did not originate from Legacy ORLA. Cannot Import it.",
+                  "Tag document PDSG is missing");
+  }
+  const xml::Node blob = command.First(InTag("ATTRIBUTES_LIST/BLOB"));
+  if (!blob) {
+    const bool isAppliedChiller = FirstUnits(TrimBlanks(pdsg.Text()), 2) == "XR";
+    return Refuse(platform,
+                  isAppliedChiller ? "Returning Applied Chiller Tags to ORLA is not supported."
+                                   : "Only units that originated in ORLA can be returned to ORLA",
+                  "Tag document BLOB is missing");
+  }
+  const std::string root = GetDataRoot(platform);
+  const std::string selectionFile = root + "\\Temp\\QPblob.tmp";
+  DeleteWhenThere(platform, selectionFile);
+  cBinEncoder(platform.codePage, platform.files).DecodeToFile(blob.Text(), selectionFile);
+
+  const std::string instructionFile = root + "\\Temp\\input.ini";
+  DeleteWhenThere(platform, instructionFile);
+  WriteEntry(platform, instructionFile, "Header", "Action", "ok");
+  WriteEntry(platform, instructionFile, "Partnumber1", "filename", selectionFile);
+
+  ShowComponents(platform, command);
+  const xml::Document reply = MakeReplyEnvelope();
+  reply.First("//errorMessage").SetText("No error");
+  return reply;
+}
+
+}  // namespace parvex

@@ -1,0 +1,110 @@
+#include "options/options_commands.h"
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "interface/command_document.h"
+#include "interface/reply_envelope.h"
+#include "interface/required_node.h"
+#include "legacy_env/install_paths.h"
+#include "platform/automation_error.h"
+
+namespace parvex {
+namespace {
+
+constexpr std::string_view kGeneralOptions[] = {"cmbLanguage", "cmbUnitOfMeasure"};
+
+std::string OptionsPath(const LegacyLink& link) { return GetBinPath(link.platform) + "\\Options.xml"; }
+
+/// The Option of tool SOV02 with that name; a null node when there is none.
+xml::Node GeneralOption(const xml::Document& options, std::string_view name) {
+  const xml::Node found =
+      options.First("//Tool[@ID='SOV02']/Option/Name[text()='" + std::string(name) + "']");
+  return found ? found.Parent() : xml::Node();
+}
+
+xml::Node ValueBelow(const xml::Node& element, std::string_view path) {
+  return Required(element.First(path), path, element.Name());
+}
+
+void SetGeneralOption(const xml::Document& options, const xml::Document& command, std::string_view name) {
+  const xml::Node given = command.First("//COMMAND/PARAMETER/NAME[text()='" + std::string(name) + "']");
+  if (!given) {
+    return;
+  }
+  const xml::Node option = Required(GeneralOption(options, name), name, "tool SOV02 of Options.xml");
+  ValueBelow(option, ".//Value").SetText(ValueBelow(given.Parent(), ".//VALUE").Text());
+}
+
+/// The options of tool SOV01 by name; of several with one name the first.
+std::unordered_map<std::string, xml::Node> PassedOptions(const xml::Document& options) {
+  std::unordered_map<std::string, xml::Node> byName;
+  for (const xml::Node& name : options.All("//Tool[@ID='SOV01']/Option/Name")) {
+    byName.try_emplace(name.Text(), name.Parent());
+  }
+  return byName;
+}
+
+void SetPassedOptions(const xml::Document& options, const xml::Document& command) {
+  const auto byName = PassedOptions(options);
+  for (const xml::Node& parameter : command.All("//COMMAND/PARAMETER")) {
+    const std::string name = ValueBelow(parameter, ".//NAME").Text();
+    const std::string value = ValueBelow(parameter, ".//VALUE").Text();
+    const auto option = byName.find(name);
+    if (option != byName.end() && name.find('\'') == std::string::npos) {
+      ValueBelow(option->second, ".//Value").SetText(value);
+    }
+  }
+}
+
+void WriteOptions(const LegacyLink& link, const xml::Document& command) {
+  const std::string path = OptionsPath(link);
+  const xml::Document options = xml::Document::Load(link.platform.files.ReadAll(path));
+  Required(options.Root(), "Tool", path);
+  for (const std::string_view name : kGeneralOptions) {
+    SetGeneralOption(options, command, name);
+  }
+  SetPassedOptions(options, command);
+  link.platform.files.Replace(path, options.Bytes());
+}
+
+xml::Document LoadOptions(const LegacyLink& link) {
+  try {
+    return xml::Document::Load(link.platform.files.ReadAll(OptionsPath(link)));
+  } catch (const AutomationError&) {
+    return xml::Document::New();
+  }
+}
+
+}  // namespace
+
+xml::Document GetOptions(LegacyLink& link, const xml::Document&) {
+  const xml::Document reply = xml::Document::Parse("<COMMAND><NAME>setOptions</NAME></COMMAND>");
+  const xml::Document options = LoadOptions(link);
+  if (options.IsEmpty()) {
+    return reply;
+  }
+  for (const std::string_view name : kGeneralOptions) {
+    const xml::Node option = GeneralOption(options, name);
+    const xml::Node value = option ? option.First(".//Value") : xml::Node();
+    if (value) {
+      AddParameter(reply, name, value.Text());
+    }
+  }
+  for (const xml::Node& option : options.All("//Tool[@ID='SOV01']/Option")) {
+    AddParameter(reply, ValueBelow(option, ".//Name").Text(), ValueBelow(option, ".//Value").Text());
+  }
+  return reply;
+}
+
+xml::Document SetOptions(LegacyLink& link, const xml::Document& command) {
+  try {
+    WriteOptions(link, command);
+    return MakeReplyEnvelope();
+  } catch (const AutomationError&) {
+    return MakeFailedReply();
+  }
+}
+
+}  // namespace parvex

@@ -1,0 +1,49 @@
+#include "projects/legacy_requests.h"
+
+#include <charconv>
+
+#include "interface/command_document.h"
+#include "platform/automation_error.h"
+#include "platform/text.h"
+
+namespace parvex {
+
+void AddParameters(const xml::Document& command, RequestParameters parameters) {
+  for (const auto& [name, value] : parameters) {
+    AddParameter(command, name, value);
+  }
+}
+
+xml::Document MakeRequest(std::string_view name, RequestParameters parameters) {
+  const xml::Document request = xml::Document::Parse("<COMMAND><NAME/></COMMAND>");
+  SetCommandName(request, name);
+  AddParameters(request, parameters);
+  return request;
+}
+
+bool Ask(const LegacyLink& link, const xml::Document& request, xml::Document& answer) {
+  std::string text;
+  const bool carriedOut = link.SendRequestMessage(request.Xml(), text);
+  answer = carriedOut ? xml::Document::Parse(text) : xml::Document();
+  return carriedOut;
+}
+
+bool StatusMeansTrue(std::string_view status) {
+  const std::string_view trimmed = TrimBlanks(status);
+  if (EqualIgnoringCase(trimmed, "True")) {
+    return true;
+  }
+  if (EqualIgnoringCase(trimmed, "False")) {
+    return false;
+  }
+  const std::string_view digits = trimmed.substr(trimmed.starts_with('+') ? 1 : 0);
+  double number = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (error != std::errc() || end != digits.data() + digits.size()) {
+    throw MakeRuntimeError(RuntimeError::TypeMismatch,
+                           "STATUS \"" + std::string(status) + "\" of the legacy application's answer is no yes or no");
+  }
+  return number != 0;
+}
+
+}  // namespace parvex

@@ -11,8 +11,8 @@ using Json = nlohmann::ordered_json;
 /// The parsed text; an AutomationError (5) that names `fileName` and the position when it is no JSON.
 Json ParseJson(std::string_view text, std::string_view fileName);
 
-/// The members of one object of a JSON file, taken by name. Whatever does not fit is an AutomationError (5) that names the
-/// file, the member with its place in the file, what was wanted and the value that was found.
+/// The members of one object of a JSON file, taken by name. Whatever does not fit is an AutomationError (5) that names
+/// the file, the member with its place in the file, what was wanted and the value that was found.
 class JsonMembers {
  public:
   JsonMembers(std::string fileName, std::string place, const Json& object);

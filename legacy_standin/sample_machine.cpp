@@ -187,7 +187,8 @@ void CreateSampleMachine(const fs::path& folder, const fs::path& workflowProgram
     WriteProject(root / "Projects" / kSampleProject, SampleUnits());
     WriteCommands(folder / "commands");
   } catch (const fs::filesystem_error& error) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string("cannot make the sample machine: ") + error.what());
+    throw MakeRuntimeError(RuntimeError::PathFileAccess,
+                           std::string("cannot make the sample machine: ") + error.what());
   }
 }
 

@@ -52,8 +52,8 @@ StoredData SapArchive(const std::string& fileName, StoredData::Place place, cons
   return {fileName, place, {{"Config.xml", configuration, true}}};
 }
 
-/// Three base units: the unit itself, an accessory that is marked as the second one, and an accessory with stored data of
-/// its own. Loose accessories and warranties name the base unit that they belong to.
+/// Three base units: the unit itself, an accessory that is marked as the second one, and an accessory with stored data
+/// of its own. Loose accessories and warranties name the base unit that they belong to.
 Unit Rooftop() {
   Unit unit;
   unit.tagId = 1101;

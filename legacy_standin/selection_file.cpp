@@ -3,8 +3,8 @@
 namespace parvex::standin {
 namespace {
 
-/// A value as it has to stand in the file for a private-profile reader to give it back unchanged: that reader trims blanks
-/// and takes off one pair of quotes.
+/// A value as it has to stand in the file for a private-profile reader to give it back unchanged: that reader trims
+/// blanks and takes off one pair of quotes.
 std::string Quoted(const std::string& value) {
   if (value.empty()) {
     return value;

@@ -53,8 +53,8 @@ struct Unit {
   bool operator==(const Unit&) const = default;
 };
 
-/// Reads the text of a units.json. What is no JSON, a key that nobody knows, a value of the wrong type or a text that does
-/// not fit on a line of the selection file is an AutomationError (5) that names `fileName`, the place and the value.
+/// Reads the text of a units.json. What is no JSON, a key that nobody knows, a value of the wrong type or a text that
+/// does not fit on a line of the selection file is an AutomationError (5) that names `fileName`, the place and the value.
 std::vector<Unit> ParseUnits(std::string_view json, std::string_view fileName);
 
 /// The text of a units.json that ParseUnits reads back as the same units.

@@ -1,5 +1,5 @@
-// kdwfm470: the workflow program of the substitute legacy application. It is started from the program folder of a machine
-// (.../drive_c/Korvane/TQ5-VX/Bin) and finds the other folders from there.
+// kdwfm470: the workflow program of the substitute legacy application. It is started from the program folder of a
+// machine (.../drive_c/Korvane/TQ5-VX/Bin) and finds the other folders from there.
 
 #include <cstdio>
 #include <exception>

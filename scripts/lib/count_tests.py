@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Adds up the results of ctest runs (its JUnit files): names what was skipped or failed, and ends with one line of totals.
+"""Adds up the results of ctest runs (its JUnit files): names what failed or was skipped, and ends with the totals.
 
 Ends with 1 when anything failed, or when there was nothing to run. A file that does not exist counts as no tests: the
 caller tells about it with --failed-builds.
@@ -44,7 +44,7 @@ def outcome_of(case):
 
 
 def reason_of(case):
-    """What the test wrote beside its skipping: GoogleTest prints it between the file's name and its own closing line."""
+    """What the test said about its skipping: GoogleTest prints it behind the line with the place in the source."""
     lines = (case.findtext("system-out") or "").splitlines()
     for number, line in enumerate(lines[:-1]):
         if re.search(r": Skipped$", line):

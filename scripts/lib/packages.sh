@@ -28,8 +28,8 @@ apt_install() {
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "$@"
 }
 
-# install_packages KIND...: installs what is missing, in one go; where that fails, one by one, so that what can be had is
-# had. Whoever needs a package looks at missing_packages afterwards.
+# install_packages KIND...: installs what is missing, in one go; where that fails, one by one, so that what can be had
+# is had. Whoever needs a package looks at missing_packages afterwards.
 install_packages() {
   if ! command -v dpkg-query apt-get >/dev/null; then
     echo "This is no Debian system: its packages are not looked at, what the build needs has to be there." >&2

@@ -11,6 +11,7 @@ namespace parvex::posix {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r";
+constexpr std::string_view kSoftware = "HKEY_LOCAL_MACHINE\\SOFTWARE\\";
 
 std::string_view Trim(std::string_view text) {
   const std::size_t first = text.find_first_not_of(kBlanks);
@@ -213,7 +214,12 @@ std::optional<std::string> RegistryFile::LocalMachineString(std::string_view key
     version_ = version;
     text_ = version ? ReadText() : RegistryText();
   }
-  return text_.Value("HKEY_LOCAL_MACHINE\\" + std::string(key), valueName);
+  const std::string whole = FoldKey("HKEY_LOCAL_MACHINE\\" + std::string(key));
+  std::optional<std::string> text = text_.Value(whole, valueName);
+  if (!text && whole.starts_with(kSoftware)) {
+    text = text_.Value(std::string(kSoftware) + "WOW6432NODE\\" + whole.substr(kSoftware.size()), valueName);
+  }
+  return text;
 }
 
 RegistryText RegistryFile::ReadText() const {

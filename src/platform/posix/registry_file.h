@@ -33,7 +33,8 @@ class RegistryText {
 };
 
 /// The machine's registry: registry.reg in its folder, none when there is no such file. The file is looked at on each
-/// call and read when its version has changed.
+/// call and read when its version has changed. What a 32-bit application of a 64-bit machine has written is found where
+/// such a machine exports it, under SOFTWARE\WOW6432Node, when the key itself lacks the value.
 class RegistryFile : public Registry {
  public:
   RegistryFile(const MachineFolder& folder, CodePage& codePage)

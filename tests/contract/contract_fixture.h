@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/automation.h"
+#include "platform/automation_error.h"
+#include "platform/code_page.h"
+#include "platform/files.h"
+#include "platform/message_box.h"
+#include "platform/message_pump.h"
+#include "platform/private_profile.h"
+#include "platform/processes.h"
+#include "platform/project_database.h"
+#include "platform/registry.h"
+
+namespace parvex::test {
+
+/// The machine that the contract suites run on, with the adapters of the platform that is built. A suite speaks only to the
+/// seams and to what is here, so that the same source judges every adapter. One test, one machine.
+struct ContractMachine {
+  ContractMachine();
+  ~ContractMachine();
+
+ private:
+  // The adapters and what they stand on.
+  struct Host;
+  std::unique_ptr<Host> host_;
+
+ public:
+  Registry& registry;
+  PrivateProfile& privateProfile;
+  Files& files;
+  Processes& processes;
+  MessagePump& messagePump;
+  MessageBoxes& messageBoxes;
+  automation::Automation& automation;
+  ProjectDatabases& projectDatabases;
+  CodePage& codePage;
+
+  /// An empty folder of the machine, without a final backslash; gone when the test ends.
+  const std::string scratch;
+
+  /// A key of the local-machine hive that the test may fill; gone when the test ends.
+  const std::string scratchKey;
+  void SetRegistryString(std::string_view valueName, std::string_view text);
+
+  /// Sets or takes away the read-only attribute of a file.
+  void SetReadOnly(std::string_view path, bool readOnly);
+
+  /// Installs a program under `path`. Started, it writes its arguments, each on a line of its own, into the file
+  /// kProbeReport of the scratch folder, waits while the file kProbeHold stands there, and ends with the exit code that
+  /// its first argument gives as "exit=N", else with 0.
+  void InstallProbe(std::string_view path);
+  static constexpr std::string_view kProbeReport = "probe.txt";
+  static constexpr std::string_view kProbeHold = "probe.hold";
+  /// The lines of the probe's report.
+  std::vector<std::string> ProbeArguments();
+
+  /// Shows a box, closes it as its user would and gives all the text that the user saw, caption included.
+  std::string SeenInBox(std::string_view text, std::string_view caption, MessageBoxes::Icon icon);
+
+  /// scratch, a backslash and the name.
+  std::string Path(std::string_view name) const { return scratch + "\\" + std::string(name); }
+};
+
+/// The runtime's error number that `action` raises; 0 when it raises none.
+template <typename Action>
+int RaisedBy(Action action) {
+  try {
+    action();
+    return 0;
+  } catch (const AutomationError& error) {
+    return error.RuntimeNumber();
+  }
+}
+
+/// Polls until the process has ended; fails the test after some seconds.
+std::uint32_t WaitForExit(Process& process);
+
+}  // namespace parvex::test

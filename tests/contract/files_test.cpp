@@ -1,0 +1,306 @@
+#include "platform/files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/contract/contract_fixture.h"
+
+namespace parvex::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class FilesContract : public testing::Test {
+ protected:
+  ContractMachine machine;
+  Files& files = machine.files;
+
+  std::string Path(std::string_view name) const { return machine.Path(name); }
+  void Write(std::string_view name, std::string_view bytes) { files.Replace(Path(name), bytes); }
+};
+
+const std::string kAllBytes = [] {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) {
+    bytes.push_back(static_cast<char>(byte));
+  }
+  return bytes;
+}();
+
+TEST_F(FilesContract, ReadsBackEveryByteThatWasWritten) {
+  Write("bytes.bin", kAllBytes);
+  EXPECT_EQ(files.ReadAll(Path("bytes.bin")), kAllBytes);
+}
+
+TEST_F(FilesContract, AnEmptyFileIsAFile) {
+  Write("empty", "");
+  EXPECT_TRUE(files.IsFile(Path("empty")));
+  EXPECT_EQ(files.ReadAll(Path("empty")), "");
+}
+
+TEST_F(FilesContract, ReadsALargeFileWhole) {
+  std::string large(5'000'003, 'x');
+  large.back() = 'y';
+  Write("large", large);
+  EXPECT_TRUE(files.ReadAll(Path("large")) == large);
+}
+
+TEST_F(FilesContract, LetterCaseOfFoldersAndFilesDoesNotMatter) {
+  files.CreateFolder(Path("Bin"));
+  Write("Bin\\Tools.xml", "t");
+  EXPECT_EQ(files.ReadAll(Path("BIN\\tOOLS.XML")), "t");
+  EXPECT_TRUE(files.IsFolder(Path("bin")));
+}
+
+TEST_F(FilesContract, LetterCaseOfLettersBeyondAsciiDoesNotMatter) {
+  Write("Gerät Größe.txt", "g");
+  EXPECT_EQ(files.ReadAll(Path("GERÄT GRÖßE.TXT")), "g");
+}
+
+TEST_F(FilesContract, DoubledAndForwardSlashesSeparateAsOneBackslash) {
+  files.CreateFolder(Path("Bin"));
+  Write("Bin\\\\a.txt", "a");
+  EXPECT_EQ(files.ReadAll(Path("Bin\\a.txt")), "a");
+  EXPECT_EQ(files.ReadAll(Path("Bin//a.txt")), "a");
+  EXPECT_EQ(files.ReadAll(Path("\\Bin\\/\\a.txt")), "a");
+}
+
+TEST_F(FilesContract, DotsInAPathAreResolvedInItsText) {
+  Write("a.txt", "a");
+  EXPECT_EQ(files.ReadAll(Path(".\\a.txt")), "a");
+  EXPECT_EQ(files.ReadAll(Path("no such folder\\..\\a.txt")), "a");
+}
+
+TEST_F(FilesContract, DotDotDoesNotLeadAboveTheDrive) {
+  Write("a.txt", "a");
+  const std::string fromRoot = machine.scratch.substr(2) + "\\a.txt";
+  EXPECT_EQ(files.ReadAll(machine.scratch.substr(0, 2) + "\\..\\..\\..\\..\\..\\.." + fromRoot), "a");
+}
+
+TEST_F(FilesContract, DotsAndBlanksAtTheEndOfANameAreDropped) {
+  Write("a.txt. .", "a");
+  EXPECT_EQ(files.ReadAll(Path("a.txt")), "a");
+  EXPECT_EQ(files.ReadAll(Path("a.txt ")), "a");
+}
+
+TEST_F(FilesContract, AFolderIsNoFileAndAFileIsNoFolder) {
+  files.CreateFolder(Path("folder"));
+  Write("file", "f");
+  EXPECT_FALSE(files.IsFile(Path("folder")));
+  EXPECT_FALSE(files.IsFolder(Path("file")));
+  EXPECT_FALSE(files.IsFile(Path("file\\")));
+  EXPECT_TRUE(files.IsFolder(Path("folder\\")));
+}
+
+TEST_F(FilesContract, WhatDoesNotExistIsNeither) {
+  for (const std::string& path : {std::string(), Path("no"), Path("no\\no"), std::string("Q:\\no"), std::string("error\\no")}) {
+    EXPECT_FALSE(files.IsFile(path)) << path;
+    EXPECT_FALSE(files.IsFolder(path)) << path;
+  }
+}
+
+TEST_F(FilesContract, ReadingAMissingFileIsFileNotFound) {
+  EXPECT_EQ(RaisedBy([&] { files.ReadAll(Path("no.txt")); }), 53);
+}
+
+TEST_F(FilesContract, ReadingBelowAMissingFolderIsPathNotFound) {
+  EXPECT_EQ(RaisedBy([&] { files.ReadAll(Path("no\\no.txt")); }), 76);
+}
+
+TEST_F(FilesContract, ReadingAFolderIsAnAccessError) {
+  files.CreateFolder(Path("folder"));
+  EXPECT_EQ(RaisedBy([&] { files.ReadAll(Path("folder")); }), 75);
+}
+
+TEST_F(FilesContract, AnErrorNamesThePath) {
+  try {
+    files.ReadAll(Path("no such file.txt"));
+    FAIL() << "nothing raised";
+  } catch (const AutomationError& error) {
+    EXPECT_THAT(error.Description(), testing::HasSubstr(Path("no such file.txt")));
+  }
+}
+
+TEST_F(FilesContract, ReplaceTakesTheWholePlaceOfALongerFile) {
+  Write("a.txt", "long content");
+  Write("A.TXT", "b");
+  EXPECT_EQ(files.ReadAll(Path("a.txt")), "b");
+  EXPECT_THAT(files.ListFiles(Path("*.*")), ElementsAre("a.txt"));
+}
+
+TEST_F(FilesContract, ReplaceNeedsItsFolder) {
+  EXPECT_EQ(RaisedBy([&] { Write("no\\a.txt", "a"); }), 76);
+  EXPECT_FALSE(files.IsFolder(Path("no")));
+}
+
+TEST_F(FilesContract, AFileIsNoFolderForOthers) {
+  Write("file", "f");
+  EXPECT_EQ(RaisedBy([&] { Write("file\\a.txt", "a"); }), 76);
+  EXPECT_EQ(files.ReadAll(Path("file")), "f");
+}
+
+TEST_F(FilesContract, AFolderIsNotReplacedByAFile) {
+  files.CreateFolder(Path("folder"));
+  Write("folder\\inside.txt", "i");
+  EXPECT_EQ(RaisedBy([&] { Write("FOLDER", "a"); }), 75);
+  EXPECT_EQ(files.ReadAll(Path("folder\\inside.txt")), "i");
+  EXPECT_THAT(files.ListFiles(Path("")), IsEmpty());
+}
+
+TEST_F(FilesContract, AReadOnlyFileIsNotReplacedNorRemoved) {
+  Write("kept.txt", "old");
+  machine.SetReadOnly(Path("kept.txt"), true);
+  EXPECT_EQ(RaisedBy([&] { Write("kept.txt", "new"); }), 75);
+  EXPECT_EQ(RaisedBy([&] { files.Remove(Path("kept.txt")); }), 75);
+  EXPECT_EQ(files.ReadAll(Path("kept.txt")), "old");
+  EXPECT_THAT(files.ListFiles(Path("*")), ElementsAre("kept.txt"));
+  machine.SetReadOnly(Path("kept.txt"), false);
+  Write("kept.txt", "new");
+  EXPECT_EQ(files.ReadAll(Path("kept.txt")), "new");
+}
+
+TEST_F(FilesContract, CreateNewMakesAFile) {
+  files.CreateNew(Path("new.txt"), kAllBytes);
+  EXPECT_EQ(files.ReadAll(Path("new.txt")), kAllBytes);
+  EXPECT_THAT(files.ListFiles(Path("*")), ElementsAre("new.txt"));
+}
+
+TEST_F(FilesContract, CreateNewLeavesAnExistingFileAsItIsWhateverItsLetterCase) {
+  Write("old.txt", "old");
+  EXPECT_EQ(RaisedBy([&] { files.CreateNew(Path("OLD.txt"), "new"); }), 58);
+  EXPECT_EQ(files.ReadAll(Path("old.txt")), "old");
+  EXPECT_THAT(files.ListFiles(Path("*")), ElementsAre("old.txt"));
+}
+
+TEST_F(FilesContract, CreateNewNeedsItsFolder) {
+  EXPECT_EQ(RaisedBy([&] { files.CreateNew(Path("no\\a.txt"), "a"); }), 76);
+}
+
+TEST_F(FilesContract, RemoveTakesAFileAway) {
+  Write("a.txt", "a");
+  files.Remove(Path("A.txt"));
+  EXPECT_FALSE(files.IsFile(Path("a.txt")));
+}
+
+TEST_F(FilesContract, RemovingAMissingFileIsFileNotFound) {
+  EXPECT_EQ(RaisedBy([&] { files.Remove(Path("a.txt")); }), 53);
+}
+
+TEST_F(FilesContract, RemoveDoesNotTakeAFolder) {
+  files.CreateFolder(Path("folder"));
+  EXPECT_NE(RaisedBy([&] { files.Remove(Path("folder")); }), 0);
+  EXPECT_TRUE(files.IsFolder(Path("folder")));
+}
+
+struct NameRow {
+  const char* name;
+  const char* reason;
+};
+
+class ImpossibleNames : public FilesContract, public testing::WithParamInterface<NameRow> {};
+
+TEST_P(ImpossibleNames, AreNeitherFoundNorMade) {
+  EXPECT_FALSE(files.IsFile(Path(GetParam().name))) << GetParam().reason;
+  EXPECT_NE(RaisedBy([&] { files.ReadAll(Path(GetParam().name)); }), 0) << GetParam().reason;
+  EXPECT_NE(RaisedBy([&] { Write(GetParam().name, "x"); }), 0) << GetParam().reason;
+  EXPECT_THAT(files.ListFiles(Path("*")), IsEmpty()) << GetParam().reason;
+}
+
+INSTANTIATE_TEST_SUITE_P(FilesContract, ImpossibleNames,
+                         testing::Values(NameRow{"a*b", "a wildcard"}, NameRow{"a?b", "a wildcard"},
+                                         NameRow{"a<b", "a redirection sign"}, NameRow{"a>b", "a redirection sign"},
+                                         NameRow{"a\"b", "a quote"}, NameRow{"a|b", "a pipe sign"},
+                                         NameRow{"a\tb", "a control character"},
+                                         NameRow{"a\nb", "a control character"}));
+
+TEST_F(FilesContract, ListsFilesInTheOrderOfTheirUpperCasedNames) {
+  for (const char* name : {"b.txt", "C.txt", "a_1.txt", "A2.txt", "Z.TXT", "é.txt"}) {
+    Write(name, "");
+  }
+  files.CreateFolder(Path("a folder.txt"));
+  EXPECT_THAT(files.ListFiles(Path("*.txt")), ElementsAre("A2.txt", "a_1.txt", "b.txt", "C.txt", "Z.TXT", "é.txt"));
+}
+
+TEST_F(FilesContract, EveryFileMatchesStarDotStarAndAnEmptyLastComponent) {
+  Write("plain", "");
+  Write("a.b.c", "");
+  EXPECT_THAT(files.ListFiles(Path("*.*")), ElementsAre("a.b.c", "plain"));
+  EXPECT_THAT(files.ListFiles(Path("*")), ElementsAre("a.b.c", "plain"));
+  EXPECT_THAT(files.ListFiles(Path("")), ElementsAre("a.b.c", "plain"));
+}
+
+TEST_F(FilesContract, APatternWithoutWildcardsListsThatFileByItsOwnName) {
+  Write("Tools.xml", "");
+  files.CreateFolder(Path("Folder"));
+  EXPECT_THAT(files.ListFiles(Path("TOOLS.XML")), ElementsAre("Tools.xml"));
+  EXPECT_THAT(files.ListFiles(Path("Folder")), IsEmpty());
+  EXPECT_THAT(files.ListFiles(Path("no")), IsEmpty());
+}
+
+TEST_F(FilesContract, WildcardsMatchWithoutRegardToLetterCase) {
+  for (const char* name : {"Report1.RTF", "report2.rtf", "report10.rtf", "other.doc"}) {
+    Write(name, "");
+  }
+  EXPECT_THAT(files.ListFiles(Path("REPORT?.rtf")), ElementsAre("Report1.RTF", "report2.rtf"));
+  EXPECT_THAT(files.ListFiles(Path("*o*t*.*")), ElementsAre("other.doc", "Report1.RTF", "report10.rtf", "report2.rtf"));
+}
+
+TEST_F(FilesContract, ListsNothingOfAMissingFolder) {
+  EXPECT_THAT(files.ListFiles(Path("no\\*.*")), IsEmpty());
+  EXPECT_THAT(files.ListFolders(Path("no")), IsEmpty());
+  EXPECT_THAT(files.ListFiles(""), IsEmpty());
+}
+
+TEST_F(FilesContract, ListsFoldersWithoutFiles) {
+  Write("file", "");
+  files.CreateFolder(Path("b"));
+  files.CreateFolder(Path("A"));
+  EXPECT_THAT(files.ListFolders(machine.scratch), ElementsAre("A", "b"));
+  EXPECT_THAT(files.ListFolders(machine.scratch + "\\"), ElementsAre("A", "b"));
+}
+
+TEST_F(FilesContract, CreateFolderMakesTheFoldersAboveIt) {
+  files.CreateFolder(Path("a\\b\\c"));
+  EXPECT_TRUE(files.IsFolder(Path("a\\b\\c")));
+  Write("a\\b\\c\\kept", "k");
+  files.CreateFolder(Path("A\\B\\C\\"));
+  EXPECT_EQ(files.ReadAll(Path("a\\b\\c\\kept")), "k");
+  EXPECT_THAT(files.ListFolders(machine.scratch), ElementsAre("a"));
+}
+
+TEST_F(FilesContract, CreateFolderDoesNotTakeTheNameOfAFile) {
+  Write("file", "f");
+  EXPECT_NE(RaisedBy([&] { files.CreateFolder(Path("file")); }), 0);
+  EXPECT_NE(RaisedBy([&] { files.CreateFolder(Path("file\\below")); }), 0);
+  EXPECT_EQ(files.ReadAll(Path("file")), "f");
+}
+
+TEST_F(FilesContract, RemoveFolderTakesEverythingInIt) {
+  files.CreateFolder(Path("a\\b"));
+  Write("a\\b\\file", "f");
+  Write("a\\file", "f");
+  files.RemoveFolder(Path("A"));
+  EXPECT_FALSE(files.IsFolder(Path("a")));
+}
+
+TEST_F(FilesContract, RemoveFolderNeedsAFolder) {
+  Write("file", "f");
+  EXPECT_EQ(RaisedBy([&] { files.RemoveFolder(Path("no")); }), 76);
+  EXPECT_NE(RaisedBy([&] { files.RemoveFolder(Path("file")); }), 0);
+  EXPECT_EQ(files.ReadAll(Path("file")), "f");
+}
+
+TEST_F(FilesContract, AFolderMadeAgainInAnotherLetterCaseIsFound) {
+  files.CreateFolder(Path("Temp"));
+  Write("Temp\\a.txt", "1");
+  EXPECT_EQ(files.ReadAll(Path("TEMP\\A.TXT")), "1");
+  files.RemoveFolder(Path("Temp"));
+  EXPECT_FALSE(files.IsFile(Path("TEMP\\A.TXT")));
+  files.CreateFolder(Path("temp"));
+  Write("temp\\a.txt", "2");
+  EXPECT_EQ(files.ReadAll(Path("TEMP\\A.TXT")), "2");
+}
+
+}  // namespace
+}  // namespace parvex::test

@@ -37,5 +37,6 @@ function(parvex_test name folder)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src)
   target_compile_definitions(${name} PRIVATE PARVEX_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} GTest::gmock_main GTest::gtest parvex_warnings)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+  # A parameter's value may hold any character, and does not belong in the name of a test.
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES PROPERTIES TIMEOUT 120)
 endfunction()

@@ -12,10 +12,15 @@ namespace parvex::xml {
 //
 // Document and Node are light handles, cheap to copy. A node keeps the tree it lives in alive, also after it was moved
 // into another document, and stays valid when its parent's content is replaced (it is then a node without parent).
-// Handles belong to one thread at a time.
+// Documents, and the handles on their nodes, belong to the thread that made them.
 //
-// A handle may be null ("no node", "no document"); asking a null handle for anything but its truth value raises
-// "object not set" (RuntimeError::ObjectNotSet), naming what was asked.
+// A handle may be null ("no node", "no document"); asking a null handle for anything but its truth value raises "object
+// not set" (RuntimeError::ObjectNotSet), naming what was asked. What cannot be done with a node raises "invalid call"
+// (RuntimeError::InvalidCall), naming the node and the value that was refused, and changes nothing.
+//
+// Text that XML cannot carry is refused that way, so that nothing is lost silently and every document can be read
+// again: control characters other than tab, line feed and carriage return, U+FFFE, U+FFFF, and bytes that are not
+// UTF-8.
 
 class Document;
 
@@ -31,30 +36,38 @@ class Node {
   explicit operator bool() const noexcept { return handle_ != nullptr; }
 
   bool IsElement() const;
-  /// The name of an element or attribute as written; "#text", "#cdata-section", "#comment" or "#document" for others.
+  /// The name of an element or attribute as written (with its prefix), the target of a processing instruction; "#text",
+  /// "#cdata-section", "#comment" or "#document" for others.
   std::string Name() const;
 
-  /// The text of the node and its descendants, outer blanks trimmed, CR LF read as LF; text of CDATA sections is not
-  /// trimmed.
+  /// The text of the node and its descendants, outer blanks trimmed, CR LF read as LF; text of CDATA sections is left
+  /// as it is. White space that was dropped between two elements reads as one blank. Nothing is trimmed where
+  /// xml:space="preserve" is in force; the value of an attribute and the text of a comment stand as they are.
   std::string Text() const;
-  /// Replaces all content by one text (no child for an empty text).
+  /// Replaces all content of an element by one text (no child for an empty text), or the value of an attribute, a text
+  /// or a CDATA section. Documents, comments and others refuse it.
   void SetText(std::string_view text) const;
 
   /// The value of an attribute, nothing when the element has none of that name.
   std::optional<std::string> Attribute(std::string_view name) const;
   /// Sets an attribute, behind those that exist when it is new. An empty value is an attribute with an empty value.
+  /// Refused: what is no name, a prefix that is not declared here, namespace declarations.
   void SetAttribute(std::string_view name, std::string_view value) const;
 
   /// The node's markup on one line, `<A/>` for an empty element, without a final line break. A document node's markup
-  /// carries its declaration, when there is one, and ends with CR LF (empty for an empty document).
+  /// carries its declaration, when there is one, without the encoding, and ends with CR LF (empty for an empty
+  /// document).
   std::string Xml() const;
 
-  /// The first node, in document order, that an XPath expression selects from here; a null node when there is none. An
-  /// expression that cannot be parsed raises an error that quotes it.
+  /// The first node, in document order, that an XPath 1.0 expression selects from here; a null node when there is none.
+  /// An absolute expression begins at the node's document. An expression that cannot be parsed, or whose value is not a
+  /// set of nodes, raises an error that quotes it. Cost: that of all nodes that the expression visits; keep nodes in
+  /// hand instead of selecting them again.
   Node First(std::string_view xpath) const;
   /// All nodes that an XPath expression selects from here, in document order.
   std::vector<Node> All(std::string_view xpath) const;
 
+  /// Null for a document, an attribute, and a node without parent.
   Node Parent() const;
   Node FirstChild() const;
   Node NextSibling() const;
@@ -63,9 +76,11 @@ class Node {
   /// The next sibling element of that name; a null node when there is none.
   Node Next(std::string_view name) const;
 
-  /// Appends `child` as the last child and returns it. A node of another place or another document is moved.
+  /// Appends `child` as the last child and returns it. A node of another place or another document is moved. Refused: a
+  /// node into itself or its own descendants, attributes and documents as children, a second root, text outside the
+  /// root.
   Node Append(const Node& child) const;
-  /// Takes the node out of its tree; it stays valid and can be appended elsewhere.
+  /// Takes the node out of its tree; it stays valid and can be appended elsewhere. Attributes and documents refuse it.
   void Remove() const;
   /// A deep copy without parent, owned by the same document.
   Node Clone() const;
@@ -94,8 +109,8 @@ class Document {
   /// A new document with the content of `text`; empty when the text does not parse. An encoding named in the text's
   /// declaration is not looked at: the text is UTF-8.
   static Document Parse(std::string_view text);
-  /// A new document from the bytes of a file, decoded as its byte order mark or declaration says, UTF-8 otherwise; empty
-  /// when they do not parse.
+  /// A new document from the bytes of a file, decoded as its byte order mark or declaration says, UTF-8 otherwise;
+  /// empty when they do not parse or are not valid in their encoding.
   static Document Load(std::string_view bytes);
 
   /// Why the last Parse or Load left this document empty, with line and column; empty when it did not fail.
@@ -108,18 +123,19 @@ class Document {
   /// The document itself as a node, from which relative expressions start.
   const Node& AsNode() const { return node_; }
 
-  /// A new element or CDATA section of this document without parent.
+  /// A new element (its name without colon) or CDATA section of this document without parent.
   Node CreateElement(std::string_view name) const;
   Node CreateCData(std::string_view text) const;
 
   Node First(std::string_view xpath) const { return node_.First(xpath); }
   std::vector<Node> All(std::string_view xpath) const { return node_.All(xpath); }
-  /// Appends to the document element ("object not set" when there is none), or makes `child` the root of an empty one.
+  /// Appends to the document element; the `child` of an empty document becomes its document element.
   Node Append(const Node& child) const;
 
   std::string Xml() const { return node_.Xml(); }
-  /// The content of a file that holds this document: the text of Xml() in the encoding that the declaration names, UTF-8
-  /// otherwise. Characters that the encoding lacks become character references.
+  /// The content of a file that holds this document: its markup in the encoding that the declaration names (UTF-16 with
+  /// byte order mark), UTF-8 without one or when the name is not known, which the declaration then says. Characters
+  /// that the encoding lacks become character references; in a name, comment or instruction they are refused.
   std::string Bytes() const;
 
   friend bool operator==(const Document& a, const Document& b) noexcept { return a.node_ == b.node_; }

@@ -1,0 +1,120 @@
+#include "platform/posix/xml_characters.h"
+
+#include <libxml/tree.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace parvex::xml {
+namespace {
+
+bool IsTail(unsigned char c) { return (c & 0xC0) == 0x80; }
+
+// Whether any of eight bytes is above 0x7F or below 0x20.
+bool NeedsALook(const char* bytes) {
+  std::uint64_t word;
+  std::memcpy(&word, bytes, sizeof word);
+  constexpr std::uint64_t kHigh = 0x8080808080808080u;
+  constexpr std::uint64_t kBlank = 0x2020202020202020u;
+  return ((word | (word - kBlank)) & kHigh) != 0;
+}
+
+// Bytes of the allowed character beyond ASCII that begins at `p`; 0 when there is none.
+std::size_t AllowedSequence(const unsigned char* p, std::size_t left) {
+  if (p[0] >= 0xC2 && p[0] <= 0xDF) {
+    return left >= 2 && IsTail(p[1]) ? 2 : 0;
+  }
+  if (p[0] >= 0xE0 && p[0] <= 0xEF) {
+    if (left < 3 || !IsTail(p[1]) || !IsTail(p[2])) {
+      return 0;
+    }
+    const bool overlong = p[0] == 0xE0 && p[1] < 0xA0;
+    const bool surrogate = p[0] == 0xED && p[1] >= 0xA0;
+    const bool noCharacter = p[0] == 0xEF && p[1] == 0xBF && p[2] >= 0xBE;
+    return overlong || surrogate || noCharacter ? 0 : 3;
+  }
+  if (p[0] >= 0xF0 && p[0] <= 0xF4) {
+    if (left < 4 || !IsTail(p[1]) || !IsTail(p[2]) || !IsTail(p[3])) {
+      return 0;
+    }
+    const bool overlong = p[0] == 0xF0 && p[1] < 0x90;
+    const bool tooLarge = p[0] == 0xF4 && p[1] > 0x8F;
+    return overlong || tooLarge ? 0 : 4;
+  }
+  return 0;
+}
+
+}  // namespace
+
+std::size_t FindForbidden(std::string_view text) {
+  std::size_t pos = 0;
+  while (pos < text.size()) {
+    if (pos + 8 <= text.size() && !NeedsALook(text.data() + pos)) {
+      pos += 8;
+      continue;
+    }
+    const auto c = static_cast<unsigned char>(text[pos]);
+    if (c < 0x80) {
+      if (c < 0x20 && !IsBlank(text[pos])) {
+        return pos;
+      }
+      ++pos;
+      continue;
+    }
+    const std::size_t length =
+        AllowedSequence(reinterpret_cast<const unsigned char*>(text.data()) + pos, text.size() - pos);
+    if (length == 0) {
+      return pos;
+    }
+    pos += length;
+  }
+  return std::string_view::npos;
+}
+
+bool IsPlainName(std::string_view text) {
+  return text.find('\0') == std::string_view::npos &&
+         xmlValidateNCName(reinterpret_cast<const xmlChar*>(std::string(text).c_str()), 0) == 0;
+}
+
+bool IsBlank(const char* text) {
+  while (IsBlank(*text)) {
+    ++text;
+  }
+  return *text == '\0';
+}
+
+char32_t NextCodePoint(std::string_view text, std::size_t& pos) {
+  const auto lead = static_cast<unsigned char>(text[pos++]);
+  if (lead < 0x80) {
+    return lead;
+  }
+  const int tails = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+  char32_t codePoint = lead & (0x3F >> tails);
+  for (int i = 0; i < tails; ++i) {
+    codePoint = (codePoint << 6) | (static_cast<unsigned char>(text[pos++]) & 0x3F);
+  }
+  return codePoint;
+}
+
+std::string Utf8Of(char32_t codePoint) {
+  if (codePoint < 0x80) {
+    return std::string(1, static_cast<char>(codePoint));
+  }
+  const int tails = codePoint >= 0x10000 ? 3 : codePoint >= 0x800 ? 2 : 1;
+  std::string bytes(1, static_cast<char>((0xF0 << (3 - tails)) | (codePoint >> (6 * tails))));
+  for (int i = tails - 1; i >= 0; --i) {
+    bytes += static_cast<char>(0x80 | ((codePoint >> (6 * i)) & 0x3F));
+  }
+  return bytes;
+}
+
+std::string PlaceOf(std::string_view text, std::size_t offset) {
+  const std::string_view before = text.substr(0, offset);
+  const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+  const std::size_t lineStart = before.rfind('\n');
+  const std::size_t column = offset - (lineStart == std::string_view::npos ? 0 : lineStart + 1) + 1;
+  return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+}  // namespace parvex::xml

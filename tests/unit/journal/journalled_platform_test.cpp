@@ -1,0 +1,174 @@
+#include "journal/journalled_platform.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "platform/automation_error.h"
+#include "tests/support/fake_platform.h"
+
+namespace parvex::journal {
+namespace {
+
+// A text stream that counts how often it was flushed.
+class CountingStream : public std::ostringstream {
+ public:
+  CountingStream() { std::ostream::rdbuf(&buffer_); }
+  int Flushes() const { return buffer_.flushes; }
+  std::string Text() const { return buffer_.str(); }
+
+ private:
+  struct Buffer : std::stringbuf {
+    int flushes = 0;
+    int sync() override {
+      ++flushes;
+      return 0;
+    }
+  };
+  Buffer buffer_;
+};
+
+class Journalled : public testing::Test {
+ protected:
+  std::string Lines() const { return out_.Text(); }
+
+  CountingStream out_;
+  test::FakeMachine machine_;
+  JournalledPlatform journalled_{machine_.platform, out_};
+  const Platform platform_ = journalled_.Platform();
+};
+
+TEST_F(Journalled, RouterRequestsWithTheirAnswers) {
+  machine_.routers.answers = {{true, "<A x=\"1\"/>"}, {false, "no"}};
+  const auto router = platform_.messageRouters.Create();
+  std::string response;
+  EXPECT_TRUE(router->SendRequestMessage("<C>\xC3\xBC\n</C>", response));
+  EXPECT_EQ("<A x=\"1\"/>", response);
+  EXPECT_FALSE(router->SendRequestMessage("second", response));
+  EXPECT_EQ("no", response);
+  EXPECT_EQ("{\"kind\":\"router\",\"request\":\"<C>\xC3\xBC\\n</C>\",\"answer\":\"<A x=\\\"1\\\"/>\",\"success\":true}\n"
+            "{\"kind\":\"router\",\"request\":\"second\",\"answer\":\"no\",\"success\":false}\n",
+            Lines());
+  EXPECT_EQ((std::vector<std::string>{"<C>\xC3\xBC\n</C>", "second"}), machine_.routers.requests);
+}
+
+TEST_F(Journalled, FailedRouterCalls) {
+  machine_.routers.onRequest = [](const std::string&, std::string&) -> bool {
+    throw AutomationError(0x800706BAu, "router", "gone \"away\"");
+  };
+  std::string response;
+  EXPECT_THROW(platform_.messageRouters.Create()->SendRequestMessage("r", response), AutomationError);
+  EXPECT_EQ("{\"kind\":\"router\",\"request\":\"r\",\"answer\":\"\",\"success\":false,\"error\":"
+            "{\"number\":\"0x800706BA\",\"source\":\"router\",\"description\":\"gone \\\"away\\\"\"}}\n",
+            Lines());
+}
+
+TEST_F(Journalled, ARouterThatCannotBeCreatedIsAnErrorOfItsCallerOnly) {
+  machine_.routers.missing = true;
+  EXPECT_THROW(platform_.messageRouters.Create(), AutomationError);
+  EXPECT_EQ("", Lines());
+}
+
+TEST_F(Journalled, TextsThatAreNotUtf8AreWrittenWithReplacementCharacters) {
+  machine_.routers.answers = {{true, "\xFF"}};
+  std::string response;
+  platform_.messageRouters.Create()->SendRequestMessage("a\xFC", response);
+  EXPECT_EQ("\xFF", response);
+  EXPECT_EQ("{\"kind\":\"router\",\"request\":\"a\xEF\xBF\xBD\",\"answer\":\"\xEF\xBF\xBD\",\"success\":true}\n", Lines());
+}
+
+TEST_F(Journalled, EachLineIsFlushed) {
+  const auto router = platform_.messageRouters.Create();
+  std::string response;
+  router->SendRequestMessage("1", response);
+  EXPECT_EQ(1, out_.Flushes());
+  router->SendRequestMessage("2", response);
+  EXPECT_EQ(2, out_.Flushes());
+}
+
+TEST_F(Journalled, ProgramsWhenTheirExitCodeIsKnown) {
+  machine_.processes.polls = 1;
+  machine_.processes.exitCode = 5;
+  const auto process = platform_.processes.Start("C:\\a.exe /x", 6);
+  EXPECT_EQ(kStillActive, process->ExitCode());
+  EXPECT_EQ("", Lines());
+  EXPECT_EQ(5u, process->ExitCode());
+  const std::string line =
+      "{\"kind\":\"process\",\"command\":\"C:\\\\a.exe /x\",\"windowStyle\":6,\"exitCode\":5}\n";
+  EXPECT_EQ(line, Lines());
+  EXPECT_EQ(5u, process->ExitCode());
+  EXPECT_EQ(line, Lines()) << "written once";
+  ASSERT_EQ(1u, machine_.processes.started.size());
+  EXPECT_EQ(6, machine_.processes.started[0].windowStyle);
+}
+
+TEST_F(Journalled, ExitCodesAsTheRunnerReturnsThem) {
+  machine_.processes.exitCode = 0xC0000005u;
+  platform_.processes.Start("p", 1)->ExitCode();
+  EXPECT_NE(std::string::npos, Lines().find("\"exitCode\":-1073741819}")) << Lines();
+}
+
+TEST_F(Journalled, AProgramDroppedWhileRunningHasNoExitCode) {
+  machine_.processes.polls = 10;
+  platform_.processes.Start("p", 1)->ExitCode();
+  EXPECT_EQ("{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":1,\"exitCode\":null}\n", Lines());
+}
+
+TEST_F(Journalled, AProgramThatCannotBeStartedHasTheNegativeCodeOfTheRunnerAndTheError) {
+  machine_.processes.startError = 53;
+  EXPECT_THROW(platform_.processes.Start("p", 6), AutomationError);
+  EXPECT_EQ("{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":6,\"exitCode\":-2147221451,\"error\":"
+            "{\"number\":\"0x800A0035\",\"source\":\"Parvex\",\"description\":\"cannot start p\"}}\n",
+            Lines());
+}
+
+TEST_F(Journalled, MessageBoxes) {
+  platform_.messageBoxes.Show("text", "caption", MessageBoxes::Icon::Stop);
+  platform_.messageBoxes.Show("text", kDefaultCaption, MessageBoxes::Icon::None);
+  EXPECT_EQ("{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"caption\",\"icon\":\"stop\"}\n"
+            "{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"Parvex\",\"icon\":\"none\"}\n",
+            Lines());
+  EXPECT_EQ(2u, machine_.boxes.boxes.size());
+}
+
+// Shows what the journal holds while the box is open.
+class LookingBoxes : public MessageBoxes {
+ public:
+  explicit LookingBoxes(const CountingStream& out) : out_(out) {}
+  std::string linesWhileOpen;
+  void Show(std::string_view, std::string_view, Icon) override { linesWhileOpen = out_.Text(); }
+
+ private:
+  const CountingStream& out_;
+};
+
+TEST_F(Journalled, MessageBoxesBeforeTheyOpen) {
+  LookingBoxes boxes(out_);
+  const Platform& own = machine_.platform;
+  JournalledPlatform journalled({own.registry, own.privateProfile, own.files, own.processes, own.messagePump, boxes,
+                                 own.messageRouters, own.automation, own.projectDatabases, own.codePage},
+                                out_);
+  journalled.Platform().messageBoxes.Show("t", "c", MessageBoxes::Icon::None);
+  EXPECT_FALSE(boxes.linesWhileOpen.empty());
+  EXPECT_EQ(boxes.linesWhileOpen, out_.Text());
+}
+
+TEST_F(Journalled, NothingElseOfTheMachineChanges) {
+  EXPECT_EQ(&machine_.platform.files, &platform_.files);
+  EXPECT_EQ(&machine_.platform.registry, &platform_.registry);
+  EXPECT_EQ(&machine_.platform.privateProfile, &platform_.privateProfile);
+  EXPECT_EQ(&machine_.platform.messagePump, &platform_.messagePump);
+  EXPECT_EQ(&machine_.platform.projectDatabases, &platform_.projectDatabases);
+  EXPECT_EQ(&machine_.platform.codePage, &platform_.codePage);
+}
+
+TEST_F(Journalled, AStreamThatFailsInterruptsNobody) {
+  out_.setstate(std::ios::badbit);
+  machine_.routers.answers = {{true, "answer"}};
+  std::string response;
+  EXPECT_TRUE(platform_.messageRouters.Create()->SendRequestMessage("r", response));
+  EXPECT_EQ("answer", response);
+}
+
+}  // namespace
+}  // namespace parvex::journal

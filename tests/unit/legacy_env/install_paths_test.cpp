@@ -1,0 +1,260 @@
+#include "legacy_env/install_paths.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <optional>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "platform/automation_error.h"
+#include "tests/support/fake_platform.h"
+
+namespace parvex {
+namespace {
+
+// Answers every value alike and records what was asked.
+class FakeRegistry : public Registry {
+ public:
+  std::vector<std::pair<std::string, std::string>> asked;
+  std::optional<std::string> value;
+  std::function<void()> onRead;
+
+  std::optional<std::string> LocalMachineString(std::string_view key, std::string_view valueName) override {
+    asked.emplace_back(key, valueName);
+    if (onRead) {
+      onRead();
+    }
+    return value;
+  }
+};
+
+class InstallPaths : public testing::Test {
+ protected:
+  void SetBinPath(std::optional<std::string> value) {
+    registry_.value = std::move(value);
+    ForgetInstallPaths();
+  }
+
+  std::uint16_t NumberOfErrorFrom(std::string (*operation)(const Platform&)) {
+    try {
+      operation(platform_);
+    } catch (const AutomationError& error) {
+      EXPECT_NE(std::string::npos, error.Description().find(registry_.value.value_or(""))) << error.Description();
+      return error.RuntimeNumber();
+    }
+    return 0;
+  }
+
+  FakeRegistry registry_;
+  test::FakeMachine machine_;
+  const Platform platform_ = {registry_,
+                              machine_.platform.privateProfile,
+                              machine_.platform.files,
+                              machine_.platform.processes,
+                              machine_.platform.messagePump,
+                              machine_.platform.messageBoxes,
+                              machine_.platform.messageRouters,
+                              machine_.platform.automation,
+                              machine_.platform.projectDatabases,
+                              machine_.platform.codePage};
+};
+
+using Asked = std::vector<std::pair<std::string, std::string>>;
+constexpr const char* kKey = "SOFTWARE\\Korvane\\KDQ47\\";
+
+TEST_F(InstallPaths, AreReadFromTheMachinesRegistry) {
+  EXPECT_EQ("C:\\Korvane\\TQ5-VX\\Bin\\", GetBinPath(machine_.platform));
+  EXPECT_EQ("C:\\Korvane\\TQ5-VX", GetDataRoot(machine_.platform));
+  EXPECT_EQ("C:\\Korvane", GetDesignRoot(machine_.platform));
+  EXPECT_EQ("C:\\Korvane\\TQ5-VX\\Temp\\", GetDesignTempFolder(machine_.platform));
+}
+
+TEST_F(InstallPaths, OfABinPathWithoutFinalBackslash) {
+  SetBinPath("C:\\K\\TQ5-VX\\Bin");
+  EXPECT_EQ("C:\\K\\TQ5-VX\\Bin", GetBinPath(platform_));
+  EXPECT_EQ("C:\\K", GetDataRoot(platform_));
+  EXPECT_EQ("C:\\K", GetDesignRoot(platform_));
+  EXPECT_EQ("C:\\K\\TQ5-VX\\Temp\\", GetDesignTempFolder(platform_));
+}
+
+TEST_F(InstallPaths, BinPathIsReadOnceAThread) {
+  SetBinPath("C:\\A\\TQ5-VX\\Bin\\");
+  EXPECT_EQ("C:\\A\\TQ5-VX\\Bin\\", GetBinPath(platform_));
+  registry_.value = "C:\\B\\TQ5-VX\\Bin\\";
+  EXPECT_EQ("C:\\A\\TQ5-VX\\Bin\\", GetBinPath(platform_));
+  EXPECT_EQ((Asked{{kKey, "binPath"}}), registry_.asked);
+}
+
+TEST_F(InstallPaths, BinPathStaysErrorOnceItCouldNotBeRead) {
+  SetBinPath(std::nullopt);
+  EXPECT_EQ("error", GetBinPath(platform_));
+  registry_.value = "C:\\A\\TQ5-VX\\Bin\\";
+  EXPECT_EQ("error", GetBinPath(platform_));
+  EXPECT_EQ(1u, registry_.asked.size());
+}
+
+TEST_F(InstallPaths, BinPathThatIsEmptyIsReadAgain) {
+  SetBinPath("");
+  EXPECT_EQ("", GetBinPath(platform_));
+  registry_.value = "C:\\A\\TQ5-VX\\Bin\\";
+  EXPECT_EQ("C:\\A\\TQ5-VX\\Bin\\", GetBinPath(platform_));
+}
+
+TEST_F(InstallPaths, DataRootIsEmptyAfterAFailedReadAndReadAgain) {
+  SetBinPath(std::nullopt);
+  EXPECT_EQ("", GetDataRoot(platform_));
+  registry_.value = "C:\\A\\TQ5-VX\\Bin\\";
+  EXPECT_EQ("C:\\A\\TQ5-VX", GetDataRoot(platform_));
+  registry_.value = "C:\\B\\TQ5-VX\\Bin\\";
+  EXPECT_EQ("C:\\A\\TQ5-VX", GetDataRoot(platform_));
+  EXPECT_EQ((Asked{{kKey, "binPath"}, {kKey, "binPath"}}), registry_.asked);
+}
+
+TEST_F(InstallPaths, DataRootDoesNotUseTheKeptBinPath) {
+  SetBinPath(std::nullopt);
+  EXPECT_EQ("error", GetBinPath(platform_));
+  registry_.value = "C:\\A\\TQ5-VX\\Bin\\";
+  EXPECT_EQ("C:\\A\\TQ5-VX", GetDataRoot(platform_));
+}
+
+TEST_F(InstallPaths, DataRootOfABinPathWithFewerThanTwoBackslashesIsAnError) {
+  for (const char* binPath : {"", "Bin", "Bin\\", "C:\\Bin", "error\\"}) {
+    SetBinPath(binPath);
+    EXPECT_EQ(5, NumberOfErrorFrom(GetDataRoot)) << binPath;
+  }
+}
+
+TEST_F(InstallPaths, DataRootCutsOneComponentForEachBackslash) {
+  SetBinPath("\\\\");
+  EXPECT_EQ("", GetDataRoot(platform_));
+  SetBinPath("C:\\Bin\\");
+  EXPECT_EQ("C:", GetDataRoot(platform_));
+}
+
+TEST_F(InstallPaths, ThreadsKeepPathsOfTheirOwn) {
+  SetBinPath("C:\\A\\TQ5-VX\\Bin\\");
+  EXPECT_EQ("C:\\A\\TQ5-VX\\Bin\\", GetBinPath(platform_));
+  EXPECT_EQ("C:\\A\\TQ5-VX", GetDataRoot(platform_));
+  registry_.value = "C:\\B\\TQ5-VX\\Bin\\";
+  std::string binPathThere;
+  std::string dataRootThere;
+  std::thread([&] {
+    binPathThere = GetBinPath(platform_);
+    dataRootThere = GetDataRoot(platform_);
+  }).join();
+  EXPECT_EQ("C:\\B\\TQ5-VX\\Bin\\", binPathThere);
+  EXPECT_EQ("C:\\B\\TQ5-VX", dataRootThere);
+  EXPECT_EQ("C:\\A\\TQ5-VX\\Bin\\", GetBinPath(platform_));
+}
+
+TEST_F(InstallPaths, AFailedReadIsKeptByItsOwnThreadOnly) {
+  SetBinPath(std::nullopt);
+  EXPECT_EQ("error", GetBinPath(platform_));
+  registry_.value = "C:\\B\\TQ5-VX\\Bin\\";
+  std::string there;
+  std::thread([&] { there = GetBinPath(platform_); }).join();
+  EXPECT_EQ("C:\\B\\TQ5-VX\\Bin\\", there);
+  EXPECT_EQ("error", GetBinPath(platform_));
+}
+
+TEST_F(InstallPaths, ReadBinPathReadsAfreshEachTime) {
+  std::string binPath = "left over";
+  SetBinPath("C:\\A\\");
+  EXPECT_TRUE(ReadBinPath(platform_, binPath));
+  EXPECT_EQ("C:\\A\\", binPath);
+  registry_.value = std::nullopt;
+  EXPECT_FALSE(ReadBinPath(platform_, binPath));
+  EXPECT_EQ("", binPath);
+  registry_.value = "";
+  EXPECT_FALSE(ReadBinPath(platform_, binPath));
+  EXPECT_EQ((Asked{{kKey, "BinPath"}, {kKey, "BinPath"}, {kKey, "BinPath"}}), registry_.asked);
+}
+
+TEST_F(InstallPaths, DesignRootReadsTheKeyWithoutFinalBackslashAfreshEachTime) {
+  SetBinPath("C:\\A\\TQ5-VX\\Bin\\");
+  EXPECT_EQ("C:\\A", GetDesignRoot(platform_));
+  registry_.value = "C:\\B\\TQ5-VX\\Bin\\";
+  EXPECT_EQ("C:\\B", GetDesignRoot(platform_));
+  EXPECT_EQ((std::pair<std::string, std::string>{"SOFTWARE\\Korvane\\KDQ47", "BinPath"}), registry_.asked.front());
+}
+
+TEST_F(InstallPaths, DesignRootIsEmptyForABinPathOfEightCharactersOrFewer) {
+  for (const char* binPath : {"", "C:\\", "C:\\12345", "\\TQ5-VX\\", "C:\\éüöäß"}) {
+    SetBinPath(binPath);
+    EXPECT_EQ("", GetDesignRoot(platform_)) << binPath;
+    EXPECT_EQ("\\TQ5-VX\\Temp\\", GetDesignTempFolder(platform_)) << binPath;
+  }
+  SetBinPath(std::nullopt);
+  EXPECT_EQ("", GetDesignRoot(platform_));
+}
+
+TEST_F(InstallPaths, DesignRootOfALongerBinPathWithoutTheDesignFolderIsAnError) {
+  for (const char* binPath : {"C:\\123456", "C:\\K\\tq5-vx\\Bin", "TQ5-VX\\Bin\\"}) {
+    SetBinPath(binPath);
+    EXPECT_EQ(5, NumberOfErrorFrom(GetDesignRoot)) << binPath;
+    EXPECT_EQ(5, NumberOfErrorFrom(GetDesignTempFolder)) << binPath;
+  }
+}
+
+TEST_F(InstallPaths, DesignRootEndsOneCharacterBeforeTheFirstDesignFolder) {
+  SetBinPath("C:\\TQ5-VX\\TQ5-VX\\Bin\\");
+  EXPECT_EQ("C:", GetDesignRoot(platform_));
+  SetBinPath("C:\\Küche\\TQ5-VX\\Bin\\");
+  EXPECT_EQ("C:\\Küche", GetDesignRoot(platform_));
+  // Whatever the character before it is.
+  SetBinPath("C:\\KüTQ5-VX\\Bin\\");
+  EXPECT_EQ("C:\\K", GetDesignRoot(platform_));
+}
+
+TEST_F(InstallPaths, ReadRegistryStringKeepsValuesOf254BytesAndNoLonger) {
+  SetBinPath(std::string(254, 'x'));
+  EXPECT_EQ(std::string(254, 'x'), ReadRegistryString(platform_, "K", "V", "fallback"));
+  SetBinPath(std::string(255, 'x'));
+  EXPECT_EQ("fallback", ReadRegistryString(platform_, "K", "V", "fallback"));
+}
+
+TEST_F(InstallPaths, ReadRegistryStringCountsBytesOfTheCodePage) {
+  std::string umlauts;
+  for (int i = 0; i < 254; ++i) {
+    umlauts += "ü";  // two bytes in UTF-8, one in the code page
+  }
+  SetBinPath(umlauts);
+  EXPECT_EQ(umlauts, ReadRegistryString(platform_, "K", "V", "fallback"));
+}
+
+TEST_F(InstallPaths, ReadRegistryStringKeepsAnEmptyValue) {
+  SetBinPath("");
+  EXPECT_EQ("", ReadRegistryString(platform_, "K", "V", "fallback"));
+}
+
+TEST_F(InstallPaths, ReadRegistryStringTrapsErrorsWithNothingRead) {
+  registry_.onRead = [] { throw MakeRuntimeError(RuntimeError::PathFileAccess, "no right"); };
+  EXPECT_EQ("", ReadRegistryString(platform_, "K", "V", "fallback"));
+}
+
+TEST_F(InstallPaths, TheUiKeyIsAnsweredFromTheSettingsFileAndNeverFromTheRegistry) {
+  SetBinPath("C:\\Korvane\\TQ5-VX\\Bin\\");
+  machine_.Write("C:\\Korvane\\TQ5-VX\\Bin\\UIKeys.txt", "ToolBarActive=-1\r\n");
+  EXPECT_EQ("-1", ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "ToolBarActive", "fallback"));
+  EXPECT_EQ("", ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "NoSuchKey", "fallback"));
+  for (const auto& [key, valueName] : registry_.asked) {
+    EXPECT_EQ("BinPath", valueName);  // only for where the file is
+  }
+}
+
+TEST_F(InstallPaths, TheUiKeyWithoutSettingsFileReadsAsEmpty) {
+  SetBinPath("C:\\Korvane\\TQ5-VX\\Bin\\");
+  EXPECT_EQ("", ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "ToolBarActive", "fallback"));
+}
+
+TEST_F(InstallPaths, OtherSpellingsOfTheUiKeyAreOrdinaryKeys) {
+  SetBinPath("from the registry");
+  for (const char* key : {"SOFTWARE\\Korvane\\UI", "software\\korvane\\ui\\"}) {
+    EXPECT_EQ("from the registry", ReadRegistryString(platform_, key, "ToolBarActive", "")) << key;
+  }
+}
+
+}  // namespace
+}  // namespace parvex

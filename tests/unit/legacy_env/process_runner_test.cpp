@@ -1,0 +1,104 @@
+#include "legacy_env/process_runner.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "platform/automation_error.h"
+#include "tests/support/fake_platform.h"
+
+namespace parvex {
+namespace {
+
+class RunAndWaitTest : public testing::Test {
+ protected:
+  int StyleUsedFor(std::optional<int> windowStyle) {
+    RunAndWait(machine_.platform, "program", windowStyle);
+    return machine_.processes.started.back().windowStyle;
+  }
+
+  test::FakeMachine machine_;
+};
+
+TEST_F(RunAndWaitTest, PassesTheCommandLineAndGivesTheExitCode) {
+  machine_.processes.exitCode = 5;
+  EXPECT_EQ(5, RunAndWait(machine_.platform, "C:\\A b\\c.exe /x \"y\""));
+  ASSERT_EQ(1u, machine_.processes.started.size());
+  EXPECT_EQ("C:\\A b\\c.exe /x \"y\"", machine_.processes.started[0].commandLine);
+}
+
+TEST_F(RunAndWaitTest, UsesMinimisedWithoutFocusForAMissingStyleAndOneOutsideZeroToSix) {
+  EXPECT_EQ(6, StyleUsedFor(std::nullopt));
+  for (const int style : {9, 7, -1, 1000}) {
+    EXPECT_EQ(6, StyleUsedFor(style)) << style;
+  }
+}
+
+TEST_F(RunAndWaitTest, UsesStylesZeroToSixAsTheyAre) {
+  for (int style = 0; style <= 6; ++style) {
+    EXPECT_EQ(style, StyleUsedFor(style));
+  }
+}
+
+TEST_F(RunAndWaitTest, PumpsAndSleeps100MillisecondsAfterEachReadingTheLastOneIncluded) {
+  machine_.processes.polls = 3;
+  RunAndWait(machine_.platform, "program");
+  EXPECT_EQ(4, machine_.pump.pumped);
+  EXPECT_EQ(std::chrono::milliseconds(400), machine_.pump.now);
+}
+
+TEST_F(RunAndWaitTest, PumpsAndSleepsOnceForAProgramThatEndedAtOnce) {
+  RunAndWait(machine_.platform, "program");
+  EXPECT_EQ(1, machine_.pump.pumped);
+  EXPECT_EQ(std::chrono::milliseconds(100), machine_.pump.now);
+}
+
+// Records the order of what a wait does.
+class Recorder : public Processes, public MessagePump {
+ public:
+  std::string steps;
+
+  std::unique_ptr<Process> Start(std::string_view, int) override {
+    steps += "start ";
+    return std::make_unique<RecordedProcess>(*this);
+  }
+  void RunPending() override { steps += "pump "; }
+  void Sleep(std::chrono::milliseconds duration) override { steps += "sleep" + std::to_string(duration.count()) + " "; }
+
+ private:
+  struct RecordedProcess : Process {
+    explicit RecordedProcess(Recorder& theRecorder) : recorder(theRecorder) {}
+    ~RecordedProcess() override { recorder.steps += "close"; }
+    std::uint32_t ExitCode() override {
+      recorder.steps += "read ";
+      return --polls > 0 ? kStillActive : 0;
+    }
+    Recorder& recorder;
+    int polls = 2;
+  };
+};
+
+TEST_F(RunAndWaitTest, ReadsThenPumpsThenSleepsAndClosesAtTheEnd) {
+  Recorder recorder;
+  const Platform& own = machine_.platform;
+  RunAndWait({own.registry, own.privateProfile, own.files, recorder, recorder, own.messageBoxes, own.messageRouters,
+              own.automation, own.projectDatabases, own.codePage},
+             "program");
+  EXPECT_EQ("start read pump sleep100 read pump sleep100 close", recorder.steps);
+}
+
+TEST_F(RunAndWaitTest, GivesTheErrorNumberPlusTheObjectErrorBaseWhenStartingFails) {
+  machine_.processes.startError = 53;
+  EXPECT_EQ(-2147221451, RunAndWait(machine_.platform, "program"));  // 0x80040035
+  machine_.processes.startError = 5;
+  EXPECT_EQ(static_cast<std::int32_t>(0x80040005u), RunAndWait(machine_.platform, "program"));
+  EXPECT_EQ(0, machine_.pump.pumped);
+}
+
+TEST_F(RunAndWaitTest, GivesExitCodesBeyond31BitsAsNegativeNumbers) {
+  machine_.processes.exitCode = 0xC0000005u;
+  EXPECT_EQ(-1073741819, RunAndWait(machine_.platform, "program"));
+}
+
+}  // namespace
+}  // namespace parvex

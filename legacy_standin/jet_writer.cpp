@@ -64,7 +64,9 @@ jet::RowShape ShapeOf(const std::vector<NewColumn>& columns) {
     column.fixedOffset = column.fixed ? fixedOffset : 0;
     column.variableNumber = shape.variableCount;
     if (!column.fixed) ++shape.variableCount;
-    if (column.fixed && column.type != ColumnType::Boolean) fixedOffset = static_cast<std::uint16_t>(fixedOffset + added.size);
+    if (column.fixed && column.type != ColumnType::Boolean) {
+      fixedOffset = static_cast<std::uint16_t>(fixedOffset + added.size);
+    }
     shape.columns.push_back(std::move(column));
   }
   return shape;
@@ -210,19 +212,26 @@ const std::vector<NewColumn>& RightsColumns() {
 }
 
 const std::vector<NewColumn>& QueryColumns() {
-  static const std::vector<NewColumn> columns{{"Attribute", ColumnType::Byte, 1},  {"Expression", ColumnType::Memo, 0},
-                                              {"Flag", ColumnType::Integer, 2},    {"LvExtra", ColumnType::LongBinary, 0},
-                                              {"Name1", ColumnType::Text, 510},    {"Name2", ColumnType::Text, 510},
-                                              {"ObjectId", ColumnType::Long, 4},   {"Order", ColumnType::Binary, 510}};
+  static const std::vector<NewColumn> columns{{"Attribute", ColumnType::Byte, 1},
+                                              {"Expression", ColumnType::Memo, 0},
+                                              {"Flag", ColumnType::Integer, 2},
+                                              {"LvExtra", ColumnType::LongBinary, 0},
+                                              {"Name1", ColumnType::Text, 510},
+                                              {"Name2", ColumnType::Text, 510},
+                                              {"ObjectId", ColumnType::Long, 4},
+                                              {"Order", ColumnType::Binary, 510}};
   return columns;
 }
 
 const std::vector<NewColumn>& RelationshipColumns() {
-  static const std::vector<NewColumn> columns{
-      {"ccolumn", ColumnType::Long, 4},          {"grbit", ColumnType::Long, 4},
-      {"icolumn", ColumnType::Long, 4},          {"szColumn", ColumnType::Text, 510},
-      {"szObject", ColumnType::Text, 510},       {"szReferencedColumn", ColumnType::Text, 510},
-      {"szReferencedObject", ColumnType::Text, 510}, {"szRelationship", ColumnType::Text, 510}};
+  static const std::vector<NewColumn> columns{{"ccolumn", ColumnType::Long, 4},
+                                              {"grbit", ColumnType::Long, 4},
+                                              {"icolumn", ColumnType::Long, 4},
+                                              {"szColumn", ColumnType::Text, 510},
+                                              {"szObject", ColumnType::Text, 510},
+                                              {"szReferencedColumn", ColumnType::Text, 510},
+                                              {"szReferencedObject", ColumnType::Text, 510},
+                                              {"szRelationship", ColumnType::Text, 510}};
   return columns;
 }
 
@@ -293,10 +302,11 @@ std::string MakeJetDatabase(std::span<const JetTable> tables) {
     all.push_back({table.name, columns, false});
   }
 
-  std::vector<CatalogueEntry> entries{{kTablesContainer, kRootContainer, "Tables", kContainerType, kSystemFlag},
-                                      {kDatabasesContainer, kRootContainer, "Databases", kContainerType, kSystemFlag},
-                                      {kRelationshipsContainer, kRootContainer, "Relationships", kContainerType, kSystemFlag},
-                                      {kDatabaseObject, kDatabasesContainer, "MSysDb", kDatabaseType, kSystemFlag}};
+  std::vector<CatalogueEntry> entries{
+      {kTablesContainer, kRootContainer, "Tables", kContainerType, kSystemFlag},
+      {kDatabasesContainer, kRootContainer, "Databases", kContainerType, kSystemFlag},
+      {kRelationshipsContainer, kRootContainer, "Relationships", kContainerType, kSystemFlag},
+      {kDatabaseObject, kDatabasesContainer, "MSysDb", kDatabaseType, kSystemFlag}};
   std::string definitions;
   std::string maps;
   const auto firstMapPage = static_cast<std::uint32_t>(jet::kCataloguePage + all.size());
@@ -317,7 +327,8 @@ std::string MakeJetDatabase(std::span<const JetTable> tables) {
     file.AddRow(rights, RightsRow(entry));
   }
   for (std::size_t i = 0; i < tables.size(); ++i) {
-    const jet::TableDefinition table = file.ReadTable(static_cast<std::uint32_t>(jet::kCataloguePage + systemTables + i));
+    const auto page = static_cast<std::uint32_t>(jet::kCataloguePage + systemTables + i);
+    const jet::TableDefinition table = file.ReadTable(page);
     for (const auto& row : tables[i].rows) {
       StoredValues values;
       for (std::size_t column = 0; column < table.shape.columns.size(); ++column) {

@@ -22,8 +22,8 @@ struct JetTable {
   std::vector<std::vector<std::optional<std::string>>> rows;
 };
 
-/// The bytes of a new Jet 4 database that holds these tables and the system tables, none with an index. A value that its
-/// column cannot take is an AutomationError.
+/// The bytes of a new Jet 4 database that holds these tables and the system tables, none with an index. A value that
+/// its column cannot take is an AutomationError.
 std::string MakeJetDatabase(std::span<const JetTable> tables);
 
 }  // namespace parvex::standin

@@ -127,11 +127,17 @@ std::string EmptyMapPage(bool marked) {
 }
 
 bool SoundColumn(const Column& column, const RowShape& shape) {
-  if (column.number >= shape.columnCount) return false;
-  if (column.type == ColumnType::Boolean) return true;
-  if (!column.fixed) return column.variableNumber < shape.variableCount;
-  const std::optional<std::size_t> size = FixedSize(column.type);
-  return column.fixedOffset + column.size < kPageSize && (!size || *size == column.size);
+  const bool fitting = column.fixed ? column.fixedOffset + column.size < kPageSize
+                                    : column.variableNumber < shape.variableCount;
+  if (column.number >= shape.columnCount || !fitting) return false;
+  switch (column.type) {
+    case ColumnType::Text:
+    case ColumnType::Binary: return true;
+    case ColumnType::Memo:
+    case ColumnType::LongBinary: return !column.fixed;
+    case ColumnType::Boolean: return column.fixed;
+    default: return column.fixed && FixedSize(column.type) == column.size;
+  }
 }
 
 }  // namespace
@@ -144,10 +150,12 @@ std::optional<std::string> EncodeValue(const Column& column, std::string_view te
   std::optional<std::string> bytes;
   switch (column.type) {
     case ColumnType::Text:
-      bytes = EncodeText(text, column.compressed);
       if (LengthInUnits(text) * 2 > column.size) {
         Fail(EngineError::FieldTooSmall, "Column '" + column.name + "' is too short for '" + std::string(text) + "'");
       }
+      if (!column.fixed) return EncodeText(text, column.compressed);
+      bytes = Utf16Bytes(text);
+      while (bytes->size() < column.size) Append16(*bytes, u' ');
       return bytes;
     case ColumnType::Memo: return EncodeMemo(text, column.compressed);
     case ColumnType::Boolean:
@@ -162,8 +170,14 @@ std::optional<std::string> EncodeValue(const Column& column, std::string_view te
     case ColumnType::Double: bytes = NumberBytes<double>(text); break;
     default: break;
   }
-  if (!bytes) Fail(EngineError::DataTypeConversion, "Column '" + column.name + "' cannot hold '" + std::string(text) + "'");
+  if (!bytes) {
+    Fail(EngineError::DataTypeConversion, "Column '" + column.name + "' cannot hold '" + std::string(text) + "'");
+  }
   return bytes;
+}
+
+bool Index::Covers(const Column& column) const {
+  return std::find(columnNumbers.begin(), columnNumbers.end(), column.number) != columnNumbers.end();
 }
 
 std::optional<std::size_t> TableDefinition::FindColumn(std::string_view name) const {
@@ -237,6 +251,8 @@ TableDefinition File::ReadTable(std::uint32_t definitionPage) const {
   }
 
   if (reader.overrun) Damaged("the definition of a table ends too early");
+  // Nothing here needs to know which pages have room, but whoever reads the table after this check looks at the map.
+  PagesInMap(table.pagesWithRoom);
   std::sort(table.shape.columns.begin(), table.shape.columns.end(),
             [](const Column& a, const Column& b) { return a.number < b.number; });
   for (const Column& column : table.shape.columns) {
@@ -269,7 +285,9 @@ std::vector<Row> File::ReadRows(const TableDefinition& table) const {
         slot = &target.slots[stored.row];
       }
       std::optional<StoredValues> values = DecodeRow(table.shape, slot->bytes);
-      if (!values) Damaged("row " + std::to_string(i) + " of page " + std::to_string(number) + " contradicts its table");
+      if (!values) {
+        Damaged("row " + std::to_string(i) + " of page " + std::to_string(number) + " contradicts its table");
+      }
       rows.push_back({.place = place, .stored = stored, .values = std::move(*values)});
     }
   }
@@ -303,9 +321,8 @@ std::string File::ReadLongValue(const std::string& value) const {
 void File::AddRow(const TableDefinition& table, const StoredValues& values) {
   if (!table.indexes.empty()) RefuseIndexed(table.indexes.front());
   for (const Column& column : table.shape.columns) {
-    if (column.autonumber) {
-      Fail(EngineError::NotSupported, "A row cannot be added where column '" + column.name + "' counts: '" + name_ + "'");
-    }
+    if (!column.autonumber) continue;
+    Fail(EngineError::NotSupported, "A row cannot be added where column '" + column.name + "' counts: '" + name_ + "'");
   }
   StoreRow(table, EncodeRow(table.shape, values), false);
   const std::size_t rowCountAt = table.page * kPageSize + kRowCountAt;
@@ -315,8 +332,7 @@ void File::AddRow(const TableDefinition& table, const StoredValues& values) {
 void File::ReplaceRow(const TableDefinition& table, const Row& row, const StoredValues& values) {
   for (const Index& index : table.indexes) {
     for (std::size_t i = 0; i < table.shape.columns.size(); ++i) {
-      const bool covered = std::count(index.columnNumbers.begin(), index.columnNumbers.end(), table.shape.columns[i].number);
-      if (covered && values[i] != row.values[i]) RefuseIndexed(index);
+      if (values[i] != row.values[i] && index.Covers(table.shape.columns[i])) RefuseIndexed(index);
     }
   }
   std::string rowBytes = EncodeRow(table.shape, values);
@@ -458,7 +474,8 @@ std::uint32_t File::AppendPage(std::string_view bytes) {
 
 RowPlace File::StoreRow(const TableDefinition& table, std::string rowBytes, bool hidden) {
   if (rowBytes.size() > kLongestRow) {
-    Fail(EngineError::FieldTooSmall, "A row of " + std::to_string(rowBytes.size()) + " bytes is too long: '" + name_ + "'");
+    Fail(EngineError::FieldTooSmall,
+         "A row of " + std::to_string(rowBytes.size()) + " bytes is too long: '" + name_ + "'");
   }
   const std::size_t needed = rowBytes.size() + 2;
   DataPage::Slot slot{.hidden = hidden, .pointer = false, .bytes = std::move(rowBytes)};

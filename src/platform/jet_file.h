@@ -37,6 +37,8 @@ std::optional<std::string> EncodeValue(const Column& column, std::string_view te
 struct Index {
   std::string name;
   std::vector<std::uint16_t> columnNumbers;
+
+  bool Covers(const Column& column) const;
 };
 
 struct TableDefinition {

@@ -4,6 +4,8 @@
 #include <array>
 #include <numeric>
 
+#include "platform/text.h"
+
 namespace parvex::jet {
 
 namespace {
@@ -25,31 +27,6 @@ constexpr std::array<std::uint8_t, 4> kMaskKey{0xC7, 0xDA, 0x39, 0x6B};
 
 std::uint8_t ByteAt(std::string_view bytes, std::size_t at) { return static_cast<std::uint8_t>(bytes[at]); }
 
-constexpr char32_t kReplacement = 0xFFFD;
-
-void AppendUtf8(std::string& text, char32_t character) {
-  const int more = character < 0x80 ? 0 : character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
-  constexpr std::array<int, 4> kLeads{0, 0xC0, 0xE0, 0xF0};
-  text += static_cast<char>(kLeads[more] | character >> 6 * more);
-  for (int i = more - 1; i >= 0; --i) text += static_cast<char>(0x80 | (character >> 6 * i & 0x3F));
-}
-
-/// The next character of a UTF-8 text, which is moved past it.
-char32_t TakeCharacter(std::string_view& text) {
-  const std::uint8_t lead = ByteAt(text, 0);
-  text.remove_prefix(1);
-  if (lead < 0x80) return lead;
-  const int more = lead >= 0xF0 && lead < 0xF5 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC2 ? 1 : 0;
-  if (more == 0 || lead >= 0xF5 || text.size() < static_cast<std::size_t>(more)) return kReplacement;
-  char32_t character = lead & (0x3F >> more);
-  for (int i = 0; i < more; ++i) {
-    if ((ByteAt(text, i) & 0xC0) != 0x80) return kReplacement;
-    character = character << 6 | (ByteAt(text, i) & 0x3F);
-  }
-  text.remove_prefix(more);
-  return character;
-}
-
 /// The compressed form: the mark FF FE, then one byte a character up to U+00FF; a zero byte switches to two bytes a
 /// character and back. Nothing when a character has a low byte of zero, which would read as a switch.
 std::optional<std::string> Compress(std::string_view utf16) {
@@ -70,7 +47,8 @@ std::size_t NullMaskSize(std::size_t columnCount) { return (columnCount + 7) / 8
 std::size_t FixedEnd(const RowShape& shape) {
   std::size_t end = 2;
   for (const Column& column : shape.columns) {
-    if (column.fixed && column.type != ColumnType::Boolean) end = std::max<std::size_t>(end, 2u + column.fixedOffset + column.size);
+    if (!column.fixed || column.type == ColumnType::Boolean) continue;
+    end = std::max<std::size_t>(end, 2u + column.fixedOffset + column.size);
   }
   return end;
 }
@@ -114,33 +92,14 @@ void Append32(std::string& bytes, std::uint32_t value) {
 
 std::string Utf16Bytes(std::string_view utf8) {
   std::string bytes;
-  while (!utf8.empty()) {
-    const char32_t character = TakeCharacter(utf8);
-    if (character < 0x10000) {
-      Append16(bytes, static_cast<std::uint16_t>(character));
-    } else {
-      Append16(bytes, static_cast<std::uint16_t>(0xD800 + ((character - 0x10000) >> 10)));
-      Append16(bytes, static_cast<std::uint16_t>(0xDC00 + ((character - 0x10000) & 0x3FF)));
-    }
-  }
+  for (const char16_t unit : ToUtf16(utf8)) Append16(bytes, unit);
   return bytes;
 }
 
 std::string Utf8FromUtf16Bytes(std::string_view bytes) {
-  std::string utf8;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    char32_t character = Get16(bytes, i);
-    const bool first = character >= 0xD800 && character < 0xDC00;
-    const char32_t second = first && i + 3 < bytes.size() ? Get16(bytes, i + 2) : 0;
-    if (second >= 0xDC00 && second < 0xE000) {
-      character = 0x10000 + ((character - 0xD800) << 10) + (second - 0xDC00);
-      i += 2;
-    } else if (character >= 0xD800 && character < 0xE000) {
-      character = kReplacement;
-    }
-    AppendUtf8(utf8, character);
-  }
-  return utf8;
+  std::u16string units;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) units += static_cast<char16_t>(Get16(bytes, i));
+  return FromUtf16(units);
 }
 
 std::string EncodeText(std::string_view utf8, bool compress) {
@@ -215,8 +174,10 @@ std::optional<StoredValues> DecodeRow(const RowShape& shape, std::string_view ro
 
   StoredValues values;
   for (const Column& column : shape.columns) {
-    const bool present =
-        column.number < columnCount && (ByteAt(row, maskAt + column.number / 8) >> column.number % 8 & 1) != 0;
+    // A Boolean is in the null mask alone, and yet has a place in the fixed part that nobody may follow out of the row.
+    const bool known = column.number < columnCount;
+    if (known && column.fixed && 2u + column.fixedOffset + column.size > row.size()) return std::nullopt;
+    const bool present = known && (ByteAt(row, maskAt + column.number / 8) >> column.number % 8 & 1) != 0;
     if (!present || (!column.fixed && column.variableNumber >= variableCount)) {
       values.push_back(std::nullopt);
     } else if (column.type == ColumnType::Boolean) {

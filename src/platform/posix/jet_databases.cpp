@@ -37,7 +37,8 @@ class OpenFile {
     for (const std::size_t row : catalogue.Find({{Require(catalogue, "Name"), name}})) {
       const auto& values = catalogue.Rows()[row].stored.values;
       if (!values[id] || !values[type]) continue;
-      if ((jet::Get16(*values[type], 0) & kTypeOfObject) == jet::kTableObject) return jet::Get32(*values[id], 0) & kPageOfId;
+      if ((jet::Get16(*values[type], 0) & kTypeOfObject) != jet::kTableObject) continue;
+      return jet::Get32(*values[id], 0) & kPageOfId;
     }
     jet::Fail(EngineError::NoSuchTable, "No table '" + name + "' in '" + file_.Name() + "'");
   }
@@ -68,7 +69,8 @@ class OpenFile {
 
 class JetRecordSet : public RecordSet {
  public:
-  JetRecordSet(std::shared_ptr<OpenFile> file, std::string tableName, jet::TableDefinition table, std::vector<JetRow> rows)
+  JetRecordSet(std::shared_ptr<OpenFile> file, std::string tableName, jet::TableDefinition table,
+               std::vector<JetRow> rows)
       : file_(std::move(file)), tableName_(std::move(tableName)), table_(std::move(table)), rows_(std::move(rows)) {}
 
   bool AtEnd() override { return current_ == rows_.size(); }

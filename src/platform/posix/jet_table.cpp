@@ -46,7 +46,8 @@ Handle OpenDatabase(const jet::File& file) {
 }
 
 /// A UTF-16 unit of two bytes takes three in UTF-8, a compressed one of one byte takes two.
-std::size_t LongestTextInBytes(const jet::File& file, const jet::TableDefinition& table, const std::vector<jet::Row>& rows) {
+std::size_t LongestTextInBytes(const jet::File& file, const jet::TableDefinition& table,
+                               const std::vector<jet::Row>& rows) {
   std::size_t longest = MDB_BIND_SIZE;
   for (std::size_t i = 0; i < table.shape.columns.size(); ++i) {
     if (table.shape.columns[i].type != ColumnType::Memo) continue;
@@ -65,8 +66,8 @@ std::string ShortestDecimal(const std::string& bytes) {
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
 }
 
-std::optional<std::string> TextOf(MdbHandle* database, const jet::Column& column, const std::optional<std::string>& stored,
-                                  const MdbField& field) {
+std::optional<std::string> TextOf(MdbHandle* database, const jet::Column& column,
+                                  const std::optional<std::string>& stored, const MdbField& field) {
   if (column.type == ColumnType::Boolean) return stored ? "True" : "False";
   if (!stored) return std::nullopt;
   switch (column.type) {

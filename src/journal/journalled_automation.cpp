@@ -48,8 +48,6 @@ class JournalledObject : public Object {
   const ObjectRef& Outside() const { return outside_; }
 
  private:
-  template <typename Operation>
-  Value Record(Json line, std::string_view member, Operation operation);
   Value Inside(Value value, std::string_view member) const;
   Value InsideAgain(const Value& after, const Value& before, std::string_view member) const;
 
@@ -76,42 +74,33 @@ Value Outside(const Value& value) {
 }
 
 Value JournalledObject::Get(std::string_view member) {
-  return Record(AutomationLine(name_, "get", member), member, [&] { return outside_->Get(member); });
+  return Record(out_, AutomationLine(name_, "get", member), [&](Json& line) {
+    Value value = Inside(outside_->Get(member), member);
+    line["result"] = ValueJson(value);
+    return value;
+  });
 }
 
 void JournalledObject::Put(std::string_view member, const Value& value) {
-  Record(AutomationLine(name_, "put", member, Json::array({ValueJson(value)})), member, [&] {
+  Record(out_, AutomationLine(name_, "put", member, Json::array({ValueJson(value)})), [&](Json&) {
     outside_->Put(member, journal::Outside(value));
     return Value();
   });
 }
 
 Value JournalledObject::Call(std::string_view member, std::span<Argument> arguments) {
-  return Record(AutomationLine(name_, "call", member, ArgsJson(arguments)), member, [&] {
+  return Record(out_, AutomationLine(name_, "call", member, ArgsJson(arguments)), [&](Json& line) {
     std::vector<Argument> passed(arguments.begin(), arguments.end());
     for (Argument& argument : passed) {
       argument.value = journal::Outside(argument.value);
     }
-    Value result = outside_->Call(member, passed);
+    Value result = Inside(outside_->Call(member, passed), member);
     for (std::size_t i = 0; i < passed.size(); ++i) {
       arguments[i].value = InsideAgain(passed[i].value, arguments[i].value, member);
     }
+    line["result"] = ValueJson(result);
     return result;
   });
-}
-
-template <typename Operation>
-Value JournalledObject::Record(Json line, std::string_view member, Operation operation) {
-  try {
-    Value result = Inside(operation(), member);
-    line["result"] = ValueJson(result);
-    WriteLine(out_, line);
-    return result;
-  } catch (const AutomationError& error) {
-    line["error"] = ErrorJson(error);
-    WriteLine(out_, line);
-    throw;
-  }
 }
 
 // A value that came from the outside through `member`: an object gets a stand-in with a name of its own.
@@ -144,18 +133,13 @@ Value JournalledObject::InsideAgain(const Value& after, const Value& before, std
 
 automation::ObjectRef JournalledAutomation::Create(std::string_view programmaticId) {
   const std::string id(programmaticId);
-  try {
+  return Record(out_, AutomationLine(id, "create"), [&](Json& line) -> ObjectRef {
     ObjectRef object = outside_.Create(programmaticId);
     const std::size_t count = ++created_[id];
     const std::string name = count == 1 ? id : id + "#" + std::to_string(count);
-    WriteLine(out_, AutomationLine(name, "create"));
+    line["object"] = name;
     return std::make_shared<JournalledObject>(std::move(object), name, out_);
-  } catch (const AutomationError& error) {
-    Json line = AutomationLine(id, "create");
-    line["error"] = ErrorJson(error);
-    WriteLine(out_, line);
-    throw;
-  }
+  });
 }
 
 }  // namespace parvex::journal

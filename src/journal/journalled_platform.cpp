@@ -17,18 +17,13 @@ class JournalledRouter : public MessageRouter {
       : outside_(std::move(outside)), out_(out) {}
 
   bool SendRequestMessage(const std::string& request, std::string& response) override {
-    Json line = {{"kind", "router"}, {"request", request}, {"answer", ""}, {"success", false}};
-    try {
+    const Json unanswered = {{"kind", "router"}, {"request", request}, {"answer", ""}, {"success", false}};
+    return Record(out_, unanswered, [&](Json& line) {
       const bool success = outside_->SendRequestMessage(request, response);
       line["answer"] = response;
       line["success"] = success;
-      WriteLine(out_, line);
       return success;
-    } catch (const AutomationError& error) {
-      line["error"] = ErrorJson(error);
-      WriteLine(out_, line);
-      throw;
-    }
+    });
   }
 
  private:

@@ -15,8 +15,8 @@
 namespace parvex {
 namespace {
 
-/// A path inside the tag document. It is looked for under PARAMETERS, which no other command has: deliberate, the return
-/// command's front end wraps its parameters once more. Its project name and mark-for text are not used here.
+/// A path inside the tag document. It is looked for under PARAMETERS, which no other command has: deliberate, the
+/// return command's front end wraps its parameters once more. Its project name and mark-for text are not used here.
 std::string InTag(std::string_view path) {
   return "//COMMAND/PARAMETERS/PARAMETER/PROJECT/TAGS/TAG/" + std::string(path);
 }
@@ -40,13 +40,13 @@ void WriteEntry(const Platform& platform, const std::string& file, std::string_v
                 std::string_view value) {
   SetIniTarget(platform, section, file);
   if (WriteIniString(platform, key, value) == 0) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, "cannot write [" + std::string(section) + "] " +
-                                                             std::string(key) + " to \"" + file + "\"");
+    throw MakeRuntimeError(RuntimeError::PathFileAccess,
+                           "cannot write [" + std::string(section) + "] " + std::string(key) + " to \"" + file + "\"");
   }
 }
 
-/// Every component of the document is shown once for every base unit, deliberately: the list of components is that of the
-/// whole document, not of the unit.
+/// Every component of the document is shown once for every base unit, deliberately: the list of components is that of
+/// the whole document, not of the unit.
 void ShowComponents(const Platform& platform, const xml::Document& command) {
   const std::size_t unitCount = command.All(InTag("BASEUNITS/BASEUNIT")).size();
   if (unitCount == 0) {

@@ -81,6 +81,12 @@ void AddParameter(const xml::Document& command, std::string_view name, std::stri
   command.Root().Append(MakeParameterElement(name, value));
 }
 
+void AddParameters(const xml::Document& command, Parameters parameters) {
+  for (const auto& [name, value] : parameters) {
+    AddParameter(command, name, value);
+  }
+}
+
 void SetCommandName(const xml::Document& command, std::string_view name) {
   const xml::Node node = command.First("//COMMAND/NAME");
   if (!node) {

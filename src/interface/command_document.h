@@ -1,7 +1,9 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/xml.h"
 
@@ -29,6 +31,10 @@ xml::Node MakeParameterElement(std::string_view name, std::string_view value);
 
 /// Appends a parameter to the document element, whatever that is.
 void AddParameter(const xml::Document& command, std::string_view name, std::string_view value);
+
+using Parameters = std::initializer_list<std::pair<std::string_view, std::string_view>>;
+/// Appends parameters in the order given.
+void AddParameters(const xml::Document& command, Parameters parameters);
 
 /// Replaces the text of the first COMMAND/NAME ("object not set" when there is none).
 void SetCommandName(const xml::Document& command, std::string_view name);

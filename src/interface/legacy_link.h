@@ -1,12 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_set>
 
 #include "platform/platform.h"
 #include "platform/xml.h"
 
 namespace parvex {
+
+/// The tags that new names must not clash with. Filled by the first command that needs it and never again, whatever
+/// project later commands ask about; the counter doubles as the mark that it is filled.
+struct TagNameCache {
+  std::int32_t counter = 0;
+  /// Product data set group and name of every tag, with a NUL between.
+  std::unordered_set<std::string> taken;
+};
 
 /// What one LegacyORLAPull instance holds of the legacy application for as long as it lives. Handlers get it with every
 /// command; nothing else is carried from one command to the next.
@@ -17,6 +27,14 @@ class LegacyLink {
 
   const Platform platform;
   const std::unique_ptr<MessageRouter> router;
+
+  /// The instance itself as an automation object, which the builder is told of; null where a face offers none.
+  automation::ObjectRef consumer;
+  /// The builder, held only while a command drives it.
+  automation::ObjectRef builder;
+  /// The report server, kept once a report command has created it; the builder commands drop it.
+  automation::ObjectRef reportServer;
+  TagNameCache tagNames;
 
   /// Sends the request to the router. On true `answer` holds the router's answer.
   bool SendRequestMessage(const std::string& request, std::string& answer) const;

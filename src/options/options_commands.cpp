@@ -8,6 +8,7 @@
 #include "interface/reply_envelope.h"
 #include "interface/required_node.h"
 #include "legacy_env/install_paths.h"
+#include "legacy_env/program_folder_document.h"
 #include "platform/automation_error.h"
 
 namespace parvex {
@@ -69,19 +70,11 @@ void WriteOptions(const LegacyLink& link, const xml::Document& command) {
   link.platform.files.Replace(path, options.Bytes());
 }
 
-xml::Document LoadOptions(const LegacyLink& link) {
-  try {
-    return xml::Document::Load(link.platform.files.ReadAll(OptionsPath(link)));
-  } catch (const AutomationError&) {
-    return xml::Document::New();
-  }
-}
-
 }  // namespace
 
 xml::Document GetOptions(LegacyLink& link, const xml::Document&) {
   const xml::Document reply = xml::Document::Parse("<COMMAND><NAME>setOptions</NAME></COMMAND>");
-  const xml::Document options = LoadOptions(link);
+  const xml::Document options = LoadFromProgramFolder(link.platform, "Options.xml");
   if (options.IsEmpty()) {
     return reply;
   }

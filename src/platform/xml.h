@@ -75,6 +75,9 @@ class Node {
   Node Child(std::string_view name) const;
   /// The next sibling element of that name; a null node when there is none.
   Node Next(std::string_view name) const;
+  /// The first element of that name below this node, in document order; a null node when there is none. What ".//NAME"
+  /// selects first for a name without prefix, without the cost of an expression.
+  Node Descendant(std::string_view name) const;
 
   /// Appends `child` as the last child and returns it. A node of another place or another document is moved. Refused: a
   /// node into itself or its own descendants, attributes and documents as children, a second root, text outside the

@@ -2,19 +2,12 @@
 
 #include <charconv>
 
-#include "interface/command_document.h"
 #include "platform/automation_error.h"
 #include "platform/text.h"
 
 namespace parvex {
 
-void AddParameters(const xml::Document& command, RequestParameters parameters) {
-  for (const auto& [name, value] : parameters) {
-    AddParameter(command, name, value);
-  }
-}
-
-xml::Document MakeRequest(std::string_view name, RequestParameters parameters) {
+xml::Document MakeRequest(std::string_view name, Parameters parameters) {
   const xml::Document request = xml::Document::Parse("<COMMAND><NAME/></COMMAND>");
   SetCommandName(request, name);
   AddParameters(request, parameters);

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
-#include <utility>
 
+#include "interface/command_document.h"
 #include "interface/legacy_link.h"
 #include "platform/xml.h"
 
@@ -13,13 +12,8 @@ namespace parvex {
 // Requests to the legacy application are command documents. Most are the front end's own document, changed in place: a
 // new name where the legacy command has another, and parameters appended behind the front end's own.
 
-using RequestParameters = std::initializer_list<std::pair<std::string_view, std::string_view>>;
-
-/// Appends parameters in the order given.
-void AddParameters(const xml::Document& command, RequestParameters parameters);
-
 /// A request of this system's own: COMMAND with this name and these parameters.
-xml::Document MakeRequest(std::string_view name, RequestParameters parameters);
+xml::Document MakeRequest(std::string_view name, Parameters parameters);
 
 /// Sends a request and loads the answer. False when the router refuses; the answer is then a null document.
 bool Ask(const LegacyLink& link, const xml::Document& request, xml::Document& answer);

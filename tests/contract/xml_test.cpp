@@ -514,6 +514,16 @@ TEST(XmlWalk, StepsThroughChildren) {
   EXPECT_EQ(document.AsNode().Child("r"), root);
 }
 
+TEST(XmlWalk, FindsTheFirstDescendantInDocumentOrder) {
+  const Document document = Parsed("<r><a><b>1</b></a><b>2</b><p:c xmlns:p='urn:p'>3</p:c><c>4</c></r>");
+  EXPECT_EQ(document.Root().Descendant("b").Text(), "1");
+  EXPECT_EQ(document.Root().Descendant("c").Text(), "4");
+  EXPECT_EQ(document.AsNode().Descendant("r"), document.Root());
+  EXPECT_FALSE(document.Root().Descendant("r")) << "a node is not below itself";
+  EXPECT_FALSE(document.First("r/a").Descendant("c")) << "what stands behind a node is not below it";
+  EXPECT_FALSE(document.First("r/a/b/text()").Descendant("b"));
+}
+
 TEST(XmlWalk, LeadsFromANodeToItsDocument) {
   const Document document = Parsed("<r><a/></r>");
   EXPECT_EQ(document.Root().FirstChild().Owner(), document);
@@ -725,6 +735,7 @@ TEST(XmlHandle, ThatIsNullRaisesObjectNotSetForEverything) {
       [&] { null.NextSibling(); },
       [&] { null.Child("x"); },
       [&] { null.Next("x"); },
+      [&] { null.Descendant("x"); },
       [&] { null.Append(document.Root()); },
       [&] { document.Root().Append(null); },
       [&] { null.Remove(); },

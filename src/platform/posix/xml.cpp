@@ -344,6 +344,16 @@ Node Node::Next(std::string_view name) const {
   return hasNone ? Node() : Adapter::HandleOn(FirstNamed(node->next, name));
 }
 
+Node Node::Descendant(std::string_view name) const {
+  xmlNode* top = Adapter::Tree(*this, "Descendant");
+  for (xmlNode* node = NextInTree(top, top); node != nullptr; node = NextInTree(node, top)) {
+    if (xml::IsElement(node) && node->ns == nullptr && View(node->name) == name) {
+      return Adapter::HandleOn(node);
+    }
+  }
+  return Node();
+}
+
 Node Node::Append(const Node& child) const {
   xmlNode* parent = Adapter::Tree(*this, "Append");
   xmlNode* node = Adapter::Tree(child, "Being appended");

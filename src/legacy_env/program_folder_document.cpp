@@ -1,0 +1,18 @@
+#include "legacy_env/program_folder_document.h"
+
+#include <string>
+
+#include "legacy_env/install_paths.h"
+#include "platform/automation_error.h"
+
+namespace parvex {
+
+xml::Document LoadFromProgramFolder(const Platform& platform, std::string_view fileName) {
+  try {
+    return xml::Document::Load(platform.files.ReadAll(GetBinPath(platform) + "\\" + std::string(fileName)));
+  } catch (const AutomationError&) {
+    return xml::Document::New();
+  }
+}
+
+}  // namespace parvex

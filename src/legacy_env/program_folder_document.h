@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+#include "platform/platform.h"
+#include "platform/xml.h"
+
+namespace parvex {
+
+/// An XML file of the legacy program folder (GetBinPath); an empty document when it is missing, unreadable or does not
+/// parse.
+xml::Document LoadFromProgramFolder(const Platform& platform, std::string_view fileName);
+
+}  // namespace parvex

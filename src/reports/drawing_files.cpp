@@ -1,0 +1,47 @@
+#include "reports/drawing_files.h"
+
+#include <string>
+
+#include "legacy_env/file_routines.h"
+#include "platform/automation_error.h"
+#include "reports/report_catalogue.h"
+
+namespace parvex {
+namespace {
+
+std::string EncodedDrawing(const Platform& platform, const std::string& fileName, std::string_view folder) {
+  if (fileName.find('\\') == std::string::npos && fileName.find_first_of("/:") != std::string::npos) {
+    throw MakeRuntimeError(RuntimeError::InvalidCall,
+                           "the drawing file name \"" + fileName + "\" leads out of " + std::string(folder));
+  }
+  return fileName.empty() ? std::string() : EncodeFileBase64(platform, ResolveReportFile(fileName, folder));
+}
+
+void EmbedImages(const Platform& platform, const xml::Document& report, std::string_view folder) {
+  for (const xml::Node& image : report.All("//image")) {
+    const std::string fileName = image.Text();
+    image.SetText("");
+    image.Append(report.CreateCData(EncodedDrawing(platform, fileName, folder)));
+    image.Append(report.CreateElement("filename")).SetText(fileName);
+  }
+}
+
+void EmbedSections(const Platform& platform, const xml::Document& report, std::string_view folder,
+                   std::string_view type) {
+  for (const xml::Node& section : report.All("//section[@type='" + std::string(type) + "']")) {
+    for (const xml::Node& fileName : section.All(".//filename")) {
+      fileName.Parent().Append(report.CreateCData(EncodedDrawing(platform, fileName.Text(), folder)));
+    }
+  }
+}
+
+}  // namespace
+
+void EmbedDrawingFiles(const Platform& platform, const xml::Document& report, std::string_view pdsg) {
+  const std::string folder = DrawingsFolder(platform, pdsg);
+  EmbedImages(platform, report, folder);
+  EmbedSections(platform, report, folder, "dwg");
+  EmbedSections(platform, report, folder, "rtf");
+}
+
+}  // namespace parvex

@@ -1,0 +1,132 @@
+#include "tags/tag_building.h"
+
+#include <chrono>
+#include <string>
+#include <utility>
+
+#include "interface/command_document.h"
+#include "interface/reply_envelope.h"
+#include "legacy_env/legacy_names.h"
+#include "legacy_env/ui_settings.h"
+#include "platform/automation_error.h"
+
+namespace parvex {
+namespace {
+
+using automation::Argument;
+using automation::ObjectRef;
+using automation::Value;
+using std::chrono_literals::operator""ms;
+
+constexpr auto kPollPause = 200ms;
+
+/// The builder of one command: no reference is left behind it, however the command ends.
+class HeldBuilder {
+ public:
+  explicit HeldBuilder(LegacyLink& link) : link_(link) {}
+  ~HeldBuilder() { link_.builder.reset(); }
+  HeldBuilder(const HeldBuilder&) = delete;
+  HeldBuilder& operator=(const HeldBuilder&) = delete;
+
+ private:
+  LegacyLink& link_;
+};
+
+void LetGoOfEarlierObjects(LegacyLink& link) {
+  link.reportServer.reset();
+  link.platform.messagePump.RunPending();
+  link.builder.reset();
+  link.platform.messagePump.Sleep(100ms);
+  link.platform.messagePump.RunPending();
+}
+
+void OpenBuilder(LegacyLink& link, bool existingTags) {
+  if (link.builder == nullptr) {
+    link.builder = link.platform.automation.Create(legacy::kBuilderClass);
+    link.builder->Put("standalone", false);
+  }
+  Argument arguments[] = {{existingTags}, {ObjectRef()}};
+  link.builder->Call("View", arguments);
+}
+
+bool IsLoaded(const ObjectRef& builder) {
+  const Value loaded = builder->Get("UILoaded");
+  if (const auto* flag = std::get_if<bool>(&loaded)) {
+    return *flag;
+  }
+  if (const auto* number = std::get_if<std::int32_t>(&loaded)) {
+    return *number != 0;
+  }
+  throw MakeRuntimeError(RuntimeError::TypeMismatch, builder->Name() + ".UILoaded is neither true nor false");
+}
+
+void WaitUntilLoaded(LegacyLink& link) {
+  while (!IsLoaded(link.builder)) {
+    link.platform.messagePump.RunPending();
+    link.platform.messagePump.Sleep(kPollPause);
+  }
+}
+
+ObjectRef ObjectMember(const ObjectRef& parent, std::string_view member) {
+  Value value = parent->Get(member);
+  const auto* object = std::get_if<ObjectRef>(&value);
+  if (object == nullptr || *object == nullptr) {
+    throw MakeRuntimeError(RuntimeError::ObjectNotSet, parent->Name() + "." + std::string(member) + " is no object");
+  }
+  return *object;
+}
+
+void RunWorkflow(LegacyLink& link, std::string commandLine) {
+  auto named = std::make_shared<automation::KeyedItems>();
+  named->emplace_back("Consumer", Argument{link.consumer});
+  named->emplace_back("Builder", Argument{link.builder, true});
+  named->emplace_back("Command Line", Argument{std::move(commandLine)});
+  const ObjectRef broker = ObjectMember(ObjectMember(link.builder, "Framework"), "ServiceBroker");
+  Argument arguments[] = {{std::string("Workflow Service")}, {std::string("runBuilder")},
+                          {automation::CollectionRef(named)}, {std::string("QuoteBuilder")}};
+  broker->Call(legacy::kBrokerCall, arguments);
+}
+
+}  // namespace
+
+xml::Document NewTag(LegacyLink& link, const xml::Document& command) {
+  LetGoOfEarlierObjects(link);
+  const HeldBuilder held(link);
+  OpenBuilder(link, false);
+  WaitUntilLoaded(link);
+  // partNumber is part of the command too, and takes no part in the call: deliberate, the builder asks its user for it.
+  RunWorkflow(link, "\\\\" + GetParamFromCmdDoc(command, "PDSG") + "\\" + GetParamFromCmdDoc(command, "projectName"));
+  return MakeReplyEnvelope();
+}
+
+xml::Document ConfigureTag(LegacyLink& link, const xml::Document& command) {
+  LetGoOfEarlierObjects(link);
+  const HeldBuilder held(link);
+  setUIValue(link.platform, "0");
+  OpenBuilder(link, true);
+  try {
+    WaitUntilLoaded(link);
+    RunWorkflow(link, "\\\\\\" + GetParamFromCmdDoc(command, "PDSG") + "\\" + GetParamFromCmdDoc(command, "tagName") +
+                          "\\" + GetParamFromCmdDoc(command, "tagID") + "\\" +
+                          GetParamFromCmdDoc(command, "projectName") + "\\" + GetParamFromCmdDoc(command, "projectID"));
+    WaitUntilLoaded(link);
+    link.platform.messagePump.Sleep(200ms);
+    setUIValue(link.platform, "-1");
+  } catch (const AutomationError&) {
+    return MakeFailedReply();
+  }
+  return MakeReplyEnvelope();
+}
+
+xml::Document RebuildAllTags(LegacyLink& link, const xml::Document& command) {
+  LetGoOfEarlierObjects(link);
+  const HeldBuilder held(link);
+  OpenBuilder(link, true);
+  WaitUntilLoaded(link);
+  RunWorkflow(link, "\\\\:" + GetParamFromCmdDoc(command, "projectName"));
+  setUIValue(link.platform, "-1");
+  link.builder->Call("Shutdown", {});
+  return MakeReplyEnvelope();
+}
+
+}  // namespace parvex

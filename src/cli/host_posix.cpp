@@ -1,0 +1,65 @@
+#include "cli/host.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include "legacy_standin/sample_machine.h"
+#include "legacy_standin/standin.h"
+#include "platform/posix/machine.h"
+
+namespace parvex::cli {
+namespace {
+
+std::filesystem::path WorkflowProgram() {
+  const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const std::filesystem::path beside = folder / "kdwfm470";
+  const std::filesystem::path installed = folder.parent_path() / "libexec" / "parvex" / "kdwfm470";
+  return std::filesystem::exists(beside) ? beside : installed;
+}
+
+void DoNothing(int) {}
+
+// A closed descriptor would be given to the next file that is opened, and that file get our output. What takes its place
+// refuses to be read or written.
+void KeepTaken(int descriptor, int mode) {
+  if (fcntl(descriptor, F_GETFD) == -1) {
+    const int opened = open("/dev/null", mode);
+    if (opened != -1 && opened != descriptor) {
+      dup2(opened, descriptor);
+      close(opened);
+    }
+  }
+}
+
+}  // namespace
+
+struct Host::Parts {
+  explicit Parts(const std::filesystem::path& folder) : machine(folder), standin(machine) {}
+  posix::Machine machine;
+  standin::Standin standin;
+};
+
+Host::Host(const std::filesystem::path& machineFolder) : parts_(std::make_unique<Parts>(machineFolder)) {}
+
+Host::~Host() = default;
+
+parvex::Platform Host::Platform() {
+  posix::Machine& machine = parts_->machine;
+  return {machine.GetRegistry(),    machine.GetPrivateProfile(), machine.GetFiles(),
+          machine.GetProcesses(),   machine.GetMessagePump(),    machine.GetMessageBoxes(),
+          parts_->standin.Routers(), machine.GetAutomation(),    machine.GetProjectDatabases(),
+          machine.GetCodePage()};
+}
+
+void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }
+
+void PrepareStandardStreams() {
+  KeepTaken(STDIN_FILENO, O_WRONLY);
+  KeepTaken(STDOUT_FILENO, O_RDONLY);
+  KeepTaken(STDERR_FILENO, O_WRONLY);
+  // A handler instead of SIG_IGN: started programs get the default back, as they expect.
+  signal(SIGPIPE, DoNothing);
+}
+
+}  // namespace parvex::cli

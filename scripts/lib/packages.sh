@@ -8,12 +8,18 @@ packages_of() {
   done
 }
 
+# What needs the package of that name.
+purpose_of() {
+  awk -v name="$1" '$1 == name { $1 = $2 = ""; sub(/^ +/, ""); print }' "$here/packages.txt"
+}
+
 is_installed() {
   [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
 
-# Of the packages of the given kinds, those that are not installed.
+# Of the packages of the given kinds, those that are not installed; none where it cannot be asked.
 missing_packages() {
+  command -v dpkg-query >/dev/null || return 0
   local name rest
   packages_of "$@" | while read -r name rest; do
     is_installed "$name" || echo "$name"
@@ -48,7 +54,6 @@ install_packages() {
 
 # require_packages KIND...: ends the script when one of them is still missing.
 require_packages() {
-  command -v dpkg-query >/dev/null || return 0
   local missing
   mapfile -t missing < <(missing_packages "$@")
   [ "${#missing[@]}" = 0 ] && return 0

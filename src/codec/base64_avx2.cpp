@@ -104,47 +104,57 @@ constexpr std::array<std::array<std::uint8_t, 8>, 256> MakeCompactions() {
 
 constexpr std::array<std::array<std::uint8_t, 8>, 256> kCompactions = MakeCompactions();
 
-// Stages eight of a block's values without the dropped ones.
-PARVEX_AVX2 inline void StageEight(__m128i values, std::uint32_t dropped, Stage& stage) {
+// Puts eight of a block's values to `out`, without the dropped ones. Returns where the next value goes.
+PARVEX_AVX2 inline std::uint8_t* PutEight(__m128i values, std::uint32_t dropped, std::uint8_t* out) {
   const __m128i order = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kCompactions[dropped].data()));
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(stage.values + stage.count), _mm_shuffle_epi8(values, order));
-  stage.count += 8 - static_cast<std::size_t>(_mm_popcnt_u32(dropped));
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(values, order));
+  return out + 8 - _mm_popcnt_u32(dropped);
 }
 
-PARVEX_AVX2 inline void StageKept(__m256i values, std::uint32_t dropped, Stage& stage) {
+PARVEX_AVX2 inline std::uint8_t* PutKept(__m256i values, std::uint32_t dropped, std::uint8_t* out) {
   const __m128i low = _mm256_castsi256_si128(values);
   const __m128i high = _mm256_extracti128_si256(values, 1);
-  StageEight(low, dropped & 0xFF, stage);
-  StageEight(_mm_srli_si128(low, 8), dropped >> 8 & 0xFF, stage);
-  StageEight(high, dropped >> 16 & 0xFF, stage);
-  StageEight(_mm_srli_si128(high, 8), dropped >> 24, stage);
+  out = PutEight(low, dropped & 0xFF, out);
+  out = PutEight(_mm_srli_si128(low, 8), dropped >> 8 & 0xFF, out);
+  out = PutEight(high, dropped >> 16 & 0xFF, out);
+  return PutEight(_mm_srli_si128(high, 8), dropped >> 24, out);
 }
 
-PARVEX_AVX2 void StageCharacters(std::string_view& text, Stage& stage) {
-  // Text beyond ASCII goes through the tables, in longer and longer stretches as long as it lasts.
-  std::size_t stretch = kBlock;
-  // One byte more than a block is looked at: a CR that ends the block may be half of a line break.
-  while (text.size() > kBlock && stage.count < kStageValues) {
-    const __m256i block = Load(text.data());
+// Stages blocks of ASCII characters until one holds others, the stage is full or less than a block and a byte is left: a CR
+// that ends the block may be half of a line break.
+PARVEX_AVX2 void StageAscii(std::string_view& text, Stage& stage) {
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  std::uint8_t* out = stage.values + stage.count;
+  const std::uint8_t* const full = stage.values + kStageValues;
+  while (end - at > static_cast<std::ptrdiff_t>(kBlock) && out < full) {
+    const __m256i block = Load(at);
     const ClassifiedBlock classified = Classify(block);
     if (classified.outside == 0) {
-      Store(stage.values + stage.count, classified.values);
-      stage.count += kBlock;
-      text.remove_prefix(kBlock);
+      Store(out, classified.values);
+      out += kBlock;
+      at += kBlock;
       continue;
     }
     if (_mm256_movemask_epi8(block) != 0) {
-      StageByTable(text, text.data() + std::min(stretch, text.size()), stage);
-      stretch = std::min(stretch * 2, kStageValues);
-      continue;
+      break;
     }
-    const std::uint32_t lineBreaks = Where(block, '\r') & Where(Load(text.data() + 1), '\n');
-    StageKept(classified.values, Where(block, '=') | lineBreaks | lineBreaks << 1, stage);
-    text.remove_prefix(kBlock + (lineBreaks >> 31));
-    stretch = kBlock;
+    const std::uint32_t lineBreaks = Where(block, '\r') & Where(Load(at + 1), '\n');
+    out = PutKept(classified.values, Where(block, '=') | lineBreaks | lineBreaks << 1, out);
+    at += kBlock + (lineBreaks >> 31);
   }
-  if (text.size() <= kBlock) {
-    StageByTable(text, text.data() + text.size(), stage);
+  stage.count = static_cast<std::size_t>(out - stage.values);
+  text.remove_prefix(static_cast<std::size_t>(at - text.data()));
+}
+
+void StageCharacters(std::string_view& text, Stage& stage) {
+  // What stops the blocks goes through the tables, in longer and longer stretches as long as the blocks get nowhere.
+  std::size_t stretch = kBlock;
+  while (!text.empty() && stage.count < kStageValues) {
+    const std::size_t before = text.size();
+    StageAscii(text, stage);
+    stretch = text.size() == before ? std::min(stretch * 2, kStageValues) : kBlock;
+    StageByTable(text, text.data() + std::min(stretch, text.size()), stage);
   }
 }
 

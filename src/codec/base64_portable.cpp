@@ -1,19 +1,21 @@
 #include <array>
+#include <bit>
+#include <cstring>
 
 #include "codec/base64_kernels.h"
 
 namespace parvex::base64 {
 namespace {
 
-// What a byte of the text means: its value, or one of these. Masked with kValueMask, kOutside is the value 0.
+// What a byte of the text means: its value, or one of these, which kValueMask makes the value 0.
 constexpr std::uint8_t kValueMask = 0x3F;
-constexpr std::uint8_t kOutside = 0x40;  // a character outside the alphabet
-constexpr std::uint8_t kLook = 0x80;     // "=", CR and all bytes of characters beyond ASCII need a closer look
+constexpr std::uint8_t kOutside = 0x40;  // a character outside the alphabet, or a byte that cannot begin one
+constexpr std::uint8_t kLook = 0x80;     // "=", CR and the bytes that can begin a UTF-8 sequence need a closer look
 
 constexpr std::array<std::uint8_t, 256> MakeMeanings() {
   std::array<std::uint8_t, 256> meanings{};
   for (std::size_t code = 0; code < meanings.size(); ++code) {
-    meanings[code] = code < 0x80 ? kOutside : kLook;
+    meanings[code] = code >= 0xC2 && code <= 0xF4 ? kLook : kOutside;
   }
   for (std::size_t value = 0; value < kAlphabet.size(); ++value) {
     meanings[static_cast<unsigned char>(kAlphabet[value])] = static_cast<std::uint8_t>(value);
@@ -30,71 +32,71 @@ std::uint8_t Meaning(char byte) { return kMeanings[static_cast<unsigned char>(by
 // The value that a UTF-16 unit counts with: only the low 8 bits of its code are looked up. Codes beyond ASCII that end
 // like a letter count as that letter, and none of them is a line break or a padding.
 std::uint8_t ValueOfUnit(std::uint32_t unit) {
-  const std::uint8_t meaning = kMeanings[unit & 0xFF];
-  return meaning < kOutside ? meaning : 0;
+  return kMeanings[unit & 0xFF] & kValueMask;
 }
+
+bool BeginsSequence(char byte) { return static_cast<unsigned char>(byte) >= 0xC2; }
 
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 
 std::uint32_t Low6(char byte) { return static_cast<unsigned char>(byte) & 0x3F; }
 
-// Takes a character beyond ASCII from `at` and stages its one or two units. As in all text (platform/text.h), a byte that
-// belongs to no UTF-8 sequence is a character of its own, and what is not well-formed is U+FFFD, which has the value 0.
-// Returns where the next character begins.
-const char* StageBeyondAscii(const char* at, const char* textEnd, Stage& stage) {
+struct Position {
+  const char* at;
+  std::uint8_t* out;
+};
+
+// Takes the character that a byte above 0xC1 begins and puts the values of its one or two units to `out`. As in all text
+// (platform/text.h), a byte that belongs to no UTF-8 sequence is a character of its own, and what is not well-formed is
+// U+FFFD, which has the value 0.
+Position StageBeyondAscii(Position position, const char* textEnd) {
+  const auto [at, out] = position;
   const auto lead = static_cast<unsigned char>(*at);
   const std::ptrdiff_t room = textEnd - at;
-  std::uint8_t& value = stage.values[stage.count++];
-  value = 0;
-  if (lead < 0xC2 || lead > 0xF4 || room < 2 || !IsContinuation(at[1])) {
-    return at + 1;
+  if (lead < 0xE0 && room >= 2 && IsContinuation(at[1])) {
+    *out = ValueOfUnit(static_cast<std::uint32_t>(lead) << 6 | Low6(at[1]));
+    return {at + 2, out + 1};
   }
-  if (lead < 0xE0) {
-    value = ValueOfUnit(static_cast<std::uint32_t>(lead) << 6 | Low6(at[1]));
-    return at + 2;
-  }
-  if (room < 3 || !IsContinuation(at[2])) {
-    return at + 1;
+  *out = 0;
+  if (lead < 0xE0 || room < 3 || !IsContinuation(at[1]) || !IsContinuation(at[2])) {
+    return {at + 1, out + 1};
   }
   if (lead < 0xF0) {
     const std::uint32_t code = (lead & 15u) << 12 | Low6(at[1]) << 6 | Low6(at[2]);
     const bool surrogate = code >= 0xD800 && code < 0xE000;
-    value = code < 0x800 || surrogate ? 0 : ValueOfUnit(code);
-    return at + 3;
+    *out = code < 0x800 || surrogate ? 0 : ValueOfUnit(code);
+    return {at + 3, out + 1};
   }
   if (room < 4 || !IsContinuation(at[3])) {
-    return at + 1;
+    return {at + 1, out + 1};
   }
   const std::uint32_t code = (lead & 7u) << 18 | Low6(at[1]) << 12 | Low6(at[2]) << 6 | Low6(at[3]);
-  if (code >= 0x10000 && code <= 0x10FFFF) {
-    const std::uint32_t aboveBasePlane = code - 0x10000;
-    value = ValueOfUnit(aboveBasePlane >> 10);
-    stage.values[stage.count++] = ValueOfUnit(aboveBasePlane);
+  if (code < 0x10000 || code > 0x10FFFF) {
+    return {at + 4, out + 1};
   }
-  return at + 4;
+  out[0] = ValueOfUnit((code - 0x10000) >> 10);
+  out[1] = ValueOfUnit(code);
+  return {at + 4, out + 2};
 }
 
 void StageAll(std::string_view& text, Stage& stage) { StageByTable(text, text.data() + text.size(), stage); }
 
-// Eight bytes with the first one on top.
-std::uint64_t LoadBigEndian(const std::uint8_t* bytes) {
-  std::uint64_t word = 0;
-  for (int i = 0; i < 8; ++i) {
-    word = word << 8 | bytes[i];
-  }
-  return word;
+// The eight bytes of a word with the first one in memory on top, or back.
+std::uint64_t FirstOnTop(std::uint64_t word) {
+  return std::endian::native == std::endian::little ? __builtin_bswap64(word) : word;
 }
 
 // Eight values at a time: neighbours are joined to 12, 24 and 48 bits.
 void Pack(const std::uint8_t* values, std::size_t count, char* bytes) {
   for (; count >= 8; count -= 8, values += 8, bytes += 6) {
-    std::uint64_t word = LoadBigEndian(values);
+    std::uint64_t word;
+    std::memcpy(&word, values, sizeof word);
+    word = FirstOnTop(word);
     word = (word & 0x3F003F003F003F00u) >> 2 | (word & 0x003F003F003F003Fu);
     word = (word & 0x0FFF00000FFF0000u) >> 4 | (word & 0x00000FFF00000FFFu);
     word = (word & 0x00FFFFFF00000000u) >> 8 | (word & 0x0000000000FFFFFFu);
-    for (int i = 0; i < 6; ++i) {
-      bytes[i] = static_cast<char>(word >> (40 - 8 * i));
-    }
+    word = FirstOnTop(word << 16);
+    std::memcpy(bytes, &word, sizeof word);
   }
   if (count == 4) {
     bytes[0] = static_cast<char>(values[0] << 2 | values[1] >> 4);
@@ -126,25 +128,29 @@ void Encode(std::string_view bytes, char* text) {
 void StageByTable(std::string_view& text, const char* end, Stage& stage) {
   const char* at = text.data();
   const char* const textEnd = at + text.size();
-  while (at < end && stage.count < kStageValues) {
+  std::uint8_t* out = stage.values + stage.count;
+  const std::uint8_t* const full = stage.values + kStageValues;
+  while (at < end && out < full) {
     const std::uint8_t meaning = Meaning(*at);
     if (meaning < kLook) {
-      stage.values[stage.count++] = meaning & kValueMask;
+      *out++ = meaning & kValueMask;
       ++at;
+    } else if (BeginsSequence(*at)) {
+      const Position behind = StageBeyondAscii({at, out}, textEnd);
+      at = behind.at;
+      out = behind.out;
     } else if (*at == '=') {
-      ++at;
-    } else if (*at == '\r') {
-      // Line breaks are taken out before paddings: a CR and an LF with a "=" between them are no line break, and count.
-      if (at + 1 < textEnd && at[1] == '\n') {
-        at += 2;
-      } else {
-        stage.values[stage.count++] = 0;
-        ++at;
+      while (++at < end && *at == '=') {
       }
     } else {
-      at = StageBeyondAscii(at, textEnd, stage);
+      // Line breaks are taken out before paddings: a CR and an LF with a "=" between them are no line break, and count.
+      const bool lineBreak = at + 1 < textEnd && at[1] == '\n';
+      *out = 0;
+      out += lineBreak ? 0 : 1;
+      at += lineBreak ? 2 : 1;
     }
   }
+  stage.count = static_cast<std::size_t>(out - stage.values);
   text.remove_prefix(static_cast<std::size_t>(at - text.data()));
 }
 

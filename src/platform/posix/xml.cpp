@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/automation_error.h"
-#include "platform/posix/xml_characters.h"
+#include "platform/xml_characters.h"
 #include "platform/posix/xml_encoding.h"
 #include "platform/posix/xml_markup.h"
 #include "platform/posix/xml_parse.h"
@@ -141,6 +141,8 @@ xmlAttr* NewAttribute(xmlNode* element, std::string_view name) {
       Refuse("The prefix of the attribute " + Quoted(name) + " is not declared at " + NameOf(element) + ".");
     }
   }
+  constexpr std::size_t kQuotesAndSign = 4;  // blank, =, ""
+  StateOf(element->doc).markupGuess += name.size() + kQuotesAndSign;
   StateOf(element->doc).usesSpaceAttribute |= name == "xml:space";
   return xmlNewNsProp(element, space, Chars(std::string(local).c_str()), nullptr);
 }

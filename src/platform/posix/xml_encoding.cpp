@@ -4,7 +4,7 @@
 #include <array>
 #include <cerrno>
 
-#include "platform/posix/xml_characters.h"
+#include "platform/xml_characters.h"
 
 namespace parvex::xml {
 namespace {

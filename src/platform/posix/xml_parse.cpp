@@ -10,7 +10,7 @@
 #include <new>
 #include <vector>
 
-#include "platform/posix/xml_characters.h"
+#include "platform/xml_characters.h"
 #include "platform/posix/xml_encoding.h"
 
 namespace parvex::xml {
@@ -286,6 +286,7 @@ xmlDoc* ParseText(std::string_view text) {
     return FailedDocument(parsing.error.empty() ? At(1, 1) + "the text does not parse" : parsing.error);
   }
   TakeIn(document);
+  StateOf(document).markupGuess = text.size();
   StateOf(document).encoding = DeclaredEncoding(text);
   DropIdentifiers(document);
   RestoreEntities(document);

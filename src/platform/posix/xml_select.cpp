@@ -8,7 +8,7 @@
 #include <unordered_map>
 
 #include "platform/automation_error.h"
-#include "platform/posix/xml_characters.h"
+#include "platform/xml_characters.h"
 
 namespace parvex::xml {
 namespace {

@@ -122,6 +122,7 @@ void Adopt(xmlNode* top, xmlDoc* to) {
   StateOf(to).usesSpaceAttribute |= StateOf(from).usesSpaceAttribute;
   StateOf(from).handles -= handles;
   if (StateOf(from).handles == 0) {
+    StateOf(to).markupGuess += StateOf(from).markupGuess;
     FreeDocument(from);
   }
 }
@@ -227,6 +228,8 @@ void Release(xmlNode* node) noexcept {
 
 xmlNode* NewElement(xmlDoc* document, std::string_view name) {
   xmlNode* limbo = Limbo(document);
+  constexpr std::size_t kBothTags = 5;  // < > </ >
+  StateOf(document).markupGuess += 2 * name.size() + kBothTags;
   xmlNode* node = Made(xmlNewDocNode(document, nullptr, Chars(std::string(name).c_str()), nullptr));
   LinkLast(node, limbo);
   return node;
@@ -234,6 +237,7 @@ xmlNode* NewElement(xmlDoc* document, std::string_view name) {
 
 xmlNode* NewCData(xmlDoc* document, std::string_view text) {
   xmlNode* limbo = Limbo(document);
+  StateOf(document).markupGuess += text.size();
   xmlNode* node = Made(xmlNewCDataBlock(document, Chars(text.data()), static_cast<int>(text.size())));
   if (node->content == nullptr) {
     node->content = Made(xmlStrdup(Chars("")));
@@ -324,6 +328,7 @@ void ClearChildren(xmlNode* parent) {
 }
 
 void AppendText(xmlNode* parent, std::string_view text) {
+  StateOf(parent->doc).markupGuess += text.size();
   LinkLast(Made(xmlNewDocTextLen(parent->doc, Chars(text.data()), static_cast<int>(text.size()))), parent);
 }
 

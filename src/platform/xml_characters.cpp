@@ -1,10 +1,9 @@
-#include "platform/posix/xml_characters.h"
-
-#include <libxml/tree.h>
+#include "platform/xml_characters.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 
 namespace parvex::xml {
 namespace {
@@ -45,6 +44,25 @@ std::size_t AllowedSequence(const unsigned char* p, std::size_t left) {
   return 0;
 }
 
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+// Characters that a name may begin with, the colon left out.
+constexpr Range kNameStart[] = {{'A', 'Z'},         {'_', '_'},         {'a', 'z'},         {0xC0, 0xD6},
+                                {0xD8, 0xF6},       {0xF8, 0x2FF},      {0x370, 0x37D},     {0x37F, 0x1FFF},
+                                {0x200C, 0x200D},   {0x2070, 0x218F},   {0x2C00, 0x2FEF},   {0x3001, 0xD7FF},
+                                {0xF900, 0xFDCF},   {0xFDF0, 0xFFFD},   {0x10000, 0xEFFFF}};
+// Characters that may follow besides.
+constexpr Range kNameOther[] = {{'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
+
+template <std::size_t count>
+bool IsIn(const Range (&ranges)[count], char32_t character) {
+  return std::any_of(std::begin(ranges), std::end(ranges),
+                     [character](const Range& range) { return character >= range.first && character <= range.last; });
+}
+
 }  // namespace
 
 std::size_t FindForbidden(std::string_view text) {
@@ -73,8 +91,20 @@ std::size_t FindForbidden(std::string_view text) {
 }
 
 bool IsPlainName(std::string_view text) {
-  return text.find('\0') == std::string_view::npos &&
-         xmlValidateNCName(reinterpret_cast<const xmlChar*>(std::string(text).c_str()), 0) == 0;
+  if (text.empty() || FindForbidden(text) != std::string_view::npos) {
+    return false;
+  }
+  std::size_t pos = 0;
+  if (!IsIn(kNameStart, NextCodePoint(text, pos))) {
+    return false;
+  }
+  while (pos < text.size()) {
+    const char32_t character = NextCodePoint(text, pos);
+    if (!IsIn(kNameStart, character) && !IsIn(kNameOther, character)) {
+      return false;
+    }
+  }
+  return true;
 }
 
 bool IsBlank(const char* text) {

@@ -112,8 +112,8 @@ JetTable TagIndexTable(const std::vector<Unit>& units) {
                     {}};
   for (const Unit& unit : units) {
     const std::string pdsg = FieldOf(unit.keys, "PDSG");
-    table.rows.push_back({std::to_string(unit.tagId), std::string(FirstUnits(pdsg, 3)),
-                          std::string(LastUnits(pdsg, 2)), FieldOf(unit.keys, "MarkFor")});
+    table.rows.push_back({std::to_string(unit.tagId), std::string(FirstUnits(pdsg, 3)), std::string(LastUnits(pdsg, 2)),
+                          FieldOf(unit.keys, "MarkFor")});
   }
   return table;
 }

@@ -74,41 +74,40 @@ Unit Rooftop() {
                {"BaseUnit1", "BU1"}};
   unit.stored = TagArchive(unit, StoredData::Place::Temp);
   unit.extendedDescription = {"Double-wall construction", "Hinged access doors"};
-  unit.accessories = {
-      {{{"PartNumber", "ECON-120"},
-        {"Description", "Economizer, enthalpy control"},
-        {"MasterPrice", "1275.00"},
-        {"Quantity", "2"},
-        {"TypeOfSale", "1A"},
-        {"Supplier", "Korvane"},
-        {"preorderreq", "N"}},
-       {}},
-      {{{"PartNumber", "RTUR120-460"},
-        {"Description", "Rooftop unit, energy recovery section"},
-        {"MasterPrice", "7300.00"},
-        {"Quantity", "2"},
-        {"TypeOfSale", "1B"},
-        {"Supplier", "Korvane"},
-        {"Attribute1", "Enthalpy wheel"},
-        {"BaseUnit1", "BU2"}},
-       {}},
-      {{{"PartNumber", "FLTR-M13"},
-        {"Description", "Filter set for the recovery section"},
-        {"MasterPrice", "340.00"},
-        {"Quantity", "4"},
-        {"TypeOfSale", "2C"},
-        {"Supplier", ""},
-        {"BaseUnit2", "UNIT2"},
-        {"preorderreq", "Y"}},
-       {}},
-      {{{"PartNumber", "KDC-900"},
-        {"Description", "Field controller with display"},
-        {"MasterPrice", "2110.00"},
-        {"Quantity", "1"},
-        {"TypeOfSale", "9"},
-        {"Supplier", "qzn"}},
-       SapArchive("kdc900.blb", StoredData::Place::Project,
-                  SapConfiguration("SAPDATA", "KDC-900", {{"DISPLAY", "COLOR"}, {"PORTS", "4"}}))}};
+  unit.accessories = {{{{"PartNumber", "ECON-120"},
+                        {"Description", "Economizer, enthalpy control"},
+                        {"MasterPrice", "1275.00"},
+                        {"Quantity", "2"},
+                        {"TypeOfSale", "1A"},
+                        {"Supplier", "Korvane"},
+                        {"preorderreq", "N"}},
+                       {}},
+                      {{{"PartNumber", "RTUR120-460"},
+                        {"Description", "Rooftop unit, energy recovery section"},
+                        {"MasterPrice", "7300.00"},
+                        {"Quantity", "2"},
+                        {"TypeOfSale", "1B"},
+                        {"Supplier", "Korvane"},
+                        {"Attribute1", "Enthalpy wheel"},
+                        {"BaseUnit1", "BU2"}},
+                       {}},
+                      {{{"PartNumber", "FLTR-M13"},
+                        {"Description", "Filter set for the recovery section"},
+                        {"MasterPrice", "340.00"},
+                        {"Quantity", "4"},
+                        {"TypeOfSale", "2C"},
+                        {"Supplier", ""},
+                        {"BaseUnit2", "UNIT2"},
+                        {"preorderreq", "Y"}},
+                       {}},
+                      {{{"PartNumber", "KDC-900"},
+                        {"Description", "Field controller with display"},
+                        {"MasterPrice", "2110.00"},
+                        {"Quantity", "1"},
+                        {"TypeOfSale", "9"},
+                        {"Supplier", "qzn"}},
+                       SapArchive("kdc900.blb", StoredData::Place::Project,
+                                  SapConfiguration("SAPDATA", "KDC-900", {{"DISPLAY", "COLOR"}, {"PORTS", "4"}}))}};
   unit.warranties = {{{"Name", "WCOMP5"},
                       {"Quantity", "2"},
                       {"Description", "Compressor warranty, 5 years"},
@@ -272,15 +271,13 @@ Unit SplitSystem() {
                {"CFM", "799.5"},
                {"PreOrderReq", "N"},
                {"ETO", "N"}};
-  unit.stored = SapArchive("tag1106.blb", StoredData::Place::Temp,
-                           SapConfiguration("SAPDATA", "SD3024", {{"LINESET", "25FT"}}));
+  unit.stored =
+      SapArchive("tag1106.blb", StoredData::Place::Temp, SapConfiguration("SAPDATA", "SD3024", {{"LINESET", "25FT"}}));
   return unit;
 }
 
 }  // namespace
 
-std::vector<Unit> SampleUnits() {
-  return {Rooftop(), AirHandler(), Chiller(), HeatPump(), FanCoil(), SplitSystem()};
-}
+std::vector<Unit> SampleUnits() { return {Rooftop(), AirHandler(), Chiller(), HeatPump(), FanCoil(), SplitSystem()}; }
 
 }  // namespace parvex::standin

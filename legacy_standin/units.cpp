@@ -10,14 +10,13 @@ namespace parvex::standin {
 namespace {
 
 constexpr std::array<std::string_view, 19> kUnitKeys = {
-    "PartNumber", "PDSG",       "MarkFor",    "Description", "Quantity",   "MasterPrice",
-    "Supplier",   "TypeOfSale", "Ton",        "CFM",         "PreOrderReq", "ETO",
-    "Attribute1", "Attribute2", "Attribute3", "Attribute4",  "Attribute5", "BaseUnit1",
-    "BaseUnit2"};
+    "PartNumber", "PDSG",       "MarkFor",    "Description", "Quantity", "MasterPrice", "Supplier",
+    "TypeOfSale", "Ton",        "CFM",        "PreOrderReq", "ETO",      "Attribute1",  "Attribute2",
+    "Attribute3", "Attribute4", "Attribute5", "BaseUnit1",   "BaseUnit2"};
 constexpr std::array<std::string_view, 18> kAccessoryKeys = {
-    "PartNumber", "Description", "MasterPrice", "Quantity",   "TypeOfSale", "MarkFor",
-    "MarkFor2",   "MarkFor3",    "MarkFor4",    "Supplier",   "Attribute1", "Attribute2",
-    "Attribute3", "Attribute4",  "Attribute5",  "BaseUnit1",  "BaseUnit2",  "preorderreq"};
+    "PartNumber", "Description", "MasterPrice", "Quantity",  "TypeOfSale", "MarkFor",
+    "MarkFor2",   "MarkFor3",    "MarkFor4",    "Supplier",  "Attribute1", "Attribute2",
+    "Attribute3", "Attribute4",  "Attribute5",  "BaseUnit1", "BaseUnit2",  "preorderreq"};
 constexpr std::array<std::string_view, 8> kWarrantyKeys = {"Name",    "Quantity",  "Description", "MasterPrice",
                                                            "MarkFor", "BaseUnit1", "BaseUnit2",   "preorderreq"};
 constexpr std::array<std::string_view, 7> kBlanketKeys = {"PartNumber", "Quantity",   "MasterPrice", "Description",

@@ -42,8 +42,8 @@ struct Accessory {
 };
 
 struct Unit {
-  int tagId = 0;   ///< number of the tag in the project database
-  Fields keys;     ///< PartNumber, PDSG, MarkFor, ...
+  int tagId = 0;  ///< number of the tag in the project database
+  Fields keys;    ///< PartNumber, PDSG, MarkFor, ...
   StoredData stored;
   std::vector<std::string> extendedDescription;
   std::vector<std::string> etoDescription;
@@ -54,7 +54,8 @@ struct Unit {
 };
 
 /// Reads the text of a units.json. What is no JSON, a key that nobody knows, a value of the wrong type or a text that
-/// does not fit on a line of the selection file is an AutomationError (5) that names `fileName`, the place and the value.
+/// does not fit on a line of the selection file is an AutomationError (5) that names `fileName`, the place and the
+/// value.
 std::vector<Unit> ParseUnits(std::string_view json, std::string_view fileName);
 
 /// The text of a units.json that ParseUnits reads back as the same units.

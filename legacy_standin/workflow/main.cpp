@@ -43,9 +43,9 @@ int Run(const std::vector<std::string>& arguments) {
   }
   parvex::posix::Machine machine(here->machineFolder);
   const parvex::standin::StandinSettings settings = parvex::standin::ReadStandinSettings(here->machineFolder);
-  const parvex::standin::WorkflowResult result = parvex::standin::RunWorkflow(
-      {machine.GetFiles(), machine.GetPrivateProfile(), machine.GetCodePage()}, here->root, arguments,
-      settings.workflow);
+  const parvex::standin::WorkflowResult result =
+      parvex::standin::RunWorkflow({machine.GetFiles(), machine.GetPrivateProfile(), machine.GetCodePage()}, here->root,
+                                   arguments, settings.workflow);
   if (!result.message.empty()) {
     std::fprintf(stderr, "kdwfm470: %s\n", result.message.c_str());
   }

@@ -106,9 +106,9 @@ TEST_F(SampleMachineTest, TheDatabaseFindsEveryTagByFamilyVersionAndName) {
       machine.GetProjectDatabases().Open(std::string(kRoot) + "\\Projects\\" + kSampleProject + "\\project.mdb");
   for (const Unit& unit : SampleUnits()) {
     const std::string pdsg = FieldOf(unit.keys, "PDSG");
-    const auto rows = database->OpenRecordSet("SELECT * FROM TagIndex WHERE sAPP ='" + pdsg.substr(0, 3) +
-                                              "' AND sAppVer='" + pdsg.substr(3) + "' and sTagName='" +
-                                              FieldOf(unit.keys, "MarkFor") + "'");
+    const auto rows =
+        database->OpenRecordSet("SELECT * FROM TagIndex WHERE sAPP ='" + pdsg.substr(0, 3) + "' AND sAppVer='" +
+                                pdsg.substr(3) + "' and sTagName='" + FieldOf(unit.keys, "MarkFor") + "'");
     ASSERT_FALSE(rows->AtEnd()) << pdsg;
     EXPECT_EQ(rows->Column("lTagId"), std::to_string(unit.tagId));
   }

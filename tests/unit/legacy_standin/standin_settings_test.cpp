@@ -5,12 +5,12 @@
 
 #include "platform/automation_error.h"
 #include "tests/support/fake_platform.h"
+#include "tests/unit/legacy_standin/refused_text.h"
 
 namespace parvex::standin {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 TEST(StandinSettingsTest, AnEmptyObjectMeansBehave) {
   const StandinSettings settings = ParseStandinSettings("{}", "standin.json");
@@ -35,39 +35,25 @@ TEST(StandinSettingsTest, AcceptsThePartsOfComponentsThatDoNotExistYet) {
       R"({"builder":{"failAt":"View","slowPolls":20},"reportServer":{"makeReport":false}})", "standin.json"));
 }
 
-struct Refused {
-  const char* reason;
-  const char* text;
-  const char* named;
-};
+class StandinSettingsRefusal : public testing::TestWithParam<RefusedText> {};
 
-class StandinSettingsRefusal : public testing::TestWithParam<Refused> {};
-
-TEST_P(StandinSettingsRefusal, NamesTheFileAndThePlace) {
-  try {
-    ParseStandinSettings(GetParam().text, "M/standin.json");
-    FAIL() << "accepted: " << GetParam().text;
-  } catch (const AutomationError& error) {
-    EXPECT_EQ(error.RuntimeNumber(), 5);
-    EXPECT_THAT(error.Description(), HasSubstr("M/standin.json"));
-    EXPECT_THAT(error.Description(), HasSubstr(GetParam().named));
-  }
-}
+TEST_P(StandinSettingsRefusal, NamesTheFileAndThePlace) { ExpectRefused(GetParam(), ParseStandinSettings); }
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, StandinSettingsRefusal,
-    testing::Values(Refused{"Empty", "", "parse error"}, Refused{"Truncated", R"({"workflow":{)", "parse error"},
-                    Refused{"NoObject", "[]", "the content has to be an object, not []"},
-                    Refused{"WorkflowNoObject", R"({"workflow":true})", "workflow has to be an object, not true"},
-                    Refused{"FlagAsText", R"({"workflow":{"cancel":"yes"}})", "workflow.cancel"},
-                    Refused{"ExitCodeTooBig", R"({"workflow":{"exitCode":256}})", "workflow.exitCode"},
-                    Refused{"ExitCodeNegative", R"({"workflow":{"exitCode":-1}})", "-1"},
-                    Refused{"ExitCodeBroken", R"({"workflow":{"exitCode":1.5}})", "1.5"},
-                    Refused{"MisspeltKey", R"({"workflow":{"cancelled":true}})", "workflow.cancelled"},
-                    Refused{"MisspeltPart", R"({"workflows":{}})", "workflows"},
-                    Refused{"RefuseNoList", R"({"router":{"refuse":"copyProject"}})", "router.refuse"},
-                    Refused{"RefuseNoTexts", R"({"router":{"refuse":[1]}})", "router.refuse"}),
-    [](const testing::TestParamInfo<Refused>& info) { return info.param.reason; });
+    testing::Values(RefusedText{"Empty", "", "parse error"},
+                    RefusedText{"Truncated", R"({"workflow":{)", "parse error"},
+                    RefusedText{"NoObject", "[]", "the content has to be an object, not []"},
+                    RefusedText{"WorkflowNoObject", R"({"workflow":true})", "workflow has to be an object, not true"},
+                    RefusedText{"FlagAsText", R"({"workflow":{"cancel":"yes"}})", "workflow.cancel"},
+                    RefusedText{"ExitCodeTooBig", R"({"workflow":{"exitCode":256}})", "workflow.exitCode"},
+                    RefusedText{"ExitCodeNegative", R"({"workflow":{"exitCode":-1}})", "-1"},
+                    RefusedText{"ExitCodeBroken", R"({"workflow":{"exitCode":1.5}})", "1.5"},
+                    RefusedText{"MisspeltKey", R"({"workflow":{"cancelled":true}})", "workflow.cancelled"},
+                    RefusedText{"MisspeltPart", R"({"workflows":{}})", "workflows"},
+                    RefusedText{"RefuseNoList", R"({"router":{"refuse":"copyProject"}})", "router.refuse"},
+                    RefusedText{"RefuseNoTexts", R"({"router":{"refuse":[1]}})", "router.refuse"}),
+    ReasonOf);
 
 TEST(StandinSettingsTest, AFolderWithoutTheFileHasTheDefaults) {
   const test::TemporaryFolder folder;

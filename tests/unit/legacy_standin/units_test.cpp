@@ -4,13 +4,12 @@
 #include <gtest/gtest.h>
 
 #include "legacy_standin/sample_project.h"
-#include "platform/automation_error.h"
+#include "tests/unit/legacy_standin/refused_text.h"
 
 namespace parvex::standin {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::Pair;
 
 TEST(UnitsTest, ReadsAUnitWithEverythingThatItCanHave) {
@@ -55,48 +54,35 @@ TEST(UnitsTest, NoUnitsReadBackAsNone) { EXPECT_TRUE(ParseUnits(FormatUnits({}),
 
 TEST(UnitsTest, AMissingKeyReadsAsEmpty) { EXPECT_EQ(FieldOf({{"A", "1"}}, "B"), ""); }
 
-struct Refused {
-  const char* reason;
-  const char* text;
-  const char* named;
-};
+class UnitsRefusal : public testing::TestWithParam<RefusedText> {};
 
-class UnitsRefusal : public testing::TestWithParam<Refused> {};
-
-TEST_P(UnitsRefusal, NamesTheFileAndThePlace) {
-  try {
-    ParseUnits(GetParam().text, "P/units.json");
-    FAIL() << "accepted: " << GetParam().text;
-  } catch (const AutomationError& error) {
-    EXPECT_EQ(error.RuntimeNumber(), 5);
-    EXPECT_THAT(error.Description(), HasSubstr("P/units.json"));
-    EXPECT_THAT(error.Description(), HasSubstr(GetParam().named));
-  }
-}
+TEST_P(UnitsRefusal, NamesTheFileAndThePlace) { ExpectRefused(GetParam(), ParseUnits); }
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, UnitsRefusal,
     testing::Values(
-        Refused{"NoJson", "units", "parse error"}, Refused{"UnitsNoList", R"({"units":{}})", "units has to be a list"},
-        Refused{"NoTagId", R"({"units":[{"keys":{}}]})", "units[0].tagId"},
-        Refused{"NoKeys", R"({"units":[{"tagId":1}]})", "units[0].keys"},
-        Refused{"UnknownKey", R"({"units":[{"tagId":1,"keys":{"Partnumber":"x"}}]})", "units[0].keys.Partnumber"},
-        Refused{"NumberAsValue", R"({"units":[{"tagId":1,"keys":{"Ton":10}}]})", "units[0].keys.Ton"},
-        Refused{"LineBreakInValue", R"({"units":[{"tagId":1,"keys":{"Ton":"1\n2"}}]})", "one line of text"},
-        Refused{"ZeroInLine", R"({"units":[{"tagId":1,"keys":{},"etoDescription":["a\u0000b"]}]})",
-                "units[0].etoDescription[0]"},
-        Refused{"ArchiveInAnotherFolder",
-                R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"..\\x.blb","place":"temp"}}]})",
-                "units[0].stored.file"},
-        Refused{"ArchiveNowhere", R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"x.blb"}}]})",
-                "units[0].stored.place"},
-        Refused{"MisspeltEntry",
-                R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"x","place":"temp","entries":[{"nme":"Tag"}]}}]})",
-                "units[0].stored.entries[0].nme"},
-        Refused{"UnknownAccessoryKey", R"({"units":[{"tagId":1,"keys":{},"accessories":[{"keys":{"Ton":"1"}}]}]})",
-                "units[0].accessories[0].keys.Ton"},
-        Refused{"MisspeltList", R"({"units":[{"tagId":1,"keys":{},"warranty":[]}]})", "units[0].warranty"}),
-    [](const testing::TestParamInfo<Refused>& info) { return info.param.reason; });
+        RefusedText{"NoJson", "units", "parse error"},
+        RefusedText{"UnitsNoList", R"({"units":{}})", "units has to be a list"},
+        RefusedText{"NoTagId", R"({"units":[{"keys":{}}]})", "units[0].tagId"},
+        RefusedText{"NoKeys", R"({"units":[{"tagId":1}]})", "units[0].keys"},
+        RefusedText{"UnknownKey", R"({"units":[{"tagId":1,"keys":{"Partnumber":"x"}}]})", "units[0].keys.Partnumber"},
+        RefusedText{"NumberAsValue", R"({"units":[{"tagId":1,"keys":{"Ton":10}}]})", "units[0].keys.Ton"},
+        RefusedText{"LineBreakInValue", R"({"units":[{"tagId":1,"keys":{"Ton":"1\n2"}}]})", "one line of text"},
+        RefusedText{"ZeroInLine", R"({"units":[{"tagId":1,"keys":{},"etoDescription":["a\u0000b"]}]})",
+                    "units[0].etoDescription[0]"},
+        RefusedText{"ArchiveInAnotherFolder",
+                    R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"..\\x.blb","place":"temp"}}]})",
+                    "units[0].stored.file"},
+        RefusedText{"ArchiveNowhere", R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"x.blb"}}]})",
+                    "units[0].stored.place"},
+        RefusedText{
+            "MisspeltEntry",
+            R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"x","place":"temp","entries":[{"nme":"Tag"}]}}]})",
+            "units[0].stored.entries[0].nme"},
+        RefusedText{"UnknownAccessoryKey", R"({"units":[{"tagId":1,"keys":{},"accessories":[{"keys":{"Ton":"1"}}]}]})",
+                    "units[0].accessories[0].keys.Ton"},
+        RefusedText{"MisspeltList", R"({"units":[{"tagId":1,"keys":{},"warranty":[]}]})", "units[0].warranty"}),
+    ReasonOf);
 
 }  // namespace
 }  // namespace parvex::standin

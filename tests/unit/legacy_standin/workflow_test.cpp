@@ -74,7 +74,8 @@ TEST_F(WorkflowTest, WritesTheWholeProjectWhenNoTagIsNamed) {
 
 TEST_F(WorkflowTest, WritesInTheAnsiCodePage) {
   Run();
-  EXPECT_THAT(machine_.Read(kOutput), HasSubstr("MarkFor=K\xFC" "che"));
+  EXPECT_THAT(machine_.Read(kOutput), HasSubstr("MarkFor=K\xFC"
+                                                "che"));
 }
 
 TEST_F(WorkflowTest, PutsEveryArchiveWhereTheOutputSays) {
@@ -97,8 +98,9 @@ TEST_F(WorkflowTest, TheSameSelectionGivesTheSameBytes) {
 }
 
 TEST_F(WorkflowTest, NamedTagsAreTakenInTheOrderOfTheirNames) {
-  HandOver("<ProjectName>Clinic</ProjectName><TagNames><TagName>Küche &amp; &lt;EG&gt;</TagName>"
-           "<TagName>RTU-1</TagName></TagNames>");
+  HandOver(
+      "<ProjectName>Clinic</ProjectName><TagNames><TagName>Küche &amp; &lt;EG&gt;</TagName>"
+      "<TagName>RTU-1</TagName></TagNames>");
   EXPECT_EQ(Run().exitCode, kWorkflowDone);
   EXPECT_THAT(Output(), HasSubstr("[PartNumber1]\r\nPartNumber=P2"));
   EXPECT_THAT(Output(), HasSubstr("[PartNumber2]\r\nPartNumber=P1"));

@@ -220,10 +220,31 @@ Unit HeatPump() {
   return unit;
 }
 
+/// Kept by its order configuration alone, of a family that the project database knows under other keys.
+Unit SplitSystem() {
+  Unit unit;
+  unit.tagId = 1105;
+  unit.keys = {{"PartNumber", "SD3024-1"},
+               {"PDSG", "SD347"},
+               {"MarkFor", "SS-2"},
+               {"Description", "Ducted split system, 2 ton"},
+               {"Quantity", "3"},
+               {"MasterPrice", "3325.00"},
+               {"Supplier", "Tessel"},
+               {"TypeOfSale", "2A"},
+               {"Ton", "2"},
+               {"CFM", "799.5"},
+               {"PreOrderReq", "N"},
+               {"ETO", "N"}};
+  unit.stored =
+      SapArchive("tag1105.blb", StoredData::Place::Temp, SapConfiguration("SAPDATA", "SD3024", {{"LINESET", "25FT"}}));
+  return unit;
+}
+
 /// Text that has to be escaped, and letters beyond ASCII wherever a user may type.
 Unit FanCoil() {
   Unit unit;
-  unit.tagId = 1105;
+  unit.tagId = 1106;
   unit.keys = {{"PartNumber", "FCBV06-\"H\""},
                {"PDSG", "FCB47"},
                {"MarkFor", "Küche & Café <EG>"},
@@ -255,29 +276,8 @@ Unit FanCoil() {
   return unit;
 }
 
-/// Kept by its order configuration alone, of a family that the project database knows under other keys.
-Unit SplitSystem() {
-  Unit unit;
-  unit.tagId = 1106;
-  unit.keys = {{"PartNumber", "SD3024-1"},
-               {"PDSG", "SD347"},
-               {"MarkFor", "SS-2"},
-               {"Description", "Ducted split system, 2 ton"},
-               {"Quantity", "3"},
-               {"MasterPrice", "3325.00"},
-               {"Supplier", "Tessel"},
-               {"TypeOfSale", "2A"},
-               {"Ton", "2"},
-               {"CFM", "799.5"},
-               {"PreOrderReq", "N"},
-               {"ETO", "N"}};
-  unit.stored =
-      SapArchive("tag1106.blb", StoredData::Place::Temp, SapConfiguration("SAPDATA", "SD3024", {{"LINESET", "25FT"}}));
-  return unit;
-}
-
 }  // namespace
 
-std::vector<Unit> SampleUnits() { return {Rooftop(), AirHandler(), Chiller(), HeatPump(), FanCoil(), SplitSystem()}; }
+std::vector<Unit> SampleUnits() { return {Rooftop(), AirHandler(), Chiller(), HeatPump(), SplitSystem(), FanCoil()}; }
 
 }  // namespace parvex::standin

@@ -141,9 +141,9 @@ TEST_F(SampleMachineTest, TheInstalledProgramMakesTheSelectionOfItsCommand) {
   EXPECT_EQ(OutputValue(machine, "BlanketQuoteControl2", "preorderreq1"), "1");
   EXPECT_EQ(OutputValue(machine, "PartNumber3", "PDSG"), "XRC47");
   EXPECT_EQ(OutputValue(machine, "PartNumber4", "FileName"), "");
-  EXPECT_EQ(OutputValue(machine, "PartNumber5", "MarkFor"), "Küche & Café <EG>");
-  EXPECT_EQ(OutputValue(machine, "Warranty5", "Name:1"), "W\"FULL\"3");
-  EXPECT_EQ(OutputValue(machine, "Accessory5", "Supplier:1"), " Tessel ");
+  EXPECT_EQ(OutputValue(machine, "PartNumber6", "MarkFor"), "Küche & Café <EG>");
+  EXPECT_EQ(OutputValue(machine, "Warranty6", "Name:1"), "W\"FULL\"3");
+  EXPECT_EQ(OutputValue(machine, "Accessory6", "Supplier:1"), " Tessel ");
   EXPECT_EQ(OutputValue(machine, "PartNumber7", "PartNumber"), "");
   for (int tag = 1; tag <= 6; ++tag) {
     const std::string archive = OutputValue(machine, "PartNumber" + std::to_string(tag), "FileName");

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "platform/automation.h"
-#include "platform/automation_error.h"
 #include "platform/code_page.h"
 #include "platform/files.h"
 #include "platform/message_box.h"
@@ -16,6 +15,7 @@
 #include "platform/processes.h"
 #include "platform/project_database.h"
 #include "platform/registry.h"
+#include "tests/support/raised_by.h"
 
 namespace parvex::test {
 
@@ -66,17 +66,6 @@ struct ContractMachine {
   /// scratch, a backslash and the name.
   std::string Path(std::string_view name) const { return scratch + "\\" + std::string(name); }
 };
-
-/// The runtime's error number that `action` raises; 0 when it raises none.
-template <typename Action>
-int RaisedBy(Action action) {
-  try {
-    action();
-    return 0;
-  } catch (const AutomationError& error) {
-    return error.RuntimeNumber();
-  }
-}
 
 /// Polls until the process has ended; fails the test after some seconds.
 std::uint32_t WaitForExit(Process& process);

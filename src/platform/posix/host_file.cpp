@@ -90,19 +90,19 @@ class NewFile {
     if (const int failed = WriteAll(file.Descriptor(), bytes); failed != 0) {
       return failed;
     }
-    if (replaced == nullptr) {
-      return 0;
-    }
-    return fchmod(file.Descriptor(), replaced->st_mode & 07777) == 0 && fdatasync(file.Descriptor()) == 0 ? 0 : errno;
+    return replaced == nullptr || fchmod(file.Descriptor(), replaced->st_mode & 07777) == 0 ? 0 : errno;
   }
 
+  // 0 or an error number.
   int TakeName(IfPresent ifPresent) {
-    const unsigned flags = ifPresent == IfPresent::Refuse ? RENAME_NOREPLACE : 0;
-    if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target_.c_str(), flags) != 0) {
-      return errno;
+    const bool refuse = ifPresent == IfPresent::Refuse;
+    if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target_.c_str(), refuse ? RENAME_NOREPLACE : 0) == 0) {
+      made_ = false;
+      return 0;
     }
-    made_ = false;
-    return 0;
+    // Network file systems cannot rename without replacing, but a second name is refused where one is taken.
+    const bool unsupported = refuse && errno == EINVAL;
+    return unsupported && link(path_.c_str(), target_.c_str()) == 0 ? 0 : errno;
   }
 
  private:
@@ -131,7 +131,7 @@ std::optional<FileVersion> VersionOf(const std::filesystem::path& host) {
 }
 
 std::string ReadHostFile(const std::filesystem::path& host, std::string_view shownPath) {
-  const OpenFile file(host, O_RDONLY);
+  const OpenFile file(host, O_RDONLY | O_NONBLOCK);  // a pipe must not be waited for
   struct stat status;
   if (!file || fstat(file.Descriptor(), &status) != 0) {
     RaiseSystemError(errno, "cannot read", shownPath);

@@ -71,6 +71,16 @@ bool IsFolder(const std::string& host) {
   return stat(host.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+// FoldName(name) == folded, without making the folded name for the many that differ at once.
+bool FoldsTo(std::string_view name, std::string_view folded) {
+  if (!IsAscii(name)) {
+    return FoldName(name) == folded;
+  }
+  const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 0x20) : c; };
+  return name.size() == folded.size() &&
+         std::equal(name.begin(), name.end(), folded.begin(), [&](char a, char b) { return upper(a) == b; });
+}
+
 // The first name in the folder, in the order of the bytes, that is `name` in any letter case and leads somewhere.
 std::optional<std::string> FindInFolder(const std::string& folder, const std::string& name) {
   const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.c_str()), closedir);
@@ -81,7 +91,7 @@ std::optional<std::string> FindInFolder(const std::string& folder, const std::st
   std::optional<std::string> best;
   while (const dirent* entry = readdir(listing.get())) {
     const std::string_view candidate = entry->d_name;
-    if ((!best || candidate < *best) && FoldName(candidate) == wanted && Exists(folder + "/" + entry->d_name)) {
+    if ((!best || candidate < *best) && FoldsTo(candidate, wanted) && Exists(folder + "/" + entry->d_name)) {
       best = candidate;
     }
   }

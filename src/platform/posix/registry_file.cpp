@@ -104,11 +104,12 @@ class ValueReader {
       data = Trim(data);
       return data.empty() || data.starts_with(';') ? text : std::nullopt;
     }
-    const std::string_view type = data.substr(0, std::min(data.find(':'), data.size()));
-    if (!EqualIgnoringCase(type, "hex(1)") && !EqualIgnoringCase(type, "hex(2)")) {
+    const std::size_t colon = data.find(':');
+    const std::string type = ToUpper(data.substr(0, colon));
+    if (colon == std::string_view::npos || (type != "HEX(1)" && type != "HEX(2)")) {
       return std::nullopt;
     }
-    const std::optional<std::string> bytes = HexBytes(data.substr(std::min(type.size() + 1, data.size())));
+    const std::optional<std::string> bytes = HexBytes(data.substr(colon + 1));
     return bytes ? std::optional(Text(*bytes)) : std::nullopt;
   }
 
@@ -182,7 +183,7 @@ class Reader {
   // Hexadecimal bytes go on in the next line when a backslash ends the line.
   std::string WithContinuations(std::string_view data) {
     std::string whole(data);
-    while (whole.starts_with("hex") && whole.ends_with('\\') && !rest_.empty()) {
+    while (ToUpper(whole.substr(0, 3)) == "HEX" && whole.ends_with('\\')) {
       whole.pop_back();
       whole.append(TakeLine(rest_));
     }

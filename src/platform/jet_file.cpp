@@ -301,20 +301,22 @@ std::string File::ReadLongValue(const std::string& value) const {
   if (value.size() < kHeaderSize) Damaged("a long value has no header");
   const std::uint32_t flags = Get32(value, 0);
   const std::size_t length = flags & 0x3FFFFFFFu;
+  if (length > bytes_.size()) Damaged("a long value is longer than the file");
   std::string bytes;
   if ((flags & kInsideRow) != 0) {
     bytes = value.substr(kHeaderSize);
   } else if ((flags & kOnOnePage) != 0) {
     bytes = SlotBytes(GetPlace(value, 4));
   } else {
+    std::size_t parts = 0;
     for (RowPlace next = GetPlace(value, 4); next != RowPlace{} && bytes.size() < length;) {
       const std::string part = SlotBytes(next);
-      if (part.size() <= 4) Damaged("a part of a long value is empty");
+      if (part.size() <= 4 || ++parts > PageCount()) Damaged("the parts of a long value have no end");
       bytes += part.substr(4);
       next = GetPlace(part, 0);
     }
   }
-  if (bytes.size() < length || length > bytes_.size()) Damaged("a long value ends too early");
+  if (bytes.size() < length) Damaged("a long value ends too early");
   return bytes.substr(0, length);
 }
 

@@ -54,7 +54,8 @@ std::size_t RunLength(const char* text, std::size_t size) {
 // Collects small pieces before they go into the string, which saves it most of its bookkeeping.
 class Sink {
  public:
-  void Expect(std::size_t size) { text_.reserve(size); }
+  // A little more room than expected, since a string that has to grow at the end is copied as a whole.
+  void Expect(std::size_t size) { text_.reserve(size + size / 16); }
 
   void Add(std::string_view piece) {
     if (piece.size() > kRoom - used_) {
@@ -72,6 +73,9 @@ class Sink {
 
   std::string Take() {
     Flush();
+    if (text_.size() < text_.capacity() / 2) {
+      text_.shrink_to_fit();  // much was expected that is no longer there
+    }
     return std::move(text_);
   }
 

@@ -31,6 +31,8 @@ struct DocumentState {
   std::size_t handles = 0;
   xmlNode* limbo = nullptr;
   std::map<Prefixed, xmlNs*> namespaces;
+  /// About how long the document's markup is: what was put into it so far. Room is taken for that much at once.
+  std::size_t markupGuess = 0;
   /// Some node of the document carries or carried xml:space.
   bool usesSpaceAttribute = false;
   /// The encoding that the declaration names, as written.

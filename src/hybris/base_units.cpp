@@ -1,0 +1,127 @@
+#include "hybris/base_units.h"
+
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "hybris/hybris_document.h"
+#include "hybris/leading_number.h"
+#include "hybris/stored_tag_text.h"
+#include "platform/automation_error.h"
+#include "platform/text.h"
+
+namespace parvex {
+namespace {
+
+constexpr std::string_view kMadeIntoBaseUnit = "XX1";
+
+bool IsFurtherBaseUnit(const AccessoryCls& accessory) {
+  return LengthInUnits(accessory.BaseUnit1) >= 3 && LeadingNumber(DropUnits(accessory.BaseUnit1, 2)) > 1;
+}
+
+bool HasStoredDataOfItsOwn(const AccessoryCls& accessory) {
+  return accessory.BaseUnit1.empty() && !accessory.FileName.empty();
+}
+
+/// The whole number of the base unit that a line belongs to. A double, so that no number is out of range.
+double BaseUnitNumber(std::string_view baseUnit2) {
+  if (baseUnit2.empty()) {
+    return 1;
+  }
+  if (LengthInUnits(baseUnit2) < 4) {
+    throw MakeRuntimeError(RuntimeError::InvalidCall,
+                           "BaseUnit2 \"" + std::string(baseUnit2) + "\" is shorter than four characters");
+  }
+  return std::nearbyint(LeadingNumber(DropUnits(baseUnit2, 4)));
+}
+
+/// Deals the items out to the base units, each of which gets its `list` anew, in the order of the items. `alsoToFirst`
+/// says of an item's number whether the first base unit gets the item besides. Every item is looked at once, whatever
+/// the number of base units.
+template <class Items, class AlsoToFirst>
+void DealOut(const Items& items, const BaseUnits& baseUnits, Items BaseUnitCls::*list, AlsoToFirst alsoToFirst) {
+  if (baseUnits.Count() == 0) {
+    return;
+  }
+  std::vector<Items> dealt(baseUnits.Count());
+  for (const auto& item : items) {
+    const double number = BaseUnitNumber(item->BaseUnit2);
+    if (number >= 1 && number <= static_cast<double>(dealt.size())) {
+      dealt[static_cast<std::size_t>(number) - 1].Append(item);
+    }
+    if (number != 1 && alsoToFirst(number)) {
+      dealt.front().Append(item);
+    }
+  }
+  for (std::size_t i = 0; i < dealt.size(); ++i) {
+    (*baseUnits.At(i + 1)).*list = std::move(dealt[i]);
+  }
+}
+
+bool FirstIs(const BaseUnits& baseUnits, std::string_view baseUnit1) {
+  return baseUnits.Count() > 0 && baseUnits.At(1)->BaseUnit1 == baseUnit1;
+}
+
+}  // namespace
+
+BaseUnits BuildBaseUnits(const Platform& platform, std::shared_ptr<BaseUnitCls> first, const Accessories& accessories) {
+  BaseUnits baseUnits;
+  baseUnits.Append(std::move(first));
+  for (const auto& accessory : accessories) {
+    if (IsFurtherBaseUnit(*accessory)) {
+      baseUnits.Append(BaseUnitFromAccessory(platform, *accessory));
+    } else if (HasStoredDataOfItsOwn(*accessory)) {
+      baseUnits.Append(BaseUnitFromAccessory(platform, *accessory));
+      accessory->BaseUnit1 = kMadeIntoBaseUnit;
+    }
+  }
+  return baseUnits;
+}
+
+std::shared_ptr<BaseUnitCls> BaseUnitFromAccessory(const Platform& platform, const AccessoryCls& accessory) {
+  auto unit = std::make_shared<BaseUnitCls>();
+  unit->Description = accessory.Description;
+  unit->PartNumber = accessory.PartNumber;
+  unit->Quantity = accessory.Quantity;
+  unit->MasterPrice = accessory.MasterPrice;
+  unit->Supplier = accessory.Supplier;
+  unit->TypeOfSale = accessory.TypeOfSale;
+  unit->SAPXml = ReadStoredTagText(platform, accessory.FileName).text;
+  if (!unit->SAPXml.empty()) {
+    if (const xml::Node sapData = NewXPathDocument(unit->SAPXml).First("descendant::SAPDATA")) {
+      unit->SAPXml = sapData.Xml();
+    }
+  }
+  unit->Attribute1 = accessory.Attribute1;
+  unit->Attribute2 = accessory.Attribute2;
+  unit->Attribute3 = accessory.Attribute3;
+  unit->Attribute4 = accessory.Attribute4;
+  unit->Attribute5 = accessory.Attribute5;
+  unit->BaseUnit1 = accessory.BaseUnit1;
+  unit->BaseUnit2 = accessory.BaseUnit2;
+  return unit;
+}
+
+Accessories SelectLooseAccessories(const Accessories& accessories) {
+  Accessories loose;
+  for (const auto& accessory : accessories) {
+    if (accessory->BaseUnit1.empty()) {
+      loose.Append(accessory);
+    }
+  }
+  return loose;
+}
+
+void AttachAccessories(const BaseUnits& baseUnits, const Accessories& accessories) {
+  const bool firstTakesAll = FirstIs(baseUnits, "BU2");
+  DealOut(accessories, baseUnits, &BaseUnitCls::Accessories, [&](double) { return firstTakesAll; });
+}
+
+void AttachWarranties(const BaseUnits& baseUnits, const Warranties& warranties) {
+  const bool firstTakesAll = FirstIs(baseUnits, "BU2");
+  const bool firstTakesUnnumbered = FirstIs(baseUnits, "BU1");
+  DealOut(warranties, baseUnits, &BaseUnitCls::Warranties,
+          [&](double number) { return firstTakesAll || (firstTakesUnnumbered && number == 0); });
+}
+
+}  // namespace parvex

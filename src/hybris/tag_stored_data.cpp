@@ -1,0 +1,145 @@
+#include "hybris/tag_stored_data.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "hybris/stored_tag_text.h"
+#include "interface/required_node.h"
+#include "legacy_env/file_routines.h"
+#include "legacy_env/install_paths.h"
+#include "platform/automation_error.h"
+#include "platform/text.h"
+
+namespace parvex {
+namespace {
+
+constexpr std::string_view kDocument = "the Hybris document";
+
+thread_local std::uint32_t unstoredTagCount = 0;
+
+void ReadProduct(const xml::Document& stored, TagStoredData& data) {
+  if (const xml::Node product = stored.First("descendant::Product")) {
+    data.buildVersion = product.Attribute("TagVersion").value_or("");
+    data.legacyTagId = product.Attribute("lTagID").value_or("");
+  } else {
+    data.legacyTagId = std::to_string(++unstoredTagCount);
+  }
+}
+
+std::unique_ptr<Database> OpenProjectDatabase(const Platform& platform, const std::string& projectName) {
+  const std::string path = GetDataRoot(platform) + "\\Projects\\" + projectName + "\\project.mdb";
+  if (!FileExists(platform, path)) {
+    return nullptr;
+  }
+  try {
+    return platform.projectDatabases.Open(path);
+  } catch (const AutomationError&) {
+    return nullptr;  // deliberate: a tag can be quoted without its project's index
+  }
+}
+
+/// The statement that finds a tag. Texts stand in it as they are, deliberately without doubling apostrophes.
+std::string TagIndexStatement(std::string_view pdsg, std::string_view markFor) {
+  std::string sql = "SELECT * FROM TagIndex WHERE sAPP ='";
+  sql.append(FirstUnits(pdsg, 3)).append("' AND sAppVer='").append(LastUnits(pdsg, 2));
+  sql.append("' and sTagName='").append(markFor).append("'");
+  return sql;
+}
+
+bool IsInTagIndex(std::string_view pdsg) { return LengthInUnits(pdsg) > 2 && !pdsg.starts_with("SD3"); }
+
+/// Gives every tag that the project's index knows its id; `legacyTagId` becomes the last one found.
+void LookUpTagIds(const Platform& platform, const xml::Document& document, std::string& legacyTagId) {
+  const xml::Node project = document.Root();
+  const xml::Node job = Required(project, "PROJECT", kDocument).Child("ATTRIBUTES_LIST").Child("JOB");
+  const std::string projectName = Required(job, "//JOB", kDocument).Attribute("LEGACY_PROJECTNAME").value_or("");
+  const std::unique_ptr<Database> database = OpenProjectDatabase(platform, projectName);
+  if (!database) {
+    return;
+  }
+  const xml::Node tags = Required(project.Child("TAGS"), "PROJECT/TAGS", kDocument);
+  for (xml::Node tag = tags.Child("TAG"); tag; tag = tag.Next("TAG")) {
+    const xml::Node attributes = Required(tag.Child("ATTRIBUTES_LIST"), "ATTRIBUTES_LIST", "a TAG");
+    const std::string pdsg = Required(attributes.Child("PDSG"), "PDSG", "a TAG").Text();
+    if (!IsInTagIndex(pdsg)) {
+      continue;
+    }
+    const std::string markFor = Required(attributes.Child("MARKFOR"), "MARKFOR", "a TAG").Text();
+    const std::unique_ptr<RecordSet> rows = database->OpenRecordSet(TagIndexStatement(pdsg, markFor));
+    if (!rows->AtEnd()) {
+      legacyTagId = rows->Column("lTagId").value_or("");
+      Required(attributes.Child("LEGACY_TAGID"), "LEGACY_TAGID", "a TAG").SetText(legacyTagId);
+    }
+  }
+}
+
+char AsciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+/// "SapData" in any letter case becomes "SAPDATA", in names and values alike.
+std::string WithUpperCaseSapData(std::string text) {
+  constexpr std::string_view kSapData = "SAPDATA";
+  auto from = text.begin();
+  for (;;) {
+    from = std::search(from, text.end(), kSapData.begin(), kSapData.end(),
+                       [](char c, char wanted) { return AsciiUpper(c) == wanted; });
+    if (from == text.end()) {
+      return text;
+    }
+    from = std::copy(kSapData.begin(), kSapData.end(), from);
+  }
+}
+
+/// The SAP configuration in a text that was found by the second way of reading: an SAP document of its own.
+std::string SapFromText(const std::string& text, const xml::Document& stored) {
+  const xml::Node sapData = stored.First("descendant::SAPDATA");
+  return sapData ? sapData.Xml() : text;
+}
+
+/// The SAP configuration within the stored document of a tag, empty when there is none.
+std::string SapFromStoredDocument(const xml::Document& stored) {
+  xml::Node sapData = stored.First("descendant::SapData");
+  if (!sapData) {
+    sapData = stored.First("descendant::SAPDATA");
+  }
+  return sapData ? WithUpperCaseSapData(sapData.Xml()) : std::string();
+}
+
+void AppendBlob(const Platform& platform, const xml::Document& document, const xml::Node& blobElement,
+                std::string_view blobFileName) {
+  const std::string blob = EncodeFileBase64(platform, blobFileName);
+  if (!blob.empty()) {
+    blobElement.Append(document.CreateCData(blob));
+  }
+}
+
+}  // namespace
+
+TagStoredData ReadTagStoredData(const Platform& platform, const xml::Document& document, const TagElement& tag,
+                                std::string_view blobFileName, std::string_view brandCode, bool isLastTag) {
+  const StoredTagText read = ReadStoredTagText(platform, blobFileName);
+  const std::string text = read.text.empty() ? "<Empty />" : read.text;
+  const xml::Document stored = NewXPathDocument(text);
+
+  TagStoredData data;
+  ReadProduct(stored, data);
+  if (isLastTag) {
+    LookUpTagIds(platform, document, data.legacyTagId);
+  }
+  if (!read.status && text.find("SAPDATA") != std::string::npos) {
+    data.sapXml = SapFromText(text, stored);
+  }
+  const bool isSapDocument = !stored.IsEmpty() && stored.Root().Name() == "SAPDATA";
+  if (!isSapDocument && brandCode.starts_with("XR")) {
+    if (std::string sapXml = SapFromStoredDocument(stored); !sapXml.empty()) {
+      data.sapXml = std::move(sapXml);
+    }
+  }
+  AppendBlob(platform, document, tag.blob, blobFileName);
+  return data;
+}
+
+void ForgetUnstoredTagCount() { unstoredTagCount = 0; }
+
+}  // namespace parvex

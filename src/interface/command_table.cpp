@@ -1,11 +1,12 @@
 #include "interface/command_table.h"
 
+#include "hybris/export_driver.h"
 #include "interface/pending_commands.h"
 
 namespace parvex {
 namespace {
 
-constexpr CommandEntry kGetHybrisXml = {"getHybrisXML", AnswerPendingCommand,
+constexpr CommandEntry kGetHybrisXml = {"getHybrisXML", GetHybrisXML,
                                         "exports the units selected in the quote builder, shown to its user"};
 
 constexpr CommandEntry kPullCommands[] = {
@@ -37,7 +38,7 @@ constexpr CommandEntry kPullCommands[] = {
 
 constexpr CommandEntry kPullNgorlaCommands[] = {
     kGetHybrisXml,
-    {"getHybrisXMLNoUI", AnswerPendingCommand, "exports the units that the command selects, without user interface"},
+    {"getHybrisXMLNoUI", GetHybrisXMLNoUI, "exports the units that the command selects, without user interface"},
     {"RebuildTag", AnswerPendingCommand, "brings a tag back from a Hybris tag document"},
 };
 

@@ -1,0 +1,80 @@
+#include <gtest/gtest.h>
+
+#include "tests/cli/program.h"
+
+namespace parvex::test {
+namespace {
+
+Outcome Base64(const std::string& verb, const std::string& input) { return RunParvex({"base64", verb}, {.input = input}); }
+
+std::string AllBytes() {
+  std::string bytes;
+  for (int c = 0; c < 256; ++c) {
+    bytes.push_back(static_cast<char>(c));
+  }
+  return bytes;
+}
+
+TEST(Base64, EncodeWritesTheTextAndOneLineFeed) {
+  const Outcome outcome = Base64("encode", "ABC");
+  EXPECT_EQ(0, outcome.status);
+  EXPECT_EQ("QUJD\n", outcome.out);
+  EXPECT_EQ("", outcome.err);
+  EXPECT_EQ("QQ==\n", Base64("encode", "A").out);
+}
+
+TEST(Base64, EncodeWritesOneLineWhateverTheLength) {
+  EXPECT_EQ(4000001u, Base64("encode", std::string(3000000, 'x')).out.size());
+}
+
+TEST(Base64, EncodeKeepsEveryByte) {
+  const std::string text = Base64("encode", AllBytes()).out;
+  EXPECT_EQ(AllBytes(), Base64("decode", text.substr(0, text.size() - 1)).out);
+}
+
+TEST(Base64, EmptyInputGivesEmptyOutput) {
+  for (const char* verb : {"encode", "decode"}) {
+    const Outcome outcome = Base64(verb, "");
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ("", outcome.out) << verb;
+  }
+}
+
+TEST(Base64, DecodeWritesOnlyTheBytes) {
+  EXPECT_EQ("ABC", Base64("decode", "QUJD").out);
+  EXPECT_EQ(std::string("\0\xFF\n", 3), Base64("decode", "AP8K").out);
+}
+
+TEST(Base64, DecodeReadsItsInputAsItStandsALineFeedAtTheEndIncluded) {
+  EXPECT_EQ("ABC", Base64("decode", "QUJD\n").out) << "a single character left over is ignored";
+  EXPECT_EQ(std::string("A\0", 2), Base64("decode", "QQ==\n").out) << "the line feed counts as a character of value 0";
+  EXPECT_EQ("ABC", Base64("decode", "QU\r\nJD\r\n").out);
+}
+
+TEST(Base64, DecodeTakesAnythingForBase64) {
+  EXPECT_EQ(0, Base64("decode", AllBytes()).status);
+  EXPECT_EQ(std::string(3, '\0'), Base64("decode", "!!!!").out);
+}
+
+TEST(Base64, ReadsANamedFileOrStandardInputByItsDash) {
+  CliMachine machine;
+  const std::string file = machine.Write("b", "ABC");
+  EXPECT_EQ("QUJD\n", RunParvex({"base64", "encode", file}).out);
+  EXPECT_EQ("QUJD\n", RunParvex({"base64", "encode", "-"}, {.input = "ABC"}).out);
+  EXPECT_EQ("ABC", RunParvex({"base64", "decode", machine.Write("t", "QUJD")}).out);
+}
+
+TEST(Base64, OfAFileThatCannotBeReadIsWrongUsage) {
+  CliMachine machine;
+  for (const std::string& file : {machine.Path("missing"), machine.Folder()}) {
+    for (const char* verb : {"encode", "decode"}) {
+      const Outcome outcome = RunParvex({"base64", verb, file});
+      EXPECT_EQ(2, outcome.status);
+      EXPECT_EQ("", outcome.out);
+      EXPECT_NE(std::string::npos, outcome.err.find(file)) << outcome.err;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace parvex::test

@@ -1,0 +1,137 @@
+#include "tests/cli/program.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <sstream>
+#include <stdexcept>
+
+namespace parvex::test {
+namespace {
+
+// In the new process, until the program takes over: only what is allowed between fork and exec of one thread.
+[[noreturn]] void Become(const std::vector<std::string>& arguments, const Surroundings& surroundings,
+                         const std::filesystem::path& streams) {
+  const auto redirect = [&](const std::string& file, int flags, int descriptor) {
+    const int opened = open(file.c_str(), flags, 0600);
+    if (opened == -1 || dup2(opened, descriptor) == -1) {
+      _exit(126);
+    }
+    close(opened);
+  };
+  redirect(streams / "in", O_RDONLY, STDIN_FILENO);
+  redirect(streams / "err", O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
+  if (surroundings.outputFile == "-") {
+    close(STDOUT_FILENO);
+  } else if (surroundings.outputFile == "|") {
+    int ends[2];
+    if (pipe(ends) != 0 || dup2(ends[1], STDOUT_FILENO) == -1) {
+      _exit(126);
+    }
+    close(ends[0]);
+    close(ends[1]);
+  } else {
+    const std::string file = surroundings.outputFile.empty() ? (streams / "out").string() : surroundings.outputFile;
+    redirect(file, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
+  }
+  unsetenv("PARVEX_MACHINE");
+  for (const auto& [name, value] : surroundings.environment) {
+    setenv(name.c_str(), value.c_str(), 1);
+  }
+  if (!surroundings.folder.empty() && chdir(surroundings.folder.c_str()) != 0) {
+    _exit(126);
+  }
+  std::vector<char*> argv = {const_cast<char*>(PARVEX_PROGRAM)};
+  for (const std::string& argument : arguments) {
+    argv.push_back(const_cast<char*>(argument.c_str()));
+  }
+  argv.push_back(nullptr);
+  execv(PARVEX_PROGRAM, argv.data());
+  _exit(127);
+}
+
+std::string EscapedForShell(const std::string& text) {
+  std::string escaped = "'";
+  for (const char c : text) {
+    escaped += c == '\'' ? "'\\''" : std::string(1, c);
+  }
+  return escaped + "'";
+}
+
+}  // namespace
+
+Outcome RunParvex(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
+  const TemporaryFolder streams;
+  WriteHostFile(streams.Path() / "in", surroundings.input);
+  const pid_t child = fork();
+  if (child == -1) {
+    throw std::runtime_error("cannot fork");
+  }
+  if (child == 0) {
+    Become(arguments, surroundings, streams.Path());
+  }
+  int status = 0;
+  if (waitpid(child, &status, 0) != child) {
+    throw std::runtime_error("lost the program");
+  }
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadHostFile(streams.Path() / "out"),
+          ReadHostFile(streams.Path() / "err")};
+}
+
+CliMachine::CliMachine() {
+  for (const char* name : {"Bin", "Temp", "Projects"}) {
+    std::filesystem::create_directories(Installed(name, ""));
+  }
+  WriteRegistry("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane\\KDQ47]\r\n"
+                "\"BinPath\"=\"C:\\\\Korvane\\\\TQ5-VX\\\\Bin\\\\\"\r\n");
+}
+
+std::string CliMachine::Write(const std::string& name, std::string_view bytes) const {
+  WriteHostFile(Path(name), bytes);
+  return Path(name);
+}
+
+std::vector<std::string> CliMachine::Lines(const std::string& name) const {
+  std::istringstream text(Read(name));
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(text, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+std::filesystem::path CliMachine::Installed(const std::string& folder, const std::string& name) const {
+  return folder_.Path() / "machine" / "drive_c" / "Korvane" / "TQ5-VX" / folder / name;
+}
+
+void CliMachine::WriteRegistry(std::string_view bytes) const { WriteHostFile(Path("machine/registry.reg"), bytes); }
+
+void CliMachine::SetWorkflow(const std::string& script) const {
+  const std::filesystem::path program = Installed("Bin", "kdwfm470.exe");
+  WriteHostFile(program, "#!/bin/sh\nprintf '%s\\n' \"$@\" >>\"$PARVEX_MACHINE/../started\"\n" + script + "\n");
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+}
+
+Outcome CliMachine::Run(std::vector<std::string> arguments, const Surroundings& surroundings) const {
+  arguments.insert(arguments.begin(), {"--machine", Folder()});
+  return RunParvex(arguments, surroundings);
+}
+
+std::string CommandText(const std::string& name) { return "<COMMAND><NAME>" + name + "</NAME></COMMAND>"; }
+
+std::string ExportCommand(const std::string& projectName) {
+  return "<COMMAND><NAME>getHybrisXMLNoUI</NAME><PARAMETER><NAME>selection</NAME><VALUE><UserSelectionTransfer>"
+         "<ProjectName>" + projectName + "</ProjectName></UserSelectionTransfer></VALUE></PARAMETER></COMMAND>";
+}
+
+std::string WriteSelection(const std::string& text) {
+  return "printf '%s' " + EscapedForShell(text) + " >\"$PARVEX_MACHINE/drive_c/Korvane/TQ5-VX/Temp/QBOutput.ini\"";
+}
+
+std::string FailedReply(const std::string& message) {
+  return "<LegacyORLA><returnError>-1</returnError><errorMessage>" + message + "</errorMessage></LegacyORLA>\r\n";
+}
+
+}  // namespace parvex::test

@@ -1,0 +1,221 @@
+#include <gtest/gtest.h>
+
+#include "interface/command_table.h"
+#include "tests/cli/program.h"
+#include "version.h"
+
+namespace parvex::test {
+namespace {
+
+void ExpectWrongUsage(const Outcome& outcome, const std::string& named) {
+  EXPECT_EQ(2, outcome.status) << outcome.err;
+  EXPECT_EQ("", outcome.out);
+  EXPECT_NE(std::string::npos, outcome.err.find(named)) << outcome.err;
+}
+
+TEST(Usage, VersionIsPrinted) {
+  const Outcome outcome = RunParvex({"--version"});
+  EXPECT_EQ(0, outcome.status);
+  EXPECT_EQ("parvex " PARVEX_VERSION "\n", outcome.out);
+  EXPECT_EQ("", outcome.err);
+}
+
+TEST(Usage, HelpIsPrintedForTheProgramAndEachCommand) {
+  const std::vector<std::vector<std::string>> commands = {
+      {"--help"}, {"pull", "--help"}, {"pull-ngorla", "--help"}, {"base64", "--help"}, {"base64", "encode", "--help"},
+      {"machine", "create", "--help"}, {"commands", "--help"}};
+  for (const auto& arguments : commands) {
+    const Outcome outcome = RunParvex(arguments);
+    EXPECT_EQ(0, outcome.status) << arguments.front();
+    EXPECT_NE(std::string::npos, outcome.out.find("Usage:")) << outcome.out;
+    EXPECT_EQ("", outcome.err);
+  }
+}
+
+TEST(Usage, HelpNamesTheOptionsAndTheExitStatus) {
+  const std::string help = RunParvex({"--help"}).out;
+  for (const char* word : {"--machine", "PARVEX_MACHINE", "--journal", "--replay", "pull", "pull-ngorla", "base64",
+                           "machine", "commands", "Exit status"}) {
+    EXPECT_NE(std::string::npos, help.find(word)) << word;
+  }
+}
+
+TEST(Usage, WrongCommandLinesExitWith2) {
+  const std::vector<std::vector<std::string>> commandLines = {
+      {},
+      {"nonsense"},
+      {"Pull", "x.xml"},
+      {"--nonsense"},
+      {"pull"},
+      {"pull-ngorla"},
+      {"pull", "--nonsense", "x.xml"},
+      {"--machine"},
+      {"--machine", "a", "--machine", "b", "pull", "x.xml"},
+      {"--journal"},
+      {"base64"},
+      {"base64", "nonsense"},
+      {"base64", "encode", "a", "b"},
+      {"machine"},
+      {"machine", "create"},
+      {"machine", "create", "a", "b"},
+      {"commands", "x"},
+      {"pull", "x.xml", "pull-ngorla", "x.xml"}};
+  for (const auto& arguments : commandLines) {
+    const Outcome outcome = RunParvex(arguments);
+    EXPECT_EQ(2, outcome.status) << testing::PrintToString(arguments) << outcome.err;
+    EXPECT_EQ("", outcome.out) << testing::PrintToString(arguments);
+    EXPECT_NE("", outcome.err) << testing::PrintToString(arguments);
+  }
+}
+
+TEST(Usage, CommandsListsBothTablesWithTheirSummaries) {
+  const Outcome outcome = RunParvex({"commands"});
+  EXPECT_EQ(0, outcome.status);
+  const std::size_t second = outcome.out.find("pull-ngorla (PullNGORLA)");
+  ASSERT_NE(std::string::npos, second);
+  EXPECT_EQ(0u, outcome.out.find("pull (Pull)"));
+  std::size_t at = 0;
+  for (const CommandEntry& command : PullCommands()) {
+    at = outcome.out.find("\n  " + std::string(command.name) + " ", at);
+    ASSERT_LT(at, second) << command.name;
+    EXPECT_NE(std::string::npos, outcome.out.find(command.summary, at)) << command.name;
+  }
+  at = second;
+  for (const CommandEntry& command : PullNgorlaCommands()) {
+    at = outcome.out.find("\n  " + std::string(command.name) + " ", at);
+    ASSERT_NE(std::string::npos, at) << command.name;
+    EXPECT_NE(std::string::npos, outcome.out.find(command.summary, at)) << command.name;
+  }
+}
+
+TEST(Usage, CommandsSaysWhatIsNotCarriedOutYet) {
+  const std::string list = RunParvex({"commands"}).out;
+  const std::size_t pending = list.find("  RebuildTag ");
+  ASSERT_NE(std::string::npos, pending);
+  EXPECT_NE(std::string::npos, list.find("(not carried out yet)", pending));
+  const std::size_t served = list.find("  getHybrisXMLNoUI ");
+  const std::string line = list.substr(served, list.find('\n', served) - served);
+  EXPECT_EQ(std::string::npos, line.find("not carried out")) << line;
+}
+
+TEST(MachineOption, IsNeededByPullAndPullNgorla) {
+  CliMachine machine;
+  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  ExpectWrongUsage(RunParvex({"pull", file}), "PARVEX_MACHINE");
+  ExpectWrongUsage(RunParvex({"pull-ngorla", file}), "PARVEX_MACHINE");
+  ExpectWrongUsage(RunParvex({"--machine", "", "pull", file}), "PARVEX_MACHINE");
+  ExpectWrongUsage(RunParvex({"pull", file}, {.environment = {{"PARVEX_MACHINE", ""}}}), "PARVEX_MACHINE");
+}
+
+TEST(MachineOption, IsTakenFromTheEnvironmentWhenItIsNotGiven) {
+  CliMachine machine;
+  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  EXPECT_EQ(1, RunParvex({"pull", file}, {.environment = {{"PARVEX_MACHINE", machine.Folder()}}}).status);
+  const Surroundings elsewhere = {.environment = {{"PARVEX_MACHINE", machine.Path("no such folder")}}};
+  EXPECT_EQ(1, machine.Run({"pull", file}, elsewhere).status) << "the option counts before the environment";
+  ExpectWrongUsage(RunParvex({"pull", file}, elsewhere), "no such folder");
+}
+
+TEST(MachineOption, IsUnderstoodBehindTheCommandToo) {
+  CliMachine machine;
+  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  EXPECT_EQ(1, RunParvex({"pull", "--machine", machine.Folder(), file}).status);
+}
+
+TEST(MachineOption, TakesAFolderRelativeToTheCurrentOne) {
+  CliMachine machine;
+  machine.Write("c.xml", ExportCommand());
+  machine.SetWorkflow("");
+  const Outcome outcome =
+      RunParvex({"--machine", "machine", "pull-ngorla", "c.xml"}, {.folder = machine.Path("")});
+  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_TRUE(machine.WorkflowRan());
+}
+
+TEST(MachineOption, OfAFolderThatDoesNotExistOrIsAFileIsWrongUsage) {
+  CliMachine machine;
+  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  ExpectWrongUsage(RunParvex({"--machine", machine.Path("nowhere"), "pull", file}), "nowhere");
+  ExpectWrongUsage(RunParvex({"--machine", file, "pull", file}), "c.xml");
+}
+
+TEST(MachineOption, OfAMachineWithSettingsThatNobodyUnderstandsIsWrongUsage) {
+  CliMachine machine;
+  machine.Write("machine/standin.json", "{\"workflow\":");
+  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  ExpectWrongUsage(machine.Run({"pull", file}), "standin.json");
+}
+
+TEST(Files, AreAllReadBeforeAnyIsSent) {
+  CliMachine machine;
+  machine.SetWorkflow("");
+  const std::string good = machine.Write("good.xml", ExportCommand());
+  ExpectWrongUsage(machine.Run({"pull-ngorla", good, machine.Path("missing.xml")}), "missing.xml");
+  ExpectWrongUsage(machine.Run({"pull-ngorla", good, machine.Folder()}), "machine");
+  EXPECT_FALSE(machine.WorkflowRan());
+}
+
+TEST(Journal, ThatCannotBeWrittenIsWrongUsageAndNothingIsSent) {
+  CliMachine machine;
+  machine.SetWorkflow("");
+  const std::string file = machine.Write("c.xml", ExportCommand());
+  ExpectWrongUsage(machine.Run({"--journal", machine.Path("nowhere/j"), "pull-ngorla", file}), "nowhere/j");
+  EXPECT_FALSE(machine.WorkflowRan());
+}
+
+TEST(Journal, OfAnEarlierRunOutlivesWrongUsage) {
+  CliMachine machine;
+  const std::string journal = machine.Write("j", "earlier");
+  ExpectWrongUsage(machine.Run({"--journal", journal, "pull", machine.Path("missing.xml")}), "missing.xml");
+  EXPECT_EQ("earlier", machine.Read("j"));
+}
+
+TEST(Journal, ThatIsNotWrittenCompletelyIsAFailure) {
+  CliMachine machine;
+  machine.SetWorkflow("");
+  const std::string file = machine.Write("c.xml", ExportCommand());
+  const Outcome outcome = machine.Run({"--journal", "/dev/full", "pull-ngorla", file});
+  EXPECT_EQ(3, outcome.status);
+  EXPECT_NE(std::string::npos, outcome.err.find("/dev/full")) << outcome.err;
+  EXPECT_NE("", outcome.out);
+}
+
+TEST(ReplayFile, ThatCannotBeReadIsWrongUsageAndNothingIsSent) {
+  CliMachine machine;
+  machine.SetWorkflow("");
+  const std::string file = machine.Write("c.xml", ExportCommand());
+  ExpectWrongUsage(machine.Run({"--replay", machine.Path("nowhere"), "pull-ngorla", file}), "nowhere");
+  EXPECT_FALSE(machine.WorkflowRan());
+}
+
+TEST(ReplayFile, WithAMalformedLineIsWrongUsageThatNamesTheLineAndNothingIsSent) {
+  CliMachine machine;
+  machine.SetWorkflow("");
+  const std::string file = machine.Write("c.xml", ExportCommand());
+  const std::string replay = machine.Write("r.jsonl", "{\"kind\":\"router\"}\n{\"kind\":\n");
+  ExpectWrongUsage(machine.Run({"--replay", replay, "pull-ngorla", file}), "r.jsonl line 2");
+  EXPECT_FALSE(machine.WorkflowRan());
+}
+
+TEST(StandardOutput, ThatCannotBeWrittenIsAFailure) {
+  CliMachine machine;
+  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  for (const char* output : {"/dev/full", "-", "|"}) {
+    for (const auto& arguments : std::vector<std::vector<std::string>>{
+             {"pull", file}, {"base64", "encode", file}, {"commands"}, {"--version"}, {"--help"}}) {
+      const Outcome outcome = machine.Run(arguments, {.outputFile = output});
+      EXPECT_EQ(3, outcome.status) << output << testing::PrintToString(arguments);
+      EXPECT_NE(std::string::npos, outcome.err.find("standard output")) << outcome.err;
+    }
+  }
+}
+
+TEST(StandardOutput, ThatIsClosedDoesNotEndUpInTheJournal) {
+  CliMachine machine;
+  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  machine.Run({"--journal", machine.Path("j"), "pull", file}, {.outputFile = "-"});
+  EXPECT_EQ("", machine.Read("j"));
+}
+
+}  // namespace
+}  // namespace parvex::test

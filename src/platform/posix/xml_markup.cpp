@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -195,7 +196,12 @@ class Writer {
       sink_.Add(View(space->prefix));
       sink_.Add(':');
     }
-    sink_.Add(View(name));
+    // Names are interned: the same few pointers come again and again, so their lengths are kept by address.
+    std::string_view& known = names_[(reinterpret_cast<std::uintptr_t>(name) >> 2) % names_.size()];
+    if (known.data() != reinterpret_cast<const char*>(name)) {
+      known = View(name);
+    }
+    sink_.Add(known);
   }
 
   void AddStartTag(const xmlNode* element) {
@@ -397,6 +403,7 @@ class Writer {
 
   Encoding* encoding_;
   Sink sink_;
+  std::array<std::string_view, 256> names_{};
   std::vector<Scope> scopes_;
 };
 

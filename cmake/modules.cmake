@@ -24,12 +24,16 @@ function(parvex_library name)
   target_link_libraries(${name} ${scope} ${ARG_DEPENDS})
 endfunction()
 
-# One test program for the .cpp files of FOLDER; each of its tests is a ctest test of its own.
+# One test program for the .cpp files of FOLDER, those left out whose path matches EXCLUDE; each of its tests is a ctest
+# test of its own.
 #
-#   parvex_test(NAME FOLDER DEPENDS library...)
+#   parvex_test(NAME FOLDER DEPENDS library... [EXCLUDE regex])
 function(parvex_test name folder)
-  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "" "EXCLUDE" "DEPENDS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp)
+  if(ARG_EXCLUDE)
+    list(FILTER sources EXCLUDE REGEX ${ARG_EXCLUDE})
+  endif()
   if(NOT sources)
     return()
   endif()

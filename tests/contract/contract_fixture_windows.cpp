@@ -1,0 +1,127 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <thread>
+
+#include "platform/windows/ansi_text.h"
+#include "platform/windows/machine.h"
+#include "platform/windows/wide_text.h"
+#include "tests/contract/contract_fixture.h"
+
+namespace parvex::test {
+namespace {
+
+constexpr const char* kScratchKey = "SOFTWARE\\Parvex\\Contract";
+
+// An empty folder of its own below the system's temporary folder.
+std::string NewScratchFolder() {
+  wchar_t temporary[MAX_PATH];
+  GetTempPathW(MAX_PATH, temporary);
+  const std::wstring folder = std::wstring(temporary) + L"parvex-contract-" + std::to_wstring(GetCurrentProcessId());
+  windows::SystemFiles files;
+  const std::string path = windows::Narrow(folder);
+  if (files.IsFolder(path)) {
+    files.RemoveFolder(path);
+  }
+  files.CreateFolder(path);
+  return path;
+}
+
+std::wstring ProbeProgram() {
+  wchar_t path[MAX_PATH];
+  const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+  const std::wstring own(path, length);
+  return own.substr(0, own.rfind(L'\\') + 1) + L"contract_probe.exe";
+}
+
+std::wstring TextOfWindow(HWND window) {
+  wchar_t text[1024];
+  return {text, static_cast<std::size_t>(GetWindowTextW(window, text, 1024))};
+}
+
+// Waits for the box, reads what it shows, presses its button.
+std::wstring CloseBox(const std::wstring& caption) {
+  for (int attempt = 0; attempt < 1000; ++attempt, Sleep(10)) {
+    const HWND box = FindWindowW(L"#32770", caption.c_str());
+    if (box != nullptr && IsWindowVisible(box)) {
+      constexpr int kTextControl = 0xFFFF;
+      const std::wstring seen = TextOfWindow(box) + L"\n" + TextOfWindow(GetDlgItem(box, kTextControl));
+      PostMessageW(box, WM_COMMAND, IDOK, 0);
+      return seen;
+    }
+  }
+  return L"no box was shown";
+}
+
+}  // namespace
+
+struct ContractMachine::Host {
+  windows::Machine machine;
+};
+
+namespace {
+
+// Every suite runs in an apartment, as the component does.
+class Apartment : public testing::Environment {
+  void SetUp() override { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
+  void TearDown() override { CoUninitialize(); }
+};
+
+[[maybe_unused]] const testing::Environment* const kApartment = testing::AddGlobalTestEnvironment(new Apartment);
+
+}  // namespace
+
+ContractMachine::ContractMachine()
+    : host_(std::make_unique<Host>()),
+      registry(host_->machine.GetRegistry()),
+      privateProfile(host_->machine.GetPrivateProfile()),
+      files(host_->machine.GetFiles()),
+      processes(host_->machine.GetProcesses()),
+      messagePump(host_->machine.GetMessagePump()),
+      messageBoxes(host_->machine.GetMessageBoxes()),
+      automation(host_->machine.GetAutomation()),
+      projectDatabases(host_->machine.GetProjectDatabases()),
+      codePage(host_->machine.GetCodePage()),
+      scratch(NewScratchFolder()),
+      scratchKey(kScratchKey) {
+  RegDeleteKeyA(HKEY_LOCAL_MACHINE, kScratchKey);
+}
+
+ContractMachine::~ContractMachine() {
+  RegDeleteKeyA(HKEY_LOCAL_MACHINE, kScratchKey);
+  try {
+    for (const std::string& name : files.ListFiles(Path("*.*"))) {
+      SetReadOnly(Path(name), false);
+    }
+    files.RemoveFolder(scratch);
+  } catch (const AutomationError& error) {
+    ADD_FAILURE() << error.Description();
+  }
+}
+
+void ContractMachine::SetRegistryString(std::string_view valueName, std::string_view text) {
+  HKEY key = nullptr;
+  ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, kScratchKey, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr), 0);
+  const std::wstring value = windows::Widen(text);
+  RegSetValueExW(key, windows::Widen(valueName).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+                 static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+  RegCloseKey(key);
+}
+
+void ContractMachine::SetReadOnly(std::string_view path, bool readOnly) {
+  SetFileAttributesW(windows::Widen(path).c_str(), readOnly ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL);
+}
+
+void ContractMachine::InstallProbe(std::string_view path) {
+  ASSERT_TRUE(CopyFileW(ProbeProgram().c_str(), windows::Widen(path).c_str(), FALSE)) << GetLastError();
+}
+
+std::string ContractMachine::SeenInBox(std::string_view text, std::string_view caption, MessageBoxes::Icon icon) {
+  std::wstring seen;
+  std::thread user([&] { seen = CloseBox(windows::Widen(caption)); });
+  messageBoxes.Show(text, caption, icon);
+  user.join();
+  return windows::Narrow(seen);
+}
+
+}  // namespace parvex::test

@@ -15,9 +15,8 @@ namespace {
 
 constexpr std::string_view kMadeIntoBaseUnit = "XX1";
 
-bool IsFurtherBaseUnit(const AccessoryCls& accessory) {
-  return LengthInUnits(accessory.BaseUnit1) >= 3 && LeadingNumber(DropUnits(accessory.BaseUnit1, 2)) > 1;
-}
+/// A BaseUnit1 of fewer than three characters has nothing behind its first two, which reads as 0.
+bool IsFurtherBaseUnit(const AccessoryCls& accessory) { return LeadingNumber(DropUnits(accessory.BaseUnit1, 2)) > 1; }
 
 bool HasStoredDataOfItsOwn(const AccessoryCls& accessory) {
   return accessory.BaseUnit1.empty() && !accessory.FileName.empty();

@@ -86,7 +86,6 @@ TEST_F(SelectionSectionOf, AValueIsCutTo254Characters) {
 TEST_F(SelectionSectionOf, AKeyOver254CharactersDisturbsNothing) {
   export_.Select("[List1]\r\n" + std::string(10000, 'K') + "=v\r\nA:1=x\r\n");
   EXPECT_EQ(List("A:"), Values{"x"});
-  EXPECT_EQ(Open("List", 1).Text(std::string(10000, 'k')), "v");
 }
 
 TEST_F(SelectionSectionOf, LettersOfTheAnsiCodePageAreReadAsSuch) {

@@ -73,15 +73,18 @@ TEST_F(StoredData, TagsWithoutProductAreNumberedAcrossTheThreadsExports) {
 }
 
 TEST_F(StoredData, AnotherThreadCountsForItself) {
-  Read(AddTag("38A", "a"), "38A", false, "");
-  std::string id;
+  const auto nextId = [&] { return Read(AddTag("38A", "a"), "38A", false, "").legacyTagId; };
+  EXPECT_EQ(nextId(), "1");
+  EXPECT_EQ(nextId(), "2");
+  std::string idOfOtherThread;
   std::thread([&] {
     ExportMachine other;
     const xml::Document document = CreateHybrisDocument("P");
-    id = ReadTagStoredData(other.platform, document, AppendTagElement(document), "", "38A", false).legacyTagId;
+    idOfOtherThread =
+        ReadTagStoredData(other.platform, document, AppendTagElement(document), "", "38A", false).legacyTagId;
   }).join();
-  EXPECT_EQ(id, "1");
-  EXPECT_EQ(Read(AddTag("38A", "a"), "38A", false, "").legacyTagId, "2");
+  EXPECT_EQ(idOfOtherThread, "1");
+  EXPECT_EQ(nextId(), "3");
 }
 
 TEST_F(StoredData, TheBlobBecomesACDataSectionOfItsTag) {

@@ -180,7 +180,6 @@ std::shared_ptr<const ProfileFiles::Parsed> ProfileFiles::Current(const std::str
 }
 
 void ProfileFiles::Refresh(Known& known) {
-  const std::int64_t now = Now();
   std::optional<FileVersion> version = known.host.empty() ? std::nullopt : VersionOf(known.host);
   if (!version) {
     known.host = folder_.Resolve(known.file).value_or(std::filesystem::path());
@@ -194,6 +193,7 @@ void ProfileFiles::Refresh(Known& known) {
     return;
   }
   RefuseTooLarge(*version, known.file);
+  const std::int64_t now = Now();
   try {
     std::string bytes = ReadHostFile(known.host, known.file);
     if (known.parsed == nullptr || known.parsed->text.Bytes() != bytes) {

@@ -10,16 +10,12 @@
 
 namespace parvex::posix {
 
-/// Where the sections and keys of one profile text stand. Finding one costs the same however many there are. Eight bytes
-/// a slot of the table: a hash, and the place of the line, which is read again when it is asked for.
+/// Where the sections and keys of one profile text stand. Finding one costs the same however many there are; names of more
+/// than 4096 characters are not found. Every section has a hash table of its own, all of them in one array of eight-byte slots: a name's hash, and the place of its line,
+/// which is read again when it is asked for.
 class ProfileIndex {
  public:
-  /// Offsets in the text: the header's line, and the stretch of the lines behind it.
-  struct Section {
-    std::uint32_t header;
-    std::uint32_t begin;
-    std::uint32_t end;
-  };
+  class Section;
 
   /// Of a text of less than 4 GiB, which must outlive this.
   explicit ProfileIndex(const ProfileText& file);
@@ -33,48 +29,36 @@ class ProfileIndex {
   std::optional<std::string_view> FindValue(const Section& section, std::string_view key) const;
 
  private:
-  // Numbers by the hash of their name; open addressing, the hash's upper bits are the first slot to look at.
-  class Table {
-   public:
-    explicit Table(std::size_t expected);
-    void Prefetch(std::uint32_t hash) const { __builtin_prefetch(&slots_[hash >> shift_]); }
-    /// The first number stored under the hash for which `is` holds.
-    template <typename Is>
-    std::optional<std::uint32_t> Find(std::uint32_t hash, Is is) const;
-    /// Stores the number unless there already is one for which `is` holds.
-    template <typename Is>
-    void Add(std::uint32_t hash, std::uint32_t number, Is is);
-
-   private:
-    struct Slot {
-      std::uint32_t hash = 0;
-      std::uint32_t numberAndOne = 0;  // 0: free
-    };
-    void Place(Slot slot);
-    void Grow();
-
-    std::vector<Slot> slots_;
-    unsigned shift_;
-    std::size_t used_ = 0;
+  struct Slot {
+    std::uint32_t hash = 0;
+    std::uint32_t placeAndOne = 0;  // 0: free
+  };
+  struct Table {
+    std::size_t firstSlot = 0;
+    std::uint32_t slots = 0;
   };
 
-  // A key's line that is on its way into the table.
-  struct Waiting {
-    std::uint32_t hash;
-    std::uint32_t line;
-    std::uint32_t section;  // where the section's lines begin
-  };
-
-  void AddSection(std::string_view name, const ProfileLine& header);
-  void AddKey(const Waiting& key);
-  std::string_view NameOf(std::uint32_t section) const;
-  std::string_view LineAt(std::size_t begin) const;
+  void AddSection(std::uint32_t header, const std::vector<Slot>& keys);
+  template <typename NameAt>
+  Table MakeTable(const std::vector<Slot>& entries, NameAt nameAt);
+  template <typename Is>
+  std::optional<std::uint32_t> Find(const Table& table, std::uint32_t hash, Is is) const;
+  std::string_view LineAt(std::uint32_t place) const;
+  std::string_view KeyNameAt(std::uint32_t place) const;
+  std::string_view SectionNameAt(std::uint32_t number) const;
 
   const ProfileText& file_;
   std::string_view text_;
+  std::vector<Slot> slots_;
   std::vector<Section> sections_;
   Table sectionTable_;
+};
+
+class ProfileIndex::Section {
+  friend ProfileIndex;
+  std::uint32_t header_;  // where its header stands
   Table keys_;
+  Section(std::uint32_t header, Table keys) : header_(header), keys_(keys) {}
 };
 
 }  // namespace parvex::posix

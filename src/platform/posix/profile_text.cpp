@@ -16,8 +16,6 @@ constexpr std::string_view kUtf16LittleMark = "\xFF\xFE";
 constexpr std::string_view kUtf16BigMark = "\xFE\xFF";
 constexpr std::string_view kLineBreak = "\r\n";
 
-bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r') || c == '\x1A'; }
-
 ProfileEncoding EncodingOf(std::string_view bytes) {
   if (bytes.starts_with(kUtf8Mark)) {
     return ProfileEncoding::Utf8;
@@ -133,8 +131,8 @@ std::string ProfileText::Read(std::string_view piece, std::size_t mostBytes) con
   return codePage_.FromAnsi(std::string_view(codePage_.ToAnsi(piece)).substr(0, mostBytes));
 }
 
-std::uint32_t ProfileText::HashOfName(std::string_view name, std::uint64_t salt) const {
-  return HashIgnoringAsciiCase(IsAsciiText(name) ? name : std::string_view(Folded(name)), salt);
+std::uint32_t ProfileText::HashOfName(std::string_view name) const {
+  return HashIgnoringAsciiCase(IsAsciiText(name) ? name : std::string_view(Folded(name)), seed_);
 }
 
 bool ProfileText::SameName(std::string_view a, std::string_view b) const {
@@ -166,7 +164,7 @@ std::optional<std::string> ProfileText::WithValue(std::string_view section, std:
                                                   std::string_view value) const {
   const std::string sectionPiece = Piece(TrimProfileBlanks(section));
   const std::string keyPiece = Piece(TrimProfileBlanks(key));
-  const std::string valuePiece = Piece(value.substr(std::find_if_not(value.begin(), value.end(), IsBlank) - value.begin()));
+  const std::string valuePiece = Piece(value.substr(std::find_if_not(value.begin(), value.end(), IsProfileBlank) - value.begin()));
 
   const Place place = FindPlace(*this, sectionPiece, keyPiece);
   if (place.keyLine) {
@@ -191,10 +189,10 @@ ProfileLine ProfileLineAt(std::string_view text, std::size_t pos) {
   if (next < text.size()) {
     next += text.substr(next, 2) == kLineBreak ? 2 : 1;
   }
-  while (pos < end && IsBlank(text[pos])) {
+  while (pos < end && IsProfileBlank(text[pos])) {
     ++pos;
   }
-  while (end > pos && IsBlank(text[end - 1])) {
+  while (end > pos && IsProfileBlank(text[end - 1])) {
     --end;
   }
   return {pos, end, next};
@@ -213,7 +211,7 @@ std::optional<std::string_view> SectionName(std::string_view line) {
 
 std::string_view KeyName(std::string_view line) {
   std::size_t end = std::min(line.find('='), line.size());
-  while (end > 0 && IsBlank(line[end - 1])) {
+  while (end > 0 && IsProfileBlank(line[end - 1])) {
     --end;
   }
   return UpToNul(line.substr(0, end));
@@ -228,10 +226,10 @@ std::optional<std::string_view> KeyValue(std::string_view line) {
 }
 
 std::string_view TrimProfileBlanks(std::string_view text) {
-  while (!text.empty() && IsBlank(text.front())) {
+  while (!text.empty() && IsProfileBlank(text.front())) {
     text.remove_prefix(1);
   }
-  while (!text.empty() && IsBlank(text.back())) {
+  while (!text.empty() && IsProfileBlank(text.back())) {
     text.remove_suffix(1);
   }
   return text;

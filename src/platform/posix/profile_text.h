@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "platform/code_page.h"
+#include "platform/posix/profile_names.h"
 
 namespace parvex::posix {
 
@@ -35,7 +36,7 @@ class ProfileText {
   // Two pieces as names of sections or keys: letter case does not count, that of letters beyond ASCII neither.
   bool SameName(std::string_view a, std::string_view b) const;
   /// Equal for names that are the same.
-  std::uint32_t HashOfName(std::string_view name, std::uint64_t salt) const;
+  std::uint32_t HashOfName(std::string_view name) const;
 
   /// The file's bytes with `value` set; nothing when the file has exactly that value already. Every other line stays as
   /// it is. The three texts are ANSI bytes without NUL; outer blanks of the names and leading ones of the value go.
@@ -49,6 +50,7 @@ class ProfileText {
   std::string bytes_;
   ProfileEncoding encoding_;
   std::string converted_;  // the text of a UTF-16 file
+  std::uint64_t seed_ = NameHashSeed();
 };
 
 /// One line of a profile text: where its first character that is no blank stands, where the last one ends, and where the
@@ -72,7 +74,9 @@ std::optional<std::string_view> SectionName(std::string_view line);
 std::string_view KeyName(std::string_view line);
 std::optional<std::string_view> KeyValue(std::string_view line);
 
-/// Without outer blanks: white space, and the ^Z that ends a file of old.
+/// White space, and the ^Z that ends a file of old.
+inline bool IsProfileBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r') || c == '\x1A'; }
+/// Without outer blanks.
 std::string_view TrimProfileBlanks(std::string_view text);
 /// The part of a text before its first NUL, which ends it for the platform.
 std::string_view UpToNul(std::string_view text);

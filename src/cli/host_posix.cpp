@@ -1,9 +1,8 @@
-#include "cli/host.h"
-
 #include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
 
+#include "cli/host.h"
 #include "legacy_standin/sample_machine.h"
 #include "legacy_standin/standin.h"
 #include "platform/posix/machine.h"
@@ -20,8 +19,8 @@ std::filesystem::path WorkflowProgram() {
 
 void DoNothing(int) {}
 
-// A closed descriptor would be given to the next file that is opened, and that file get our output. What takes its place
-// refuses to be read or written.
+// A closed descriptor would be given to the next file that is opened, and that file get our output. What takes its
+// place refuses to be read or written.
 void KeepTaken(int descriptor, int mode) {
   if (fcntl(descriptor, F_GETFD) == -1) {
     const int opened = open("/dev/null", mode);
@@ -46,9 +45,9 @@ Host::~Host() = default;
 
 parvex::Platform Host::Platform() {
   posix::Machine& machine = parts_->machine;
-  return {machine.GetRegistry(),    machine.GetPrivateProfile(), machine.GetFiles(),
-          machine.GetProcesses(),   machine.GetMessagePump(),    machine.GetMessageBoxes(),
-          parts_->standin.Routers(), machine.GetAutomation(),    machine.GetProjectDatabases(),
+  return {machine.GetRegistry(),     machine.GetPrivateProfile(), machine.GetFiles(),
+          machine.GetProcesses(),    machine.GetMessagePump(),    machine.GetMessageBoxes(),
+          parts_->standin.Routers(), machine.GetAutomation(),     machine.GetProjectDatabases(),
           machine.GetCodePage()};
 }
 

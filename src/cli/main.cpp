@@ -27,8 +27,9 @@ struct CommandLine {
   std::string base64File = "-";
   std::string newMachine;
 
-  CLI::App app{"Lets commands of a newer front end work with the projects of an installed legacy selection application.",
-               "parvex"};
+  CLI::App app{
+      "Lets commands of a newer front end work with the projects of an installed legacy selection application.",
+      "parvex"};
   CLI::App* pull = nullptr;
   CLI::App* pullNgorla = nullptr;
   CLI::App* encode = nullptr;

@@ -28,8 +28,8 @@ bool SendDocument(LegacyORLAPull& pull, const std::string& bytes, CodePage&) {
   return IsFailedReply(reply);
 }
 
-// The text that a file's bytes are: UTF-16 or UTF-8 as its byte order mark says, else UTF-8 when it is well-formed, else
-// text of the machine's ANSI code page.
+// The text that a file's bytes are: UTF-16 or UTF-8 as its byte order mark says, else UTF-8 when it is well-formed,
+// else text of the machine's ANSI code page.
 std::string DecodeText(std::string_view bytes, CodePage& codePage) {
   const bool isLittleEndian = bytes.starts_with("\xFF\xFE");
   if (isLittleEndian || bytes.starts_with("\xFE\xFF")) {
@@ -88,10 +88,9 @@ ExitStatus SendAllJournalled(const Platform& platform, const PullOptions& option
 }
 
 Platform WithRouters(const Platform& platform, MessageRouters& routers) {
-  return {platform.registry,    platform.privateProfile, platform.files,
-          platform.processes,   platform.messagePump,    platform.messageBoxes,
-          routers,              platform.automation,     platform.projectDatabases,
-          platform.codePage};
+  return {platform.registry,         platform.privateProfile, platform.files, platform.processes,
+          platform.messagePump,      platform.messageBoxes,   routers,        platform.automation,
+          platform.projectDatabases, platform.codePage};
 }
 
 struct Session {

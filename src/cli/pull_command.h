@@ -16,8 +16,8 @@ struct PullOptions {
 };
 
 /// Sends the command documents to one LegacyORLAPull, through Pull or PullNGORLA, and writes each reply to standard
-/// output. A failed call is told on standard error and the next file sent. What can be found wrong before the first file
-/// is sent is a UsageError.
+/// output. A failed call is told on standard error and the next file sent. What can be found wrong before the first
+/// file is sent is a UsageError.
 ExitStatus SendThroughPull(const PullOptions& options);
 ExitStatus SendThroughPullNgorla(const PullOptions& options);
 

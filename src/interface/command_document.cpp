@@ -90,8 +90,8 @@ void AddParameters(const xml::Document& command, Parameters parameters) {
 void SetCommandName(const xml::Document& command, std::string_view name) {
   const xml::Node node = command.First("//COMMAND/NAME");
   if (!node) {
-    throw MakeRuntimeError(RuntimeError::ObjectNotSet, "The command document has no COMMAND/NAME to be made \"" +
-                                                           std::string(name) + "\"");
+    throw MakeRuntimeError(RuntimeError::ObjectNotSet,
+                           "The command document has no COMMAND/NAME to be made \"" + std::string(name) + "\"");
   }
   node.SetText(name);
 }

@@ -9,16 +9,16 @@
 
 namespace parvex {
 
-// A command document: COMMAND holding a NAME and any number of PARAMETER elements, each with NAME and VALUE. COMMAND may
-// stand at any depth. Names are case-sensitive; of duplicate parameters the first counts. A parameter name that holds an
-// apostrophe matches nothing.
+// A command document: COMMAND holding a NAME and any number of PARAMETER elements, each with NAME and VALUE. COMMAND
+// may stand at any depth. Names are case-sensitive; of duplicate parameters the first counts. A parameter name that
+// holds an apostrophe matches nothing.
 
 /// The command's name; "object not set" when there is no COMMAND/NAME.
 std::string GetCommandName(const xml::Document& command);
 
 /// Whether the parameter exists. `value` receives "" or its value: the VALUE's text; or, when VALUE's first child is an
-/// element with content, that element's markup without outer blanks. Only the first of several elements counts, and text
-/// around it is ignored: deliberate, front ends send one fragment a parameter.
+/// element with content, that element's markup without outer blanks. Only the first of several elements counts, and
+/// text around it is ignored: deliberate, front ends send one fragment a parameter.
 bool GetParamValue(const xml::Document& command, std::string_view name, std::string& value);
 /// The same value, "" for a missing parameter.
 std::string GetParamFromCmdDoc(const xml::Document& command, std::string_view name);

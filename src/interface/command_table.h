@@ -13,7 +13,7 @@ using CommandHandler = xml::Document (*)(LegacyLink& link, const xml::Document& 
 
 /// One row of a command table. The tables feed dispatch, `parvex commands`, the help text and the reference pages.
 struct CommandEntry {
-  std::string_view name;     ///< compared exactly, letter case included
+  std::string_view name;  ///< compared exactly, letter case included
   CommandHandler handler;
   std::string_view summary;  ///< one line for people
 };

@@ -16,8 +16,8 @@ class LegacyORLAPull {
   /// Creates the message router; its AutomationError when it cannot be created.
   explicit LegacyORLAPull(const Platform& platform);
 
-  /// Carries out one of PullCommands(). The command document is changed in place where the handler rewrites it. The reply
-  /// is the handler's document itself; a null document where the handler answers with none.
+  /// Carries out one of PullCommands(). The command document is changed in place where the handler rewrites it. The
+  /// reply is the handler's document itself; a null document where the handler answers with none.
   xml::Document Pull(const xml::Document& command);
 
   /// Carries out one of PullNgorlaCommands(). A text that does not parse is an empty command document, and so a missing

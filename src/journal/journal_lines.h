@@ -11,8 +11,9 @@ namespace parvex::journal {
 /// Keys stay in the order in which they were set.
 using Json = nlohmann::ordered_json;
 
-/// Writes one object as one line and flushes it, so that a crash loses nothing. Texts that are not UTF-8 are written with
-/// replacement characters. A stream that fails is left in its failed state; nobody is interrupted for the journal's sake.
+/// Writes one object as one line and flushes it, so that a crash loses nothing. Texts that are not UTF-8 are written
+/// with replacement characters. A stream that fails is left in its failed state; nobody is interrupted for the
+/// journal's sake.
 void WriteLine(std::ostream& out, const Json& line);
 
 /// The value of the key "error": number (as the program prints it), source and description.
@@ -20,8 +21,8 @@ Json ErrorJson(const AutomationError& error);
 /// The error that ErrorJson wrote; a std::exception when `error` has another shape.
 AutomationError ErrorFromJson(const Json& error);
 
-/// Carries out an operation that gets its line to fill in, and writes the line when the operation has ended; with `error`
-/// when it ended in an AutomationError, which goes on to the caller.
+/// Carries out an operation that gets its line to fill in, and writes the line when the operation has ended; with
+/// `error` when it ended in an AutomationError, which goes on to the caller.
 template <typename Operation>
 auto Record(std::ostream& out, Json line, Operation operation) {
   try {

@@ -20,8 +20,8 @@ using automation::Value;
 // Every automation line has all keys, whatever the operation, so that a reader need not ask for each.
 Json AutomationLine(const std::string& object, const char* op, std::string_view member = {},
                     Json args = Json::array()) {
-  return {{"kind", "automation"}, {"object", object},           {"op", op}, {"member", std::string(member)},
-          {"args", std::move(args)}, {"result", nullptr}};
+  return {{"kind", "automation"},          {"object", object},        {"op", op},
+          {"member", std::string(member)}, {"args", std::move(args)}, {"result", nullptr}};
 }
 
 Json ArgsJson(std::span<const Argument> arguments) {
@@ -112,7 +112,8 @@ Value JournalledObject::Inside(Value value, std::string_view member) const {
   return std::make_shared<JournalledObject>(*object, name_ + "." + std::string(member), out_);
 }
 
-// What an argument holds after a call: what it held before as far as the outside left it alone, else the outside's value.
+// What an argument holds after a call: what it held before as far as the outside left it alone, else the outside's
+// value.
 Value JournalledObject::InsideAgain(const Value& after, const Value& before, std::string_view member) const {
   const auto* collection = std::get_if<CollectionRef>(&after);
   if (collection == nullptr || !*collection) {

@@ -10,9 +10,9 @@
 
 namespace parvex::journal {
 
-/// Late-bound objects with every creation, get, put, call and release written to a journal. The objects that callers get
-/// are stand-ins for the outside's own; they are exchanged for those again where they are passed as arguments, so the
-/// outside never sees one. The stream outlives every object.
+/// Late-bound objects with every creation, get, put, call and release written to a journal. The objects that callers
+/// get are stand-ins for the outside's own; they are exchanged for those again where they are passed as arguments, so
+/// the outside never sees one. The stream outlives every object.
 class JournalledAutomation : public automation::Automation {
  public:
   JournalledAutomation(automation::Automation& outside, std::ostream& out) : outside_(outside), out_(out) {}

@@ -45,8 +45,8 @@ class JournalledRouters : public MessageRouters {
 };
 
 Json ProcessLine(std::string_view commandLine, int windowStyle) {
-  return {{"kind", "process"}, {"command", std::string(commandLine)}, {"windowStyle", windowStyle},
-          {"exitCode", nullptr}};
+  return {
+      {"kind", "process"}, {"command", std::string(commandLine)}, {"windowStyle", windowStyle}, {"exitCode", nullptr}};
 }
 
 // Writes its line when the exit code is known, or when it is dropped before.
@@ -144,9 +144,8 @@ JournalledPlatform::~JournalledPlatform() = default;
 
 parvex::Platform JournalledPlatform::Platform() {
   const parvex::Platform& outside = parts_->outside;
-  return {outside.registry,    outside.privateProfile, outside.files,   parts_->processes,
-          outside.messagePump, parts_->boxes,          parts_->routers, parts_->automation,
-          outside.projectDatabases, outside.codePage};
+  return {outside.registry, outside.privateProfile, outside.files,      parts_->processes,        outside.messagePump,
+          parts_->boxes,    parts_->routers,        parts_->automation, outside.projectDatabases, outside.codePage};
 }
 
 }  // namespace parvex::journal

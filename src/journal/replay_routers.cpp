@@ -62,8 +62,8 @@ std::vector<Exchange> ReadExchanges(std::string_view journal, const std::string&
         exchanges.push_back(ReadExchange(line, number));
       }
     } catch (const std::exception& reason) {
-      throw MakeRuntimeError(RuntimeError::TypeMismatch, fileName + " line " + std::to_string(number) +
-                                                             " is no journal line: " + reason.what());
+      throw MakeRuntimeError(RuntimeError::TypeMismatch,
+                             fileName + " line " + std::to_string(number) + " is no journal line: " + reason.what());
     }
   }
   return exchanges;
@@ -78,14 +78,14 @@ class ReplayRouters::Script {
 
   bool Answer(const std::string& request, std::string& response) {
     if (next_ == exchanges_.size()) {
-      throw MakeRuntimeError(RuntimeError::InvalidCall, fileName_ + " has no router line left. Expected: no request. " +
-                                                            "Actual: " + request);
+      throw MakeRuntimeError(RuntimeError::InvalidCall,
+                             fileName_ + " has no router line left. Expected: no request. Actual: " + request);
     }
     const Exchange& exchange = exchanges_[next_++];
     if (exchange.request && *exchange.request != request) {
-      throw MakeRuntimeError(RuntimeError::InvalidCall,
-                             fileName_ + " line " + std::to_string(exchange.lineNumber) +
-                                 " answers another request. Expected: " + *exchange.request + " Actual: " + request);
+      throw MakeRuntimeError(RuntimeError::InvalidCall, fileName_ + " line " + std::to_string(exchange.lineNumber) +
+                                                            " answers another request. Expected: " + *exchange.request +
+                                                            " Actual: " + request);
     }
     if (exchange.error) {
       throw *exchange.error;

@@ -8,9 +8,9 @@
 
 namespace parvex {
 
-// Ini access of the exchange code: a section and a file are set once, keys are read and written after. The target is one
-// per thread and stays set until the next SetIniTarget. Access before the first one shows a message box that marks a
-// programming error, deliberately, and gives an empty result.
+// Ini access of the exchange code: a section and a file are set once, keys are read and written after. The target is
+// one per thread and stays set until the next SetIniTarget. Access before the first one shows a message box that marks
+// a programming error, deliberately, and gives an empty result.
 //
 // Each access sees the file as it is at that moment. Who reads many keys of one section in a row opens that section
 // itself (PrivateProfile::Section) and so has the file looked at once.

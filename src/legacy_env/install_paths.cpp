@@ -87,8 +87,8 @@ std::string GetDesignRoot(const Platform& platform) {
   }
   const std::size_t position = binPath.find(kDesignFolder);
   if (position == std::string::npos || position == 0) {
-    throw MakeRuntimeError(RuntimeError::InvalidCall, "BinPath \"" + binPath + "\" has no folder above \"" +
-                                                          std::string(kDesignFolder) + "\"");
+    throw MakeRuntimeError(RuntimeError::InvalidCall,
+                           "BinPath \"" + binPath + "\" has no folder above \"" + std::string(kDesignFolder) + "\"");
   }
   const std::string_view before = std::string_view(binPath).substr(0, position);
   return std::string(FirstUnits(before, LengthInUnits(before) - 1));

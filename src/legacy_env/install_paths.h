@@ -7,16 +7,17 @@
 
 namespace parvex {
 
-// Where the legacy application is. Its setup writes one registry value, BinPath, which normally ends with a backslash; all
-// other folders are derived from it by cutting text.
+// Where the legacy application is. Its setup writes one registry value, BinPath, which normally ends with a backslash;
+// all other folders are derived from it by cutting text.
 
-/// A string value under the local-machine hive, `fallback` when it cannot be read or is longer than 254 bytes in the ANSI
-/// code page. The key "SOFTWARE\Korvane\UI\" (exactly so) is never looked up in the registry: it stands for UIKeys.txt.
+/// A string value under the local-machine hive, `fallback` when it cannot be read or is longer than 254 bytes in the
+/// ANSI code page. The key "SOFTWARE\Korvane\UI\" (exactly so) is never looked up in the registry: it stands for
+/// UIKeys.txt.
 std::string ReadRegistryString(const Platform& platform, std::string_view key, std::string_view valueName,
                                std::string_view fallback);
 
-/// The program folder as the registry gives it; "error" when it could not be read. Read once a thread: also a failed read
-/// is kept for the thread's life, deliberately, so that paths made of it fail later, at the file.
+/// The program folder as the registry gives it; "error" when it could not be read. Read once a thread: also a failed
+/// read is kept for the thread's life, deliberately, so that paths made of it fail later, at the file.
 std::string GetBinPath(const Platform& platform);
 
 /// The program folder without its last two path components, which for "C:\K\TQ5-VX\Bin\" is "C:\K\TQ5-VX": Projects,

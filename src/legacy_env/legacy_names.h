@@ -4,8 +4,8 @@
 
 namespace parvex::legacy {
 
-// Names of the legacy application's own classes and members, as far as they are driven late bound. Its installation fixes
-// them; this is their one place.
+// Names of the legacy application's own classes and members, as far as they are driven late bound. Its installation
+// fixes them; this is their one place.
 
 inline constexpr std::string_view kBuilderClass = "KDQU470.CKDBuilder";
 inline constexpr std::string_view kReportServerClass = "KDRPTSV47.CRemoteInterface";

@@ -8,8 +8,8 @@
 
 namespace parvex {
 
-/// Starts a program and waits until it has ended, letting pending window messages run between polls of 100 ms. There is no
-/// time limit, deliberately: an interactive program ends when its user closes it.
+/// Starts a program and waits until it has ended, letting pending window messages run between polls of 100 ms. There is
+/// no time limit, deliberately: an interactive program ends when its user closes it.
 ///
 /// Gives the exit code; a program that cannot be started gives the runtime's error number plus 0x80040000, a negative
 /// number. A window style that is missing or outside 0 to 6 counts as 6 (minimised without focus).

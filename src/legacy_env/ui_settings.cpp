@@ -10,29 +10,32 @@
 namespace parvex {
 namespace {
 
-constexpr const char* kReader = "KDQU470.getUIValue";
-constexpr const char* kWriter = "KDQU470.setUIValue";
 constexpr std::size_t kMostLines = 101;
 
 // There is no blank before WidthP: deliberate, the builder's own reader expects the text as it was always written.
 constexpr std::string_view kSplitterLine = "SplitterPosition=<ColSplitter Index=\"0\"WidthP=\"22819\">";
 
-std::string SettingsFile(const Platform& platform, const char* operation) {
+// Carries out one of the two operations, whose failures all have its name as their source.
+template <typename Operation>
+auto Under(const char* name, Operation operation) {
+  try {
+    return operation();
+  } catch (const AutomationError& error) {
+    throw AutomationError(error.Number(), name, error.Description());
+  }
+}
+
+std::string SettingsFile(const Platform& platform) {
   std::string binPath;
   if (!ReadBinPath(platform, binPath)) {
-    throw AutomationError(kBinPathUnknown, operation, "Unable to read BinPath");
+    throw AutomationError(kBinPathUnknown, kErrorSource, "Unable to read BinPath");
   }
   return binPath + "\\UIKeys.txt";
 }
 
 // The lines of the file, each without its line break (CR LF, CR or LF).
-std::vector<std::string> ReadLines(const Platform& platform, const std::string& path, const char* operation) {
-  std::string text;
-  try {
-    text = platform.codePage.FromAnsi(platform.files.ReadAll(path));
-  } catch (const AutomationError& error) {
-    throw AutomationError(error.Number(), operation, error.Description());
-  }
+std::vector<std::string> ReadLines(const Platform& platform, const std::string& path) {
+  const std::string text = platform.codePage.FromAnsi(platform.files.ReadAll(path));
   std::vector<std::string> lines;
   for (std::size_t from = 0; from < text.size();) {
     const std::size_t end = std::min(text.find_first_of("\r\n", from), text.size());
@@ -53,30 +56,36 @@ std::string Rewritten(const std::string& line, std::string_view value) {
   return IsSettingOf(line, "SplitterPosition") ? std::string(kSplitterLine) : line;
 }
 
-}  // namespace
-
-std::string getUIValue(const Platform& platform, std::string_view key) {
-  for (const std::string& line : ReadLines(platform, SettingsFile(platform, kReader), kReader)) {
-    if (IsSettingOf(line, key)) {
-      return line.substr(line.find('=') + 1);
-    }
-  }
-  return {};
+std::string FindValue(const std::vector<std::string>& lines, std::string_view key) {
+  const auto line = std::ranges::find_if(lines, [&](const std::string& each) { return IsSettingOf(each, key); });
+  return line == lines.end() ? std::string() : line->substr(line->find('=') + 1);
 }
 
-void setUIValue(const Platform& platform, std::string_view value) {
-  const std::string path = SettingsFile(platform, kWriter);
-  const std::vector<std::string> lines = ReadLines(platform, path, kWriter);
-  if (lines.size() > kMostLines) {
-    throw AutomationError(MakeRuntimeError(RuntimeError::SubscriptOutOfRange, "").Number(), kWriter,
-                          path + " has " + std::to_string(lines.size()) + " lines; it may have at most " +
-                              std::to_string(kMostLines));
-  }
+std::string RewrittenText(const std::vector<std::string>& lines, std::string_view value) {
   std::string text;
   for (const std::string& line : lines) {
     text += Rewritten(line, value) + "\r\n";
   }
-  platform.files.Replace(path, platform.codePage.ToAnsi(text));
+  return text;
+}
+
+}  // namespace
+
+std::string getUIValue(const Platform& platform, std::string_view key) {
+  return Under("KDQU470.getUIValue", [&] { return FindValue(ReadLines(platform, SettingsFile(platform)), key); });
+}
+
+void setUIValue(const Platform& platform, std::string_view value) {
+  Under("KDQU470.setUIValue", [&] {
+    const std::string path = SettingsFile(platform);
+    const std::vector<std::string> lines = ReadLines(platform, path);
+    if (lines.size() > kMostLines) {
+      throw MakeRuntimeError(
+          RuntimeError::SubscriptOutOfRange,
+          path + " has " + std::to_string(lines.size()) + " lines; it may have at most " + std::to_string(kMostLines));
+    }
+    platform.files.Replace(path, platform.codePage.ToAnsi(RewrittenText(lines, value)));
+  });
 }
 
 }  // namespace parvex

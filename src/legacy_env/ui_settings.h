@@ -9,9 +9,10 @@
 
 namespace parvex {
 
-// UIKeys.txt in the program folder: lines of key, "=" and value, ANSI text. The builder reads its window settings from it.
-// Every failure has the operation's name as its source ("KDQU470.getUIValue", "KDQU470.setUIValue"): kBinPathUnknown with
-// the text "Unable to read BinPath" when the program folder is not known, "file not found" (53) for a missing file.
+// UIKeys.txt in the program folder: lines of key, "=" and value, ANSI text. The builder reads its window settings from
+// it. Every failure has the operation's name as its source ("KDQU470.getUIValue", "KDQU470.setUIValue"):
+// kBinPathUnknown with the text "Unable to read BinPath" when the program folder is not known, "file not found" (53)
+// for a missing file.
 
 /// Number of the error "Unable to read BinPath".
 inline constexpr std::uint32_t kBinPathUnknown = kObjectErrorBase + 0x200u;
@@ -20,8 +21,8 @@ inline constexpr std::uint32_t kBinPathUnknown = kObjectErrorBase + 0x200u;
 /// there is none.
 std::string getUIValue(const Platform& platform, std::string_view key);
 
-/// Gives the lines of ToolBarActive and TreeViewActive the new value and the line of SplitterPosition its fixed text; all
-/// other lines stay. A file of more than 101 lines is an error (9) and stays as it is.
+/// Gives the lines of ToolBarActive and TreeViewActive the new value and the line of SplitterPosition its fixed text;
+/// all other lines stay. A file of more than 101 lines is an error (9) and stays as it is.
 void setUIValue(const Platform& platform, std::string_view value);
 
 }  // namespace parvex

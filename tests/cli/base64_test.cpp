@@ -5,7 +5,9 @@
 namespace parvex::test {
 namespace {
 
-Outcome Base64(const std::string& verb, const std::string& input) { return RunParvex({"base64", verb}, {.input = input}); }
+Outcome Base64(const std::string& verb, const std::string& input) {
+  return RunParvex({"base64", verb}, {.input = input});
+}
 
 std::string AllBytes() {
   std::string bytes;

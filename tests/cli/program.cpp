@@ -8,6 +8,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "platform/text.h"
+
 namespace parvex::test {
 namespace {
 
@@ -52,13 +54,7 @@ namespace {
   _exit(127);
 }
 
-std::string EscapedForShell(const std::string& text) {
-  std::string escaped = "'";
-  for (const char c : text) {
-    escaped += c == '\'' ? "'\\''" : std::string(1, c);
-  }
-  return escaped + "'";
-}
+std::string EscapedForShell(const std::string& text) { return "'" + ReplaceAll(text, "'", "'\\''") + "'"; }
 
 }  // namespace
 
@@ -84,8 +80,7 @@ CliMachine::CliMachine() {
   for (const char* name : {"Bin", "Temp", "Projects"}) {
     std::filesystem::create_directories(Installed(name, ""));
   }
-  WriteRegistry("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane\\KDQ47]\r\n"
-                "\"BinPath\"=\"C:\\\\Korvane\\\\TQ5-VX\\\\Bin\\\\\"\r\n");
+  SetBinPath("C:\\Korvane\\TQ5-VX\\Bin\\");
 }
 
 std::string CliMachine::Write(const std::string& name, std::string_view bytes) const {
@@ -108,8 +103,13 @@ std::filesystem::path CliMachine::Installed(const std::string& folder, const std
 
 void CliMachine::WriteRegistry(std::string_view bytes) const { WriteHostFile(Path("machine/registry.reg"), bytes); }
 
-void CliMachine::SetWorkflow(const std::string& script) const {
-  const std::filesystem::path program = Installed("Bin", "kdwfm470.exe");
+void CliMachine::SetBinPath(const std::string& binPath) const {
+  WriteRegistry("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane\\KDQ47]\r\n\"BinPath\"=\"" +
+                ReplaceAll(binPath, "\\", "\\\\") + "\"\r\n");
+}
+
+void CliMachine::SetProgram(const std::filesystem::path& program, const std::string& script) const {
+  std::filesystem::create_directories(program.parent_path());
   WriteHostFile(program, "#!/bin/sh\nprintf '%s\\n' \"$@\" >>\"$PARVEX_MACHINE/../started\"\n" + script + "\n");
   std::filesystem::permissions(program, std::filesystem::perms::owner_all);
 }
@@ -123,7 +123,8 @@ std::string CommandText(const std::string& name) { return "<COMMAND><NAME>" + na
 
 std::string ExportCommand(const std::string& projectName) {
   return "<COMMAND><NAME>getHybrisXMLNoUI</NAME><PARAMETER><NAME>selection</NAME><VALUE><UserSelectionTransfer>"
-         "<ProjectName>" + projectName + "</ProjectName></UserSelectionTransfer></VALUE></PARAMETER></COMMAND>";
+         "<ProjectName>" +
+         projectName + "</ProjectName></UserSelectionTransfer></VALUE></PARAMETER></COMMAND>";
 }
 
 std::string WriteSelection(const std::string& text) {

@@ -21,8 +21,8 @@ struct Surroundings {
   std::string input = {};  ///< on standard input
   /// Added to the test's own, from which PARVEX_MACHINE is taken out.
   std::map<std::string, std::string> environment = {};
-  /// Standard output goes to this file of the system instead of into the outcome; "-" stands for a closed descriptor, "|"
-  /// for a pipe whose reader went away.
+  /// Standard output goes to this file of the system instead of into the outcome; "-" stands for a closed descriptor,
+  /// "|" for a pipe whose reader went away.
   std::string outputFile = {};
   std::filesystem::path folder = {};  ///< the current folder; the test's own when empty
 };
@@ -49,9 +49,13 @@ class CliMachine {
   /// The path of a file in the program folder or another folder of the installation ("Bin", "Temp", "Projects").
   std::filesystem::path Installed(const std::string& folder, const std::string& name) const;
   void WriteRegistry(std::string_view bytes) const;
+  /// Writes a registry whose BinPath this is, in bytes of the code page.
+  void SetBinPath(const std::string& binPath) const;
 
-  /// Makes kdwfm470.exe this script of the shell. It leaves its arguments in "started", which tells that it ran.
-  void SetWorkflow(const std::string& script) const;
+  /// Makes kdwfm470.exe of the program folder, or another file, this script of the shell. It leaves its arguments in
+  /// "started", which tells that it ran.
+  void SetWorkflow(const std::string& script) const { SetProgram(Installed("Bin", "kdwfm470.exe"), script); }
+  void SetProgram(const std::filesystem::path& program, const std::string& script) const;
   bool WorkflowRan() const { return Exists("started"); }
 
   /// Runs parvex on this machine: --machine FOLDER before the arguments.

@@ -74,7 +74,8 @@ TEST(FailedCall, OfAnExportWithoutSelectionOrProjectName) {
   machine.SetWorkflow("");
   for (const std::string& text :
        {CommandText("getHybrisXMLNoUI"),
-        std::string("<COMMAND><NAME>getHybrisXMLNoUI</NAME><UserSelectionTransfer><X/></UserSelectionTransfer></COMMAND>")}) {
+        std::string(
+            "<COMMAND><NAME>getHybrisXMLNoUI</NAME><UserSelectionTransfer><X/></UserSelectionTransfer></COMMAND>")}) {
     const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", text));
     EXPECT_EQ(3, outcome.status);
     EXPECT_EQ("", outcome.out);
@@ -96,8 +97,8 @@ TEST(SeveralFiles, AreSentInOrderToOneProcessAndTheLastReplyDecides) {
 TEST(SeveralFiles, ExitWith0WhenTheLastReplyIsNoFailedOne) {
   CliMachine machine;
   machine.SetWorkflow("");
-  const Outcome outcome = machine.Run({"pull-ngorla", machine.Write("a.xml", CommandText("nonsense")),
-                                       machine.Write("b.xml", ExportCommand())});
+  const Outcome outcome = machine.Run(
+      {"pull-ngorla", machine.Write("a.xml", CommandText("nonsense")), machine.Write("b.xml", ExportCommand())});
   EXPECT_EQ(0, outcome.status);
   EXPECT_EQ(0u, outcome.out.find(FailedReply()));
   EXPECT_TRUE(Contains(outcome.out, "<PROJECT"));
@@ -107,8 +108,8 @@ TEST(SeveralFiles, AreAllSentAfterAFailedCallWhichDecidesTheExitStatus) {
   CliMachine machine;
   machine.SetWorkflow("");
   const std::string broken = machine.Write("broken.xml", "<COMMAND");
-  const Outcome outcome =
-      machine.Run({"pull-ngorla", broken, machine.Write("a.xml", CommandText("nonsense")), machine.Write("b.xml", ExportCommand())});
+  const Outcome outcome = machine.Run({"pull-ngorla", broken, machine.Write("a.xml", CommandText("nonsense")),
+                                       machine.Write("b.xml", ExportCommand())});
   EXPECT_EQ(3, outcome.status);
   EXPECT_EQ(0u, outcome.out.find(FailedReply()));
   EXPECT_TRUE(Contains(outcome.out, "<PROJECT"));
@@ -161,18 +162,19 @@ TEST(FileEncoding, OfPullFollowsByteOrderMarkAndDeclaration) {
 TEST(FileEncoding, OfPullNgorlaFollowsByteOrderMarkThenUtf8ThenWindows1252) {
   CliMachine machine;
   machine.SetWorkflow("");
-  const std::string utf8 = ExportCommand("Stra\xC3\x9F" "e");
+  const std::string utf8 = ExportCommand("Straße");
   std::string ansi = utf8;
   ansi.replace(ansi.find("\xC3\x9F"), 2, "\xDF");
   std::string utf16 = Utf16(ansi, true);  // U+00DF is the byte DF followed by 00
   for (const std::string& bytes : {utf8, ansi, utf16, "\xEF\xBB\xBF" + utf8}) {
     const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", bytes));
     EXPECT_EQ(0, outcome.status) << outcome.err;
-    EXPECT_TRUE(Contains(outcome.out, "Stra\xC3\x9F" "e")) << outcome.out;
+    EXPECT_TRUE(Contains(outcome.out, "Straße")) << outcome.out;
   }
 }
 
-// Deliberate: the name is put into the document's text as it stands, and a text that does not parse is an empty document.
+// Deliberate: the name is put into the document's text as it stands, and a text that does not parse is an empty
+// document.
 TEST(ProjectName, WithMarkupCharactersGivesAnEmptyReplyWithoutTagsAndAFailedCallWithOne) {
   CliMachine machine;
   for (const char* name : {"a &amp; b", "a &lt; b", "&quot;a&quot;"}) {
@@ -191,9 +193,10 @@ TEST(ProjectName, WithMarkupCharactersGivesAnEmptyReplyWithoutTagsAndAFailedCall
 
 TEST(Registry, InUtf16IsRead) {
   CliMachine machine;
-  machine.WriteRegistry(Utf16("Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane\\KDQ47]\r\n"
-                              "\"BinPath\"=\"C:\\\\Korvane\\\\TQ5-VX\\\\Bin\\\\\"\r\n",
-                              true));
+  machine.WriteRegistry(
+      Utf16("Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane\\KDQ47]\r\n"
+            "\"BinPath\"=\"C:\\\\Korvane\\\\TQ5-VX\\\\Bin\\\\\"\r\n",
+            true));
   machine.SetWorkflow("");
   EXPECT_EQ(0, machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status);
   EXPECT_TRUE(machine.WorkflowRan());
@@ -219,11 +222,62 @@ TEST(Registry, WithoutTheValueIsAnUnreadableBinPath) {
 
 TEST(Machine, PathsIgnoreLetterCaseAndDoubledBackslashes) {
   CliMachine machine;
-  machine.WriteRegistry("REGEDIT4\r\n\r\n[hkey_local_machine\\software\\KORVANE\\kdq47]\r\n"
-                        "\"binpath\"=\"c:\\\\KORVANE\\\\\\\\TQ5-VX\\\\bin\\\\\"\r\n");
+  machine.WriteRegistry(
+      "REGEDIT4\r\n\r\n[hkey_local_machine\\software\\KORVANE\\kdq47]\r\n"
+      "\"binpath\"=\"c:\\\\KORVANE\\\\\\\\TQ5-VX\\\\bin\\\\\"\r\n");
   machine.SetWorkflow("");
   EXPECT_EQ(0, machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status);
   EXPECT_TRUE(machine.WorkflowRan());
+}
+
+TEST(Machine, MayBeAnEmptyFolder) {
+  CliMachine machine;
+  std::filesystem::create_directory(machine.Path("empty"));
+  const std::string file = machine.Write("c.xml", CommandText("nonsense"));
+  const Outcome outcome = RunParvex({"--machine", machine.Path("empty"), "pull", file});
+  EXPECT_EQ(1, outcome.status) << outcome.err;
+  EXPECT_EQ(FailedReply(), outcome.out);
+}
+
+TEST(Machine, MayLieInAFolderWithBlanksAndLettersBeyondAscii) {
+  CliMachine machine;
+  machine.SetWorkflow("");
+  const std::string folder = machine.Path("Küche 2");
+  std::filesystem::rename(machine.Folder(), folder);
+  const Outcome outcome = RunParvex({"--machine", folder, "pull-ngorla", machine.Write("c.xml", ExportCommand())});
+  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_TRUE(machine.WorkflowRan());
+}
+
+TEST(CommandFile, IsNotChangedByItsCommand) {
+  CliMachine machine;
+  machine.SetWorkflow("");
+  const std::string text = "  <COMMAND>\n<NAME>getHybrisXML</NAME>\n</COMMAND>\n";
+  const std::string file = machine.Write("c.xml", text);
+  machine.Run({"pull", file});
+  EXPECT_EQ(text, machine.Read("c.xml"));
+}
+
+TEST(Workflow, IsFoundBehindAPathWithBlanksAndLettersBeyondAscii) {
+  CliMachine machine;
+  machine.SetBinPath(
+      "C:\\My K\xFC"
+      "che\\TQ5-VX\\Bin\\");
+  const std::filesystem::path folder = std::filesystem::path(machine.Folder()) / "drive_c" / "My Küche" / "TQ5-VX";
+  std::filesystem::create_directories(folder / "Temp");
+  machine.SetProgram(folder / "Bin" / "kdwfm470.exe", "exit 3");
+  const std::string file = machine.Write("c.xml", ExportCommand());
+  EXPECT_EQ(0, machine.Run({"--journal", machine.Path("j"), "pull-ngorla", file}).status);
+  EXPECT_EQ("/OrlaImportNoUI\n", machine.Read("started"));
+  const Json line = Json::parse(machine.Read("j"));
+  EXPECT_EQ("C:\\My Küche\\TQ5-VX\\Bin\\\\kdwfm470.exe /OrlaImportNoUI", line["command"]);
+  EXPECT_EQ(3, line["exitCode"]);
+}
+
+TEST(Workflow, IsWaitedFor) {
+  CliMachine machine;
+  machine.SetWorkflow("sleep 0.4; " + WriteSelection("[Header]\nAction=CANCEL\n"));
+  EXPECT_EQ(FailedReply("User Canceled"), machine.PullNgorla(machine.Write("c.xml", ExportCommand())).out);
 }
 
 TEST(Workflow, IsStartedWithTheArgumentsOfTheCommandLine) {
@@ -265,11 +319,12 @@ TEST(Workflow, ThatFailsHasItsExitCodeIgnored) {
 
 TEST(Workflow, GivesTheTagsOfItsSelection) {
   CliMachine machine;
-  machine.SetWorkflow(WriteSelection("[Header]\r\nAction=OK\r\n[PartNumber1]\r\nPDSG=ABCDE\r\nPartNumber=P-1\r\nMarkFor=M\xFCller\r\n"
-                                     "[PartNumber2]\r\nPDSG=XY\r\nPartNumber=P-2\r\nMarkFor=Second\r\n"));
+  machine.SetWorkflow(
+      WriteSelection("[Header]\r\nAction=OK\r\n[PartNumber1]\r\nPDSG=ABCDE\r\nPartNumber=P-1\r\nMarkFor=M\xFCller\r\n"
+                     "[PartNumber2]\r\nPDSG=XY\r\nPartNumber=P-2\r\nMarkFor=Second\r\n"));
   const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", ExportCommand()));
   EXPECT_EQ(0, outcome.status) << outcome.err;
-  const std::size_t first = outcome.out.find("M\xC3\xBCller");
+  const std::size_t first = outcome.out.find("Müller");
   EXPECT_NE(std::string::npos, first) << outcome.out;
   EXPECT_LT(first, outcome.out.find("Second"));
 }

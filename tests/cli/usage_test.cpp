@@ -21,9 +21,13 @@ TEST(Usage, VersionIsPrinted) {
 }
 
 TEST(Usage, HelpIsPrintedForTheProgramAndEachCommand) {
-  const std::vector<std::vector<std::string>> commands = {
-      {"--help"}, {"pull", "--help"}, {"pull-ngorla", "--help"}, {"base64", "--help"}, {"base64", "encode", "--help"},
-      {"machine", "create", "--help"}, {"commands", "--help"}};
+  const std::vector<std::vector<std::string>> commands = {{"--help"},
+                                                          {"pull", "--help"},
+                                                          {"pull-ngorla", "--help"},
+                                                          {"base64", "--help"},
+                                                          {"base64", "encode", "--help"},
+                                                          {"machine", "create", "--help"},
+                                                          {"commands", "--help"}};
   for (const auto& arguments : commands) {
     const Outcome outcome = RunParvex(arguments);
     EXPECT_EQ(0, outcome.status) << arguments.front();
@@ -41,25 +45,24 @@ TEST(Usage, HelpNamesTheOptionsAndTheExitStatus) {
 }
 
 TEST(Usage, WrongCommandLinesExitWith2) {
-  const std::vector<std::vector<std::string>> commandLines = {
-      {},
-      {"nonsense"},
-      {"Pull", "x.xml"},
-      {"--nonsense"},
-      {"pull"},
-      {"pull-ngorla"},
-      {"pull", "--nonsense", "x.xml"},
-      {"--machine"},
-      {"--machine", "a", "--machine", "b", "pull", "x.xml"},
-      {"--journal"},
-      {"base64"},
-      {"base64", "nonsense"},
-      {"base64", "encode", "a", "b"},
-      {"machine"},
-      {"machine", "create"},
-      {"machine", "create", "a", "b"},
-      {"commands", "x"},
-      {"pull", "x.xml", "pull-ngorla", "x.xml"}};
+  const std::vector<std::vector<std::string>> commandLines = {{},
+                                                              {"nonsense"},
+                                                              {"Pull", "x.xml"},
+                                                              {"--nonsense"},
+                                                              {"pull"},
+                                                              {"pull-ngorla"},
+                                                              {"pull", "--nonsense", "x.xml"},
+                                                              {"--machine"},
+                                                              {"--machine", "a", "--machine", "b", "pull", "x.xml"},
+                                                              {"--journal"},
+                                                              {"base64"},
+                                                              {"base64", "nonsense"},
+                                                              {"base64", "encode", "a", "b"},
+                                                              {"machine"},
+                                                              {"machine", "create"},
+                                                              {"machine", "create", "a", "b"},
+                                                              {"commands", "x"},
+                                                              {"pull", "x.xml", "pull-ngorla", "x.xml"}};
   for (const auto& arguments : commandLines) {
     const Outcome outcome = RunParvex(arguments);
     EXPECT_EQ(2, outcome.status) << testing::PrintToString(arguments) << outcome.err;
@@ -126,8 +129,7 @@ TEST(MachineOption, TakesAFolderRelativeToTheCurrentOne) {
   CliMachine machine;
   machine.Write("c.xml", ExportCommand());
   machine.SetWorkflow("");
-  const Outcome outcome =
-      RunParvex({"--machine", "machine", "pull-ngorla", "c.xml"}, {.folder = machine.Path("")});
+  const Outcome outcome = RunParvex({"--machine", "machine", "pull-ngorla", "c.xml"}, {.folder = machine.Path("")});
   EXPECT_EQ(0, outcome.status) << outcome.err;
   EXPECT_TRUE(machine.WorkflowRan());
 }

@@ -38,7 +38,8 @@ TEST(GetCommandName, FindsACommandAtAnyDepth) {
 }
 
 TEST(GetCommandName, ReadsTheFirstOfSeveralCommands) {
-  const auto command = xml::Document::Parse("<A><COMMAND><NAME>first</NAME></COMMAND><COMMAND><NAME>second</NAME></COMMAND></A>");
+  const auto command =
+      xml::Document::Parse("<A><COMMAND><NAME>first</NAME></COMMAND><COMMAND><NAME>second</NAME></COMMAND></A>");
   EXPECT_EQ("first", GetCommandName(command));
 }
 
@@ -52,9 +53,9 @@ TEST(GetCommandName, DoesNotTakeTheNameOfAParameter) {
 }
 
 TEST(GetCommandName, IsAnErrorWithoutNameInAnEmptyDocumentAndWithoutDocument) {
-  for (const xml::Document& command : {xml::Document::Parse("<COMMAND/>"), xml::Document::Parse("<command><NAME>x</NAME></command>"),
-                                       xml::Document::Parse("<COMMAND><NAME>x</NAME>"), xml::Document::New(),
-                                       xml::Document()}) {
+  for (const xml::Document& command :
+       {xml::Document::Parse("<COMMAND/>"), xml::Document::Parse("<command><NAME>x</NAME></command>"),
+        xml::Document::Parse("<COMMAND><NAME>x</NAME>"), xml::Document::New(), xml::Document()}) {
     EXPECT_EQ(kObjectNotSet, NumberOfErrorFrom([&] { GetCommandName(command); }));
   }
 }
@@ -83,23 +84,21 @@ TEST_P(ParameterValue, IsFoundAndRead) {
   EXPECT_EQ(GetParam().value, GetParamFromCmdDoc(CommandWithValue(GetParam().content), "p"));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Shapes, ParameterValue,
-    testing::Values(ValueCase{"PlainText", "abc", "abc"},
-                    ValueCase{"TextIsTrimmed", "  a  b ", "a  b"},
-                    ValueCase{"Empty", "", ""},
-                    ValueCase{"OneElementWithContent", "<A x=\"1\">t</A>", "<A x=\"1\">t</A>"},
-                    ValueCase{"OneElementBetweenBlanks", "  <A>t</A>  ", "<A>t</A>"},
-                    ValueCase{"NestedElements", "<A><B>1</B><C/></A>", "<A><B>1</B><C/></A>"},
-                    ValueCase{"FirstOfTwoElementsOnly", "<A>1</A><B>2</B>", "<A>1</A>"},
-                    ValueCase{"TextBehindAnElementIsIgnored", "<A>1</A>tail", "<A>1</A>"},
-                    ValueCase{"TextBeforeAnElementMakesItAllText", "head<A>1</A>", "head1"},
-                    ValueCase{"EmptyElementIsTheTextOfTheValue", "<A/>", ""},
-                    ValueCase{"EmptyElementBeforeOneWithContent", "<A/><B>2</B>", "2"},
-                    ValueCase{"CData", "<![CDATA[<raw>&]]>", "<raw>&"},
-                    ValueCase{"EscapedMarkupStaysText", "&lt;A&gt;1&lt;/A&gt;", "<A>1</A>"},
-                    ValueCase{"BeyondAscii", "Kühlgerät €", "Kühlgerät €"}),
-    [](const auto& info) { return info.param.what; });
+INSTANTIATE_TEST_SUITE_P(Shapes, ParameterValue,
+                         testing::Values(ValueCase{"PlainText", "abc", "abc"},
+                                         ValueCase{"TextIsTrimmed", "  a  b ", "a  b"}, ValueCase{"Empty", "", ""},
+                                         ValueCase{"OneElementWithContent", "<A x=\"1\">t</A>", "<A x=\"1\">t</A>"},
+                                         ValueCase{"OneElementBetweenBlanks", "  <A>t</A>  ", "<A>t</A>"},
+                                         ValueCase{"NestedElements", "<A><B>1</B><C/></A>", "<A><B>1</B><C/></A>"},
+                                         ValueCase{"FirstOfTwoElementsOnly", "<A>1</A><B>2</B>", "<A>1</A>"},
+                                         ValueCase{"TextBehindAnElementIsIgnored", "<A>1</A>tail", "<A>1</A>"},
+                                         ValueCase{"TextBeforeAnElementMakesItAllText", "head<A>1</A>", "head1"},
+                                         ValueCase{"EmptyElementIsTheTextOfTheValue", "<A/>", ""},
+                                         ValueCase{"EmptyElementBeforeOneWithContent", "<A/><B>2</B>", "2"},
+                                         ValueCase{"CData", "<![CDATA[<raw>&]]>", "<raw>&"},
+                                         ValueCase{"EscapedMarkupStaysText", "&lt;A&gt;1&lt;/A&gt;", "<A>1</A>"},
+                                         ValueCase{"BeyondAscii", "Kühlgerät €", "Kühlgerät €"}),
+                         [](const auto& info) { return info.param.what; });
 
 TEST(GetParamValue, ReadsTheFirstOfDuplicateParameters) {
   const auto command = xml::Document::Parse(
@@ -109,15 +108,16 @@ TEST(GetParamValue, ReadsTheFirstOfDuplicateParameters) {
 }
 
 TEST(GetParamValue, ComparesNamesWithLetterCase) {
-  const auto command = xml::Document::Parse(
-      "<COMMAND><PARAMETER><NAME>projectName</NAME><VALUE>x</VALUE></PARAMETER></COMMAND>");
+  const auto command =
+      xml::Document::Parse("<COMMAND><PARAMETER><NAME>projectName</NAME><VALUE>x</VALUE></PARAMETER></COMMAND>");
   std::string value = "left over";
   EXPECT_FALSE(GetParamValue(command, "projectname", value));
   EXPECT_EQ("", value);
 }
 
 TEST(GetParamValue, FindsNothingForANameWithAnApostrophe) {
-  const auto command = xml::Document::Parse("<COMMAND><PARAMETER><NAME>it's</NAME><VALUE>x</VALUE></PARAMETER></COMMAND>");
+  const auto command =
+      xml::Document::Parse("<COMMAND><PARAMETER><NAME>it's</NAME><VALUE>x</VALUE></PARAMETER></COMMAND>");
   // The second name would, as part of an expression, select every parameter.
   for (const char* name : {"it's", "x' or '1'='1", "'"}) {
     std::string value = "left over";
@@ -130,8 +130,8 @@ TEST(GetParamValue, FindsNothingForANameWithAnApostrophe) {
 }
 
 TEST(GetParamValue, TakesNamesWithOtherSpecialCharactersAsTheyStand) {
-  const auto command = xml::Document::Parse(
-      "<COMMAND><PARAMETER><NAME>a\"]|//b</NAME><VALUE>x</VALUE></PARAMETER></COMMAND>");
+  const auto command =
+      xml::Document::Parse("<COMMAND><PARAMETER><NAME>a\"]|//b</NAME><VALUE>x</VALUE></PARAMETER></COMMAND>");
   EXPECT_EQ("x", GetParamFromCmdDoc(command, "a\"]|//b"));
 }
 
@@ -143,7 +143,8 @@ TEST(GetParamValue, FindsNothingForANameThatIsNoText) {
 
 TEST(GetParamValue, FindsNothingWithoutValueElementAndWithoutDocument) {
   std::string value = "left over";
-  EXPECT_FALSE(GetParamValue(xml::Document::Parse("<COMMAND><PARAMETER><NAME>p</NAME></PARAMETER></COMMAND>"), "p", value));
+  EXPECT_FALSE(
+      GetParamValue(xml::Document::Parse("<COMMAND><PARAMETER><NAME>p</NAME></PARAMETER></COMMAND>"), "p", value));
   EXPECT_FALSE(GetParamValue(xml::Document(), "p", value));
   EXPECT_FALSE(GetParamValue(xml::Document::New(), "p", value));
   EXPECT_EQ("", value);
@@ -181,10 +182,11 @@ TEST(AddParameter, AppendsBehindTheFrontEndsOwnParameters) {
   SetCommandName(command, "getProjectEx");
   AddParameter(command, "pdsg", kLegacyPdsg);
   AddParameter(command, "path", "C:\\x");
-  EXPECT_EQ("<COMMAND><NAME>getProjectEx</NAME><PARAMETER><NAME>p</NAME><VALUE>1</VALUE></PARAMETER>"
-            "<PARAMETER><NAME>pdsg</NAME><VALUE>KDQ47</VALUE></PARAMETER>"
-            "<PARAMETER><NAME>path</NAME><VALUE>C:\\x</VALUE></PARAMETER></COMMAND>",
-            command.Root().Xml());
+  EXPECT_EQ(
+      "<COMMAND><NAME>getProjectEx</NAME><PARAMETER><NAME>p</NAME><VALUE>1</VALUE></PARAMETER>"
+      "<PARAMETER><NAME>pdsg</NAME><VALUE>KDQ47</VALUE></PARAMETER>"
+      "<PARAMETER><NAME>path</NAME><VALUE>C:\\x</VALUE></PARAMETER></COMMAND>",
+      command.Root().Xml());
   EXPECT_EQ("KDQ47", GetParamFromCmdDoc(command, "pdsg"));
 }
 

@@ -10,9 +10,7 @@
 namespace parvex {
 namespace {
 
-std::string CommandText(std::string_view name) {
-  return "<COMMAND><NAME>" + std::string(name) + "</NAME></COMMAND>";
-}
+std::string CommandText(std::string_view name) { return "<COMMAND><NAME>" + std::string(name) + "</NAME></COMMAND>"; }
 
 class LegacyOrlaPullTest : public testing::Test {
  protected:
@@ -32,12 +30,30 @@ std::vector<std::string_view> Names(std::span<const CommandEntry> commands) {
 }
 
 TEST(CommandTables, HoldTheCommandsOfEachEntryPointInOrder) {
-  const std::vector<std::string_view> pull = {
-      "getProjectList", "archiveProject",       "retrieveProject",      "addProject",    "deleteProject",
-      "copyProject",    "getProjectProperties", "setProjectProperties", "renameProject", "rebuildAllTags",
-      "getTagList",     "getTags",              "renameTag",            "deleteTag",     "newTag",
-      "copyTag",        "configureTag",         "getHybrisXML",         "getReport",     "getReports",
-      "getSubmittal",   "getAvailableReports",  "getOptions",           "setOptions"};
+  const std::vector<std::string_view> pull = {"getProjectList",
+                                              "archiveProject",
+                                              "retrieveProject",
+                                              "addProject",
+                                              "deleteProject",
+                                              "copyProject",
+                                              "getProjectProperties",
+                                              "setProjectProperties",
+                                              "renameProject",
+                                              "rebuildAllTags",
+                                              "getTagList",
+                                              "getTags",
+                                              "renameTag",
+                                              "deleteTag",
+                                              "newTag",
+                                              "copyTag",
+                                              "configureTag",
+                                              "getHybrisXML",
+                                              "getReport",
+                                              "getReports",
+                                              "getSubmittal",
+                                              "getAvailableReports",
+                                              "getOptions",
+                                              "setOptions"};
   EXPECT_EQ(pull, Names(PullCommands()));
   const std::vector<std::string_view> ngorla = {"getHybrisXML", "getHybrisXMLNoUI", "RebuildTag"};
   EXPECT_EQ(ngorla, Names(PullNgorlaCommands()));

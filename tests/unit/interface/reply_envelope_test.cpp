@@ -16,8 +16,10 @@ TEST(MakeReplyEnvelope, IsADocumentOfItsOwnEachTime) {
 }
 
 TEST(MakeFailedReply, SaysUnrecognizedOrFailedCommand) {
-  EXPECT_EQ("<LegacyORLA><returnError>-1</returnError><errorMessage>Unrecognized or Failed Command</errorMessage></LegacyORLA>",
-            MakeFailedReply().Root().Xml());
+  EXPECT_EQ(
+      "<LegacyORLA><returnError>-1</returnError><errorMessage>Unrecognized or Failed "
+      "Command</errorMessage></LegacyORLA>",
+      MakeFailedReply().Root().Xml());
 }
 
 TEST(MakeFailedReply, CarriesAMessageOfItsOwn) {

@@ -85,7 +85,8 @@ TEST_F(JournalledAutomationTest, NumbersTheObjectsOfAProgrammaticIdFromTheSecond
   const ObjectRef second = journalled_.Create("A.B");
   const ObjectRef other = journalled_.Create("C.D");
   const ObjectRef third = journalled_.Create("A.B");
-  EXPECT_EQ(Line("A.B", "create") + Line("A.B#2", "create") + Line("C.D", "create") + Line("A.B#3", "create"), NewLines());
+  EXPECT_EQ(Line("A.B", "create") + Line("A.B#2", "create") + Line("C.D", "create") + Line("A.B#3", "create"),
+            NewLines());
   EXPECT_EQ("A.B#3", third->Name());
 }
 
@@ -96,10 +97,11 @@ TEST_F(JournalledAutomationTest, DoesNotReuseTheNumberOfAReleasedObject) {
 
 TEST_F(JournalledAutomationTest, WritesAFailedCreationThatDoesNotCount) {
   EXPECT_THROW(journalled_.Create("Missing.Class"), AutomationError);
-  EXPECT_EQ("{\"kind\":\"automation\",\"object\":\"Missing.Class\",\"op\":\"create\",\"member\":\"\",\"args\":[],"
-            "\"result\":null,\"error\":{\"number\":\"0x800A01AD\",\"source\":\"Parvex\","
-            "\"description\":\"no Missing.Class\"}}\n",
-            NewLines());
+  EXPECT_EQ(
+      "{\"kind\":\"automation\",\"object\":\"Missing.Class\",\"op\":\"create\",\"member\":\"\",\"args\":[],"
+      "\"result\":null,\"error\":{\"number\":\"0x800A01AD\",\"source\":\"Parvex\","
+      "\"description\":\"no Missing.Class\"}}\n",
+      NewLines());
 }
 
 TEST_F(JournalledAutomationTest, WritesGetsWithTheirValue) {
@@ -173,9 +175,8 @@ TEST_F(JournalledAutomationTest, WritesObjectsEmptyReferencesAndKeyedCollections
   const ObjectRef builder = CreateQuietly("K.Builder");
   const auto consumer = std::make_shared<FakeObject>();
   consumer->name = "LegacyORLAPull";
-  const auto items = std::make_shared<KeyedItems>(KeyedItems{{"Consumer", {ObjectRef(consumer)}},
-                                                             {"Builder", {builder, true}},
-                                                             {"Command Line", {std::string("\\\\X\\Y")}}});
+  const auto items = std::make_shared<KeyedItems>(KeyedItems{
+      {"Consumer", {ObjectRef(consumer)}}, {"Builder", {builder, true}}, {"Command Line", {std::string("\\\\X\\Y")}}});
   std::vector<Argument> arguments = {{true}, {ObjectRef()}, {CollectionRef(items)}};
   builder->Call("View", arguments);
   EXPECT_EQ(Line("K.Builder", "call", "View",
@@ -187,7 +188,8 @@ TEST_F(JournalledAutomationTest, WritesObjectsEmptyReferencesAndKeyedCollections
 TEST_F(JournalledAutomationTest, TheOutsideGetsItsOwnObjectsBackAtAnyDepth) {
   const ObjectRef object = CreateQuietly();
   const auto inner = std::make_shared<KeyedItems>(KeyedItems{{"k", {object}}});
-  const auto outer = std::make_shared<KeyedItems>(KeyedItems{{"direct", {object, true}}, {"nested", {CollectionRef(inner)}}});
+  const auto outer =
+      std::make_shared<KeyedItems>(KeyedItems{{"direct", {object, true}}, {"nested", {CollectionRef(inner)}}});
   fake_.call = [&](std::string_view, std::span<Argument> arguments) {
     EXPECT_EQ(Value(ObjectRef(outside_.object)), arguments[0].value);
     const auto& seen = *std::get<CollectionRef>(arguments[1].value);

@@ -46,9 +46,10 @@ TEST_F(Journalled, RouterRequestsWithTheirAnswers) {
   EXPECT_EQ("<A x=\"1\"/>", response);
   EXPECT_FALSE(router->SendRequestMessage("second", response));
   EXPECT_EQ("no", response);
-  EXPECT_EQ("{\"kind\":\"router\",\"request\":\"<C>\xC3\xBC\\n</C>\",\"answer\":\"<A x=\\\"1\\\"/>\",\"success\":true}\n"
-            "{\"kind\":\"router\",\"request\":\"second\",\"answer\":\"no\",\"success\":false}\n",
-            Lines());
+  EXPECT_EQ(
+      "{\"kind\":\"router\",\"request\":\"<C>\xC3\xBC\\n</C>\",\"answer\":\"<A x=\\\"1\\\"/>\",\"success\":true}\n"
+      "{\"kind\":\"router\",\"request\":\"second\",\"answer\":\"no\",\"success\":false}\n",
+      Lines());
   EXPECT_EQ((std::vector<std::string>{"<C>\xC3\xBC\n</C>", "second"}), machine_.routers.requests);
 }
 
@@ -58,9 +59,10 @@ TEST_F(Journalled, FailedRouterCalls) {
   };
   std::string response;
   EXPECT_THROW(platform_.messageRouters.Create()->SendRequestMessage("r", response), AutomationError);
-  EXPECT_EQ("{\"kind\":\"router\",\"request\":\"r\",\"answer\":\"\",\"success\":false,\"error\":"
-            "{\"number\":\"0x800706BA\",\"source\":\"router\",\"description\":\"gone \\\"away\\\"\"}}\n",
-            Lines());
+  EXPECT_EQ(
+      "{\"kind\":\"router\",\"request\":\"r\",\"answer\":\"\",\"success\":false,\"error\":"
+      "{\"number\":\"0x800706BA\",\"source\":\"router\",\"description\":\"gone \\\"away\\\"\"}}\n",
+      Lines());
 }
 
 TEST_F(Journalled, ARouterThatCannotBeCreatedIsAnErrorOfItsCallerOnly) {
@@ -74,7 +76,8 @@ TEST_F(Journalled, TextsThatAreNotUtf8AreWrittenWithReplacementCharacters) {
   std::string response;
   platform_.messageRouters.Create()->SendRequestMessage("a\xFC", response);
   EXPECT_EQ("\xFF", response);
-  EXPECT_EQ("{\"kind\":\"router\",\"request\":\"a\xEF\xBF\xBD\",\"answer\":\"\xEF\xBF\xBD\",\"success\":true}\n", Lines());
+  EXPECT_EQ("{\"kind\":\"router\",\"request\":\"a\xEF\xBF\xBD\",\"answer\":\"\xEF\xBF\xBD\",\"success\":true}\n",
+            Lines());
 }
 
 TEST_F(Journalled, EachLineIsFlushed) {
@@ -93,8 +96,7 @@ TEST_F(Journalled, ProgramsWhenTheirExitCodeIsKnown) {
   EXPECT_EQ(kStillActive, process->ExitCode());
   EXPECT_EQ("", Lines());
   EXPECT_EQ(5u, process->ExitCode());
-  const std::string line =
-      "{\"kind\":\"process\",\"command\":\"C:\\\\a.exe /x\",\"windowStyle\":6,\"exitCode\":5}\n";
+  const std::string line = "{\"kind\":\"process\",\"command\":\"C:\\\\a.exe /x\",\"windowStyle\":6,\"exitCode\":5}\n";
   EXPECT_EQ(line, Lines());
   EXPECT_EQ(5u, process->ExitCode());
   EXPECT_EQ(line, Lines()) << "written once";
@@ -117,17 +119,19 @@ TEST_F(Journalled, AProgramDroppedWhileRunningHasNoExitCode) {
 TEST_F(Journalled, AProgramThatCannotBeStartedHasTheNegativeCodeOfTheRunnerAndTheError) {
   machine_.processes.startError = 53;
   EXPECT_THROW(platform_.processes.Start("p", 6), AutomationError);
-  EXPECT_EQ("{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":6,\"exitCode\":-2147221451,\"error\":"
-            "{\"number\":\"0x800A0035\",\"source\":\"Parvex\",\"description\":\"cannot start p\"}}\n",
-            Lines());
+  EXPECT_EQ(
+      "{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":6,\"exitCode\":-2147221451,\"error\":"
+      "{\"number\":\"0x800A0035\",\"source\":\"Parvex\",\"description\":\"cannot start p\"}}\n",
+      Lines());
 }
 
 TEST_F(Journalled, MessageBoxes) {
   platform_.messageBoxes.Show("text", "caption", MessageBoxes::Icon::Stop);
   platform_.messageBoxes.Show("text", kDefaultCaption, MessageBoxes::Icon::None);
-  EXPECT_EQ("{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"caption\",\"icon\":\"stop\"}\n"
-            "{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"Parvex\",\"icon\":\"none\"}\n",
-            Lines());
+  EXPECT_EQ(
+      "{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"caption\",\"icon\":\"stop\"}\n"
+      "{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"Parvex\",\"icon\":\"none\"}\n",
+      Lines());
   EXPECT_EQ(2u, machine_.boxes.boxes.size());
 }
 

@@ -40,22 +40,26 @@ class Replay {
 };
 
 TEST(ReplayRouters, AnswersInOrderWhateverIsAskedWhereALineHasNoRequest) {
-  Replay replay("{\"kind\":\"router\",\"answer\":\"1\",\"success\":true}\n"
-                "{\"kind\":\"router\",\"answer\":\"2\",\"success\":false}\n");
+  Replay replay(
+      "{\"kind\":\"router\",\"answer\":\"1\",\"success\":true}\n"
+      "{\"kind\":\"router\",\"answer\":\"2\",\"success\":false}\n");
   EXPECT_EQ("true:1", replay.Send("a"));
   EXPECT_EQ("false:2", replay.Send("b"));
 }
 
 TEST(ReplayRouters, AnswersALineWithRequestOnlyForThatVeryText) {
-  Replay replay("{\"kind\":\"router\",\"request\":\"<A/>\",\"answer\":\"1\",\"success\":true}\n"
-                "{\"kind\":\"router\",\"request\":\"<B/>\",\"answer\":\"2\",\"success\":true}\n");
+  Replay replay(
+      "{\"kind\":\"router\",\"request\":\"<A/>\",\"answer\":\"1\",\"success\":true}\n"
+      "{\"kind\":\"router\",\"request\":\"<B/>\",\"answer\":\"2\",\"success\":true}\n");
   EXPECT_EQ("true:1", replay.Send("<A/>"));
   const std::string description = DescriptionOfErrorFrom([&] { replay.Send("<B/> "); }, 0x800A0005u);
   EXPECT_EQ("r.jsonl line 2 answers another request. Expected: <B/> Actual: <B/> ", description);
 }
 
 TEST(ReplayRouters, AMismatchUsesItsLineUp) {
-  Replay replay("{\"kind\":\"router\",\"request\":\"<A/>\",\"answer\":\"1\"}\n{\"kind\":\"router\",\"request\":\"<B/>\",\"answer\":\"2\"}\n");
+  Replay replay(
+      "{\"kind\":\"router\",\"request\":\"<A/>\",\"answer\":\"1\"}\n{\"kind\":\"router\",\"request\":\"<B/"
+      ">\",\"answer\":\"2\"}\n");
   EXPECT_THROW(replay.Send("x"), AutomationError);
   EXPECT_EQ("true:2", replay.Send("<B/>"));
 }
@@ -80,8 +84,9 @@ TEST(ReplayRouters, TakesAnEmptyAnswerAndSuccessForWhatALineLeavesOut) {
 }
 
 TEST(ReplayRouters, PassesOverOtherKindsEmptyLinesUnknownKeysAndAByteOrderMark) {
-  Replay replay("\xEF\xBB\xBF{\"kind\":\"process\",\"command\":\"x\"}\r\n\r\n  \t\n{\"kind\":\"automation\"}\n"
-                "{\"kind\":\"messageBox\"}\n{\"later\":[1],\"kind\":\"router\",\"answer\":\"1\"}\r\n");
+  Replay replay(
+      "\xEF\xBB\xBF{\"kind\":\"process\",\"command\":\"x\"}\r\n\r\n  \t\n{\"kind\":\"automation\"}\n"
+      "{\"kind\":\"messageBox\"}\n{\"later\":[1],\"kind\":\"router\",\"answer\":\"1\"}\r\n");
   EXPECT_EQ("true:1", replay.Send("a"));
 }
 
@@ -91,8 +96,9 @@ TEST(ReplayRouters, AnswersWithTextBeyondAscii) {
 }
 
 TEST(ReplayRouters, RaisesTheErrorOfALineThatRecordedOne) {
-  Replay replay("{\"kind\":\"router\",\"request\":\"r\",\"error\":{\"number\":\"0x800706BA\",\"source\":\"router\","
-                "\"description\":\"gone\"}}");
+  Replay replay(
+      "{\"kind\":\"router\",\"request\":\"r\",\"error\":{\"number\":\"0x800706BA\",\"source\":\"router\","
+      "\"description\":\"gone\"}}");
   try {
     replay.Send("r");
     FAIL() << "no error";
@@ -112,8 +118,7 @@ class MalformedLine : public testing::TestWithParam<BadLine> {};
 
 TEST_P(MalformedLine, IsRefusedWithItsNumber) {
   const std::string journal = "{\"kind\":\"router\"}\n\n" + std::string(GetParam().line) + "\n{\"kind\":\"router\"}\n";
-  const std::string description =
-      DescriptionOfErrorFrom([&] { ReplayRouters(journal, "r.jsonl"); }, 0x800A000Du);
+  const std::string description = DescriptionOfErrorFrom([&] { ReplayRouters(journal, "r.jsonl"); }, 0x800A000Du);
   EXPECT_EQ(0u, description.find("r.jsonl line 3 is no journal line: ")) << description;
 }
 
@@ -129,11 +134,14 @@ INSTANTIATE_TEST_SUITE_P(
                     BadLine{"AnswerOfWrongType", "{\"kind\":\"router\",\"answer\":{}}"},
                     BadLine{"SuccessOfWrongType", "{\"kind\":\"router\",\"success\":\"true\"}"},
                     BadLine{"ErrorOfWrongType", "{\"kind\":\"router\",\"error\":\"no\"}"},
-                    BadLine{"ErrorWithoutNumber", "{\"kind\":\"router\",\"error\":{\"source\":\"\",\"description\":\"\"}}"},
-                    BadLine{"ErrorNumberNoHex", "{\"kind\":\"router\",\"error\":{\"number\":\"zwei\",\"source\":\"\","
-                                                "\"description\":\"\"}}"},
-                    BadLine{"ErrorNumberTooLong", "{\"kind\":\"router\",\"error\":{\"number\":\"0x1FFFFFFFF\","
-                                                  "\"source\":\"\",\"description\":\"\"}}"}),
+                    BadLine{"ErrorWithoutNumber",
+                            "{\"kind\":\"router\",\"error\":{\"source\":\"\",\"description\":\"\"}}"},
+                    BadLine{"ErrorNumberNoHex",
+                            "{\"kind\":\"router\",\"error\":{\"number\":\"zwei\",\"source\":\"\","
+                            "\"description\":\"\"}}"},
+                    BadLine{"ErrorNumberTooLong",
+                            "{\"kind\":\"router\",\"error\":{\"number\":\"0x1FFFFFFFF\","
+                            "\"source\":\"\",\"description\":\"\"}}"}),
     [](const auto& info) { return info.param.what; });
 
 TEST(ReplayRouters, AnswerFromAJournalAsTheOutsideDid) {

@@ -79,13 +79,16 @@ TEST_F(UiSettings, ReadLinesThatEndInAnyLineBreakOrNone) {
 }
 
 TEST_F(UiSettings, AreTextOfTheCodePage) {
-  EXPECT_EQ("Grö€e", Get("K\xFChl=Gr\xF6\x80""e\r\n", "Kühl"));
+  EXPECT_EQ("Grö€e", Get("K\xFChl=Gr\xF6\x80"
+                         "e\r\n",
+                         "Kühl"));
 }
 
 TEST_F(UiSettings, SetGivesTheTwoSwitchesTheValueAndTheSplitterItsFixedText) {
-  EXPECT_EQ("ToolBarActive=-1\r\nTreeViewActive=-1\r\nSplitterPosition=<ColSplitter Index=\"0\"WidthP=\"22819\">\r\n",
-            AfterSet("ToolBarActive=0\r\nTreeViewActive=1=2\r\nSplitterPosition=<ColSplitter Index=\"1\" WidthP=\"5\">\r\n",
-                     "-1"));
+  EXPECT_EQ(
+      "ToolBarActive=-1\r\nTreeViewActive=-1\r\nSplitterPosition=<ColSplitter Index=\"0\"WidthP=\"22819\">\r\n",
+      AfterSet("ToolBarActive=0\r\nTreeViewActive=1=2\r\nSplitterPosition=<ColSplitter Index=\"1\" WidthP=\"5\">\r\n",
+               "-1"));
 }
 
 TEST_F(UiSettings, SetWritesTheSplitterTextWithoutBlankWhateverStoodThere) {

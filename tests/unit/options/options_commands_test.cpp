@@ -1,0 +1,133 @@
+#include "options/options_commands.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "interface/command_document.h"
+#include "interface/reply_envelope.h"
+#include "tests/support/fake_platform.h"
+
+namespace parvex::test {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kPath = "C:\\Korvane\\TQ5-VX\\Bin\\Options.xml";
+constexpr const char* kOptions =
+    "<Options><!-- kept --><Tool ID=\"SOV02\"><Option><Name>cmbLanguage</Name><Value>English</Value></Option>"
+    "<Option><Name>cmbUnitOfMeasure</Name><Value>IP</Value></Option><Option><Name>other</Name><Value>o</Value></Option>"
+    "</Tool><Tool ID=\"SOV01\"><Option><Name>a</Name><Value>1</Value></Option><Option><Name>it's</Name><Value>2</Value>"
+    "</Option></Tool><Tool ID=\"X\"><Option><Name>a</Name><Value>9</Value></Option></Tool></Options>";
+
+std::string OptionsWith(const std::string& language, const std::string& unit, const std::string& a) {
+  std::string text = kOptions;
+  text.replace(text.find("English"), 7, language);
+  text.replace(text.find("IP"), 2, unit);
+  text.replace(text.find(">1<") + 1, 1, a);
+  return text + "\r\n";
+}
+
+class OptionsCommandsTest : public testing::Test {
+ protected:
+  FakeMachine machine;
+  LegacyLink link{machine.platform};
+
+  std::string Get() { return GetOptions(link, {}).Xml(); }
+  bool Set(std::initializer_list<std::pair<std::string_view, std::string_view>> options) {
+    const xml::Document command = xml::Document::Parse("<COMMAND><NAME>setOptions</NAME></COMMAND>");
+    AddParameters(command, options);
+    return !IsFailedReply(SetOptions(link, command));
+  }
+};
+
+TEST_F(OptionsCommandsTest, GetGivesACommandReadyToBeSentBack) {
+  machine.Write(kPath, kOptions);
+  EXPECT_EQ(Get(),
+            "<COMMAND><NAME>setOptions</NAME><PARAMETER><NAME>cmbLanguage</NAME><VALUE>English</VALUE></PARAMETER>"
+            "<PARAMETER><NAME>cmbUnitOfMeasure</NAME><VALUE>IP</VALUE></PARAMETER><PARAMETER><NAME>a</NAME>"
+            "<VALUE>1</VALUE></PARAMETER><PARAMETER><NAME>it's</NAME><VALUE>2</VALUE></PARAMETER></COMMAND>\r\n");
+}
+
+TEST_F(OptionsCommandsTest, GetWithoutReadableFileHasNoParameters) {
+  const std::string bare = "<COMMAND><NAME>setOptions</NAME></COMMAND>\r\n";
+  EXPECT_EQ(Get(), bare);
+  machine.Write(kPath, "<Options><Tool>");
+  EXPECT_EQ(Get(), bare);
+}
+
+TEST_F(OptionsCommandsTest, GetWithoutBinPathHasNoParameters) {
+  machine.Write(kPath, kOptions);
+  machine.SetBinPath("");
+  EXPECT_EQ(Get(), "<COMMAND><NAME>setOptions</NAME></COMMAND>\r\n");
+}
+
+TEST_F(OptionsCommandsTest, GetLeavesOutALanguageThatIsNotThere) {
+  machine.Write(kPath, "<O><Tool ID=\"SOV02\"><Option><Name>cmbUnitOfMeasure</Name><Value/></Option></Tool></O>");
+  EXPECT_EQ(Get(),
+            "<COMMAND><NAME>setOptions</NAME><PARAMETER><NAME>cmbUnitOfMeasure</NAME><VALUE/></PARAMETER></COMMAND>\r\n");
+}
+
+TEST_F(OptionsCommandsTest, SetWhatGetGaveLeavesTheValues) {
+  machine.Write(kPath, kOptions);
+  EXPECT_FALSE(IsFailedReply(SetOptions(link, GetOptions(link, {}))));
+  EXPECT_EQ(machine.Read(kPath), std::string(kOptions) + "\r\n");
+}
+
+TEST_F(OptionsCommandsTest, SetWritesAllThreeKinds) {
+  machine.Write(kPath, kOptions);
+  EXPECT_TRUE(Set({{"cmbLanguage", "Deutsch"}, {"cmbUnitOfMeasure", "SI"}, {"a", "7"}}));
+  EXPECT_EQ(machine.Read(kPath), OptionsWith("Deutsch", "SI", "7"));
+}
+
+TEST_F(OptionsCommandsTest, SetWithoutLanguageLeavesIt) {
+  machine.Write(kPath, kOptions);
+  EXPECT_TRUE(Set({{"cmbUnitOfMeasure", "SI"}}));
+  EXPECT_EQ(machine.Read(kPath), OptionsWith("English", "SI", "1"));
+}
+
+TEST_F(OptionsCommandsTest, SetIgnoresOptionsOfOtherToolsAndUnknownOnes) {
+  machine.Write(kPath, kOptions);
+  EXPECT_TRUE(Set({{"other", "x"}, {"unknown", "y"}}));
+  EXPECT_EQ(machine.Read(kPath), OptionsWith("English", "IP", "1"));
+}
+
+TEST_F(OptionsCommandsTest, SetSkipsANameWithAnApostropheAndWritesTheOthers) {
+  machine.Write(kPath, kOptions);
+  EXPECT_TRUE(Set({{"it's", "x"}, {"a", "8"}}));
+  EXPECT_EQ(machine.Read(kPath), OptionsWith("English", "IP", "8"));
+}
+
+TEST_F(OptionsCommandsTest, SetKeepsDeclarationEncodingAndComments) {
+  machine.Write(kPath, "<?xml version=\"1.0\" encoding=\"windows-1252\"?><!-- \xE9 -->" + std::string(kOptions));
+  EXPECT_TRUE(Set({{"a", "Größe"}}));
+  const std::string written = machine.Read(kPath);
+  EXPECT_THAT(written, HasSubstr("<?xml version=\"1.0\" encoding=\"windows-1252\"?>"));
+  EXPECT_THAT(written, HasSubstr("<!-- \xE9 -->"));
+  EXPECT_THAT(written, HasSubstr("<Value>Gr\xF6\xDF" "e</Value>"));
+}
+
+TEST_F(OptionsCommandsTest, SetFailsAndLeavesTheFolderAsItWasWithoutAReadableFile) {
+  EXPECT_FALSE(Set({{"a", "1"}}));
+  EXPECT_FALSE(machine.Exists(kPath));
+  machine.Write(kPath, "<Options>&</Options>");
+  EXPECT_FALSE(Set({{"a", "1"}}));
+  EXPECT_EQ(machine.Read(kPath), "<Options>&</Options>");
+}
+
+TEST_F(OptionsCommandsTest, SetFailsAsAWholeWhenTheLanguageHasNoOption) {
+  const std::string without = "<O><Tool ID=\"SOV01\"><Option><Name>a</Name><Value>1</Value></Option></Tool></O>";
+  machine.Write(kPath, without);
+  EXPECT_FALSE(Set({{"cmbLanguage", "x"}, {"a", "2"}}));
+  EXPECT_EQ(machine.Read(kPath), without);
+}
+
+TEST_F(OptionsCommandsTest, SetFailsWhenTheFileIsReadOnly) {
+  machine.Write(kPath, kOptions);
+  std::filesystem::permissions(machine.folder.Path() / "drive_c/Korvane/TQ5-VX/Bin/Options.xml",
+                               std::filesystem::perms::owner_read);
+  EXPECT_FALSE(Set({{"a", "2"}}));
+  EXPECT_EQ(machine.Read(kPath), kOptions);
+}
+
+}  // namespace
+}  // namespace parvex::test

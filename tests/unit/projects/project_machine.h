@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "interface/legacy_link.h"
+#include "legacy_standin/jet_writer.h"
+#include "tests/support/fake_platform.h"
+
+namespace parvex::test {
+
+/// A machine with a project whose database is real, and a router that answers from a list.
+class ProjectMachine {
+ public:
+  using Row = std::vector<std::optional<std::string>>;
+
+  static constexpr const char* kFolder = "C:\\Korvane\\TQ5-VX\\Projects\\Clinic";
+  static constexpr const char* kDatabase = "C:\\Korvane\\TQ5-VX\\Projects\\Clinic\\Project.mdb";
+
+  FakeMachine machine;
+  LegacyLink link{machine.platform};
+
+  /// The project's database with these rows (sPdsg, sKey, sValue) in Config.
+  void WriteConfig(std::vector<Row> rows) {
+    const standin::JetTable config{"Config", {{"sPdsg"}, {"sKey"}, {"sValue"}}, std::move(rows)};
+    machine.Write(kDatabase, standin::MakeJetDatabase({&config, 1}));
+  }
+
+  std::vector<Row> ReadConfig() {
+    std::vector<Row> rows;
+    const auto database = machine.platform.projectDatabases.Open(kDatabase);
+    for (const auto set = database->OpenRecordSet("SELECT * FROM Config"); !set->AtEnd(); set->MoveNext()) {
+      rows.push_back({set->Column("sPdsg"), set->Column("sKey"), set->Column("sValue")});
+    }
+    return rows;
+  }
+
+  void Answer(bool success, const std::string& text) { machine.routers.answers.push_back({success, text}); }
+  const std::vector<std::string>& Requests() const { return machine.routers.requests; }
+};
+
+/// A command with parameters given as markup.
+inline xml::Document Command(const std::string& name, const std::string& parameters = "") {
+  return xml::Document::Parse("<COMMAND><NAME>" + name + "</NAME>" + parameters + "</COMMAND>");
+}
+
+inline std::string Parameter(const std::string& name, const std::string& value) {
+  return "<PARAMETER><NAME>" + name + "</NAME>" +
+         (value.empty() ? "<VALUE/>" : "<VALUE>" + value + "</VALUE>") + "</PARAMETER>";
+}
+
+/// The text of a command as it is sent: a document's, which ends with a line break.
+inline std::string Sent(const std::string& name, const std::string& parameters) {
+  return "<COMMAND><NAME>" + name + "</NAME>" + parameters + "</COMMAND>\r\n";
+}
+
+inline const char* const kSuccess = "<LegacyORLA><returnError>0</returnError><errorMessage/></LegacyORLA>\r\n";
+inline const char* const kFailure =
+    "<LegacyORLA><returnError>-1</returnError><errorMessage>Unrecognized or Failed Command</errorMessage></LegacyORLA>"
+    "\r\n";
+inline const char* const kNameTaken =
+    "<LegacyORLA><returnError>-1</returnError><errorMessage>A Project of that name already exists</errorMessage>"
+    "</LegacyORLA>\r\n";
+
+}  // namespace parvex::test

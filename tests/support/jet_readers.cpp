@@ -59,8 +59,11 @@ std::optional<Lines> MdbReader(std::string_view database, const std::string& tab
   const std::filesystem::path oracles = named != nullptr ? named : sources / ".." / "build" / "oracles";
   if (!IsInstalled("node") || !std::filesystem::exists(oracles / "node_modules" / "mdb-reader")) return std::nullopt;
   const DatabaseFile file(database);
-  return LinesOf("node " + Quoted((sources / "oracles" / "mdb_reader.mjs").string()) + " " + Quoted(oracles.string()) + " " +
-                 Quoted(file.path) + (table.empty() ? "" : " " + Quoted(table)));
+  std::string command = "node";
+  for (const std::string& argument : {(sources / "oracles" / "mdb_reader.mjs").string(), oracles.string(), file.path}) {
+    command += " " + Quoted(argument);
+  }
+  return LinesOf(command + (table.empty() ? "" : " " + Quoted(table)));
 }
 
 }  // namespace parvex::test

@@ -7,8 +7,8 @@
 
 namespace parvex::test {
 
-// Readers of Jet databases that this project has no part in, run as programs over the bytes of a file. Their answers come
-// as lines; nothing when the program is not installed, for which a test skips itself.
+// Readers of Jet databases that this project has no part in, run as programs over the bytes of a file. Their answers
+// come as lines; nothing when the program is not installed, for which a test skips itself.
 
 using Lines = std::vector<std::string>;
 

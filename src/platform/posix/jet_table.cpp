@@ -131,14 +131,13 @@ std::vector<std::size_t> JetTable::Find(const std::vector<std::pair<std::size_t,
   auto [lookup, isNew] = lookups_.try_emplace(asked);
   if (isNew) {
     for (std::size_t i = 0; i < rows_.size(); ++i) {
+      // A null adds nothing, and a key with a text missing is none that is ever asked for.
       std::string rowKey;
-      bool complete = true;
       for (const auto& condition : conditions) {
         const std::optional<std::string>& text = rows_[i].texts[condition.first];
-        complete = complete && text;
         if (text) append(rowKey, *text);
       }
-      if (complete) lookup->second[rowKey].push_back(i);
+      lookup->second[rowKey].push_back(i);
     }
   }
   const auto found = lookup->second.find(key);

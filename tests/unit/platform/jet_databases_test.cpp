@@ -182,7 +182,8 @@ TEST_F(JetDatabasesTest, ReadsMemosThatAreKeptOutsideTheirRows) {
   jet::DataPage head{.owner = kLongValueOwner, .slots = {{.bytes = link + text.substr(0, 1500)}}};
   jet::DataPage tail{.owner = kLongValueOwner,
                      .slots = {{.bytes = "another"}, {.bytes = std::string(4, '\0') + text.substr(1500)}}};
-  jet::File changed(file.bytes + jet::EncodeDataPage(whole) + jet::EncodeDataPage(head) + jet::EncodeDataPage(tail), "f");
+  const std::string pages = jet::EncodeDataPage(whole) + jet::EncodeDataPage(head) + jet::EncodeDataPage(tail);
+  jet::File changed(file.bytes + pages, "f");
   const jet::TableDefinition table = changed.ReadTable(kDefinitionPage);
   const std::vector<jet::Row> rows = changed.ReadRows(table);
   const auto header = [&](std::uint32_t kind, std::uint32_t page) {
@@ -278,6 +279,31 @@ TEST_F(JetDatabasesTest, MdbReaderReadsWhatWasAddedAndWhatHasMoved) {
   for (const std::string& row : {"KDQ47|key5|" + std::string(250, 'x'), std::string("<null>|Ω added|<null>")}) {
     EXPECT_THAT(*read, testing::Contains(row)) << row;
   }
+}
+
+TEST_F(JetDatabasesTest, NewPagesAreNotFreeInTheMapOfTheFile) {
+  Make(ConfigTable(1));
+  const auto rows = Rows("SELECT * FROM Config");
+  for (int i = 0; i < 20; ++i) {
+    rows->AddNew();
+    rows->SetColumn("sValue", std::string(250, 'x') + "Ω");
+    rows->Update();
+  }
+  const std::string_view mapPage = std::string_view(file.bytes).substr(jet::kPageSize, jet::kPageSize);
+  const std::string map = jet::DecodeDataPage(mapPage)->slots.at(0).bytes;
+  const std::size_t pages = file.bytes.size() / jet::kPageSize;
+  for (std::size_t page = 0; page < pages + 8; ++page) {
+    EXPECT_EQ((map[5 + page / 8] >> page % 8 & 1) != 0, page >= pages) << "page " << page;
+  }
+}
+
+TEST_F(JetDatabasesTest, AMissingMapOfPagesWithRoomIsAnErrorAndNoOutput) {
+  Make(ConfigTable(1));
+  jet::Put32(file.bytes, kDefinitionPage * jet::kPageSize + 0x3B, 0x00FFFF00);
+  testing::internal::CaptureStderr();
+  const std::string error = ErrorOf([&] { Column("sValue"); });
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_THAT(error, HasSubstr("3343 "));
 }
 
 // What libmdb is given has been checked before: it neither crashes nor complains, whichever byte is wrong.

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "tests/contract/contract_fixture.h"
 
 namespace parvex::test {
@@ -32,6 +34,10 @@ struct Row {
   const char* key;    // looked up in section "s"
   const char* value;  // "-": not found
 };
+
+std::ostream& operator<<(std::ostream& out, const Row& row) {
+  return out << testing::PrintToString(row.text) << " " << row.key;
+}
 
 // So that a text may hold NUL bytes, "~" stands for one.
 std::string WithNuls(std::string text) {

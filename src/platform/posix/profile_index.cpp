@@ -71,7 +71,6 @@ void ForEachLine(std::string_view text, Visit visit) {
   constexpr std::size_t kNone = std::string_view::npos;
   std::size_t begin = 0;
   std::size_t sign = kNone;
-  std::uint64_t afterCarriage = 0;
   bool plain = true;
   for (std::size_t block = 0; block <= text.size(); block += kBlock) {
     // The last block, which may hold nothing of the text, is filled up with line ends: the first of them ends the last
@@ -83,9 +82,8 @@ void ForEachLine(std::string_view text, Visit visit) {
     }
     Marks marks = MarksOf(whole ? text.data() + block : last);
     plain = plain && !marks.odd;
-    // The LF behind a CR ends no line of its own; it becomes an outer blank of the next one.
-    std::uint64_t ends = marks.carriages | (marks.feeds & ~(marks.carriages << 1 | afterCarriage));
-    afterCarriage = marks.carriages >> (kBlock - 1);
+    // The LF behind a CR becomes an outer blank of the next line; at the beginning of a block it ends an empty one.
+    std::uint64_t ends = marks.carriages | (marks.feeds & ~(marks.carriages << 1));
     for (; ends != 0; ends &= ends - 1) {
       const auto bit = static_cast<unsigned>(std::countr_zero(ends));
       if (sign == kNone) {

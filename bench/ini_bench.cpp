@@ -1,7 +1,9 @@
-// What reading profile files costs: parsing one against reading it and finding its line ends, and one look-up in files of
-// growing size, with many sections and with a single one. `ini_peer.py` measures the same files with Python.
+// What reading profile files costs: parsing one against reading it and finding its line ends, and one look-up in files
+// of growing size, with many sections and with a single one. `ini_peer.py` measures the same files with Python.
 //
 //   ini_bench [FOLDER]        leaves the files it measures in FOLDER, for the peer
+
+#include <time.h>
 
 #include <algorithm>
 #include <charconv>
@@ -13,10 +15,8 @@
 #include <string>
 #include <vector>
 
-#include <time.h>
-
-#include "platform/posix/machine.h"
 #include "platform/posix/host_file.h"
+#include "platform/posix/machine.h"
 #include "platform/posix/profile_index.h"
 #include "platform/posix/windows_1252.h"
 
@@ -61,7 +61,8 @@ double Best(const std::function<void()>& work) {
 std::size_t CountLines(const std::string& text) {
   std::size_t lines = 0;
   const char* end = text.data() + text.size();
-  for (const char* at = text.data(); (at = static_cast<const char*>(std::memchr(at, '\n', end - at))) != nullptr; ++at) {
+  const auto next = [end](const char* at) { return static_cast<const char*>(std::memchr(at, '\n', end - at)); };
+  for (const char* at = next(text.data()); at != nullptr; at = next(at + 1)) {
     ++lines;
   }
   return lines;
@@ -73,9 +74,20 @@ struct Shape {
   std::size_t keys;
 };
 
-// Sections and keys in an order that no cache can foresee.
-std::vector<std::pair<std::size_t, std::size_t>> Walk(const Shape& shape) {
-  std::vector<std::pair<std::size_t, std::size_t>> walk(kLookups);
+using Walk = std::vector<std::pair<std::size_t, std::size_t>>;  // sections and keys, from 1
+
+// Key after key, as the readers of a selection go.
+Walk InOrder(const Shape& shape) {
+  Walk walk(kLookups);
+  for (std::size_t i = 0; i < walk.size(); ++i) {
+    walk[i] = {i / shape.keys % shape.sections + 1, i % shape.keys + 1};
+  }
+  return walk;
+}
+
+// In an order that no cache can foresee.
+Walk AtRandom(const Shape& shape) {
+  Walk walk(kLookups);
   std::uint64_t state = 88172645463325252;
   for (auto& [section, key] : walk) {
     state = state * 6364136223846793005u + 1442695040888963407u;
@@ -108,33 +120,35 @@ void Measure(const fs::path& folder, const Shape& shape) {
     const std::to_chars_result end = std::to_chars(key + 12, key + sizeof key, number);
     return std::string_view(key, static_cast<std::size_t>(end.ptr - key));
   };
-  // Sections by turns, some look-ups in each: as the readers of a selection do.
-  const auto walk = Walk(shape);
-  const std::size_t kept = std::min<std::size_t>(shape.sections, 2000);
-  std::vector<std::unique_ptr<parvex::ProfileSection>> sections;
-  for (std::size_t s = 0; s < kept; ++s) {
-    sections.push_back(profile.Section("PartNumber" + std::to_string(s * (shape.sections / kept) + 1), file));
+  std::vector<std::unique_ptr<parvex::ProfileSection>> sections(shape.sections + 1);
+  for (std::size_t s = 1; s <= shape.sections; ++s) {
+    sections[s] = profile.Section("PartNumber" + std::to_string(s), file);
   }
   std::size_t total = 0;
-  const double lookup = Best([&] {
-                          for (const auto& [s, k] : walk) {
-                            total += sections[s % kept]->ReadString(keyOf(k), "", 255).size();
-                          }
-                        }) /
-                        kLookups;
+  const auto lookUp = [&](const Walk& walk) {
+    return Best([&] {
+             for (const auto& [s, k] : walk) {
+               total += sections[s]->ReadString(keyOf(k), "", 255).size();
+             }
+           }) /
+           kLookups;
+  };
+  const double inOrder = lookUp(InOrder(shape));
+  const double atRandom = lookUp(AtRandom(shape));
+  constexpr int kSections = kLookups / 10;
   const double whole = Best([&] {
-                         for (int i = 0; i < kLookups / 10; ++i) {
-                           total += profile.Section("PartNumber1", file)->ReadString(keyOf(walk[i].second), "", 255).size();
+                         for (int i = 0; i < kSections; ++i) {
+                           total += profile.Section("PartNumber1", file)->ReadString("Description:7", "", 255).size();
                          }
                        }) /
-                       (kLookups / 10);
+                       kSections;
   if (total == 0) {
     std::abort();
   }
-  std::printf("%-16s %8.2f MB %8zu lines   read+line ends %7.2f ms   read+parse %7.2f ms (%.1f times)   look-up %5.0f ns   "
-              "with its section %5.0f ns\n",
+  std::printf("%-16s %8.2f MB %8zu lines   read+line ends %7.2f ms   read+parse %7.2f ms (%.1f times)   "
+              "look-up in order %4.0f ns, at random %4.0f ns, with its section %5.0f ns\n",
               shape.name, static_cast<double>(fs::file_size(host)) / 1e6, lines, scan / 1e6, parse / 1e6, parse / scan,
-              lookup, whole);
+              inOrder, atRandom, whole);
 }
 
 }  // namespace
@@ -143,8 +157,12 @@ int main(int argc, char** argv) {
   const bool kept = argc > 1;
   const fs::path folder = kept ? fs::path(argv[1]) : fs::temp_directory_path() / "parvex-ini-bench";
   fs::create_directories(folder / "drive_c");
-  for (const Shape& shape : {Shape{"small", 10, 40}, Shape{"sections-1MB", 1'000, 40}, Shape{"sections-10MB", 10'000, 40},
-                             Shape{"section-1MB", 1, 36'000}, Shape{"section-9MB", 1, 320'000}}) {
+  constexpr Shape kShapes[] = {{"small", 10, 40},
+                               {"sections-1MB", 1'000, 40},
+                               {"sections-10MB", 10'000, 40},
+                               {"section-1MB", 1, 36'000},
+                               {"section-9MB", 1, 320'000}};
+  for (const Shape& shape : kShapes) {
     Measure(folder, shape);
   }
   if (!kept) {

@@ -50,7 +50,8 @@ def main():
             parsing, find = seconds(lambda: reader(path.read_bytes().decode("cp1252")))
             finding, found = seconds(lambda: sum(len(find(*names)) for names in walk))
             assert found > 0
-            print(f"{path.stem:16} {name:13} read+parse {parsing * 1e3:8.1f} ms   look-up {finding / LOOKUPS * 1e9:6.0f} ns")
+            print(f"{path.stem:16} {name:13} read+parse {parsing * 1e3:8.1f} ms   "
+                  f"look-up {finding / LOOKUPS * 1e9:6.0f} ns")
 
 
 if __name__ == "__main__":

@@ -7,9 +7,9 @@ FOLDER becomes C:\\differential of a machine. lookups.txt only reads; writes.txt
 written.txt then reads, in a process of its own, so that a platform's cache has no part in it.
 
 Left out on purpose, since the platform at hand is known to differ from the documented one (docs/private-profile.md):
-names that differ in the letter case of letters beyond ASCII; a fallback of blanks only; writing to a file that holds NUL
-bytes or a header of an empty name, which the platform at hand does not keep when it writes the other lines anew. A quoted
-value that fills the buffer exactly is generated, recognised by `compare` and counted.
+names that differ in the letter case of letters beyond ASCII; a fallback of blanks only; writing to a file that holds
+NUL bytes or a header of an empty name, which the platform at hand does not keep when it writes the other lines anew. A
+quoted value that fills the buffer exactly is generated, recognised by `compare` and counted.
 """
 
 import argparse
@@ -21,12 +21,15 @@ import sys
 CODE_PAGE = "cp1252"
 BLANKS = [b"", b"", b"", b"", b" ", b"  ", b"\t", b" \t ", b"\x0b", b"\x0c", b"\x1a"]
 BREAKS = [b"\r\n"] * 6 + [b"\n"] * 3 + [b"\r", b"\n\r", b"\r\n\r\n", b"\r\r\n", b"\n\n"]
-SECTIONS = [b"Header", b"PartNumber1", b"PartNumber2", b"Accessory1", b"ETO Description1", b"s", b"", b"a]b", b"\xe4\xf6",
-            b"[x", b"s;t", b"\xe9\x9c\x80"]
-KEYS = [b"Action", b"PartNumber", b"Description:1", b"Description:2", b"Quantity", b"k", b"kk", b"", b";k", b"a b", b"\xfc",
-        b"'q'", b"[k", b"PartNumber:1234567890", b"\x80\xdf"]
+SECTIONS = [b"Header", b"PartNumber1", b"PartNumber2", b"Accessory1", b"ETO Description1", b"s", b"", b"a]b",
+            b"\xe4\xf6", b"[x", b"s;t", b"\xe9\x9c\x80"]
+KEYS = [b"Action", b"PartNumber", b"Description:1", b"Description:2", b"Quantity", b"k", b"kk", b"", b";k", b"a b",
+        b"\xfc", b"'q'", b"[k", b"PartNumber:1234567890", b"\x80\xdf"]
 WORDS = [b"", b"1", b"-17", b"0x1F", b"ok", b"CANCEL", b"a b", b"a;b", b"; c", b"x=y", b"=", b"'", b'"', b"]", b"[s]",
-         b"Stra\xdfe 7", b"\x80 5,00", b"\xe4\xf6\xfc", b"12abc", b"+5", b"4294967297", b"99999999999999", b"0b101", b"0o17"]
+         b"Stra\xdfe 7", b"\x80 5,00", b"\xe4\xf6\xfc", b"12abc", b"+5", b"4294967297", b"99999999999999", b"0b101",
+         b"0o17"]
+QUOTES = [(b"", b"")] * 6 + [(b'"', b'"')] * 3 + [(b"'", b"'"), (b'"', b"'"), (b'"', b""), (b"", b"'")]
+CLOSINGS = [b"]"] * 12 + [b"", b"]]", b"] ; c", b"] x ]"]
 
 
 def any_case(rng, name):
@@ -45,15 +48,14 @@ def value(rng):
         text += b"y" * rng.randrange(245, 260)
     if rng.random() < 0.03:
         text = text[:2] + b"\0" + text[2:]
-    opening, closing = rng.choice([(b"", b"")] * 6 + [(b'"', b'"')] * 3 + [(b"'", b"'"), (b'"', b"'"), (b'"', b""), (b"", b"'")])
+    opening, closing = rng.choice(QUOTES)
     return opening + text + closing
 
 
 def line(rng):
     kind = rng.random()
     if kind < 0.22:
-        header = b"[" + padded(rng, any_case(rng, rng.choice(SECTIONS))) + rng.choice([b"]"] * 12 + [b"", b"]]", b"] ; c", b"] x ]"])
-        return padded(rng, header)
+        return padded(rng, b"[" + padded(rng, any_case(rng, rng.choice(SECTIONS))) + rng.choice(CLOSINGS))
     if kind < 0.80:
         return padded(rng, any_case(rng, rng.choice(KEYS)) + rng.choice(BLANKS) + b"=" + padded(rng, value(rng)))
     if kind < 0.86:

@@ -1,5 +1,6 @@
 // Carries out a script of private-profile calls and prints what each gave, so that the results of two platforms can be
-// compared line by line. Built twice: with the functions of Windows (for the cross compiler), and with the native adapter.
+// compared line by line. Built twice: with the functions of Windows (for the cross compiler), and with the native
+// adapter.
 //
 //   profile_probe SCRIPT [MACHINE]        MACHINE: the machine folder, native build only
 //
@@ -52,8 +53,9 @@ class Profile {
   std::string String(const std::vector<std::string>& f) {
     const auto size = static_cast<DWORD>(std::stoul(f[5]));
     std::string buffer(size, '\0');
-    buffer.resize(GetPrivateProfileStringA(f[2].c_str(), f[3].c_str(), f[4].c_str(), buffer.data(), size, f[1].c_str()));
-    return buffer;
+    const DWORD length =
+        GetPrivateProfileStringA(f[2].c_str(), f[3].c_str(), f[4].c_str(), buffer.data(), size, f[1].c_str());
+    return buffer.substr(0, length);
   }
 
   std::string Integer(const std::vector<std::string>& f) {

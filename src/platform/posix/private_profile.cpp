@@ -16,8 +16,8 @@ namespace {
 constexpr std::size_t kMostKnownFiles = 4;
 constexpr std::int64_t kMostBytes = std::int64_t{1} << 30;
 
-// Longer than the grain of a local file system's times. A file that is older than this when it is read cannot be changed
-// later without showing it in its time of change, which only the system sets.
+// Longer than the grain of a local file system's times. A file that is older than this when it is read cannot be
+// changed later without showing it in its time of change, which only the system sets.
 constexpr std::int64_t kYoungNanoseconds = 50'000'000;
 
 std::int64_t Now() {
@@ -40,8 +40,8 @@ std::string WithFolder(std::string_view file) {
 // The leading integer as the platform's own conversion reads it: 0x, 0o and 0b begin other bases, in lower case only;
 // nothing may stand between sign and digits; what is too large keeps its low 32 bits.
 std::int32_t LeadingInteger(std::string_view text) {
-  text.remove_prefix(std::find_if(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) > ' '; }) -
-                     text.begin());
+  const auto skipped = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
+  text.remove_prefix(std::find_if_not(text.begin(), text.end(), skipped) - text.begin());
   const bool negative = text.starts_with('-');
   text.remove_prefix(negative || text.starts_with('+') ? 1 : 0);
   std::uint32_t base = 10;

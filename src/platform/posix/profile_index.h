@@ -10,9 +10,9 @@
 
 namespace parvex::posix {
 
-/// Where the sections and keys of one profile text stand. Finding one costs the same however many there are; names of more
-/// than 4096 characters are not found. Every section has a hash table of its own, all of them in one array of eight-byte slots: a name's hash, and the place of its line,
-/// which is read again when it is asked for.
+/// Where the sections and keys of one profile text stand. Finding one costs the same however many there are; names of
+/// more than 4096 characters are not found. Every section has a hash table of its own, all of them in one array of
+/// eight-byte slots: a name's hash, and the place of its line, which is read again when it is asked for.
 class ProfileIndex {
  public:
   class Section;

@@ -52,8 +52,8 @@ std::string BytesOf(std::u16string_view units, ProfileEncoding encoding) {
   return bytes;
 }
 
-// The first CR or LF from `pos` on. Looks at a piece at a time, so that in a file with only one of them the search for the
-// other does not run to the end.
+// The first CR or LF from `pos` on. Looks at a piece at a time, so that in a file with only one of them the search for
+// the other does not run to the end.
 std::size_t LineEnd(std::string_view text, std::size_t pos) {
   constexpr std::size_t kPiece = 256;
   while (pos < text.size()) {
@@ -164,7 +164,8 @@ std::optional<std::string> ProfileText::WithValue(std::string_view section, std:
                                                   std::string_view value) const {
   const std::string sectionPiece = Piece(TrimProfileBlanks(section));
   const std::string keyPiece = Piece(TrimProfileBlanks(key));
-  const std::string valuePiece = Piece(value.substr(std::find_if_not(value.begin(), value.end(), IsProfileBlank) - value.begin()));
+  value.remove_prefix(std::find_if_not(value.begin(), value.end(), IsProfileBlank) - value.begin());
+  const std::string valuePiece = Piece(value);
 
   const Place place = FindPlace(*this, sectionPiece, keyPiece);
   if (place.keyLine) {

@@ -53,8 +53,8 @@ class ProfileText {
   std::uint64_t seed_ = NameHashSeed();
 };
 
-/// One line of a profile text: where its first character that is no blank stands, where the last one ends, and where the
-/// next line begins. A line ends with CR, LF or both.
+/// One line of a profile text: where its first character that is no blank stands, where the last one ends, and where
+/// the next line begins. A line ends with CR, LF or both.
 struct ProfileLine {
   std::size_t begin;
   std::size_t end;
@@ -66,8 +66,8 @@ struct ProfileLine {
 /// The line that begins at `pos`.
 ProfileLine ProfileLineAt(std::string_view text, std::size_t pos);
 
-/// The name in a section's header, nothing when the line (without outer blanks) is none. What stands behind the last "]"
-/// is not looked at; without any, the line is a key's.
+/// The name in a section's header, nothing when the line (without outer blanks) is none. What stands behind the last
+/// "]" is not looked at; without any, the line is a key's.
 std::optional<std::string_view> SectionName(std::string_view line);
 
 /// The name of a key's line, and its value as it stands, quotes included; no value without a "=".

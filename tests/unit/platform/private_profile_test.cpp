@@ -46,8 +46,9 @@ TEST_F(ProfileFilesTest, SeesAChangeOfTheSameSizeWithinTheSameMoment) {
   }
 }
 
-// The times of a file have a grain: two changes within it may leave the same ones. Some systems give every change a time
-// of its own; a change through a mapping of the file, when the page was changed before, shows in no time on any of them.
+// The times of a file have a grain: two changes within it may leave the same ones. Some systems give every change a
+// time of its own; a change through a mapping of the file, when the page was changed before, shows in no time on any of
+// them.
 TEST_F(ProfileFilesTest, SeesAChangeThatTheTimesDoNotShow) {
   const std::filesystem::path host = drive / "a.ini";
   for (int attempt = 0; attempt < 100; ++attempt) {

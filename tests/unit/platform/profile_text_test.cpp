@@ -81,7 +81,7 @@ TEST(ProfileWriting, AnOddByteAtTheEndOfAUtf16FileIsNoCharacter) {
 TEST(ProfileNames, LetterCaseBeyondAsciiDoesNotCount) {
   EXPECT_EQ(Found("[\xC4]\nStra\xDF\x45\x8A=1\n", "\xE4", "STRA\xDF\x65\x9A"), "1");
   EXPECT_EQ(Found("\xEF\xBB\xBF[Ä]\nÖŠ=1\n", "ä", "öš"), "1");
-  EXPECT_EQ(Found("[s]\n\xD7=1\n", "s", "\xF7"), "no value");  // the signs of multiplication and division are no letters
+  EXPECT_EQ(Found("[s]\n\xD7=1\n", "s", "\xF7"), "no value");  // signs, not letters
 }
 
 TEST(ProfileNames, OnlyLettersHaveCase) {
@@ -154,8 +154,8 @@ TEST(ProfileIndexing, FindsEveryOneOfManySectionsAndKeys) {
   }
 }
 
-// Shapes that would make an index look through one part of the file again and again. Each takes milliseconds; one of them
-// taking its square would take minutes.
+// Shapes that would make an index look through one part of the file again and again. Each takes milliseconds; one of
+// them taking its square would take minutes.
 TEST(ProfileIndexing, HostileFilesCostNoMoreThanTheirSize) {
   const std::string monster(4'000'000, ' ');
   std::string repeated;

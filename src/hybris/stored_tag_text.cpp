@@ -1,6 +1,7 @@
 #include "hybris/stored_tag_text.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "hybris/packing.h"
@@ -38,25 +39,47 @@ std::string TextOf(CodePage& codePage, std::string_view bytes) {
 // own when it is not empty.
 std::string WithUniformLineEnds(std::string_view text) {
   std::string lines;
-  while (!text.empty()) {
-    const std::size_t length = std::min(text.find_first_of("\r\n"), text.size());
-    lines.append(text.substr(0, length)).append("\r\n");
-    text.remove_prefix(length);
-    text.remove_prefix(text.starts_with("\r\n") ? 2 : std::min<std::size_t>(1, text.size()));
+  lines.reserve(text.size() + 2);
+  std::size_t nextCr = text.find('\r');
+  std::size_t nextLf = text.find('\n');
+  for (std::size_t pos = 0; pos < text.size();) {
+    const std::size_t end = std::min({nextCr, nextLf, text.size()});
+    lines.append(text.substr(pos, end - pos)).append("\r\n");
+    pos = end + (nextCr == end && nextLf == end + 1 ? 2 : 1);
+    nextCr = nextCr < pos ? text.find('\r', pos) : nextCr;
+    nextLf = nextLf < pos ? text.find('\n', pos) : nextLf;
   }
   return lines;
 }
 
-// The text of the file "Tag" in the blob's folder, which is deleted; empty when there is none. A blob that has this name
-// itself is not taken for the file that came out of it.
-std::string TakeTagFile(const Platform& platform, std::string_view blobPath) {
-  const std::string tagFile = std::string(FolderOf(blobPath)).append(kTagFile);
-  if (EqualIgnoringCase(tagFile, blobPath) || !platform.files.IsFile(tagFile)) {
+// Where a file "Tag" beside the blob is; empty for a blob that has this name itself.
+std::string TagFileBeside(std::string_view blobPath) {
+  std::string tagFile = std::string(FolderOf(blobPath)).append(kTagFile);
+  return EqualIgnoringCase(tagFile, blobPath) ? std::string() : tagFile;
+}
+
+// The bytes of a file "Tag" that an earlier run left beside the blob, which is deleted; empty when there is none.
+std::string TakeTagFile(const Platform& platform, const std::string& tagFile) {
+  if (tagFile.empty() || !platform.files.IsFile(tagFile)) {
     return {};
   }
-  const std::string bytes = platform.files.ReadAll(tagFile);
+  std::string bytes = platform.files.ReadAll(tagFile);
   platform.files.Remove(tagFile);
-  return WithUniformLineEnds(TextOf(platform.codePage, bytes));
+  return bytes;
+}
+
+// The archive's own file "Tag", taken out of the entries; null when it has none. The legacy application extracts it with the
+// others, reads it and deletes it; the same comes of never writing it, and of deleting one that an earlier run left.
+std::optional<PackedEntry> TakeTagEntry(std::vector<PackedEntry>& entries) {
+  const auto tag = std::find_if(entries.begin(), entries.end(), [](const PackedEntry& entry) {
+    return !entry.isFolder && EqualIgnoringCase(entry.name, kTagFile);
+  });
+  if (tag == entries.end()) {
+    return std::nullopt;
+  }
+  PackedEntry taken = std::move(*tag);
+  entries.erase(tag);
+  return taken;
 }
 
 // The only file among the entries; null when there are several or none.
@@ -77,10 +100,16 @@ StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileN
   if (archive.empty()) {
     return {};
   }
-  const std::vector<PackedEntry> entries = Unpack(platform.codePage, archive, fileName);
+  std::vector<PackedEntry> entries = Unpack(platform.codePage, archive, fileName);
+  const std::string tagFile = TagFileBeside(fileName);
+  const std::optional<PackedEntry> tag = tagFile.empty() ? std::nullopt : TakeTagEntry(entries);
   ExtractBesideBlob(platform.files, entries, fileName);
-  if (std::string text = TakeTagFile(platform, fileName); !text.empty()) {
+  const std::string left = TakeTagFile(platform, tagFile);
+  if (std::string text = WithUniformLineEnds(TextOf(platform.codePage, tag ? tag->bytes : left)); !text.empty()) {
     return {std::move(text), true};
+  }
+  if (tag) {
+    return {};  // it was the only entry, or there are several
   }
   if (const PackedEntry* file = OnlyFile(entries)) {
     if (std::string text = TextOf(platform.codePage, file->bytes); text.find("SAPDATA") != std::string::npos) {

@@ -44,6 +44,14 @@ std::size_t AllowedSequence(const unsigned char* p, std::size_t left) {
   return 0;
 }
 
+bool IsLetterOrUnderscore(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
+
+// The names of nearly every document.
+bool IsAsciiName(std::string_view text) {
+  const auto mayFollow = [](char c) { return IsLetterOrUnderscore(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; };
+  return !text.empty() && IsLetterOrUnderscore(text[0]) && std::all_of(text.begin(), text.end(), mayFollow);
+}
+
 struct Range {
   char32_t first;
   char32_t last;
@@ -91,6 +99,9 @@ std::size_t FindForbidden(std::string_view text) {
 }
 
 bool IsPlainName(std::string_view text) {
+  if (IsAsciiName(text)) {
+    return true;
+  }
   if (text.empty() || FindForbidden(text) != std::string_view::npos) {
     return false;
   }

@@ -99,8 +99,7 @@ std::vector<std::string> MachineFiles::ListFiles(std::string_view pattern) {
   }
   const std::string_view folder = split == 0 ? "." : pattern.substr(0, split);
   const std::optional<std::filesystem::path> host = pattern.empty() ? std::nullopt : folder_.Resolve(folder);
-  const bool all = last.empty() || last == "*.*";
-  return host ? List(*host, Kind::File, all ? u"*" : ToUtf16(FoldName(last))) : std::vector<std::string>{};
+  return host ? List(*host, Kind::File, last.empty() ? u"*" : ToUtf16(FoldName(last))) : std::vector<std::string>{};
 }
 
 std::vector<std::string> MachineFiles::ListFolders(std::string_view folder) {
@@ -111,16 +110,19 @@ std::vector<std::string> MachineFiles::ListFolders(std::string_view folder) {
 std::string MachineFiles::ReadAll(std::string_view path) { return ReadHostFile(Existing(path), path); }
 
 void MachineFiles::Replace(std::string_view path, std::string_view bytes) {
-  WriteHostFile(folder_.Target(path), bytes, IfPresent::Replace, path);
+  Write(path, bytes, IfPresent::Replace);
 }
 
 void MachineFiles::CreateNew(std::string_view path, std::string_view bytes) {
-  WriteHostFile(folder_.Target(path), bytes, IfPresent::Refuse, path);
+  Write(path, bytes, IfPresent::Refuse);
 }
 
 void MachineFiles::Remove(std::string_view path) {
   Existing(path);
-  RemoveHostFile(folder_.Target(path), path);
+  const std::filesystem::path host = folder_.Target(path);
+  folder_.Changing(host);
+  RemoveHostFile(host, path);
+  folder_.Removed(host);
 }
 
 void MachineFiles::CreateFolder(std::string_view path) {
@@ -162,6 +164,13 @@ void MachineFiles::RemoveFolder(std::string_view path) {
   if (failed) {
     RaiseSystemError(failed.value(), "cannot remove the folder", path);
   }
+}
+
+void MachineFiles::Write(std::string_view path, std::string_view bytes, IfPresent ifPresent) {
+  const std::filesystem::path host = folder_.Target(path);
+  folder_.Changing(host);
+  WriteHostFile(host, bytes, ifPresent, path);
+  folder_.Added(host);
 }
 
 // The host path of what exists; not found (53), or path not found (76) when its folder does not exist either.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/files.h"
+#include "platform/posix/host_file.h"
 #include "platform/posix/machine_folder.h"
 
 namespace parvex::posix {
@@ -23,6 +24,7 @@ class MachineFiles : public Files {
   void RemoveFolder(std::string_view path) override;
 
  private:
+  void Write(std::string_view path, std::string_view bytes, IfPresent ifPresent);
   std::filesystem::path Existing(std::string_view path);
 
   MachineFolder& folder_;

@@ -71,33 +71,6 @@ bool IsFolder(const std::string& host) {
   return stat(host.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// FoldName(name) == folded, without making the folded name for the many that differ at once.
-bool FoldsTo(std::string_view name, std::string_view folded) {
-  if (!IsAscii(name)) {
-    return FoldName(name) == folded;
-  }
-  const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 0x20) : c; };
-  return name.size() == folded.size() &&
-         std::equal(name.begin(), name.end(), folded.begin(), [&](char a, char b) { return upper(a) == b; });
-}
-
-// The first name in the folder, in the order of the bytes, that is `name` in any letter case and leads somewhere.
-std::optional<std::string> FindInFolder(const std::string& folder, const std::string& name) {
-  const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.c_str()), closedir);
-  if (!listing) {
-    return std::nullopt;
-  }
-  const std::string wanted = FoldName(name);
-  std::optional<std::string> best;
-  while (const dirent* entry = readdir(listing.get())) {
-    const std::string_view candidate = entry->d_name;
-    if ((!best || candidate < *best) && FoldsTo(candidate, wanted) && Exists(folder + "/" + entry->d_name)) {
-      best = candidate;
-    }
-  }
-  return best;
-}
-
 std::optional<std::string> RealPath(const std::string& host) {
   const std::unique_ptr<char, void (*)(void*)> real(realpath(host.c_str(), nullptr), free);
   return real ? std::optional<std::string>(real.get()) : std::nullopt;
@@ -206,7 +179,42 @@ std::filesystem::path MachineFolder::Target(const MachinePath& path) {
   return existing ? std::filesystem::path(*existing) : *folder / path.names.back();
 }
 
-void MachineFolder::RefuseOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host) const {
+void MachineFolder::Changing(const std::filesystem::path& host) {
+  folderNames_.BeforeChange(host.parent_path().string());
+}
+
+void MachineFolder::Added(const std::filesystem::path& host) {
+  folderNames_.AfterAdding(host.parent_path().string(), host.filename().string());
+}
+
+void MachineFolder::Removed(const std::filesystem::path& host) {
+  folderNames_.AfterRemoving(host.parent_path().string(), host.filename().string());
+}
+
+void MachineFolder::RefuseOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host) {
+  struct stat status = {};
+  const bool isLink = lstat(host.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+  const std::string folder = (S_ISDIR(status.st_mode) ? host : host.parent_path()).string();
+  const std::optional<FolderIdentity> identity = IdentityOf(folder);
+  const auto known = inside_.find(folder);
+  if (!isLink && identity && known != inside_.end() && known->second == *identity) {
+    return;
+  }
+  RefuseRealPathOutsideOfDrive(path, host);
+  if (!isLink && identity) {
+    if (inside_.size() >= kMostFoundPaths) {
+      inside_.clear();
+    }
+    inside_[folder] = *identity;
+  }
+}
+
+std::optional<MachineFolder::FolderIdentity> MachineFolder::IdentityOf(const std::string& folder) {
+  struct stat status;
+  return stat(folder.c_str(), &status) == 0 ? std::optional(FolderIdentity{status.st_dev, status.st_ino}) : std::nullopt;
+}
+
+void MachineFolder::RefuseRealPathOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host) const {
   const std::optional<std::string> drive = RealPath(DriveFolder(path.drive));
   const std::optional<std::string> real = RealPath(host.string());
   if (!drive || !real || !(*real + "/").starts_with(*drive + "/")) {
@@ -238,7 +246,7 @@ std::optional<std::string> MachineFolder::Find(const MachinePath& path, std::siz
     found_.erase(known);
   }
   const std::optional<std::string> folder = Find(path, depth - 1);
-  const std::optional<std::string> name = folder ? FindInFolder(*folder, path.names[depth - 1]) : std::nullopt;
+  const std::optional<std::string> name = folder ? folderNames_.Find(*folder, path.names[depth - 1]) : std::nullopt;
   if (!name) {
     return std::nullopt;
   }

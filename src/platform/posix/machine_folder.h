@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <filesystem>
 #include <optional>
@@ -7,6 +9,8 @@
 #include <string_view>
 #include <unordered_map>
 #include <vector>
+
+#include "platform/posix/folder_names.h"
 
 namespace parvex::posix {
 
@@ -59,16 +63,33 @@ class MachineFolder {
   std::filesystem::path Target(const MachinePath& path);
 
   /// An AutomationError (75) when `host`, on the way to `path`, was reached by a link that leads out of the path's drive.
-  void RefuseOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host) const;
+  void RefuseOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host);
+
+  /// Called around the making and removing of a file by this program, so that its folder need not be read again: before
+  /// it, and with the file that came or went after it.
+  void Changing(const std::filesystem::path& host);
+  void Added(const std::filesystem::path& host);
+  void Removed(const std::filesystem::path& host);
 
  private:
+  struct FolderIdentity {
+    dev_t device;
+    ino_t inode;
+    bool operator==(const FolderIdentity&) const = default;
+  };
+  static std::optional<FolderIdentity> IdentityOf(const std::string& folder);
+
   std::string DriveFolder(char drive) const;
+  void RefuseRealPathOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host) const;
   std::optional<std::string> Find(const MachinePath& path, std::size_t depth);
 
   std::filesystem::path root_;
   // The spelling of a host path as asked for, to the existing one that was found for it. Every use checks that it still
   // exists. A folder that later gains a second spelling of the same name keeps giving the one found first.
   std::unordered_map<std::string, std::string> found_;
+  FolderNames folderNames_;
+  // Folders that were seen to lie inside their drive. Another folder under the same path has another identity.
+  std::unordered_map<std::string, FolderIdentity> inside_;
 };
 
 }  // namespace parvex::posix

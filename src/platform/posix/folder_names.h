@@ -1,0 +1,54 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace parvex::posix {
+
+/// Finds names in folders of this system without regard to letter case. A folder is read once for each of its versions; what
+/// this program itself adds and removes is noted, so that filling or emptying a folder file by file costs no reading at all.
+///
+/// A change that another program makes in the same moment as one of ours is seen 50 ms later at the latest: a folder's time
+/// moves in steps, and within one step the two cannot be told apart.
+class FolderNames {
+ public:
+  /// The first name in `folder`, in the order of the bytes, that is `name` in any letter case and leads somewhere.
+  std::optional<std::string> Find(const std::string& folder, const std::string& name);
+
+  /// Called around a change that this program makes in a folder: before it, and with the name that came or went after it.
+  void BeforeChange(const std::string& folder);
+  void AfterAdding(const std::string& folder, const std::string& name);
+  void AfterRemoving(const std::string& folder, const std::string& name);
+
+ private:
+  struct Version {
+    dev_t device = 0;
+    ino_t inode = 0;
+    std::int64_t modifiedNanoseconds = 0;
+    bool operator==(const Version&) const = default;
+  };
+
+  struct Listing {
+    Version version;
+    /// No later change can carry the version's time.
+    bool isExact = false;
+    /// Not exact, but only because of changes of our own, which are noted.
+    bool isOurs = false;
+    std::unordered_map<std::string, std::vector<std::string>> names;  // by folded name
+  };
+
+  static std::optional<Version> VersionOf(const std::string& folder);
+  static bool IsSettled(const Version& version);
+  const Listing* Current(const std::string& folder);
+  Listing* Noted(const std::string& folder);
+
+  std::unordered_map<std::string, Listing> listings_;
+};
+
+}  // namespace parvex::posix

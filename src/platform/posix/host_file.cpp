@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -13,6 +14,8 @@
 
 namespace parvex::posix {
 namespace {
+
+constexpr std::int64_t kLongestClockStep = 50'000'000;  // nanoseconds; usual are 1 to 10 ms
 
 constexpr mode_t kWriteBits = S_IWUSR | S_IWGRP | S_IWOTH;
 
@@ -128,6 +131,12 @@ std::optional<FileVersion> VersionOf(const std::filesystem::path& host) {
   }
   return FileVersion{status.st_dev, status.st_ino, status.st_size, Nanoseconds(status.st_mtim),
                      Nanoseconds(status.st_ctim)};
+}
+
+bool IsSettled(const FileVersion& version) {
+  timespec now;
+  clock_gettime(CLOCK_REALTIME, &now);
+  return Nanoseconds(now) - version.changedNanoseconds > kLongestClockStep;
 }
 
 std::string ReadHostFile(const std::filesystem::path& host, std::string_view shownPath) {

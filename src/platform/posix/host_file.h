@@ -23,6 +23,10 @@ struct FileVersion {
 /// Nothing when the file does not exist or is none.
 std::optional<FileVersion> VersionOf(const std::filesystem::path& host);
 
+/// Whether whatever changes the file from now on is sure to give it another version. A file that was changed just now is not
+/// settled: its next change may carry the same time, since a file system's clock moves in steps.
+bool IsSettled(const FileVersion& version);
+
 /// Not found (53), a folder or not readable (75).
 std::string ReadHostFile(const std::filesystem::path& host, std::string_view shownPath);
 

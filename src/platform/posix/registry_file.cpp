@@ -211,8 +211,10 @@ std::optional<std::string> RegistryText::Value(std::string_view key, std::string
 }
 
 std::optional<std::string> RegistryFile::LocalMachineString(std::string_view key, std::string_view valueName) {
-  if (const std::optional<FileVersion> version = VersionOf(file_); version != version_) {
+  const std::optional<FileVersion> version = VersionOf(file_);
+  if (version != version_ || !settled_) {
     version_ = version;
+    settled_ = !version || IsSettled(*version);
     text_ = version ? ReadText() : RegistryText();
   }
   const std::string whole = FoldKey("HKEY_LOCAL_MACHINE\\" + std::string(key));

@@ -48,6 +48,7 @@ class RegistryFile : public Registry {
   std::filesystem::path file_;
   CodePage& codePage_;
   std::optional<FileVersion> version_;
+  bool settled_ = true;
   RegistryText text_;
 };
 

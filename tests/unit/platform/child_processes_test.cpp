@@ -79,7 +79,16 @@ TEST_F(ChildProcessesTest, TheChildsStandardOutputGoesToStandardError) {
   EXPECT_THAT(seen, HasSubstr("err"));
 }
 
-TEST_F(ChildProcessesTest, TheChildsStandardInputIsEmpty) { EXPECT_EQ(OutputOf("cat"), ""); }
+TEST_F(ChildProcessesTest, TheChildsStandardInputIsEmptyAlsoWhenOursIsNot) {
+  test::WriteHostFile(folder.Path() / "in", "for the parent");
+  const int before = dup(STDIN_FILENO);
+  const int in = open((folder.Path() / "in").c_str(), O_RDONLY);
+  dup2(in, STDIN_FILENO);
+  EXPECT_EQ(OutputOf("cat"), "");
+  dup2(before, STDIN_FILENO);
+  close(in);
+  close(before);
+}
 
 TEST_F(ChildProcessesTest, NoOpenFileOfOursIsHandedOn) {
   const int open = ::open("/dev/null", O_RDONLY);

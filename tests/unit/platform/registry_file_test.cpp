@@ -202,6 +202,14 @@ TEST_F(RegistryFileTest, EachVersionOfTheFileIsSeen) {
   EXPECT_EQ(registry.LocalMachineString("K", "v"), std::nullopt);
 }
 
+TEST_F(RegistryFileTest, AChangeRightAfterALookIsSeenThoughSizeAndTimeMayStayAsTheyAre) {
+  for (int i = 0; i < 200; ++i) {
+    const std::string value = std::to_string(100 + i);
+    Write(kHeader4 + "\"v\"=\"" + value + "\"\r\n");
+    ASSERT_EQ(registry.LocalMachineString("K", "v"), value);
+  }
+}
+
 TEST_F(RegistryFileTest, OnlyTheLocalMachineIsLookedAt) {
   Write("REGEDIT4\n[HKEY_CURRENT_USER\\K]\n\"v\"=\"x\"\n");
   EXPECT_EQ(registry.LocalMachineString("K", "v"), std::nullopt);

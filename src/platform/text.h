@@ -8,8 +8,8 @@ namespace parvex {
 
 // Text inside the system is UTF-8. The legacy protocol counts characters as its platform does, in UTF-16 units; the
 // functions here are the only place that counts them. A surrogate pair (one UTF-8 sequence of four bytes, two units) is
-// never cut in two: a cut that would fall inside it falls before it. A byte that belongs to no UTF-8 sequence counts as a
-// character of its own.
+// never cut in two: a cut that would fall inside it falls before it. A byte that belongs to no UTF-8 sequence counts as
+// a character of its own.
 
 /// Length in UTF-16 units.
 std::size_t LengthInUnits(std::string_view text);

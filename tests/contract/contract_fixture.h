@@ -19,8 +19,8 @@
 
 namespace parvex::test {
 
-/// The machine that the contract suites run on, with the adapters of the platform that is built. A suite speaks only to the
-/// seams and to what is here, so that the same source judges every adapter. One test, one machine.
+/// The machine that the contract suites run on, with the adapters of the platform that is built. A suite speaks only to
+/// the seams and to what is here, so that the same source judges every adapter. One test, one machine.
 struct ContractMachine {
   ContractMachine();
   ~ContractMachine();

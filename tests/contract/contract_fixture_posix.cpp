@@ -62,7 +62,8 @@ void ContractMachine::SetRegistryString(std::string_view valueName, std::string_
 
 void ContractMachine::SetReadOnly(std::string_view path, bool readOnly) {
   using std::filesystem::perms;
-  std::filesystem::permissions(host_->HostPath(path), readOnly ? perms::owner_read : perms::owner_read | perms::owner_write);
+  const perms granted = readOnly ? perms::owner_read : perms::owner_read | perms::owner_write;
+  std::filesystem::permissions(host_->HostPath(path), granted);
 }
 
 void ContractMachine::InstallProbe(std::string_view path) {

@@ -94,7 +94,8 @@ TEST_F(FilesContract, AFolderIsNoFileAndAFileIsNoFolder) {
 }
 
 TEST_F(FilesContract, WhatDoesNotExistIsNeither) {
-  for (const std::string& path : {std::string(), Path("no"), Path("no\\no"), std::string("Q:\\no"), std::string("error\\no")}) {
+  const std::vector<std::string> missing = {"", Path("no"), Path("no\\no"), "Q:\\no", "error\\no"};
+  for (const std::string& path : missing) {
     EXPECT_FALSE(files.IsFile(path)) << path;
     EXPECT_FALSE(files.IsFolder(path)) << path;
   }

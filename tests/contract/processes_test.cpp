@@ -95,7 +95,8 @@ TEST_F(ProcessesContract, ExeIsAddedToANameWithoutExtension) {
 }
 
 TEST_F(ProcessesContract, AMissingProgramIsFileNotFoundAndNamed) {
-  for (const std::string& line : {machine.Path("no.exe"), machine.Path("no.exe") + " /a", "\"" + machine.Path("no.exe")}) {
+  const std::string missing = machine.Path("no.exe");
+  for (const std::string& line : {missing, missing + " /a", "\"" + missing}) {
     EXPECT_EQ(StartError(line), 53) << line;
     try {
       machine.processes.Start(line, kMinimised);

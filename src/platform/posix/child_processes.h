@@ -13,8 +13,8 @@ namespace parvex::posix {
 /// Programs of the machine as child processes: a file of the machine that this system can run, a script with "#!" or a
 /// native program. The child
 /// - finds the machine's folder in the environment variable PARVEX_MACHINE,
-/// - inherits the working folder and standard error, nothing else: its standard input is empty, its standard output goes
-///   to standard error (ours carries replies), no other open file is handed on.
+/// - inherits the working folder and standard error, nothing else: its standard input is empty, its standard output
+///   goes to standard error (ours carries replies), no other open file is handed on.
 /// The window style is of no effect. A child that a signal ended has the exit code 0xC0000000 plus the signal's number.
 class ChildProcesses : public Processes {
  public:

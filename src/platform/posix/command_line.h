@@ -15,8 +15,8 @@ struct CommandLine {
   std::vector<std::string> arguments;  ///< the program's name as written first
 
   /// Finds the program: a quoted name as it stands; of an unquoted one with blanks, each blank is tried as its end, the
-  /// shortest first. A name without extension is looked for with ".exe" first. A name without folder is looked for in the
-  /// current folder, C:\. No such file: an AutomationError (53).
+  /// shortest first. A name without extension is looked for with ".exe" first. A name without folder is looked for in
+  /// the current folder, C:\. No such file: an AutomationError (53).
   static CommandLine Parse(std::string_view text, MachineFolder& folder);
 };
 

@@ -23,8 +23,8 @@ struct FileVersion {
 /// Nothing when the file does not exist or is none.
 std::optional<FileVersion> VersionOf(const std::filesystem::path& host);
 
-/// Whether whatever changes the file from now on is sure to give it another version. A file that was changed just now is not
-/// settled: its next change may carry the same time, since a file system's clock moves in steps.
+/// Whether whatever changes the file from now on is sure to give it another version. A file that was changed just now
+/// is not settled: its next change may carry the same time, since a file system's clock moves in steps.
 bool IsSettled(const FileVersion& version);
 
 /// Not found (53), a folder or not readable (75).
@@ -32,13 +32,13 @@ std::string ReadHostFile(const std::filesystem::path& host, std::string_view sho
 
 enum class IfPresent { Replace, Refuse };
 
-/// Makes `host` hold exactly `bytes`: a new file beside it, completely written, takes the name in one step, so that the old
-/// or the complete new file stands there at every moment, whenever this program ends. The new file is gone after a failure.
-/// A replaced file hands its permissions on; one that nobody may write is read-only and refused (75), as is an existing
-/// one if asked to (58). No room: 61.
+/// Makes `host` hold exactly `bytes`: a new file beside it, completely written, takes the name in one step, so that the
+/// old or the complete new file stands there at every moment, whenever this program ends. The new file is gone after a
+/// failure. A replaced file hands its permissions on; one that nobody may write is read-only and refused (75), as is an
+/// existing one if asked to (58). No room: 61.
 ///
-/// The bytes are not forced to the disk first (a forced one takes 3 ms, one that is not 0.1 ms): after a power cut the file
-/// is what the file system makes of a renamed file, as on Windows. ext4 and btrfs write its bytes before its name.
+/// The bytes are not forced to the disk first (a forced one takes 3 ms, one that is not 0.1 ms): after a power cut the
+/// file is what the file system makes of a renamed file, as on Windows. ext4 and btrfs write its bytes before its name.
 void WriteHostFile(const std::filesystem::path& host, std::string_view bytes, IfPresent ifPresent,
                    std::string_view shownPath);
 

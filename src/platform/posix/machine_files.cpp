@@ -51,8 +51,8 @@ bool Matches(std::u16string_view name, std::u16string_view pattern) {
   }
 }
 
-// The names that the machine sees in a folder, in the order of their upper-cased form. A name that a file of the machine
-// cannot have is not seen; of names that differ in letter case only, the first is.
+// The names that the machine sees in a folder, in the order of their upper-cased form. A name that a file of the
+// machine cannot have is not seen; of names that differ in letter case only, the first is.
 std::vector<std::string> List(const std::filesystem::path& folder, Kind kind, std::u16string_view foldedPattern) {
   std::vector<std::pair<std::string, std::string>> found;  // folded, as written
   std::error_code ended;

@@ -118,8 +118,8 @@ bool IsFileName(std::string_view name) {
   const auto refused = [](char c) {
     return static_cast<unsigned char>(c) < 0x20 || std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos;
   };
-  return !name.empty() && name == WithoutTrailingDotsAndBlanks(name) && std::none_of(name.begin(), name.end(), refused) &&
-         !IsDeviceName(name);
+  return !name.empty() && name == WithoutTrailingDotsAndBlanks(name) &&
+         std::none_of(name.begin(), name.end(), refused) && !IsDeviceName(name);
 }
 
 std::string FoldName(std::string_view name) {

@@ -14,9 +14,9 @@
 
 namespace parvex::posix {
 
-/// A path of the machine, taken apart. Slash and backslash both separate, several in a row count as one; "." and ".." are
-/// resolved in the text and never lead above the drive; dots and blanks at the end of a name are dropped; a path without
-/// drive begins at C:\ (the current folder of every drive is its root).
+/// A path of the machine, taken apart. Slash and backslash both separate, several in a row count as one; "." and ".."
+/// are resolved in the text and never lead above the drive; dots and blanks at the end of a name are dropped; a path
+/// without drive begins at C:\ (the current folder of every drive is its root).
 struct MachinePath {
   char drive = 'C';  ///< upper case
   std::vector<std::string> names;
@@ -38,13 +38,15 @@ bool IsFileName(std::string_view name);
 std::string FoldName(std::string_view name);
 
 /// Where the machine's drives, folders and files are on this system: drive X is the folder drive_x of the root. Letter
-/// case is ignored component by component: the exact name is taken first, else the first match in the order of the bytes.
+/// case is ignored component by component: the exact name is taken first, else the first match in the order of the
+/// bytes.
 ///
-/// Links are followed. A link that leads out of its drive can be read through but not written through: Target refuses it.
-/// The drive folder itself may be a link (to the drive of a Wine prefix, for example); the drive then is what it leads to.
+/// Links are followed. A link that leads out of its drive can be read through but not written through: Target refuses
+/// it. The drive folder itself may be a link (to the drive of a Wine prefix, for example); the drive then is what it
+/// leads to.
 ///
-/// Looking up a path whose spelling is exact or was looked up before costs one or two stat calls; any other, one reading
-/// of each folder in which a name is spelled differently. Belongs to one thread at a time.
+/// Looking up a path whose spelling is exact or was looked up before costs one or two stat calls; any other, one
+/// reading of each folder in which a name is spelled differently. Belongs to one thread at a time.
 class MachineFolder {
  public:
   /// A folder that does not exist is an AutomationError (76).
@@ -58,11 +60,13 @@ class MachineFolder {
   std::optional<std::filesystem::path> Resolve(const MachinePath& path);
 
   /// Where a file is to be written: the existing file, else the name as given in its existing folder. AutomationErrors:
-  /// the folder does not exist (76); the path is a folder, cannot be a file's, or leads out of its drive by a link (75).
+  /// the folder does not exist (76); the path is a folder, cannot be a file's, or leads out of its drive by a link
+  /// (75).
   std::filesystem::path Target(std::string_view path);
   std::filesystem::path Target(const MachinePath& path);
 
-  /// An AutomationError (75) when `host`, on the way to `path`, was reached by a link that leads out of the path's drive.
+  /// An AutomationError (75) when `host`, on the way to `path`, was reached by a link that leads out of the path's
+  /// drive.
   void RefuseOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host);
 
   /// Called around the making and removing of a file by this program, so that its folder need not be read again: before

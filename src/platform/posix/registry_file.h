@@ -12,10 +12,10 @@
 
 namespace parvex::posix {
 
-/// The string values of a registry text as the Windows registry editor exports it ("Windows Registry Editor Version 5.00" in
-/// UTF-16 or UTF-8 with a byte order mark, or "REGEDIT4" in the ANSI code page): plain and expandable strings, quoted or as
-/// hexadecimal bytes, also over several lines. Lines that set nothing of this are skipped, deletions are carried out, of
-/// several values for one name the last counts.
+/// The string values of a registry text as the Windows registry editor exports it ("Windows Registry Editor Version
+/// 5.00" in UTF-16 or UTF-8 with a byte order mark, or "REGEDIT4" in the ANSI code page): plain and expandable strings,
+/// quoted or as hexadecimal bytes, also over several lines. Lines that set nothing of this are skipped, deletions are
+/// carried out, of several values for one name the last counts.
 class RegistryText {
  public:
   using Values = std::map<std::string, std::string>;  ///< by folded name
@@ -24,8 +24,8 @@ class RegistryText {
   RegistryText() = default;
   RegistryText(std::string_view bytes, CodePage& codePage);
 
-  /// A key with its hive ("HKEY_LOCAL_MACHINE\SOFTWARE\..."); letter case and extra backslashes do not matter. The default
-  /// value has the empty name.
+  /// A key with its hive ("HKEY_LOCAL_MACHINE\SOFTWARE\..."); letter case and extra backslashes do not matter. The
+  /// default value has the empty name.
   std::optional<std::string> Value(std::string_view key, std::string_view valueName) const;
 
  private:

@@ -47,8 +47,8 @@ class CommandLineTest : public testing::Test {
     for (const char* folder : {"", "Program Files/Korvane", "Korvane", "dir.exe"}) {
       std::filesystem::create_directories(Host(folder));
     }
-    for (const char* program :
-         {"Program Files/Korvane/wf.exe", "Program Files/Korvane/plain", "Korvane/both", "Korvane/both.exe", "root.exe"}) {
+    for (const char* program : {"Program Files/Korvane/wf.exe", "Program Files/Korvane/plain", "Korvane/both",
+                                "Korvane/both.exe", "root.exe"}) {
       test::WriteHostFile(Host(program), "");
     }
   }
@@ -105,7 +105,8 @@ TEST_F(CommandLineTest, ExeIsNotAddedToAnExtension) { EXPECT_EQ(Error("C:\\Korva
 TEST_F(CommandLineTest, ANameWithoutFolderIsLookedForInTheCurrentFolder) { EXPECT_EQ(Program("root /a"), "root.exe"); }
 
 TEST_F(CommandLineTest, WhatIsNoFileIsNoProgram) {
-  for (const char* line : {"", "   ", "\"\"", "\"", "C:\\no.exe", "C:\\dir.exe", "C:\\Korvane", "\\\\server\\a.exe", "nul"}) {
+  for (const char* line : {"", "   ", "\"\"", "\"", "C:\\no.exe", "C:\\dir.exe", "C:\\Korvane",
+                           "\\\\server\\a.exe", "nul"}) {
     EXPECT_EQ(Error(line), 53) << line;
   }
 }

@@ -45,7 +45,9 @@ TEST_F(RegistryTextTest, ReadsTheOldFormatInTheCodePage) {
   EXPECT_EQ(V("\"v\"=\"C:\\\\Gr\xF6\xDF" "e\"\r\n"), "C:\\Größe");
 }
 
-TEST_F(RegistryTextTest, ReadsUtf8WithAByteOrderMark) { EXPECT_EQ(Value(kHeader5 + "\"v\"=\"Größe\"\n", "v"), "Größe"); }
+TEST_F(RegistryTextTest, ReadsUtf8WithAByteOrderMark) {
+  EXPECT_EQ(Value(kHeader5 + "\"v\"=\"Größe\"\n", "v"), "Größe");
+}
 
 TEST_F(RegistryTextTest, LineEndsAndTheLastLineBreakDoNotMatter) {
   EXPECT_EQ(Value("REGEDIT4\n[HKEY_LOCAL_MACHINE\\K]\n\"v\"=\"x\"", "v"), "x");
@@ -102,7 +104,8 @@ TEST_F(RegistryTextTest, DeletionsAreCarriedOut) {
 
 TEST_F(RegistryTextTest, ADeletedKeyTakesThoseBelowButNotThoseBeside) {
   const std::string text =
-      "REGEDIT4\n[HKLM\\K\\Below]\n\"v\"=\"1\"\n[HKLM\\K2]\n\"v\"=\"2\"\n[HKLM\\K]\n\"v\"=\"3\"\n[HKLM\\K+]\n\"v\"=\"4\"\n"
+      "REGEDIT4\n[HKLM\\K\\Below]\n\"v\"=\"1\"\n[HKLM\\K2]\n\"v\"=\"2\"\n[HKLM\\K]\n\"v\"=\"3\"\n"
+      "[HKLM\\K+]\n\"v\"=\"4\"\n"
       "[-HKLM\\K]\n";
   EXPECT_EQ(Value(text, "v", "HKLM\\K"), std::nullopt);
   EXPECT_EQ(Value(text, "v", "HKLM\\K\\Below"), std::nullopt);
@@ -164,7 +167,9 @@ TEST_F(RegistryTextTest, ValuesBeforeTheFirstKeyAreSkipped) {
 }
 
 TEST_F(RegistryTextTest, NoTextHasNoValues) {
-  for (const std::string& bytes : {std::string(), std::string("\xFF\xFE"), std::string("\xFF\xFE\x41"), std::string(9, '\0')}) {
+  const std::string zeros(9, '\0');
+  for (const std::string_view bytes : {std::string_view(), std::string_view("\xFF\xFE"),
+                                       std::string_view("\xFF\xFE\x41"), std::string_view(zeros)}) {
     EXPECT_EQ(Value(bytes, "v"), std::nullopt);
   }
 }

@@ -85,7 +85,8 @@ TEST(Text, ReplaceAllReplacesEveryOccurrenceOnce) {
 }
 
 TEST(Text, TravelsToUtf16AndBack) {
-  const std::string text = "a\u007F\u0080ä\u07FF\u0800日\uFFFF" + std::string(kPair) + "\U0010FFFF" + std::string(1, '\0');
+  const std::string text =
+      "a\u007F\u0080ä\u07FF\u0800日\uFFFF" + std::string(kPair) + "\U0010FFFF" + std::string(1, '\0');
   EXPECT_EQ(ToUtf16(text), u"a\u007F\u0080ä\u07FF\u0800日\uFFFF\U0001F600\U0010FFFF" + std::u16string(1, u'\0'));
   EXPECT_EQ(FromUtf16(ToUtf16(text)), text);
 }

@@ -1,7 +1,11 @@
 #include "interface/command_table.h"
 
 #include "hybris/export_driver.h"
+#include "hybris/return_to_legacy.h"
 #include "interface/pending_commands.h"
+#include "options/options_commands.h"
+#include "projects/project_lifecycle.h"
+#include "projects/project_properties.h"
 
 namespace parvex {
 namespace {
@@ -10,15 +14,15 @@ constexpr CommandEntry kGetHybrisXml = {"getHybrisXML", GetHybrisXML,
                                         "exports the units selected in the quote builder, shown to its user"};
 
 constexpr CommandEntry kPullCommands[] = {
-    {"getProjectList", AnswerPendingCommand, "lists the projects"},
-    {"archiveProject", AnswerPendingCommand, "archives a project into an archive file"},
-    {"retrieveProject", AnswerPendingCommand, "restores a project from an archive file"},
-    {"addProject", AnswerPendingCommand, "creates a project"},
-    {"deleteProject", AnswerPendingCommand, "deletes a project"},
-    {"copyProject", AnswerPendingCommand, "copies a project under a new name"},
-    {"getProjectProperties", AnswerPendingCommand, "returns a project's properties and contact data"},
-    {"setProjectProperties", AnswerPendingCommand, "stores a project's properties"},
-    {"renameProject", AnswerPendingCommand, "renames a project"},
+    {"getProjectList", GetProjectList, "lists the projects"},
+    {"archiveProject", ArchiveProject, "archives a project into an archive file"},
+    {"retrieveProject", RetrieveProject, "restores a project from an archive file"},
+    {"addProject", AddProject, "creates a project"},
+    {"deleteProject", DeleteProject, "deletes a project"},
+    {"copyProject", CopyProject, "copies a project under a new name"},
+    {"getProjectProperties", GetProjectProperties, "returns a project's properties and contact data"},
+    {"setProjectProperties", SetProjectProperties, "stores a project's properties"},
+    {"renameProject", RenameProject, "renames a project"},
     {"rebuildAllTags", AnswerPendingCommand, "rebuilds every tag of a project through the legacy builder"},
     {"getTagList", AnswerPendingCommand, "lists the tags of one project"},
     {"getTags", AnswerPendingCommand, "returns tag documents"},
@@ -32,14 +36,14 @@ constexpr CommandEntry kPullCommands[] = {
     {"getReports", AnswerPendingCommand, "generates several reports"},
     {"getSubmittal", AnswerPendingCommand, "generates a submittal"},
     {"getAvailableReports", AnswerPendingCommand, "lists the reports that can be generated"},
-    {"getOptions", AnswerPendingCommand, "returns the language and unit-of-measure options"},
-    {"setOptions", AnswerPendingCommand, "stores the language and unit-of-measure options"},
+    {"getOptions", GetOptions, "returns the language and unit-of-measure options"},
+    {"setOptions", SetOptions, "stores the language and unit-of-measure options"},
 };
 
 constexpr CommandEntry kPullNgorlaCommands[] = {
     kGetHybrisXml,
     {"getHybrisXMLNoUI", GetHybrisXMLNoUI, "exports the units that the command selects, without user interface"},
-    {"RebuildTag", AnswerPendingCommand, "brings a tag back from a Hybris tag document"},
+    {"RebuildTag", ReturnTagToLegacy, "brings a tag back from a Hybris tag document"},
 };
 
 }  // namespace

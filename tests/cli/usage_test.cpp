@@ -93,7 +93,7 @@ TEST(Usage, CommandsListsBothTablesWithTheirSummaries) {
 
 TEST(Usage, CommandsSaysWhatIsNotCarriedOutYet) {
   const std::string list = RunParvex({"commands"}).out;
-  const std::size_t pending = list.find("  RebuildTag ");
+  const std::size_t pending = list.find("  getTagList ");
   ASSERT_NE(std::string::npos, pending);
   EXPECT_NE(std::string::npos, list.find("(not carried out yet)", pending));
   const std::size_t served = list.find("  getHybrisXMLNoUI ");
@@ -103,7 +103,7 @@ TEST(Usage, CommandsSaysWhatIsNotCarriedOutYet) {
 
 TEST(MachineOption, IsNeededByPullAndPullNgorla) {
   CliMachine machine;
-  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));
   ExpectWrongUsage(RunParvex({"pull", file}), "PARVEX_MACHINE");
   ExpectWrongUsage(RunParvex({"pull-ngorla", file}), "PARVEX_MACHINE");
   ExpectWrongUsage(RunParvex({"--machine", "", "pull", file}), "PARVEX_MACHINE");
@@ -112,7 +112,7 @@ TEST(MachineOption, IsNeededByPullAndPullNgorla) {
 
 TEST(MachineOption, IsTakenFromTheEnvironmentWhenItIsNotGiven) {
   CliMachine machine;
-  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));
   EXPECT_EQ(1, RunParvex({"pull", file}, {.environment = {{"PARVEX_MACHINE", machine.Folder()}}}).status);
   const Surroundings elsewhere = {.environment = {{"PARVEX_MACHINE", machine.Path("no such folder")}}};
   EXPECT_EQ(1, machine.Run({"pull", file}, elsewhere).status) << "the option counts before the environment";
@@ -121,7 +121,7 @@ TEST(MachineOption, IsTakenFromTheEnvironmentWhenItIsNotGiven) {
 
 TEST(MachineOption, IsUnderstoodBehindTheCommandToo) {
   CliMachine machine;
-  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));
   EXPECT_EQ(1, RunParvex({"pull", "--machine", machine.Folder(), file}).status);
 }
 
@@ -136,7 +136,7 @@ TEST(MachineOption, TakesAFolderRelativeToTheCurrentOne) {
 
 TEST(MachineOption, OfAFolderThatDoesNotExistOrIsAFileIsWrongUsage) {
   CliMachine machine;
-  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));
   ExpectWrongUsage(RunParvex({"--machine", machine.Path("nowhere"), "pull", file}), "nowhere");
   ExpectWrongUsage(RunParvex({"--machine", file, "pull", file}), "c.xml");
 }
@@ -144,7 +144,7 @@ TEST(MachineOption, OfAFolderThatDoesNotExistOrIsAFileIsWrongUsage) {
 TEST(MachineOption, OfAMachineWithSettingsThatNobodyUnderstandsIsWrongUsage) {
   CliMachine machine;
   machine.Write("machine/standin.json", "{\"workflow\":");
-  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));
   ExpectWrongUsage(machine.Run({"pull", file}), "standin.json");
 }
 
@@ -201,7 +201,7 @@ TEST(ReplayFile, WithAMalformedLineIsWrongUsageThatNamesTheLineAndNothingIsSent)
 
 TEST(StandardOutput, ThatCannotBeWrittenIsAFailure) {
   CliMachine machine;
-  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));
   for (const char* output : {"/dev/full", "-", "|"}) {
     for (const auto& arguments : std::vector<std::vector<std::string>>{
              {"pull", file}, {"base64", "encode", file}, {"commands"}, {"--version"}, {"--help"}}) {
@@ -214,7 +214,7 @@ TEST(StandardOutput, ThatCannotBeWrittenIsAFailure) {
 
 TEST(StandardOutput, ThatIsClosedDoesNotEndUpInTheJournal) {
   CliMachine machine;
-  const std::string file = machine.Write("c.xml", CommandText("getOptions"));
+  const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));
   machine.Run({"--journal", machine.Path("j"), "pull", file}, {.outputFile = "-"});
   EXPECT_EQ("", machine.Read("j"));
 }

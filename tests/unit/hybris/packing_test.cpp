@@ -318,11 +318,32 @@ TEST_F(Packing, RefusesDataThatUnpacksToAnotherLength) {
   for (const std::uint32_t declared : {0u, 1u, length - 1, length + 1, 60u << 20}) {
     std::string archive = SampleArchive();
     test::Put32(archive, test::DirectoryRecord(archive, kDeflated) + 24, declared);
-    EXPECT_THAT(RefusalOf(archive), HasSubstr("'deflated.txt' is damaged")) << declared;
+    EXPECT_THAT(RefusalOf(archive), HasSubstr("'deflated.txt' is damaged: its data does not unpack")) << declared;
   }
   std::string archive = SampleArchive();
   test::Put32(archive, test::DirectoryRecord(archive, kStored) + 24, 3);
   EXPECT_THAT(RefusalOf(archive), HasSubstr("stored with two lengths"));
+}
+
+TEST_F(Packing, RefusesBytesBehindADeflateStream) {
+  std::string archive = SampleArchive();
+  const std::size_t directory = test::DirectoryRecord(archive, 0);
+  archive.insert(directory, "more");
+  test::Put32(archive, test::EndRecord(archive) + 16, static_cast<std::uint32_t>(directory + 4));
+  ASSERT_EQ(UnpackBytes(archive).size(), 2u);
+  const std::size_t packedLength = test::DirectoryRecord(archive, kDeflated) + 20;
+  test::Put32(archive, packedLength, test::Get32(archive, packedLength) + 4);
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("'deflated.txt' is damaged: its data does not unpack"));
+}
+
+TEST_F(Packing, RefusesADirectoryThatIsCutShort) {
+  const std::string good = SampleArchive();
+  const std::uint32_t length = test::Get32(good, test::EndRecord(good) + 12);
+  for (std::uint32_t shorter = 0; shorter < length; ++shorter) {
+    std::string archive = good;
+    test::Put32(archive, test::EndRecord(archive) + 12, shorter);
+    EXPECT_THAT(RefusalOf(archive), HasSubstr("its directory is damaged")) << shorter;
+  }
 }
 
 TEST_F(Packing, RefusesAFolderWithContent) {

@@ -354,8 +354,8 @@ class Writer {
     }
   }
 
-  // Text in which only characters that the encoding lacks have to be escaped.
-  void AddRun(std::string_view run) {
+  // Text in which only characters that the encoding lacks have to be escaped; `before` and `behind` stand around each.
+  void AddRun(std::string_view run, std::string_view before = {}, std::string_view behind = {}) {
     if (encoding_ == nullptr) {
       sink_.Add(run);
       return;
@@ -366,7 +366,9 @@ class Writer {
       if (encoding_->Has(character)) {
         sink_.Add(run.substr(start, pos - start));
       } else {
+        sink_.Add(before);
         sink_.Add(CharacterReference(character));
+        sink_.Add(behind);
       }
     }
   }
@@ -377,28 +379,13 @@ class Writer {
     constexpr std::string_view kClose = "]]>";
     sink_.Add(kOpen);
     for (std::size_t end = text.find(kClose); end != std::string_view::npos; end = text.find(kClose)) {
-      AddCDataRun(text.substr(0, end + 2));
-      sink_.Add("]]><![CDATA[");
+      AddRun(text.substr(0, end + 2), kClose, kOpen);
+      sink_.Add(kClose);
+      sink_.Add(kOpen);
       text.remove_prefix(end + 2);
     }
-    AddCDataRun(text);
+    AddRun(text, kClose, kOpen);
     sink_.Add(kClose);
-  }
-
-  void AddCDataRun(std::string_view run) {
-    if (encoding_ == nullptr) {
-      sink_.Add(run);
-      return;
-    }
-    for (std::size_t pos = 0; pos < run.size();) {
-      const std::size_t start = pos;
-      const char32_t character = NextCodePoint(run, pos);
-      if (encoding_->Has(character)) {
-        sink_.Add(run.substr(start, pos - start));
-      } else {
-        sink_.Add("]]>" + CharacterReference(character) + "<![CDATA[");
-      }
-    }
   }
 
   Encoding* encoding_;

@@ -543,6 +543,34 @@ TEST_F(ExtractBesideBlobTest, KnowsTheBlobByAnySpellingOfItsPath) {
   EXPECT_EQ(machine_.Read("C:\\data\\\xC5\xA1.dat"), "the blob");
 }
 
+// A folder with one file, which has a second, short name as Windows keeps it.
+class FolderWithShortName : public Files {
+ public:
+  std::vector<std::string> written;
+
+  bool IsFile(std::string_view path) override {
+    return path == "C:\\data\\tag data.zip" || path == "C:\\data\\TAGDAT~1.ZIP";
+  }
+  bool IsFolder(std::string_view) override { return false; }
+  std::vector<std::string> ListFiles(std::string_view pattern) override {
+    return IsFile(pattern) ? std::vector<std::string>{"tag data.zip"} : std::vector<std::string>{};
+  }
+  std::vector<std::string> ListFolders(std::string_view) override { return {}; }
+  std::string ReadAll(std::string_view) override { return {}; }
+  void Replace(std::string_view path, std::string_view) override { written.emplace_back(path); }
+  void CreateNew(std::string_view, std::string_view) override { ADD_FAILURE(); }
+  void Remove(std::string_view) override { ADD_FAILURE(); }
+  void CreateFolder(std::string_view) override { ADD_FAILURE(); }
+  void RemoveFolder(std::string_view) override { ADD_FAILURE(); }
+};
+
+TEST(ExtractBesideBlobByShortName, NeverWritesOverTheBlob) {
+  FolderWithShortName files;
+  EXPECT_THROW(ExtractBesideBlob(files, {{"tag data.zip", "x", false}}, "C:\\data\\TAGDAT~1.ZIP"), AutomationError);
+  ExtractBesideBlob(files, {{"tag text.zip", "x", false}}, "C:\\data\\TAGDAT~1.ZIP");
+  EXPECT_THAT(files.written, testing::ElementsAre("C:\\data\\tag text.zip"));
+}
+
 TEST_F(ExtractBesideBlobTest, AllowsTheBlobsNameInAnotherFolder) {
   Extract({"sub\\tag.dat"});
   EXPECT_EQ(machine_.Read("C:\\data\\sub\\tag.dat"), "content of sub\\tag.dat");

@@ -1,34 +1,23 @@
 #include "legacy_standin/standin.h"
 
-#include "legacy_standin/standin_settings.h"
+#include <utility>
 
 namespace parvex::standin {
 namespace {
 
-class Router : public MessageRouter {
- public:
-  bool SendRequestMessage(const std::string&, std::string& response) override {
-    response.clear();
-    return false;
-  }
-};
-
-class RouterClass : public MessageRouters {
- public:
-  std::unique_ptr<MessageRouter> Create() override { return std::make_unique<Router>(); }
-};
+RequestTable AllRequests() {
+  RequestTable requests;
+  return requests;
+}
 
 }  // namespace
 
-struct Standin::Parts {
-  StandinSettings settings;
-  RouterClass routers;
-};
+Standin::Standin(Application application) : application_(std::move(application)), requests_(AllRequests()) {}
 
-Standin::Standin(posix::Machine& machine) : parts_(new Parts{ReadStandinSettings(machine.Root()), {}}) {}
+std::vector<LateBoundClass> Standin::Classes() { return {}; }
 
-Standin::~Standin() = default;
-
-MessageRouters& Standin::Routers() { return parts_->routers; }
+std::unique_ptr<MessageRouter> Standin::RouterClass::Create() {
+  return std::make_unique<Router>(standin_.application_, standin_.requests_);
+}
 
 }  // namespace parvex::standin

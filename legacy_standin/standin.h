@@ -1,27 +1,47 @@
 #pragma once
 
-#include <memory>
+#include <functional>
+#include <string>
+#include <vector>
 
+#include "legacy_standin/application.h"
+#include "legacy_standin/router.h"
+#include "platform/automation.h"
 #include "platform/message_router.h"
-#include "platform/posix/machine.h"
 
 namespace parvex::standin {
 
-/// The components of the substitute legacy application, for one machine folder. It reads the folder's standin.json when
-/// it is made (an AutomationError when that cannot be understood). The machine outlives it.
+/// A class that the substitute offers to late binding.
+struct LateBoundClass {
+  std::string programmaticId;
+  std::function<automation::ObjectRef()> create;
+};
+
+/// The components of the substitute legacy application on one machine.
 class Standin {
  public:
-  explicit Standin(posix::Machine& machine);
-  ~Standin();
+  explicit Standin(Application application);
   Standin(const Standin&) = delete;
   Standin& operator=(const Standin&) = delete;
 
-  /// Its message router. It knows no command yet: every request is refused with an empty answer.
-  MessageRouters& Routers();
+  /// Its message router.
+  MessageRouters& Routers() { return routers_; }
+  /// Its other components. The objects must not outlive this.
+  std::vector<LateBoundClass> Classes();
 
  private:
-  struct Parts;
-  std::unique_ptr<Parts> parts_;
+  class RouterClass : public MessageRouters {
+   public:
+    explicit RouterClass(const Standin& standin) : standin_(standin) {}
+    std::unique_ptr<MessageRouter> Create() override;
+
+   private:
+    const Standin& standin_;
+  };
+
+  const Application application_;
+  const RequestTable requests_;
+  RouterClass routers_{*this};
 };
 
 }  // namespace parvex::standin

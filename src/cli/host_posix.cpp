@@ -34,7 +34,14 @@ void KeepTaken(int descriptor, int mode) {
 }  // namespace
 
 struct Host::Parts {
-  explicit Parts(const std::filesystem::path& folder) : machine(folder), standin(machine) {}
+  explicit Parts(const std::filesystem::path& folder)
+      : machine(folder),
+        standin({machine.GetRegistry(), machine.GetFiles(), machine.GetProjectDatabases(), machine.GetCodePage(),
+                 standin::ReadStandinSettings(folder)}) {
+    for (const standin::LateBoundClass& offered : standin.Classes()) {
+      machine.RegisterClass(offered.programmaticId, offered.create);
+    }
+  }
   posix::Machine machine;
   standin::Standin standin;
 };

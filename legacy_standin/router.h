@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "legacy_standin/application.h"
+#include "platform/message_router.h"
+#include "platform/xml.h"
+
+namespace parvex::standin {
+
+/// Carries out one request and gives back the answer's text; refuses it by an AutomationError that says why.
+using RequestHandler = std::function<std::string(const Application&, const xml::Document& request)>;
+/// By the request's command name.
+using RequestTable = std::map<std::string, RequestHandler, std::less<>>;
+
+/// The substitute's message router. A request that it refuses (no command document, a name it does not know or was told
+/// to refuse, a handler's AutomationError) is answered with false and the reason as text.
+class Router : public MessageRouter {
+ public:
+  /// Both outlive the router.
+  Router(const Application& application, const RequestTable& requests)
+      : application_(application), requests_(requests) {}
+
+  bool SendRequestMessage(const std::string& request, std::string& response) override;
+
+ private:
+  const Application& application_;
+  const RequestTable& requests_;
+};
+
+}  // namespace parvex::standin

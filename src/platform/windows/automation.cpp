@@ -1,12 +1,12 @@
 #include "platform/windows/automation.h"
 
-#include <atomic>
 #include <limits>
 #include <map>
 #include <vector>
 
 #include "platform/automation_error.h"
 #include "platform/text.h"
+#include "platform/windows/com_object.h"
 #include "platform/windows/system_error.h"
 
 namespace parvex::windows {
@@ -127,39 +127,14 @@ class DispatchObject : public Object {
   std::string name_;
 };
 
-// Base of the small objects that go out: reference count, and member names mapped to numbers in the order they are asked for.
-class OutgoingDispatch : public IDispatch {
+// Base of the small objects that go out to late binding only, without type information.
+class OutgoingDispatch : public ComObject<IDispatch> {
  public:
-  virtual ~OutgoingDispatch() = default;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-    if (object == nullptr) {
-      return E_POINTER;
-    }
-    if (id == IID_IUnknown || id == IID_IDispatch) {
-      *object = static_cast<IDispatch*>(this);
-      AddRef();
-      return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) {
-      delete this;
-    }
-    return left;
-  }
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     *count = 0;
     return S_OK;
   }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return DISP_E_BADINDEX; }
-
- private:
-  std::atomic<ULONG> references_{0};
 };
 
 HRESULT ReportError(const AutomationError& error, EXCEPINFO* exception) {
@@ -256,28 +231,10 @@ class ExposedObject : public OutgoingDispatch {
 };
 
 // The enumerator of a keyed collection: its items in order.
-class ItemEnumerator : public IEnumVARIANT {
+class ItemEnumerator : public ComObject<IEnumVARIANT> {
  public:
   ItemEnumerator(CollectionRef items, std::size_t next) : items_(std::move(items)), next_(next) {}
-  virtual ~ItemEnumerator() = default;
 
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-    if (id == IID_IUnknown || id == IID_IEnumVARIANT) {
-      *object = static_cast<IEnumVARIANT*>(this);
-      AddRef();
-      return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) {
-      delete this;
-    }
-    return left;
-  }
   HRESULT STDMETHODCALLTYPE Next(ULONG wanted, VARIANT* items, ULONG* fetched) override {
     ULONG count = 0;
     for (; count < wanted && next_ < items_->size(); ++count, ++next_) {
@@ -298,15 +255,13 @@ class ItemEnumerator : public IEnumVARIANT {
     return S_OK;
   }
   HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** copy) override {
-    *copy = new ItemEnumerator(items_, next_);
-    (*copy)->AddRef();
+    *copy = MakeCom<ItemEnumerator>(items_, next_).Detach();
     return S_OK;
   }
 
  private:
   CollectionRef items_;
   std::size_t next_;
-  std::atomic<ULONG> references_{0};
 };
 
 // A keyed collection, with the members of the runtime's own collection object.
@@ -365,8 +320,7 @@ class ExposedCollection : public OutgoingDispatch {
     }
     VariantInit(result);
     V_VT(result) = VT_UNKNOWN;
-    V_UNKNOWN(result) = new ItemEnumerator(items_, 0);
-    V_UNKNOWN(result)->AddRef();
+    V_UNKNOWN(result) = MakeCom<ItemEnumerator>(items_, 0u).Detach();
     return S_OK;
   }
 
@@ -405,12 +359,10 @@ class ExposedCollection : public OutgoingDispatch {
   CollectionRef items_;
 };
 
-template <typename T>
-Variant DispatchVariant(T* object) {
+Variant DispatchVariant(ComPointer<IDispatch> object) {
   Variant variant;
-  object->AddRef();
   V_VT(&variant.Get()) = VT_DISPATCH;
-  V_DISPATCH(&variant.Get()) = object;
+  V_DISPATCH(&variant.Get()) = object.Detach();
   return variant;
 }
 
@@ -441,15 +393,11 @@ struct IntoVariant {
     return variant;
   }
   Variant operator()(const ObjectRef& value) const {
-    if (value == nullptr) {
-      Variant variant;
-      V_VT(&variant.Get()) = VT_DISPATCH;
-      V_DISPATCH(&variant.Get()) = nullptr;
-      return variant;
-    }
-    return DispatchVariant(ExposeObject(value).Get());
+    return DispatchVariant(value == nullptr ? ComPointer<IDispatch>() : ExposeObject(value));
   }
-  Variant operator()(const CollectionRef& value) const { return DispatchVariant(new ExposedCollection(value)); }
+  Variant operator()(const CollectionRef& value) const {
+    return DispatchVariant(MakeCom<ExposedCollection>(value).As<IDispatch>(IID_IDispatch));
+  }
 };
 
 }  // namespace
@@ -481,7 +429,7 @@ ComPointer<IDispatch> ExposeObject(ObjectRef object) {
   if (const auto* outside = dynamic_cast<const DispatchObject*>(object.get())) {
     return outside->Dispatch();
   }
-  return ComPointer<IDispatch>::Share(new ExposedObject(std::move(object)));
+  return MakeCom<ExposedObject>(std::move(object)).As<IDispatch>(IID_IDispatch);
 }
 
 Variant ToVariant(const Value& value) { return std::visit(IntoVariant{}, value); }

@@ -16,6 +16,9 @@ class LegacyORLAPull {
   /// Creates the message router; its AutomationError when it cannot be created.
   explicit LegacyORLAPull(const Platform& platform);
 
+  /// The instance as an automation object of its face, which the builder is told of; none at first.
+  void SetConsumer(automation::ObjectRef consumer) { link_.consumer = std::move(consumer); }
+
   /// Carries out one of PullCommands(). The command document is changed in place where the handler rewrites it. The
   /// reply is the handler's document itself; a null document where the handler answers with none.
   xml::Document Pull(const xml::Document& command);

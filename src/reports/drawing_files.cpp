@@ -9,12 +9,20 @@
 namespace parvex {
 namespace {
 
+/// Whether a name without backslash leads elsewhere all the same: a slash separates too, and a colon names a drive.
+bool LeadsOut(const std::string& fileName) {
+  return fileName.find(':') != std::string::npos || ("/" + fileName + "/").find("/../") != std::string::npos;
+}
+
 std::string EncodedDrawing(const Platform& platform, const std::string& fileName, std::string_view folder) {
-  if (fileName.find('\\') == std::string::npos && fileName.find_first_of("/:") != std::string::npos) {
+  if (fileName.empty()) {
+    return {};
+  }
+  if (fileName.find('\\') == std::string::npos && LeadsOut(fileName)) {
     throw MakeRuntimeError(RuntimeError::InvalidCall,
                            "the drawing file name \"" + fileName + "\" leads out of " + std::string(folder));
   }
-  return fileName.empty() ? std::string() : EncodeFileBase64(platform, ResolveReportFile(fileName, folder));
+  return EncodeFileBase64(platform, ResolveReportFile(fileName, folder));
 }
 
 void EmbedImages(const Platform& platform, const xml::Document& report, std::string_view folder) {

@@ -11,7 +11,7 @@ namespace parvex {
 /// file's content and a filename element with the name; in every section of type "dwg", then of type "rtf", the parent of
 /// each filename element gets the content. Names are looked for in the drawings folder of the product data set group; one
 /// with a backslash is a path of its own. A missing file gives an empty section; one whose path holds "\Temp" is deleted
-/// once read. A name that leads elsewhere by a slash or a drive is an error (5).
+/// once read. A name without backslash that leads elsewhere by ".." or a drive is an error (5).
 void EmbedDrawingFiles(const Platform& platform, const xml::Document& report, std::string_view pdsg);
 
 }  // namespace parvex

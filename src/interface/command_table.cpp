@@ -6,6 +6,8 @@
 #include "options/options_commands.h"
 #include "projects/project_lifecycle.h"
 #include "projects/project_properties.h"
+#include "reports/report_catalogue.h"
+#include "reports/report_commands.h"
 
 namespace parvex {
 namespace {
@@ -32,10 +34,10 @@ constexpr CommandEntry kPullCommands[] = {
     {"copyTag", AnswerPendingCommand, "copies a tag, possibly into another project"},
     {"configureTag", AnswerPendingCommand, "configures a tag through the legacy builder"},
     kGetHybrisXml,
-    {"getReport", AnswerPendingCommand, "generates one report"},
-    {"getReports", AnswerPendingCommand, "generates several reports"},
-    {"getSubmittal", AnswerPendingCommand, "generates a submittal"},
-    {"getAvailableReports", AnswerPendingCommand, "lists the reports that can be generated"},
+    {"getReport", GetReport, "generates one report"},
+    {"getReports", GetReports, "generates several reports"},
+    {"getSubmittal", GetSubmittal, "generates a submittal"},
+    {"getAvailableReports", GetAvailableReports, "lists the reports that can be generated"},
     {"getOptions", GetOptions, "returns the language and unit-of-measure options"},
     {"setOptions", SetOptions, "stores the language and unit-of-measure options"},
 };

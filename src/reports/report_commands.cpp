@@ -107,14 +107,17 @@ void AddReport(const ObjectRef& server, const std::string& templatePath, std::st
                 {templatePath, ReportCategory(reportName), std::string(reportName), tag.pdsg, tag.name});
 }
 
-bool MakeReport(const ObjectRef& server) {
-  Argument unused{std::string(), true};
-  const Value made = server->Call("MakeReport", {&unused, 1});
-  if (const auto* flag = std::get_if<bool>(&made)) {
+bool IsTrue(const Value& result) {
+  if (const auto* flag = std::get_if<bool>(&result)) {
     return *flag;
   }
-  const auto* number = std::get_if<std::int32_t>(&made);
+  const auto* number = std::get_if<std::int32_t>(&result);
   return number != nullptr && *number != 0;
+}
+
+bool MakeReport(const ObjectRef& server) {
+  Argument unused{std::string(), true};
+  return IsTrue(server->Call("MakeReport", {&unused, 1}));
 }
 
 /// Makes what was added; nothing added is shown to the user and counts as not made.
@@ -186,9 +189,7 @@ xml::Document ShowEquipmentSchedule(LegacyLink& link, const xml::Document& comma
   named->emplace_back("tags", Argument{tagsXml});
   const ObjectRef request = link.platform.automation.Create(legacy::kScheduleRequestClass);
   Argument arguments[] = {{std::string("SHOWSCHEDULE")}, {automation::CollectionRef(named)}};
-  const Value shown = request->Call("SendRequest", arguments);
-  const auto* flag = std::get_if<bool>(&shown);
-  return AnswerMade(flag != nullptr && *flag);
+  return AnswerMade(IsTrue(request->Call("SendRequest", arguments)));
 }
 
 std::vector<std::string> ReportNames(const xml::Document& command) {
@@ -227,6 +228,9 @@ xml::Document MakeSeveralReports(LegacyLink& link, const xml::Document& command,
 xml::Node LoadSubmittal(const Platform& platform, std::string_view pdsg) {
   const std::string path = ReportsTempFolder(platform) + "\\NGreport.xml";
   const xml::Document report = xml::Document::Load(platform.files.ReadAll(path));
+  if (report.IsEmpty()) {
+    throw MakeRuntimeError(RuntimeError::ObjectNotSet, path + " is no XML document: " + report.ParseError());
+  }
   EmbedDrawingFiles(platform, report, pdsg);
   return Required(report.First("//root"), "//root", path);
 }

@@ -32,6 +32,26 @@ std::string CarryOut(const Application& application, const RequestTable& request
 
 }  // namespace
 
+std::optional<std::string> FindParameter(const xml::Document& request, std::string_view name) {
+  const xml::Node command = request.Root();
+  for (xml::Node parameter = command.Child("PARAMETER"); parameter; parameter = parameter.Next("PARAMETER")) {
+    const xml::Node parameterName = parameter.Child("NAME");
+    if (parameterName && parameterName.Text() == name) {
+      const xml::Node value = parameter.Child("VALUE");
+      return value ? value.Text() : "";
+    }
+  }
+  return std::nullopt;
+}
+
+std::string NeedParameter(const xml::Document& request, std::string_view name) {
+  const std::optional<std::string> value = FindParameter(request, name);
+  if (!value || value->empty()) {
+    Refuse("the request has no " + std::string(name));
+  }
+  return *value;
+}
+
 bool Router::SendRequestMessage(const std::string& request, std::string& response) {
   try {
     response = CarryOut(application_, requests_, request);

@@ -2,7 +2,9 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "legacy_standin/application.h"
 #include "platform/message_router.h"
@@ -14,6 +16,13 @@ namespace parvex::standin {
 using RequestHandler = std::function<std::string(const Application&, const xml::Document& request)>;
 /// By the request's command name.
 using RequestTable = std::map<std::string, RequestHandler, std::less<>>;
+
+// What handlers read from a request. As everywhere in the protocol the first of several parameters of a name counts.
+
+/// The parameter's text, nothing when the request has no such parameter.
+std::optional<std::string> FindParameter(const xml::Document& request, std::string_view name);
+/// The parameter's text; a request without it, or with an empty one, is refused (5).
+std::string NeedParameter(const xml::Document& request, std::string_view name);
 
 /// The substitute's message router. A request that it refuses (no command document, a name it does not know or was told
 /// to refuse, a handler's AutomationError) is answered with false and the reason as text.

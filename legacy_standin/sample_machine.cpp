@@ -6,11 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "legacy_standin/jet_writer.h"
+#include "legacy_standin/project_store.h"
 #include "legacy_standin/sample_project.h"
 #include "legacy_standin/units.h"
 #include "platform/automation_error.h"
-#include "platform/text.h"
 #include "platform/xml.h"
 
 namespace parvex::standin {
@@ -94,34 +93,12 @@ std::string AsRegistryExport(std::string_view text) {
   return bytes;
 }
 
-JetTable ConfigTable() {
-  return {"Config",
-          {{.name = "sPdsg", .size = 10}, {.name = "sKey", .size = 50}, {.name = "sValue"}},
-          {{"KDQ47", "CompanyName", "Marsh & Lindqvist Mechanical"},
-           {"KDQ47", "EmailID", "quotes@marsh-lindqvist.example"},
-           {"KDQ47", "ContactNumber", "+1 555 0147"}}};
-}
-
-/// The index of tags: where a tag's number is found by its family, its version and its name.
-JetTable TagIndexTable(const std::vector<Unit>& units) {
-  JetTable table = {"TagIndex",
-                    {{.name = "lTagId", .type = JetColumn::Type::Long},
-                     {.name = "sAPP", .size = 10},
-                     {.name = "sAppVer", .size = 10},
-                     {.name = "sTagName"}},
-                    {}};
-  for (const Unit& unit : units) {
-    const std::string pdsg = FieldOf(unit.keys, "PDSG");
-    table.rows.push_back({std::to_string(unit.tagId), std::string(FirstUnits(pdsg, 3)), std::string(LastUnits(pdsg, 2)),
-                          FieldOf(unit.keys, "MarkFor")});
-  }
-  return table;
-}
-
 void WriteProject(const fs::path& folder, const std::vector<Unit>& units) {
   WriteFile(folder / "units.json", FormatUnits(units));
-  const std::array tables = {ConfigTable(), TagIndexTable(units)};
-  WriteFile(folder / "project.mdb", MakeJetDatabase(tables));
+  WriteFile(folder / "project.mdb", MakeProjectDatabase({{"KDQ47", "CompanyName", "Marsh & Lindqvist Mechanical"},
+                                                         {"KDQ47", "EmailID", "quotes@marsh-lindqvist.example"},
+                                                         {"KDQ47", "ContactNumber", "+1 555 0147"}},
+                                                        units));
 }
 
 /// A command document that exports tags of the project, all of them when none is named.

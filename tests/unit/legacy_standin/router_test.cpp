@@ -4,6 +4,7 @@
 
 #include "platform/automation_error.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/raised_by.h"
 
 namespace parvex::standin {
 namespace {
@@ -52,6 +53,20 @@ TEST_F(RouterTest, ARequestThatItIsToldToRefuseIsRefused) {
   application.settings.router.refuse = {"greet"};
   EXPECT_FALSE(Send("<COMMAND><NAME>greet</NAME></COMMAND>"));
   EXPECT_EQ(answer, "told to refuse \"greet\"");
+}
+
+TEST_F(RouterTest, TheFirstOfSeveralParametersOfANameCounts) {
+  const xml::Document request = xml::Document::Parse(
+      "<COMMAND><NAME>greet</NAME><PARAMETER><NAME>a</NAME><VALUE/></PARAMETER><PARAMETER><NAME>b</NAME><VALUE>1</VALUE>"
+      "</PARAMETER><PARAMETER><NAME>b</NAME><VALUE>2</VALUE></PARAMETER><PARAMETER><NAME>c</NAME></PARAMETER></COMMAND>");
+  EXPECT_EQ(FindParameter(request, "a"), "");
+  EXPECT_EQ(FindParameter(request, "b"), "1");
+  EXPECT_EQ(FindParameter(request, "c"), "");
+  EXPECT_EQ(FindParameter(request, "B"), std::nullopt);
+  EXPECT_EQ(NeedParameter(request, "b"), "1");
+  for (const char* missing : {"a", "B"}) {
+    EXPECT_EQ(test::RaisedBy([&] { NeedParameter(request, missing); }), 5) << missing;
+  }
 }
 
 }  // namespace

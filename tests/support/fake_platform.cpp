@@ -89,7 +89,7 @@ TemporaryFolder::~TemporaryFolder() {
 FakeMachine::FakeMachine()
     : machine(InstalledMachine(folder.Path())),
       platform{machine.GetRegistry(), machine.GetPrivateProfile(), machine.GetFiles(), processes, pump, boxes, routers,
-               machine.GetAutomation(), machine.GetProjectDatabases(), machine.GetCodePage()} {
+               automation, machine.GetProjectDatabases(), machine.GetCodePage()} {
   ForgetInstallPaths();
   ForgetIniTarget();
   SetBinPath(kBinPath);

@@ -11,6 +11,7 @@
 
 #include "platform/platform.h"
 #include "platform/posix/machine.h"
+#include "tests/support/fake_automation.h"
 
 namespace parvex::test {
 
@@ -83,7 +84,8 @@ class TemporaryFolder {
 
 /// A machine in a temporary folder with an installed legacy application ("C:\Korvane\TQ5-VX\Bin\", empty Bin, Temp,
 /// Projects and Archives folders): registry, ini files, files, databases and code page are the native adapters over that
-/// folder; programs, router, boxes and the clock are fakes. Making one drops the thread's kept install paths and ini target.
+/// folder; programs, router, late-bound classes, boxes and the clock are fakes. Making one drops the thread's kept install
+/// paths and ini target.
 class FakeMachine {
  public:
   FakeMachine();
@@ -94,6 +96,7 @@ class FakeMachine {
   FakeProcesses processes;
   FakeMessagePump pump;
   FakeMessageBoxes boxes;
+  FakeAutomation automation;
   Platform platform;
 
   static constexpr const char* kBinPath = "C:\\Korvane\\TQ5-VX\\Bin\\";

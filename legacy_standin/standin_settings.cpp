@@ -1,5 +1,6 @@
 #include "legacy_standin/standin_settings.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -8,6 +9,9 @@
 
 namespace parvex::standin {
 namespace {
+
+constexpr std::string_view kReportMembers[] = {"Reset",     "action",      "ClientID", "command",   "OutputType", "Project",
+                                               "ProjectID", "OutputUnits", "AddTag",   "AddReport", "MakeReport", "SendRequest"};
 
 std::optional<int> TakeExitCode(JsonMembers& members) {
   const Json value = members.Take("exitCode");
@@ -31,6 +35,15 @@ std::vector<std::string> TakeCommandNames(JsonMembers& members, const std::strin
   return names;
 }
 
+std::string TakeReportMember(JsonMembers& members, const std::string& key) {
+  const std::string member = members.TakeText(key);
+  const bool known = std::find(std::begin(kReportMembers), std::end(kReportMembers), member) != std::end(kReportMembers);
+  if (!member.empty() && !known) {
+    members.Refuse(members.PlaceOf(key), "a member of the report server or the schedule request", member);
+  }
+  return member;
+}
+
 }  // namespace
 
 StandinSettings ParseStandinSettings(std::string_view json, std::string_view fileName) {
@@ -48,7 +61,13 @@ StandinSettings ParseStandinSettings(std::string_view json, std::string_view fil
   router.Finish();
 
   all.TakeObject("builder");
-  all.TakeObject("reportServer");
+
+  JsonMembers reportServer = all.TakeObject("reportServer");
+  settings.reportServer.missing = reportServer.TakeFlag("missing", false);
+  settings.reportServer.failAt = TakeReportMember(reportServer, "failAt");
+  settings.reportServer.makeReport = reportServer.TakeFlag("makeReport", true);
+  reportServer.Finish();
+
   all.Finish();
   return settings;
 }

@@ -18,13 +18,19 @@ struct StandinSettings {
   struct Router {
     std::vector<std::string> refuse;  ///< names of the commands that the router refuses
   };
+  struct ReportServer {
+    bool missing = false;    ///< its classes are not registered
+    std::string failAt;      ///< the member that fails; empty for none
+    bool makeReport = true;  ///< false: nothing is made, and the answer says so
+  };
   Workflow workflow;
   Router router;
+  ReportServer reportServer;
 };
 
 /// Reads the text of a standin.json. A text that is no JSON, a key that nobody knows and a value of the wrong type are
-/// AutomationErrors (5) that name `fileName`, the key and the value. The keys "builder" and "reportServer" are accepted
-/// and not looked into: the substitute has no such components yet.
+/// AutomationErrors (5) that name `fileName`, the key and the value. The key "builder" is accepted and not looked into:
+/// the substitute has no such component yet.
 StandinSettings ParseStandinSettings(std::string_view json, std::string_view fileName);
 
 /// The settings of a machine folder: those of its standin.json, or the defaults when it has none.

@@ -32,7 +32,19 @@ TEST(StandinSettingsTest, ReadsEveryKeyOfTheWorkflowAndTheRouter) {
 
 TEST(StandinSettingsTest, AcceptsThePartsOfComponentsThatDoNotExistYet) {
   EXPECT_NO_THROW(ParseStandinSettings(
-      R"({"builder":{"failAt":"View","slowPolls":20},"reportServer":{"makeReport":false}})", "standin.json"));
+      R"({"builder":{"failAt":"View","slowPolls":20}})", "standin.json"));
+}
+
+TEST(StandinSettingsTest, TheReportServerBehavesUnlessToldOtherwise) {
+  const StandinSettings behaving = ParseStandinSettings(R"({"reportServer":{}})", "standin.json");
+  EXPECT_FALSE(behaving.reportServer.missing);
+  EXPECT_EQ(behaving.reportServer.failAt, "");
+  EXPECT_TRUE(behaving.reportServer.makeReport);
+  const StandinSettings told = ParseStandinSettings(
+      R"({"reportServer":{"missing":true,"failAt":"AddTag","makeReport":false}})", "standin.json");
+  EXPECT_TRUE(told.reportServer.missing);
+  EXPECT_EQ(told.reportServer.failAt, "AddTag");
+  EXPECT_FALSE(told.reportServer.makeReport);
 }
 
 class StandinSettingsRefusal : public testing::TestWithParam<RefusedText> {};
@@ -52,7 +64,9 @@ INSTANTIATE_TEST_SUITE_P(
                     RefusedText{"MisspeltKey", R"({"workflow":{"cancelled":true}})", "workflow.cancelled"},
                     RefusedText{"MisspeltPart", R"({"workflows":{}})", "workflows"},
                     RefusedText{"RefuseNoList", R"({"router":{"refuse":"copyProject"}})", "router.refuse"},
-                    RefusedText{"RefuseNoTexts", R"({"router":{"refuse":[1]}})", "router.refuse"}),
+                    RefusedText{"RefuseNoTexts", R"({"router":{"refuse":[1]}})", "router.refuse"},
+                    RefusedText{"NoReportMember", R"({"reportServer":{"failAt":"Addtag"}})", "reportServer.failAt"},
+                    RefusedText{"MisspeltReportKey", R"({"reportServer":{"makeReports":false}})", "makeReports"}),
     ReasonOf);
 
 TEST(StandinSettingsTest, AFolderWithoutTheFileHasTheDefaults) {

@@ -1,4 +1,5 @@
 # What the cross build for Windows needs beyond the native one.
+enable_language(RC)
 
 # The message router of the legacy application, as the installation registers it; the defaults are the substitute's.
 set(PARVEX_ROUTER_CLSID "{196AAAC4-3B30-44CD-BF13-4C212B3BCD3D}" CACHE STRING "Class id of the message router")

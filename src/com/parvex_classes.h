@@ -1,0 +1,12 @@
+#pragma once
+
+#include <span>
+
+#include "com/class_factory.h"
+
+namespace parvex::com {
+
+/// The public classes of Parvex.
+std::span<const ComClass> ParvexClasses();
+
+}  // namespace parvex::com

@@ -2,11 +2,13 @@
 
 #include <utility>
 
+#include "legacy_standin/project_requests.h"
+
 namespace parvex::standin {
 namespace {
 
 RequestTable AllRequests() {
-  RequestTable requests;
+  RequestTable requests = ProjectRequests();
   return requests;
 }
 

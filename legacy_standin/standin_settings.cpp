@@ -10,8 +10,9 @@
 namespace parvex::standin {
 namespace {
 
-constexpr std::string_view kReportMembers[] = {"Reset",     "action",      "ClientID", "command",   "OutputType", "Project",
-                                               "ProjectID", "OutputUnits", "AddTag",   "AddReport", "MakeReport", "SendRequest"};
+constexpr std::string_view kReportMembers[] = {"Reset",      "action",    "ClientID",   "command",
+                                               "OutputType", "Project",   "ProjectID",  "OutputUnits",
+                                               "AddTag",     "AddReport", "MakeReport", "SendRequest"};
 
 std::optional<int> TakeExitCode(JsonMembers& members) {
   const Json value = members.Take("exitCode");
@@ -37,7 +38,8 @@ std::vector<std::string> TakeCommandNames(JsonMembers& members, const std::strin
 
 std::string TakeReportMember(JsonMembers& members, const std::string& key) {
   const std::string member = members.TakeText(key);
-  const bool known = std::find(std::begin(kReportMembers), std::end(kReportMembers), member) != std::end(kReportMembers);
+  const bool known =
+      std::find(std::begin(kReportMembers), std::end(kReportMembers), member) != std::end(kReportMembers);
   if (!member.empty() && !known) {
     members.Refuse(members.PlaceOf(key), "a member of the report server or the schedule request", member);
   }

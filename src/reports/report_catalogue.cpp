@@ -29,10 +29,10 @@ constexpr StandardReport kStandardReports[] = {
 };
 
 struct CustomReport {
-  std::string_view offeredType;   // the name that front ends are offered
-  std::string_view lookupName;    // the name that finds the template
+  std::string_view offeredType;  // the name that front ends are offered
+  std::string_view lookupName;   // the name that finds the template
   std::string_view templateFile;
-  std::string_view configured;    // how KDCustomRpt_Cfg.xml names the template; empty: never offered
+  std::string_view configured;  // how KDCustomRpt_Cfg.xml names the template; empty: never offered
   std::string_view displayName;
 };
 
@@ -45,8 +45,7 @@ constexpr CustomReport kCustomReports[] = {
     {"CornerWeight", "CornerWeight", "CornerWeight_qdf.xml", "CornerWeight_qdf", "Corner Weights Report"},
     {"ControlSheet", "ControlSheet", "ControlsSheet_qdf.xml", "ControlsSheet_qdf", "Custom Controls Sheet"},
     {"BACNetPointsList", "BACNetPointsList", "BACNet_qdf.xml", "BACNet_qdf", "BACNet Points List"},
-    {"ECO_Desig_Data_Sheet", "ECO__Desig_Data_Sheet", "ECO_Desig_Data_Sheet.xml", "ECO_Desig_Data_Sheet",
-     "ECO Design"},
+    {"ECO_Desig_Data_Sheet", "ECO__Desig_Data_Sheet", "ECO_Desig_Data_Sheet.xml", "ECO_Desig_Data_Sheet", "ECO Design"},
     {"EquipmentSchedule", "EquipmentSchedule", "DefaultScheduleTemplate.xml", "", ""},
     {"NGSubmittal", "NGSubmittal", "NGSubmittal_qdf.xml", "", ""},
 };
@@ -82,8 +81,8 @@ void Offer(const xml::Document& reports, std::string_view type, std::string_view
   reports.Append(reports.CreateElement("REPORT")).Append(MakeParameterElement(type, displayName));
 }
 
-/// What a qdf entry names: without the five characters before the name and the extension behind it; nothing for an entry
-/// of 10 characters or fewer.
+/// What a qdf entry names: without the five characters before the name and the extension behind it; nothing for an
+/// entry of 10 characters or fewer.
 std::string_view ConfiguredName(std::string_view qdf) {
   const std::size_t length = LengthInUnits(qdf);
   return length > 10 ? DropUnits(FirstUnits(qdf, length - 4), 5) : std::string_view();

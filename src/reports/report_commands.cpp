@@ -45,7 +45,8 @@ ReportedTags FetchTags(LegacyLink& link, const xml::Document& command) {
   constexpr std::string_view kNamePath = "//Property[@name='proj_name']/Value";
   ReportedTags tags;
   tags.data = GetTags(link, request);
-  tags.projectId = Required(tags.data.First("//Project"), "//Project", "the tag data").Attribute("ProjectID").value_or("");
+  tags.projectId =
+      Required(tags.data.First("//Project"), "//Project", "the tag data").Attribute("ProjectID").value_or("");
   tags.projectName = Required(tags.data.First(kNamePath), kNamePath, "the tag data").Text();
   tags.unitsOfMeasure = GetParamFromCmdDoc(command, "UnitsOfMeasure");
   return tags;
@@ -272,7 +273,8 @@ xml::Document GetSubmittal(LegacyLink& link, const xml::Document& command) {
     }
     const ReportedTag tag = ReadTag(element, pdsg);
     server->Call("Reset", {});
-    PrepareReport(server, "NGSubmittal", tags);  // a client name of its own, deliberately: it makes the server write XML
+    PrepareReport(server, "NGSubmittal",
+                  tags);  // a client name of its own, deliberately: it makes the server write XML
     AddTag(platform, server, tag);
     AddReport(server, templatePath, reportName, tag);
     MakeReport(server);

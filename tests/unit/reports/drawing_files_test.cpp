@@ -97,9 +97,10 @@ TEST_F(DrawingFilesTest, AnEmptyNameGivesAnEmptySectionAlsoWhereTheFolderHoldsFi
 TEST_F(DrawingFilesTest, AFileInATemporaryFolderIsConsumedAndOneElsewhereIsKept) {
   machine.Write("C:\\Korvane\\TQ5-VX\\Temp\\chart.bmp", "chart");
   machine.Write("C:\\Plots\\chart.bmp", "plot");
-  EXPECT_EQ(Embedded("<root><image>C:\\Korvane\\TQ5-VX\\Temp\\chart.bmp</image><image>C:\\Plots\\chart.bmp</image></root>"),
-            "<root><image><![CDATA[Y2hhcnQ=]]><filename>C:\\Korvane\\TQ5-VX\\Temp\\chart.bmp</filename></image>"
-            "<image><![CDATA[cGxvdA==]]><filename>C:\\Plots\\chart.bmp</filename></image></root>");
+  EXPECT_EQ(
+      Embedded("<root><image>C:\\Korvane\\TQ5-VX\\Temp\\chart.bmp</image><image>C:\\Plots\\chart.bmp</image></root>"),
+      "<root><image><![CDATA[Y2hhcnQ=]]><filename>C:\\Korvane\\TQ5-VX\\Temp\\chart.bmp</filename></image>"
+      "<image><![CDATA[cGxvdA==]]><filename>C:\\Plots\\chart.bmp</filename></image></root>");
   EXPECT_FALSE(machine.Exists("C:\\Korvane\\TQ5-VX\\Temp\\chart.bmp"));
   EXPECT_TRUE(machine.Exists("C:\\Plots\\chart.bmp"));
 }
@@ -114,7 +115,8 @@ TEST_F(DrawingFilesTest, AnImageInADrawingSectionIsEmbeddedByBothSteps) {
 
 TEST_F(DrawingFilesTest, ANameThatLeavesTheFolderByItsParentOrADriveIsRefused) {
   machine.Write("C:\\Korvane\\TQ5-VX\\RTU47\\Code\\secret.dwg", "secret");
-  for (const char* name : {"../../secret.dwg", "a/../../secret.dwg", "..", "a/..", "C:secret.dwg", "C:/secret.dwg", "unit.dwg:x"}) {
+  for (const char* name :
+       {"../../secret.dwg", "a/../../secret.dwg", "..", "a/..", "C:secret.dwg", "C:/secret.dwg", "unit.dwg:x"}) {
     const std::string report = "<root><image>" + std::string(name) + "</image></root>";
     try {
       Embedded(report);

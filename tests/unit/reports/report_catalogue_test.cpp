@@ -58,10 +58,10 @@ TEST_F(ReportCatalogueTest, EveryOtherNameIsCustomStandardTypesAmongThem) {
 
 TEST_F(ReportCatalogueTest, EachStandardTypeHasItsTemplateBehindTheUnchangedFolder) {
   const std::pair<const char*, const char*> expected[] = {
-      {"UnitReport", "UnitReport_qdf.xml"},          {"PerformanceReport", "PerformanceSmry_qdf.xml"},
-      {"InputSummary", "InputSummary_qdf.xml"},      {"CertifiedDrawing", "CertifiedDwg_qdf.xml"},
-      {"WiringDiagram", "WiringDiagram_qdf.xml"},    {"AcousticSummary", "AcousticSmry_qdf.xml"},
-      {"GuideSpecification", "GuideSpec_qdf.xml"},   {"TitlePage", "TitlePage_qdf.xml"}};
+      {"UnitReport", "UnitReport_qdf.xml"},        {"PerformanceReport", "PerformanceSmry_qdf.xml"},
+      {"InputSummary", "InputSummary_qdf.xml"},    {"CertifiedDrawing", "CertifiedDwg_qdf.xml"},
+      {"WiringDiagram", "WiringDiagram_qdf.xml"},  {"AcousticSummary", "AcousticSmry_qdf.xml"},
+      {"GuideSpecification", "GuideSpec_qdf.xml"}, {"TitlePage", "TitlePage_qdf.xml"}};
   for (const auto& [type, file] : expected) {
     EXPECT_EQ(ReportTemplatePath(machine.platform, "C:\\T", type, "SpecSheet"), "C:\\T" + std::string(file));
     EXPECT_EQ(TemplateOfReport(machine.platform, "RTU47", type), kTemplates + std::string(file));
@@ -70,15 +70,14 @@ TEST_F(ReportCatalogueTest, EachStandardTypeHasItsTemplateBehindTheUnchangedFold
 }
 
 TEST_F(ReportCatalogueTest, EachCustomReportHasItsTemplate) {
-  const std::pair<const char*, const char*> expected[] = {
-      {"DetailedPerformanceReport", "DetailedPerfSmry_qdf.xml"},
-      {"SpecSheet", "SpecSheet_qdf.xml"},
-      {"FeatureSheet", "UnitFeatureSheet_qdf.xml"},
-      {"CornerWeight", "CornerWeight_qdf.xml"},
-      {"ControlSheet", "ControlsSheet_qdf.xml"},
-      {"BACNetPointsList", "BACNet_qdf.xml"},
-      {"ECO__Desig_Data_Sheet", "ECO_Desig_Data_Sheet.xml"},
-      {"NGSubmittal", "NGSubmittal_qdf.xml"}};
+  const std::pair<const char*, const char*> expected[] = {{"DetailedPerformanceReport", "DetailedPerfSmry_qdf.xml"},
+                                                          {"SpecSheet", "SpecSheet_qdf.xml"},
+                                                          {"FeatureSheet", "UnitFeatureSheet_qdf.xml"},
+                                                          {"CornerWeight", "CornerWeight_qdf.xml"},
+                                                          {"ControlSheet", "ControlsSheet_qdf.xml"},
+                                                          {"BACNetPointsList", "BACNet_qdf.xml"},
+                                                          {"ECO__Desig_Data_Sheet", "ECO_Desig_Data_Sheet.xml"},
+                                                          {"NGSubmittal", "NGSubmittal_qdf.xml"}};
   for (const auto& [name, file] : expected) {
     EXPECT_EQ(ReportTemplatePath(machine.platform, "C:\\T\\", "Custom", name), "C:\\T\\" + std::string(file));
     EXPECT_EQ(TemplateOfReport(machine.platform, "RTU47", name), kTemplates + std::string(file));
@@ -93,8 +92,8 @@ TEST_F(ReportCatalogueTest, TheEquipmentScheduleIsABareFileName) {
 
 TEST_F(ReportCatalogueTest, AnUnknownCustomNameShowsABoxAndHasNoTemplate) {
   EXPECT_EQ(ReportTemplatePath(machine.platform, "C:\\T\\", "Custom", "specsheet"), "");
-  EXPECT_THAT(machine.boxes.boxes, ElementsAre(FakeMessageBoxes::Box{"Unrecognized Report specsheet", "Parvex",
-                                                                     MessageBoxes::Icon::None}));
+  EXPECT_THAT(machine.boxes.boxes,
+              ElementsAre(FakeMessageBoxes::Box{"Unrecognized Report specsheet", "Parvex", MessageBoxes::Icon::None}));
 }
 
 TEST_F(ReportCatalogueTest, AStandardTypeIsNoCustomName) {
@@ -154,14 +153,13 @@ TEST_F(ReportCatalogueTest, StandardReportsStandInTheirOwnOrderBeforeCustomOnes)
   for (const xml::Node& parameter : reports.All("/REPORTS/REPORT/PARAMETER")) {
     offered.push_back(parameter.Child("NAME").Text() + ": " + parameter.Child("VALUE").Text());
   }
-  EXPECT_THAT(offered,
-              ElementsAre("UnitReport: Unit Report", "PerformanceReport: Performance Output Summary",
-                          "AcousticSummary: Acoustics Data", "CertifiedDrawing: Certified Drawing Data",
-                          "WiringDiagram: Field Wiring Diagram", "GuideSpecification: Guide Specifications",
-                          "ECO_Desig_Data_Sheet: ECO Design", "BACNetPointsList: BACNet Points List",
-                          "ControlSheet: Custom Controls Sheet", "CornerWeight: Corner Weights Report",
-                          "FeatureSheet: Feature Sheet", "SpecSheet: Specification Sheet",
-                          "DetailedPerformanceReport: Detailed Performance Report"));
+  EXPECT_THAT(offered, ElementsAre("UnitReport: Unit Report", "PerformanceReport: Performance Output Summary",
+                                   "AcousticSummary: Acoustics Data", "CertifiedDrawing: Certified Drawing Data",
+                                   "WiringDiagram: Field Wiring Diagram", "GuideSpecification: Guide Specifications",
+                                   "ECO_Desig_Data_Sheet: ECO Design", "BACNetPointsList: BACNet Points List",
+                                   "ControlSheet: Custom Controls Sheet", "CornerWeight: Corner Weights Report",
+                                   "FeatureSheet: Feature Sheet", "SpecSheet: Specification Sheet",
+                                   "DetailedPerformanceReport: Detailed Performance Report"));
 }
 
 TEST_F(ReportCatalogueTest, InputSummaryAndTitlePageAreNeverOffered) {
@@ -182,15 +180,16 @@ TEST_F(ReportCatalogueTest, AConfiguredNameLosesFiveAndFourCharactersWhateverThe
 }
 
 TEST_F(ReportCatalogueTest, AConfiguredNameThatMatchesNothingIsSkipped) {
-  for (const char* qdf : {"BACNet_qdf.xml", "RTU47bacnet_qdf.xml", "RTU47BACNet_qdf", "RTU47UnitReport_qdf.xml",
-                          "RTU47ECO__Desig_Data_Sheet.xml", "RTU47DefaultScheduleTemplate.xml",
-                          "RTU47NGSubmittal_qdf.xml", ""}) {
+  for (const char* qdf :
+       {"BACNet_qdf.xml", "RTU47bacnet_qdf.xml", "RTU47BACNet_qdf", "RTU47UnitReport_qdf.xml",
+        "RTU47ECO__Desig_Data_Sheet.xml", "RTU47DefaultScheduleTemplate.xml", "RTU47NGSubmittal_qdf.xml", ""}) {
     EXPECT_THAT(OfferedFor(qdf), IsEmpty()) << qdf;
   }
 }
 
 TEST_F(ReportCatalogueTest, AConfiguredNameOfTenCharactersOrFewerIsSkipped) {
-  // Nothing that short could match: what shows is that cutting it neither ends the call nor finds a report without name.
+  // Nothing that short could match: what shows is that cutting it neither ends the call nor finds a report without
+  // name.
   EXPECT_THAT(OfferedFor("RTU47B.xml"), IsEmpty());
   EXPECT_THAT(OfferedFor("RTU47.xml"), IsEmpty());
   EXPECT_THAT(OfferedFor("x"), IsEmpty());

@@ -116,10 +116,54 @@ std::string ExportCommand(const std::vector<std::string>& tagNames) {
   return command.Bytes();
 }
 
+/// Commands that walk through the life of a project, in the order in which they are to be sent.
+struct SampleCommand {
+  const char* file;
+  const char* name;
+  std::vector<std::pair<const char*, const char*>> parameters;
+};
+
+std::vector<SampleCommand> ProjectCommands() {
+  constexpr const char* kArchive = "C:\\Korvane\\TQ5-VX\\Archives\\Harbour School.E3A";
+  constexpr const char* kFolder = "C:\\Korvane\\TQ5-VX\\Projects\\Harbour School";
+  return {{"project-01-add", "addProject", {{"projectName", "Harbour"}, {"Description", "New wing"}}},
+          {"project-02-set-properties",
+           "setProjectProperties",
+           {{"projectName", "Harbour"},
+            {"Location", "Quay 4"},
+            {"CompanyName", "Ødegård & Söhne"},
+            {"EmailID", "office@odegard.example"},
+            {"ContactNumber", "+1 555 0162"}}},
+          {"project-03-list", "getProjectList", {}},
+          {"project-04-copy", "copyProject", {{"projectName", "Harbour"}, {"newProjectName", "Harbour Annex"}}},
+          {"project-05-rename", "renameProject", {{"projectName", "Harbour"}, {"newProjectName", "Harbour School"}}},
+          {"project-06-properties", "getProjectProperties", {{"projectName", "Harbour School"}}},
+          {"project-07-archive", "archiveProject", {{"projectName", "Harbour School"}}},
+          {"project-08-delete", "deleteProject", {{"projectName", "Harbour School"}}},
+          {"project-09-retrieve",
+           "retrieveProject",
+           {{"projectName", "Harbour School"}, {"fileSpec", kArchive}, {"FOLDER", kFolder}}}};
+}
+
+void WriteCommand(const fs::path& folder, const SampleCommand& sample) {
+  const xml::Document command = xml::Document::Parse("<COMMAND><NAME/></COMMAND>");
+  command.First("//NAME").SetText(sample.name);
+  for (const auto& [name, value] : sample.parameters) {
+    const xml::Node parameter = command.Append(command.CreateElement("PARAMETER"));
+    parameter.Append(command.CreateElement("NAME")).SetText(name);
+    parameter.Append(command.CreateElement("VALUE")).SetText(value);
+  }
+  WriteFile(folder / (std::string(sample.file) + ".xml"), command.Bytes());
+}
+
 void WriteCommands(const fs::path& folder) {
   WriteFile(folder / "getHybrisXMLNoUI.xml", ExportCommand({}));
   WriteFile(folder / "getHybrisXMLNoUI-two-tags.xml", ExportCommand({"CH-1", "Küche & Café <EG>"}));
   WriteFile(folder / "getHybrisXML.xml", "<COMMAND><NAME>getHybrisXML</NAME></COMMAND>\r\n");
+  WriteFile(folder / "getOptions.xml", "<COMMAND><NAME>getOptions</NAME></COMMAND>\r\n");
+  for (const SampleCommand& command : ProjectCommands()) {
+    WriteCommand(folder, command);
+  }
 }
 
 void WriteProgramFolder(const fs::path& bin, const fs::path& workflowProgram) {

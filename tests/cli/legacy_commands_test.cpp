@@ -12,21 +12,13 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-std::string CommandWith(const std::string& name, const std::string& parameters) {
-  return "<COMMAND><NAME>" + name + "</NAME>" + parameters + "</COMMAND>";
-}
-
-std::string Parameter(const std::string& name, const std::string& value) {
-  return "<PARAMETER><NAME>" + name + "</NAME><VALUE>" + value + "</VALUE></PARAMETER>";
-}
-
 TEST(RouterCommands, AreAnsweredFromAReplayAndJournalledWithTheirExactText) {
   const CliMachine machine;
   const std::string replay = machine.Write("replay.jsonl",
                                            "{\"kind\":\"router\",\"answer\":\"<LIST><A/></LIST>\",\"success\":true}\n"
                                            "{\"kind\":\"router\",\"answer\":\"\",\"success\":true}\n");
   const std::string list = machine.Write("list.xml", CommandText("getProjectList"));
-  const std::string add = machine.Write("add.xml", CommandWith("addProject", Parameter("projectName", "Clinic")));
+  const std::string add = machine.Write("add.xml", CommandText("addProject", {{"projectName", "Clinic"}}));
   const Outcome outcome = machine.Run({"--journal", machine.Path("journal"), "--replay", replay, "pull", list, add});
   EXPECT_EQ(0, outcome.status) << outcome.err;
   EXPECT_THAT(outcome.out, HasSubstr("<LIST><A/></LIST>"));
@@ -60,7 +52,7 @@ TEST(Options, AreReadChangedAndReadAgainInOneProcess) {
                 "<Options><Tool ID=\"SOV02\"><Option><Name>cmbLanguage</Name><Value>English</Value></Option></Tool></Options>");
   const std::string get = machine.Write("get.xml", CommandText("getOptions"));
   const std::string set =
-      machine.Write("set.xml", CommandWith("setOptions", Parameter("cmbLanguage", "Deutsch")));
+      machine.Write("set.xml", CommandText("setOptions", {{"cmbLanguage", "Deutsch"}}));
   const Outcome outcome = machine.Run({"pull", get, set, get});
   EXPECT_EQ(0, outcome.status) << outcome.err;
   EXPECT_LT(outcome.out.find("English"), outcome.out.find("Deutsch"));

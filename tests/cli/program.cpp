@@ -119,7 +119,13 @@ Outcome CliMachine::Run(std::vector<std::string> arguments, const Surroundings& 
   return RunParvex(arguments, surroundings);
 }
 
-std::string CommandText(const std::string& name) { return "<COMMAND><NAME>" + name + "</NAME></COMMAND>"; }
+std::string CommandText(const std::string& name, const std::vector<std::pair<std::string, std::string>>& parameters) {
+  std::string text = "<COMMAND><NAME>" + name + "</NAME>";
+  for (const auto& [parameter, value] : parameters) {
+    text += "<PARAMETER><NAME>" + parameter + "</NAME><VALUE>" + value + "</VALUE></PARAMETER>";
+  }
+  return text + "</COMMAND>";
+}
 
 std::string ExportCommand(const std::string& projectName) {
   return "<COMMAND><NAME>getHybrisXMLNoUI</NAME><PARAMETER><NAME>selection</NAME><VALUE><UserSelectionTransfer>"

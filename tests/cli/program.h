@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/fake_platform.h"
@@ -66,8 +67,9 @@ class CliMachine {
   TemporaryFolder folder_;
 };
 
-/// A command document without parameters.
-std::string CommandText(const std::string& name);
+/// A command document with these parameters; their values are markup.
+std::string CommandText(const std::string& name,
+                        const std::vector<std::pair<std::string, std::string>>& parameters = {});
 
 /// A getHybrisXMLNoUI command that selects nothing in the project of this name.
 std::string ExportCommand(const std::string& projectName = "P");

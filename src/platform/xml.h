@@ -14,6 +14,9 @@ namespace parvex::xml {
 // into another document, and stays valid when its parent's content is replaced (it is then a node without parent).
 // Documents, and the handles on their nodes, belong to the thread that made them.
 //
+// Handles cannot be compared: the component gives a node another address each time it is asked for. Two handles on one
+// node are known by what is written through one and read through the other.
+//
 // A handle may be null ("no node", "no document"); asking a null handle for anything but its truth value raises "object
 // not set" (RuntimeError::ObjectNotSet), naming what was asked. What cannot be done with a node raises "invalid call"
 // (RuntimeError::InvalidCall), naming the node and the value that was refused, and changes nothing.
@@ -91,9 +94,6 @@ class Node {
   /// The document that the node lives in now.
   Document Owner() const;
 
-  /// Whether two handles mean the same node.
-  friend bool operator==(const Node& a, const Node& b) noexcept { return a.handle_ == b.handle_; }
-
  private:
   friend class Document;
   friend struct Adapter;
@@ -140,8 +140,6 @@ class Document {
   /// byte order mark), UTF-8 without one or when the name is not known, which the declaration then says. Characters
   /// that the encoding lacks become character references; in a name, comment or instruction they are refused.
   std::string Bytes() const;
-
-  friend bool operator==(const Document& a, const Document& b) noexcept { return a.node_ == b.node_; }
 
  private:
   friend class Node;

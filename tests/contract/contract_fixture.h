@@ -51,7 +51,7 @@ struct ContractMachine {
   /// Sets or takes away the read-only attribute of a file.
   void SetReadOnly(std::string_view path, bool readOnly);
 
-  /// Installs a program under `path`. Started, it writes its arguments, each on a line of its own, into the file
+  /// Installs a program under `path`. Started by this test, it writes its arguments, each on a line of its own, into the file
   /// kProbeReport of the scratch folder, waits while the file kProbeHold stands there, and ends with the exit code that
   /// its first argument gives as "exit=N", else with 0.
   void InstallProbe(std::string_view path);
@@ -66,6 +66,10 @@ struct ContractMachine {
   /// scratch, a backslash and the name.
   std::string Path(std::string_view name) const { return scratch + "\\" + std::string(name); }
 };
+
+/// Whether the platform is Wine instead of the Windows it stands for. What Wine cannot do is skipped there, by name and
+/// with the reason.
+bool RunsUnderWine();
 
 /// Polls until the process has ended; fails the test after some seconds.
 std::uint32_t WaitForExit(Process& process);

@@ -28,6 +28,8 @@ std::string Escaped(std::string_view text) {
 
 }  // namespace
 
+bool RunsUnderWine() { return false; }
+
 struct ContractMachine::Host {
   TemporaryFolder folder;
   posix::Machine machine{BareMachine(folder.Path())};

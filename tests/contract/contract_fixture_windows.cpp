@@ -55,6 +55,8 @@ std::wstring CloseBox(const std::wstring& caption) {
 
 }  // namespace
 
+bool RunsUnderWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
+
 struct ContractMachine::Host {
   windows::Machine machine;
 };
@@ -85,6 +87,8 @@ ContractMachine::ContractMachine()
       scratch(NewScratchFolder()),
       scratchKey(kScratchKey) {
   RegDeleteKeyA(HKEY_LOCAL_MACHINE, kScratchKey);
+  // Where the probe writes: programs started from here inherit it.
+  SetEnvironmentVariableW(L"PARVEX_PROBE_FOLDER", windows::Widen(scratch).c_str());
 }
 
 ContractMachine::~ContractMachine() {

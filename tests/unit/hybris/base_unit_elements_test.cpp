@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/same_node.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {
@@ -285,19 +286,19 @@ TEST_F(BaseUnitElements, The32768thUnitRaisesOverflow) {
 
 TEST_F(BaseUnitElements, TheKeptNodesAreThoseThatASelectionFinds) {
   const BaseUnitElement unit = NewBaseUnitElement(document_, document_.Root());
-  EXPECT_EQ(unit.element, document_.First("BASEUNITS/BASEUNIT"));
-  EXPECT_EQ(unit.extendedDescriptions, unit.element.First("descendant::EXTENDED_DESCRIPTIONS"));
-  EXPECT_EQ(unit.supplier, unit.element.First("descendant::SUPPLIER"));
-  EXPECT_EQ(unit.typeOfSale, unit.element.First("descendant::TYPEOFSALE"));
-  EXPECT_EQ(unit.ton, unit.element.First("descendant::TON"));
-  EXPECT_EQ(unit.cfm, unit.element.First("descendant::CFM"));
+  EXPECT_TRUE(IsSame(unit.element, document_.First("BASEUNITS/BASEUNIT")));
+  EXPECT_TRUE(IsSame(unit.extendedDescriptions, unit.element.First("descendant::EXTENDED_DESCRIPTIONS")));
+  EXPECT_TRUE(IsSame(unit.supplier, unit.element.First("descendant::SUPPLIER")));
+  EXPECT_TRUE(IsSame(unit.typeOfSale, unit.element.First("descendant::TYPEOFSALE")));
+  EXPECT_TRUE(IsSame(unit.ton, unit.element.First("descendant::TON")));
+  EXPECT_TRUE(IsSame(unit.cfm, unit.element.First("descendant::CFM")));
   for (std::size_t slot = 1; slot <= 5; ++slot) {
-    EXPECT_EQ(unit.attributes[slot - 1], unit.element.First("descendant::ATTRIBUTE" + std::to_string(slot)));
+    EXPECT_TRUE(IsSame(unit.attributes[slot - 1], unit.element.First("descendant::ATTRIBUTE" + std::to_string(slot))));
   }
-  EXPECT_EQ(unit.preOrderReq, unit.element.First("descendant::PREORDERREQ"));
-  EXPECT_EQ(unit.eto, unit.element.First("descendant::ETO"));
-  EXPECT_EQ(unit.components, unit.element.First("descendant::COMPONENTS"));
-  EXPECT_EQ(unit.sapXml, unit.element.First("descendant::SAP_XML"));
+  EXPECT_TRUE(IsSame(unit.preOrderReq, unit.element.First("descendant::PREORDERREQ")));
+  EXPECT_TRUE(IsSame(unit.eto, unit.element.First("descendant::ETO")));
+  EXPECT_TRUE(IsSame(unit.components, unit.element.First("descendant::COMPONENTS")));
+  EXPECT_TRUE(IsSame(unit.sapXml, unit.element.First("descendant::SAP_XML")));
   Counter16 sequence("components");
   const ComponentElement component = NewComponentElement(document_, unit.components, sequence);
   EXPECT_EQ(component.element, unit.components.First("COMPONENT"));

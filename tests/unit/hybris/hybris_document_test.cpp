@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/same_node.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {
@@ -40,13 +41,13 @@ TEST(AppendTagElement, AppendsAnEmptyTagAndHandsOutItsElements) {
   const xml::Document document = CreateHybrisDocument("P");
   const TagElement tag = AppendTagElement(document);
   EXPECT_EQ(document.First("PROJECT/TAGS").Xml(), std::string("<TAGS>") + kEmptyTag + "</TAGS>");
-  EXPECT_EQ(tag.element, document.First("PROJECT/TAGS/TAG"));
-  EXPECT_EQ(tag.buildVersion, tag.element.First("descendant::BUILDVERSION"));
-  EXPECT_EQ(tag.markFor, tag.element.First("descendant::MARKFOR"));
-  EXPECT_EQ(tag.pdsg, tag.element.First("descendant::PDSG"));
-  EXPECT_EQ(tag.legacyTagId, tag.element.First("descendant::LEGACY_TAGID"));
-  EXPECT_EQ(tag.blob, tag.element.First("descendant::BLOB"));
-  EXPECT_EQ(tag.baseUnits, tag.element.First("descendant::BASEUNITS"));
+  EXPECT_TRUE(IsSame(tag.element, document.First("PROJECT/TAGS/TAG")));
+  EXPECT_TRUE(IsSame(tag.buildVersion, tag.element.First("descendant::BUILDVERSION")));
+  EXPECT_TRUE(IsSame(tag.markFor, tag.element.First("descendant::MARKFOR")));
+  EXPECT_TRUE(IsSame(tag.pdsg, tag.element.First("descendant::PDSG")));
+  EXPECT_TRUE(IsSame(tag.legacyTagId, tag.element.First("descendant::LEGACY_TAGID")));
+  EXPECT_TRUE(IsSame(tag.blob, tag.element.First("descendant::BLOB")));
+  EXPECT_TRUE(IsSame(tag.baseUnits, tag.element.First("descendant::BASEUNITS")));
 }
 
 TEST(AppendTagElement, TwoCallsGiveTwoTagsInCallOrderEachWithItsOwnElements) {

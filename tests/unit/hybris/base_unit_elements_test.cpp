@@ -301,11 +301,11 @@ TEST_F(BaseUnitElements, TheKeptNodesAreThoseThatASelectionFinds) {
   EXPECT_TRUE(IsSame(unit.sapXml, unit.element.First("descendant::SAP_XML")));
   Counter16 sequence("components");
   const ComponentElement component = NewComponentElement(document_, unit.components, sequence);
-  EXPECT_EQ(component.element, unit.components.First("COMPONENT"));
-  EXPECT_EQ(component.description, component.element.First("descendant::DESCRIPTION"));
-  EXPECT_EQ(component.supplier, component.element.First("descendant::SUPPLIER"));
-  EXPECT_EQ(component.typeOfSale, component.element.First("descendant::TYPEOFSALE"));
-  EXPECT_EQ(component.preOrderReq, component.element.First("descendant::PREORDERREQ"));
+  EXPECT_TRUE(IsSame(component.element, unit.components.First("COMPONENT")));
+  EXPECT_TRUE(IsSame(component.description, component.element.First("descendant::DESCRIPTION")));
+  EXPECT_TRUE(IsSame(component.supplier, component.element.First("descendant::SUPPLIER")));
+  EXPECT_TRUE(IsSame(component.typeOfSale, component.element.First("descendant::TYPEOFSALE")));
+  EXPECT_TRUE(IsSame(component.preOrderReq, component.element.First("descendant::PREORDERREQ")));
 }
 
 TEST_F(BaseUnitElements, SapTextIsNeitherParsedNorEscaped) {

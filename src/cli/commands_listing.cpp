@@ -2,16 +2,13 @@
 
 #include <cstddef>
 
-#include "interface/pending_commands.h"
-
 namespace parvex::cli {
 
 std::string ListCommands(std::span<const CommandEntry> commands) {
   constexpr std::size_t kNameWidth = 22;
   std::string text;
   for (const CommandEntry& command : commands) {
-    text.append("  ").append(command.name).append(kNameWidth - command.name.size(), ' ').append(command.summary);
-    text += command.handler == AnswerPendingCommand ? " (not carried out yet)\n" : "\n";
+    text.append("  ").append(command.name).append(kNameWidth - command.name.size(), ' ').append(command.summary) += '\n';
   }
   return text;
 }

@@ -7,7 +7,7 @@
 
 namespace parvex::cli {
 
-/// One line a command: its name and what it does, with a note where nothing carries it out yet.
+/// One line a command: its name and what it does.
 std::string ListCommands(std::span<const CommandEntry> commands);
 
 /// Both command tables, each under the name of its entry point.

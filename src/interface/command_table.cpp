@@ -2,12 +2,14 @@
 
 #include "hybris/export_driver.h"
 #include "hybris/return_to_legacy.h"
-#include "interface/pending_commands.h"
 #include "options/options_commands.h"
 #include "projects/project_lifecycle.h"
 #include "projects/project_properties.h"
 #include "reports/report_catalogue.h"
 #include "reports/report_commands.h"
+#include "tags/tag_building.h"
+#include "tags/tag_editing.h"
+#include "tags/tag_listing.h"
 
 namespace parvex {
 namespace {
@@ -25,14 +27,14 @@ constexpr CommandEntry kPullCommands[] = {
     {"getProjectProperties", GetProjectProperties, "returns a project's properties and contact data"},
     {"setProjectProperties", SetProjectProperties, "stores a project's properties"},
     {"renameProject", RenameProject, "renames a project"},
-    {"rebuildAllTags", AnswerPendingCommand, "rebuilds every tag of a project through the legacy builder"},
-    {"getTagList", AnswerPendingCommand, "lists the tags of one project"},
-    {"getTags", AnswerPendingCommand, "returns tag documents"},
-    {"renameTag", AnswerPendingCommand, "renames a tag"},
-    {"deleteTag", AnswerPendingCommand, "deletes a tag"},
-    {"newTag", AnswerPendingCommand, "creates a tag through the legacy builder"},
-    {"copyTag", AnswerPendingCommand, "copies a tag, possibly into another project"},
-    {"configureTag", AnswerPendingCommand, "configures a tag through the legacy builder"},
+    {"rebuildAllTags", RebuildAllTags, "rebuilds every tag of a project through the legacy builder"},
+    {"getTagList", GetTagList, "lists the tags of one project"},
+    {"getTags", GetTags, "returns tag documents"},
+    {"renameTag", RenameTag, "renames a tag"},
+    {"deleteTag", DeleteTag, "deletes a tag"},
+    {"newTag", NewTag, "creates a tag through the legacy builder"},
+    {"copyTag", CopyTag, "copies a tag, possibly into another project"},
+    {"configureTag", ConfigureTag, "configures a tag through the legacy builder"},
     kGetHybrisXml,
     {"getReport", GetReport, "generates one report"},
     {"getReports", GetReports, "generates several reports"},

@@ -8,8 +8,12 @@
 namespace parvex {
 
 xml::Document LoadFromProgramFolder(const Platform& platform, std::string_view fileName) {
+  return LoadFromFolder(platform, GetBinPath(platform), fileName);
+}
+
+xml::Document LoadFromFolder(const Platform& platform, std::string_view folder, std::string_view fileName) {
   try {
-    return xml::Document::Load(platform.files.ReadAll(GetBinPath(platform) + "\\" + std::string(fileName)));
+    return xml::Document::Load(platform.files.ReadAll(std::string(folder).append("\\").append(fileName)));
   } catch (const AutomationError&) {
     return xml::Document::New();
   }

@@ -11,4 +11,7 @@ namespace parvex {
 /// parse.
 xml::Document LoadFromProgramFolder(const Platform& platform, std::string_view fileName);
 
+/// The same for a program folder that the caller has read itself.
+xml::Document LoadFromFolder(const Platform& platform, std::string_view folder, std::string_view fileName);
+
 }  // namespace parvex

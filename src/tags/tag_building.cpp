@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "interface/command_document.h"
@@ -19,6 +20,10 @@ using automation::Value;
 using std::chrono_literals::operator""ms;
 
 constexpr auto kPollPause = 200ms;
+
+// What the builder's tool bar and tree view are set to before and after a tag is configured.
+constexpr std::string_view kShowNothing = "0";
+constexpr std::string_view kShowAll = "-1";
 
 /// The builder of one command: no reference is left behind it, however the command ends.
 class HeldBuilder {
@@ -49,6 +54,7 @@ void OpenBuilder(LegacyLink& link, bool existingTags) {
   link.builder->Call("View", arguments);
 }
 
+/// Compared with false as the legacy runtime compares: nothing and zero are false.
 bool IsLoaded(const ObjectRef& builder) {
   const Value loaded = builder->Get("UILoaded");
   if (const auto* flag = std::get_if<bool>(&loaded)) {
@@ -56,6 +62,9 @@ bool IsLoaded(const ObjectRef& builder) {
   }
   if (const auto* number = std::get_if<std::int32_t>(&loaded)) {
     return *number != 0;
+  }
+  if (std::holds_alternative<std::monostate>(loaded)) {
+    return false;
   }
   throw MakeRuntimeError(RuntimeError::TypeMismatch, builder->Name() + ".UILoaded is neither true nor false");
 }
@@ -76,7 +85,8 @@ ObjectRef ObjectMember(const ObjectRef& parent, std::string_view member) {
   return *object;
 }
 
-void RunWorkflow(LegacyLink& link, std::string commandLine) {
+/// Gives what the workflow gives back. Nobody looks at it; it is held until the reply is made.
+Value RunWorkflow(LegacyLink& link, std::string commandLine) {
   auto named = std::make_shared<automation::KeyedItems>();
   named->emplace_back("Consumer", Argument{link.consumer});
   named->emplace_back("Builder", Argument{link.builder, true});
@@ -84,7 +94,15 @@ void RunWorkflow(LegacyLink& link, std::string commandLine) {
   const ObjectRef broker = ObjectMember(ObjectMember(link.builder, "Framework"), "ServiceBroker");
   Argument arguments[] = {{std::string("Workflow Service")}, {std::string("runBuilder")},
                           {automation::CollectionRef(named)}, {std::string("QuoteBuilder")}};
-  broker->Call(legacy::kBrokerCall, arguments);
+  return broker->Call(legacy::kBrokerCall, arguments);
+}
+
+std::string ConfigureCommandLine(const xml::Document& command) {
+  std::string line = "\\\\\\" + GetParamFromCmdDoc(command, "PDSG");
+  for (const char* parameter : {"tagName", "tagID", "projectName", "projectID"}) {
+    line += "\\" + GetParamFromCmdDoc(command, parameter);
+  }
+  return line;
 }
 
 }  // namespace
@@ -95,27 +113,28 @@ xml::Document NewTag(LegacyLink& link, const xml::Document& command) {
   OpenBuilder(link, false);
   WaitUntilLoaded(link);
   // partNumber is part of the command too, and takes no part in the call: deliberate, the builder asks its user for it.
-  RunWorkflow(link, "\\\\" + GetParamFromCmdDoc(command, "PDSG") + "\\" + GetParamFromCmdDoc(command, "projectName"));
+  const Value given = RunWorkflow(
+      link, "\\\\" + GetParamFromCmdDoc(command, "PDSG") + "\\" + GetParamFromCmdDoc(command, "projectName"));
+  link.builder.reset();
   return MakeReplyEnvelope();
 }
 
 xml::Document ConfigureTag(LegacyLink& link, const xml::Document& command) {
   LetGoOfEarlierObjects(link);
   const HeldBuilder held(link);
-  setUIValue(link.platform, "0");
+  setUIValue(link.platform, kShowNothing);
   OpenBuilder(link, true);
   try {
     WaitUntilLoaded(link);
-    RunWorkflow(link, "\\\\\\" + GetParamFromCmdDoc(command, "PDSG") + "\\" + GetParamFromCmdDoc(command, "tagName") +
-                          "\\" + GetParamFromCmdDoc(command, "tagID") + "\\" +
-                          GetParamFromCmdDoc(command, "projectName") + "\\" + GetParamFromCmdDoc(command, "projectID"));
+    const Value given = RunWorkflow(link, ConfigureCommandLine(command));
     WaitUntilLoaded(link);
     link.platform.messagePump.Sleep(200ms);
-    setUIValue(link.platform, "-1");
+    setUIValue(link.platform, kShowAll);
+    link.builder.reset();
+    return MakeReplyEnvelope();
   } catch (const AutomationError&) {
     return MakeFailedReply();
   }
-  return MakeReplyEnvelope();
 }
 
 xml::Document RebuildAllTags(LegacyLink& link, const xml::Document& command) {
@@ -123,8 +142,8 @@ xml::Document RebuildAllTags(LegacyLink& link, const xml::Document& command) {
   const HeldBuilder held(link);
   OpenBuilder(link, true);
   WaitUntilLoaded(link);
-  RunWorkflow(link, "\\\\:" + GetParamFromCmdDoc(command, "projectName"));
-  setUIValue(link.platform, "-1");
+  const Value given = RunWorkflow(link, "\\\\:" + GetParamFromCmdDoc(command, "projectName"));
+  setUIValue(link.platform, kShowAll);
   link.builder->Call("Shutdown", {});
   return MakeReplyEnvelope();
 }

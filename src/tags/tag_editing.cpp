@@ -29,11 +29,13 @@ void AddressToLegacy(const xml::Document& command) {
 void AddTableAndUpdateInfo(const LegacyLink& link, const xml::Document& command) {
   AddParameter(command, "tableName", kTagTable);
   constexpr std::string_view kUnknown = "error";
-  if (ReadRegistryString(link.platform, "SOFTWARE\\Korvane\\KDQ47\\", "binPath", kUnknown) == kUnknown) {
+  // Read afresh, unlike the kept path that the tag list goes by.
+  const std::string binPath = ReadRegistryString(link.platform, "SOFTWARE\\Korvane\\KDQ47\\", "binPath", kUnknown);
+  if (binPath == kUnknown) {
     return;
   }
   const xml::Node data = AddEmptyParameter(command, "data");
-  if (const xml::Node info = LoadFromProgramFolder(link.platform, "TagUpdateInfo.xml").Root()) {
+  if (const xml::Node info = LoadFromFolder(link.platform, binPath, "TagUpdateInfo.xml").Root()) {
     data.Append(info);
   }
 }

@@ -5,8 +5,9 @@
 
 namespace parvex {
 
-// Tags are renamed, copied and deleted by the legacy application's own extended commands. New names are made unique first;
-// the rename and copy requests carry the root element of TagUpdateInfo.xml of the program folder as parameter `data`.
+// Tags are renamed, copied and deleted by the legacy application's own extended commands. New names are made unique
+// first; the rename and copy requests carry the root element of TagUpdateInfo.xml of the program folder as parameter
+// `data`.
 
 xml::Document RenameTag(LegacyLink& link, const xml::Document& command);
 /// Within the project when destinationProject is missing, empty or the project itself.

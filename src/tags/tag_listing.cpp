@@ -134,8 +134,9 @@ void LookUpTagProducts(LegacyLink& link, std::string_view projectName, const xml
   for (const xml::Node& tag : entries) {
     data.Append(tag.Clone());
   }
-  // A product named by ProdName used to be looked for first. What that found has always been replaced by the result of the
-  // second way, also when the second finds nothing, so only the second is left; deliberately not the better of the two.
+  // A product named by ProdName used to be looked for first. What that found has always been replaced by the result of
+  // the second way, also when the second finds nothing, so only the second is left; deliberately not the better of the
+  // two.
   const auto products = ProductsByTag(GetTags(link, command));
   for (const xml::Node& tag : entries) {
     const std::string pdsg = TextBelow(tag, "PDSG");

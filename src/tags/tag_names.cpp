@@ -1,6 +1,8 @@
 #include "tags/tag_names.h"
 
 #include <limits>
+#include <unordered_set>
+#include <utility>
 
 #include "interface/required_node.h"
 #include "platform/automation_error.h"
@@ -13,12 +15,14 @@ std::string CacheKey(std::string_view pdsg, std::string_view name) {
   return std::string(pdsg).append(1, '\0').append(name);
 }
 
+/// The counter is set when the list is there: a list that could not be had is asked for again by the next command.
 void FillCache(LegacyLink& link, std::string_view projectName) {
-  link.tagNames.counter = 1;
+  std::unordered_set<std::string> taken;
   for (const xml::Node& tag : GetTagListOf(link, projectName).All("//TAG")) {
-    link.tagNames.taken.insert(CacheKey(Required(tag.Descendant("PDSG"), "PDSG", "TAG").Text(),
-                                        Required(tag.Descendant("NAME"), "NAME", "TAG").Text()));
+    taken.insert(CacheKey(Required(tag.Descendant("PDSG"), "PDSG", "TAG").Text(),
+                          Required(tag.Descendant("NAME"), "NAME", "TAG").Text()));
   }
+  link.tagNames = {.counter = 1, .taken = std::move(taken)};
 }
 
 std::string Cleaned(std::string_view name) {

@@ -91,16 +91,6 @@ TEST(Usage, CommandsListsBothTablesWithTheirSummaries) {
   }
 }
 
-TEST(Usage, CommandsSaysWhatIsNotCarriedOutYet) {
-  const std::string list = RunParvex({"commands"}).out;
-  const std::size_t pending = list.find("  getTagList ");
-  ASSERT_NE(std::string::npos, pending);
-  EXPECT_NE(std::string::npos, list.find("(not carried out yet)", pending));
-  const std::size_t served = list.find("  getHybrisXMLNoUI ");
-  const std::string line = list.substr(served, list.find('\n', served) - served);
-  EXPECT_EQ(std::string::npos, line.find("not carried out")) << line;
-}
-
 TEST(MachineOption, IsNeededByPullAndPullNgorla) {
   CliMachine machine;
   const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));

@@ -7,6 +7,7 @@
 
 #include "interface/legacy_link.h"
 #include "legacy_standin/jet_writer.h"
+#include "tests/support/command_texts.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex::test {
@@ -41,25 +42,6 @@ class ProjectMachine {
   const std::vector<std::string>& Requests() const { return machine.routers.requests; }
 };
 
-/// A command with parameters given as markup.
-inline xml::Document Command(const std::string& name, const std::string& parameters = "") {
-  return xml::Document::Parse("<COMMAND><NAME>" + name + "</NAME>" + parameters + "</COMMAND>");
-}
-
-inline std::string Parameter(const std::string& name, const std::string& value) {
-  return "<PARAMETER><NAME>" + name + "</NAME>" +
-         (value.empty() ? "<VALUE/>" : "<VALUE>" + value + "</VALUE>") + "</PARAMETER>";
-}
-
-/// The text of a command as it is sent: a document's, which ends with a line break.
-inline std::string Sent(const std::string& name, const std::string& parameters) {
-  return "<COMMAND><NAME>" + name + "</NAME>" + parameters + "</COMMAND>\r\n";
-}
-
-inline const char* const kSuccess = "<LegacyORLA><returnError>0</returnError><errorMessage/></LegacyORLA>\r\n";
-inline const char* const kFailure =
-    "<LegacyORLA><returnError>-1</returnError><errorMessage>Unrecognized or Failed Command</errorMessage></LegacyORLA>"
-    "\r\n";
 inline const char* const kNameTaken =
     "<LegacyORLA><returnError>-1</returnError><errorMessage>A Project of that name already exists</errorMessage>"
     "</LegacyORLA>\r\n";

@@ -7,9 +7,11 @@ FOLDER becomes C:\\differential of a machine. lookups.txt only reads; writes.txt
 written.txt then reads, in a process of its own, so that a platform's cache has no part in it.
 
 Left out on purpose, since the platform at hand is known to differ from the documented one (docs/private-profile.md):
-names that differ in the letter case of letters beyond ASCII; a fallback of blanks only; writing to a file that holds
-NUL bytes or a header of an empty name, which the platform at hand does not keep when it writes the other lines anew. A
-quoted value that fills the buffer exactly is generated, recognised by `compare` and counted.
+names that differ in the letter case of letters beyond ASCII; writing to a file that holds NUL bytes or a header of an
+empty name, which the platform at hand does not keep when it writes the other lines anew.
+
+Where the two may differ stands in EXPLAINED, each with the fact about the platform that is documented. A difference that
+none of them explains is a failure, and so is an explanation that a run of look-ups never needed.
 """
 
 import argparse
@@ -100,7 +102,7 @@ def lookup(rng, path):
     key = padded(rng, any_case(rng, rng.choice(KEYS)))
     if rng.random() < 0.2:
         return f"integer\t{hexed(path)}\t{section.hex()}\t{key.hex()}\t{rng.choice([0, 1, -1, 77, 2147483647])}"
-    fallback = rng.choice([b"", b"", b"CANCEL", b"N  ", b" a ", b"'q' ", b'"', b"\xe4 ", b"d" * 300])
+    fallback = rng.choice([b"", b"", b"CANCEL", b"N  ", b"   ", b" a ", b"'q' ", b'"', b"\xe4 ", b"d" * 300])
     size = rng.choice([255] * 6 + [0, 1, 2, 3, 4, 5, 6, 8, 12, 30, 250, 254, 256, 300, 1000])
     return f"string\t{hexed(path)}\t{section.hex()}\t{key.hex()}\t{fallback.hex()}\t{size}"
 
@@ -138,10 +140,19 @@ def make(folders, lookups, seed):
             (pathlib.Path(folder) / name).write_bytes(data)
 
 
-def fills_buffer(call, native, platform):
-    """A quoted value of exactly the buffer's length, of which the platform at hand loses the last character."""
-    fields = call.split("\t")
+def fills_buffer(fields, native, platform):
     return fields[0] == "string" and len(native) == int(fields[5]) - 1 and native[:-1] == platform
+
+
+def blank_fallback(fields, native, platform):
+    is_blank = fields[0] == "string" and bytes.fromhex(fields[4]).isspace()
+    return is_blank and native == b"" and platform == b" "
+
+
+EXPLAINED = [
+    (fills_buffer, "quotes do not count towards the buffer's length: a quoted value that fills it exactly comes whole"),
+    (blank_fallback, "a fallback loses all its trailing blanks, also when it is nothing but blanks"),
+]
 
 
 def compare(script, native, platform):
@@ -151,18 +162,24 @@ def compare(script, native, platform):
     if not len(calls) == len(ours) == len(theirs):
         print(f"{len(calls)} calls, {len(ours)} native and {len(theirs)} platform results")
         return 1
-    known, unknown = 0, []
+    counts, unexplained = {fact: 0 for _, fact in EXPLAINED}, []
     for call, a, b in zip(calls, map(bytes.fromhex, ours), map(bytes.fromhex, theirs)):
         if a != b:
-            if fills_buffer(call, a, b):
-                known += 1
+            fact = next((fact for holds, fact in EXPLAINED if holds(call.split("\t"), a, b)), None)
+            if fact:
+                counts[fact] += 1
             else:
-                unknown.append((call, a, b))
-    for call, a, b in unknown[:20]:
+                unexplained.append((call, a, b))
+    for call, a, b in unexplained[:20]:
         kind, *fields = call.split("\t")
         print(kind, *map(bytes.fromhex, fields[:3]), *fields[3:], "native:", a, "platform:", b)
-    print(f"{pathlib.Path(script).name}: {len(calls)} calls, {known} known differences, {len(unknown)} others")
-    return 1 if unknown else 0
+    print(f"{pathlib.Path(script).name}: {len(calls)} calls, {len(unexplained)} unexplained differences")
+    for fact, count in counts.items():
+        print(f"  {count:5} explained: {fact}")
+    needless = pathlib.Path(script).name == "lookups.txt" and not all(counts.values())
+    if needless:
+        print("An explanation was not needed once: take it out of the list.")
+    return 1 if unexplained or needless else 0
 
 
 def main():

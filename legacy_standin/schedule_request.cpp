@@ -1,0 +1,78 @@
+#include "legacy_standin/schedule_request.h"
+
+#include "legacy_standin/late_bound_members.h"
+#include "legacy_standin/report_server.h"
+#include "legacy_standin/rtf_text.h"
+#include "platform/xml.h"
+
+namespace parvex::standin {
+namespace {
+
+using automation::Argument;
+using automation::CollectionRef;
+using automation::KeyedItems;
+using automation::Value;
+
+constexpr std::string_view kMember = "SendRequest";
+constexpr std::string_view kScheduleGroup = "QRT52";
+
+}  // namespace
+
+Value ScheduleRequest::Get(std::string_view member) { RefuseMember(*this, member); }
+
+void ScheduleRequest::Put(std::string_view member, const Value&) { RefuseMember(*this, member); }
+
+Value ScheduleRequest::Call(std::string_view member, std::span<Argument> arguments) {
+  FailWhereTold(application_, *this, member);
+  if (member != kMember) {
+    RefuseMember(*this, member);
+  }
+  if (arguments.size() != 2) {
+    RefuseValue(*this, member, "2 arguments are wanted, not " + std::to_string(arguments.size()));
+  }
+  const auto* operation = std::get_if<std::string>(&arguments[0].value);
+  if (operation == nullptr || *operation != "SHOWSCHEDULE") {
+    RefuseValue(*this, member, "the first argument is not \"SHOWSCHEDULE\"");
+  }
+  const auto* items = std::get_if<CollectionRef>(&arguments[1].value);
+  if (items == nullptr || *items == nullptr) {
+    RefuseValue(*this, member, "the second argument is no collection");
+  }
+  return ShowSchedule(**items);
+}
+
+std::string ScheduleRequest::Item(const KeyedItems& items, std::string_view key) const {
+  for (const auto& [name, item] : items) {
+    const auto* text = std::get_if<std::string>(&item.value);
+    if (name == key && text != nullptr) {
+      return *text;
+    }
+  }
+  RefuseValue(*this, kMember, "the collection has no text \"" + std::string(key) + "\"");
+}
+
+bool ScheduleRequest::ShowSchedule(const KeyedItems& items) const {
+  if (Item(items, "pdsg") != kScheduleGroup) {
+    RefuseValue(*this, kMember, "there is no schedule of the group \"" + Item(items, "pdsg") + "\"");
+  }
+  const xml::Document tags = xml::Document::Parse("<TAGS>" + Item(items, "tags") + "</TAGS>");
+  if (tags.IsEmpty()) {
+    RefuseValue(*this, kMember, "the tags are no markup: " + tags.ParseError());
+  }
+  RtfText schedule;
+  schedule.Heading("Equipment Schedule");
+  schedule.Line("Project: " + Item(items, "projectName") + " (" + Item(items, "projectID") + ")");
+  const std::vector<xml::Node> names = tags.All("/TAGS/TAG//TagName");
+  for (const xml::Node& name : names) {
+    schedule.Line(name.Text());
+  }
+  if (names.empty() || !application_.settings.reportServer.makeReport) {
+    return false;
+  }
+  const std::string folder = ReportsFolder(application_);
+  application_.files.CreateFolder(folder);
+  application_.files.Replace(folder + "\\Schedule.rtf", schedule.Bytes());
+  return true;
+}
+
+}  // namespace parvex::standin

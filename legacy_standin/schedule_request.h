@@ -1,0 +1,34 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "legacy_standin/application.h"
+#include "platform/automation.h"
+
+namespace parvex::standin {
+
+inline constexpr const char* kScheduleRequestClass = "KDQU470.CKDScheduleRequest";
+
+/// The substitute's schedule request. Its one member, SendRequest, takes "SHOWSCHEDULE" and a collection of pdsg
+/// ("QRT52"), projectName, projectID and tags; it writes Schedule.rtf into the folder of the report server's files, and
+/// is true when there is a tag in it.
+class ScheduleRequest : public automation::Object {
+ public:
+  /// The application outlives the request.
+  explicit ScheduleRequest(const Application& application) : application_(application) {}
+
+  std::string Name() const override { return kScheduleRequestClass; }
+  automation::Value Get(std::string_view member) override;
+  void Put(std::string_view member, const automation::Value& value) override;
+  automation::Value Call(std::string_view member, std::span<automation::Argument> arguments) override;
+
+ private:
+  std::string Item(const automation::KeyedItems& items, std::string_view key) const;
+  bool ShowSchedule(const automation::KeyedItems& items) const;
+
+  const Application& application_;
+};
+
+}  // namespace parvex::standin

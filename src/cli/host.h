@@ -2,16 +2,21 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "platform/platform.h"
 
 namespace parvex::cli {
 
-/// The machine that commands work on, with the legacy application that answers on it.
+/// The machine that commands work on, with the legacy application that answers on it. On Linux it is a folder, and the
+/// application the substitute; on Windows it is the machine that the program runs on. Message boxes are written to
+/// standard error on both.
 class Host {
  public:
-  /// An AutomationError when the folder does not exist or its settings cannot be understood.
-  explicit Host(const std::filesystem::path& machineFolder);
+  /// `machineFolder` is the name that the user gave, empty for none. A UsageError when one is needed, or cannot be
+  /// used; an AutomationError when the folder does not exist or its settings cannot be understood.
+  explicit Host(const std::string& machineFolder);
   ~Host();
   Host(const Host&) = delete;
   Host& operator=(const Host&) = delete;
@@ -23,6 +28,12 @@ class Host {
   struct Parts;
   std::unique_ptr<Parts> parts_;
 };
+
+/// The program's arguments, without its own name, as UTF-8.
+std::vector<std::string> ProgramArguments(int argc, char** argv);
+
+/// The path of a file of this system by its name in UTF-8.
+inline std::filesystem::path PathOf(const std::string& name) { return std::u8string(name.begin(), name.end()); }
 
 /// Makes a sample machine folder that holds a substitute for the legacy application.
 void CreateMachine(const std::filesystem::path& folder);

@@ -2,6 +2,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include "cli/exit_status.h"
 #include "cli/host.h"
 #include "legacy_standin/sample_machine.h"
 #include "legacy_standin/standin.h"
@@ -46,7 +47,12 @@ struct Host::Parts {
   standin::Standin standin;
 };
 
-Host::Host(const std::filesystem::path& machineFolder) : parts_(std::make_unique<Parts>(machineFolder)) {}
+Host::Host(const std::string& machineFolder) {
+  if (machineFolder.empty()) {
+    throw UsageError("no machine folder: name one with --machine DIR or in the environment variable PARVEX_MACHINE");
+  }
+  parts_ = std::make_unique<Parts>(machineFolder);
+}
 
 Host::~Host() = default;
 
@@ -57,6 +63,8 @@ parvex::Platform Host::Platform() {
           parts_->standin.Routers(), machine.GetAutomation(),     machine.GetProjectDatabases(),
           machine.GetCodePage()};
 }
+
+std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv + 1, argv + argc}; }
 
 void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }
 

@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <sstream>
@@ -85,10 +86,11 @@ CLI::App* CommandLine::AddBase64(CLI::App& base64, const std::string& name, cons
   return command;
 }
 
-ExitStatus Run(int argc, char** argv) {
+ExitStatus Run(std::vector<std::string> arguments) {
   CommandLine line;
   try {
-    line.app.parse(argc, argv);
+    std::ranges::reverse(arguments);  // as the parser takes them
+    line.app.parse(std::move(arguments));
   } catch (const CLI::ParseError& end) {
     std::ostringstream out;
     std::ostringstream err;
@@ -108,7 +110,7 @@ ExitStatus Run(int argc, char** argv) {
   } else if (line.decode->parsed()) {
     DecodeToOutput(line.base64File);
   } else if (line.createMachine->parsed()) {
-    CreateMachine(line.newMachine);
+    CreateMachine(PathOf(line.newMachine));
   } else {
     WriteOutput(ListEntryPoints());
   }
@@ -122,7 +124,7 @@ int main(int argc, char** argv) {
   using namespace parvex::cli;
   try {
     PrepareStandardStreams();
-    return Run(argc, argv);
+    return Run(ProgramArguments(argc, argv));
   } catch (const UsageError& error) {
     std::fprintf(stderr, "parvex: %s\n", error.what());
     return kWrongUsage;

@@ -73,7 +73,7 @@ ExitStatus SendAll(const Platform& platform, const std::vector<std::string>& nam
 
 ExitStatus SendAllJournalled(const Platform& platform, const PullOptions& options,
                              const std::vector<std::string>& contents, SendOne sendOne) {
-  std::ofstream out(options.journal, std::ios::binary);
+  std::ofstream out(PathOf(options.journal), std::ios::binary);
   if (!out) {
     throw UsageError("cannot write " + options.journal + ": " + std::strerror(errno));
   }
@@ -101,9 +101,6 @@ struct Session {
 
 // Everything that can be wrong before the first file is sent.
 void Prepare(const PullOptions& options, Session& session) {
-  if (options.machine.empty()) {
-    throw UsageError("no machine folder: name one with --machine DIR or in the environment variable PARVEX_MACHINE");
-  }
   for (const std::string& file : options.files) {
     session.contents.push_back(ReadInput(file));
   }

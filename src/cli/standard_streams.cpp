@@ -4,22 +4,27 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
-#include <memory>
+#include <fstream>
 
 #include "cli/exit_status.h"
+#include "cli/host.h"
 #include "platform/automation_error.h"
 
 namespace parvex::cli {
 namespace {
 
-std::string ReadAll(std::FILE* file, const std::string& name) {
+[[noreturn]] void CannotRead(const std::string& name) {
+  throw UsageError("cannot read " + name + ": " + std::strerror(errno));
+}
+
+std::string ReadStandardInput() {
   std::string bytes;
   char block[1 << 16];
-  for (std::size_t count = 0; (count = std::fread(block, 1, sizeof block, file)) > 0;) {
+  for (std::size_t count = 0; (count = std::fread(block, 1, sizeof block, stdin)) > 0;) {
     bytes.append(block, count);
   }
-  if (std::ferror(file) != 0) {
-    throw UsageError("cannot read " + name + ": " + std::strerror(errno));
+  if (std::ferror(stdin) != 0) {
+    CannotRead("standard input");
   }
   return bytes;
 }
@@ -28,14 +33,19 @@ std::string ReadAll(std::FILE* file, const std::string& name) {
 
 std::string ReadInput(const std::string& fileName) {
   if (fileName == "-") {
-    static const std::string standardInput = ReadAll(stdin, "standard input");
+    static const std::string standardInput = ReadStandardInput();
     return standardInput;
   }
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(fileName.c_str(), "rb"), std::fclose);
-  if (!file) {
-    throw UsageError("cannot read " + fileName + ": " + std::strerror(errno));
+  std::ifstream file(PathOf(fileName), std::ios::binary);
+  std::string bytes;
+  char block[1 << 16];
+  while (file.read(block, sizeof block) || file.gcount() > 0) {
+    bytes.append(block, static_cast<std::size_t>(file.gcount()));
   }
-  return ReadAll(file.get(), fileName);
+  if (file.bad() || !file.is_open()) {
+    CannotRead(fileName);
+  }
+  return bytes;
 }
 
 void WriteOutput(std::string_view bytes) {

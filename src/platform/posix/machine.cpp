@@ -11,6 +11,7 @@
 #include "platform/posix/private_profile.h"
 #include "platform/posix/registry_file.h"
 #include "platform/posix/windows_1252.h"
+#include "platform/written_boxes.h"
 
 namespace parvex::posix {
 

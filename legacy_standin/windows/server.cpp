@@ -1,0 +1,123 @@
+// The substitute legacy application as an in-process server: its message router, and its late-bound classes behind
+// dispatch interfaces.
+
+#include <array>
+#include <deque>
+#include <filesystem>
+
+#include "com/failures.h"
+#include "com/registration.h"
+#include "com/type_library.h"
+#include "legacy_standin/standin.h"
+#include "platform/windows/com_object.h"
+#include "platform/windows/machine.h"
+#include "platform/windows/wide_text.h"
+#include "standin_idl.h"
+
+namespace parvex::standin {
+namespace {
+
+using com::ComClass;
+using windows::Bstr;
+using windows::ComPointer;
+
+// The application as it is installed at the moment, misbehaving as the standin.json in its root says.
+struct Installation {
+  windows::Machine machine;
+  Standin standin{MakeApplication()};
+
+  Application MakeApplication() {
+    Application application = {
+        machine.GetRegistry(), machine.GetFiles(), machine.GetProjectDatabases(), machine.GetCodePage(), {}};
+    application.settings = ReadStandinSettings(std::filesystem::path(windows::Widen(application.Root())));
+    return application;
+  }
+};
+
+// Its objects use it for as long as they live, which is not known here: it is kept until the server is unloaded.
+Installation& MakeInstallation() {
+  static std::deque<Installation> installations;
+  return installations.emplace_back();
+}
+
+// Late binding reaches the default interface only, which has no members.
+class RouterObject : public windows::ComObject<IMessageRouter, IRequestRouter> {
+ public:
+  RouterObject() : router_(MakeInstallation().standin.Routers().Create()) {}
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    *count = 0;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return DISP_E_BADINDEX; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+    return DISP_E_UNKNOWNNAME;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
+    return DISP_E_MEMBERNOTFOUND;
+  }
+
+  HRESULT STDMETHODCALLTYPE SendRequestMessage(BSTR* request, BSTR* response, VARIANT_BOOL* result) override {
+    return com::Guarded(__uuidof(IRequestRouter), [&] {
+      std::string answer;
+      *result = router_->SendRequestMessage(windows::TextOf(*request), answer) ? VARIANT_TRUE : VARIANT_FALSE;
+      SysFreeString(*response);
+      *response = Bstr(answer).Detach();
+    });
+  }
+
+ private:
+  std::unique_ptr<MessageRouter> router_;
+};
+
+ComPointer<IUnknown> MakeRouter() { return windows::MakeCom<RouterObject>().As<IUnknown>(IID_IUnknown); }
+
+ComPointer<IUnknown> MakeLateBound(const std::string& programmaticId) {
+  for (const LateBoundClass& offered : MakeInstallation().standin.Classes()) {
+    if (offered.programmaticId == programmaticId) {
+      return windows::ExposeObject(offered.create()).As<IUnknown>(IID_IUnknown);
+    }
+  }
+  return {};
+}
+
+ComClass LateBound(const CLSID& id, const std::string& programmaticId) {
+  return {id, windows::Widen(programmaticId), L"Substitute legacy application",
+          [programmaticId] { return MakeLateBound(programmaticId); }};
+}
+
+std::span<const ComClass> Classes() {
+  static const std::array kClasses = {
+      ComClass{CLSID_MessageRouter, L"KorvaneSubstitute.MessageRouter", L"Substitute message router", MakeRouter},
+      LateBound({0x6ce356ae, 0x63b2, 0x4098, {0xa2, 0xec, 0x54, 0x6e, 0xac, 0x16, 0x57, 0x4f}}, "KDQU470.CKDBuilder"),
+      LateBound({0x797820b4, 0xea78, 0x469b, {0x83, 0x1d, 0x3e, 0xe5, 0x79, 0x2c, 0x9f, 0xc9}},
+                "KDQU470.CKDScheduleRequest"),
+      LateBound({0xd103e052, 0x4bdb, 0x47d5, {0xa0, 0x73, 0x66, 0xd4, 0x96, 0x50, 0xc9, 0xf6}},
+                "KDRPTSV47.CRemoteInterface")};
+  return kClasses;
+}
+
+}  // namespace
+}  // namespace parvex::standin
+
+using namespace parvex;
+
+extern "C" {
+
+HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** factory) {
+  return com::GetClassFactory(standin::Classes(), classId, interfaceId, factory);
+}
+
+HRESULT STDAPICALLTYPE DllCanUnloadNow() { return com::CanUnloadNow(); }
+
+HRESULT STDAPICALLTYPE DllRegisterServer() {
+  return com::Guarded(IID_NULL,
+                      [] { com::RegisterModule(standin::Classes(), com::ThisModulePath(), &LIBID_KorvaneSubstitute); });
+}
+
+HRESULT STDAPICALLTYPE DllUnregisterServer() {
+  return com::Guarded(
+      IID_NULL, [] { com::UnregisterModule(standin::Classes(), com::ThisModulePath(), &LIBID_KorvaneSubstitute); });
+}
+
+}  // extern "C"

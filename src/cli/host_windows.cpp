@@ -1,0 +1,63 @@
+#include <fcntl.h>
+#include <io.h>
+#include <objbase.h>
+#include <stdio.h>
+
+#include "cli/exit_status.h"
+#include "cli/host.h"
+#include "legacy_standin/sample_machine.h"
+#include "platform/windows/machine.h"
+#include "platform/windows/this_program.h"
+#include "platform/written_boxes.h"
+
+namespace parvex::cli {
+namespace {
+
+// COM on the program's one thread.
+class Apartment {
+ public:
+  Apartment() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
+  ~Apartment() { CoUninitialize(); }
+  Apartment(const Apartment&) = delete;
+  Apartment& operator=(const Apartment&) = delete;
+};
+
+std::filesystem::path WorkflowProgram() {
+  return std::filesystem::path(windows::ProgramPath()).parent_path() / "kdwfm470.exe";
+}
+
+}  // namespace
+
+struct Host::Parts {
+  Apartment apartment;
+  windows::Machine machine;
+  WrittenBoxes messageBoxes;
+};
+
+Host::Host(const std::string& machineFolder) : parts_(std::make_unique<Parts>()) {
+  if (!machineFolder.empty()) {
+    throw UsageError("the machine is this one: no folder (" + machineFolder + ") can stand for it here");
+  }
+}
+
+Host::~Host() = default;
+
+parvex::Platform Host::Platform() {
+  windows::Machine& machine = parts_->machine;
+  return {machine.GetRegistry(),       machine.GetPrivateProfile(), machine.GetFiles(),
+          machine.GetProcesses(),      machine.GetMessagePump(),    parts_->messageBoxes,
+          machine.GetMessageRouters(), machine.GetAutomation(),     machine.GetProjectDatabases(),
+          machine.GetCodePage()};
+}
+
+std::vector<std::string> ProgramArguments(int, char**) { return windows::ProgramArguments(); }
+
+void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }
+
+void PrepareStandardStreams() {
+  for (std::FILE* stream : {stdin, stdout, stderr}) {
+    _setmode(_fileno(stream), _O_BINARY);
+  }
+}
+
+}  // namespace parvex::cli

@@ -8,6 +8,7 @@
 
 #include "legacy_standin/project_store.h"
 #include "legacy_standin/sample_project.h"
+#include "legacy_standin/sample_reports.h"
 #include "legacy_standin/units.h"
 #include "platform/automation_error.h"
 #include "platform/xml.h"
@@ -207,6 +208,9 @@ void CreateSampleMachine(const fs::path& folder, const fs::path& workflowProgram
     WriteProgramFolder(root / "Bin", workflowProgram);
     WriteProject(root / "Projects" / kSampleProject, SampleUnits());
     WriteCommands(folder / "commands");
+    for (const SampleFile& file : SampleReportFiles(kSampleProject)) {
+      WriteFile(folder / file.path, file.bytes);
+    }
   } catch (const fs::filesystem_error& error) {
     throw MakeRuntimeError(RuntimeError::PathFileAccess,
                            std::string("cannot make the sample machine: ") + error.what());

@@ -53,7 +53,7 @@ void SetPassedOptions(const xml::Document& options, const xml::Document& command
     const std::string name = ValueBelow(parameter, ".//NAME").Text();
     const std::string value = ValueBelow(parameter, ".//VALUE").Text();
     const auto option = byName.find(name);
-    if (option != byName.end() && name.find('\'') == std::string::npos) {
+    if (!name.empty() && option != byName.end() && name.find('\'') == std::string::npos) {
       ValueBelow(option->second, ".//Value").SetText(value);
     }
   }

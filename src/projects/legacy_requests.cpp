@@ -1,6 +1,7 @@
 #include "projects/legacy_requests.h"
 
 #include <charconv>
+#include <cmath>
 
 #include "platform/automation_error.h"
 #include "platform/text.h"
@@ -29,10 +30,11 @@ bool StatusMeansTrue(std::string_view status) {
   if (EqualIgnoringCase(trimmed, "False")) {
     return false;
   }
-  const std::string_view digits = trimmed.substr(trimmed.starts_with('+') ? 1 : 0);
+  // from_chars takes no plus sign, and takes "inf" and "nan" for numbers.
+  const std::string_view digits = trimmed.substr(trimmed.starts_with('+') && !trimmed.starts_with("+-") ? 1 : 0);
   double number = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  if (error != std::errc() || end != digits.data() + digits.size()) {
+  if (error != std::errc() || end != digits.data() + digits.size() || !std::isfinite(number)) {
     throw MakeRuntimeError(RuntimeError::TypeMismatch,
                            "STATUS \"" + std::string(status) + "\" of the legacy application's answer is no yes or no");
   }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "codec/bin_encoder.h"
+#include "tests/support/full_disk.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {
@@ -22,8 +23,11 @@ class ReturnToLegacyTest : public testing::Test {
   LegacyLink link{machine.platform};
 
   xml::Document Return(const std::string& attributes, const std::string& baseUnits = "") {
+    return Return(link, attributes, baseUnits);
+  }
+  static xml::Document Return(LegacyLink& through, const std::string& attributes, const std::string& baseUnits = "") {
     return ReturnTagToLegacy(
-        link, xml::Document::Parse("<COMMAND><NAME>RebuildTag</NAME><PARAMETERS><PARAMETER><PROJECT><TAGS><TAG>"
+        through, xml::Document::Parse("<COMMAND><NAME>RebuildTag</NAME><PARAMETERS><PARAMETER><PROJECT><TAGS><TAG>"
                                    "<ATTRIBUTES_LIST>" + attributes + "</ATTRIBUTES_LIST><BASEUNITS>" + baseUnits +
                                    "</BASEUNITS></TAG></TAGS></PROJECT></PARAMETER></PARAMETERS></COMMAND>"));
   }
@@ -128,6 +132,61 @@ TEST_F(ReturnToLegacyTest, MissingTempFolderEndsTheCallAndLeavesNoHalfFile) {
   machine.platform.files.RemoveFolder("C:\\Korvane\\TQ5-VX\\Temp");
   EXPECT_EQ(RaisedBy([&] { Return("<PDSG>38A</PDSG><BLOB>TWFu</BLOB>"); }), RuntimeError::PathNotFound);
   ExpectNothingWritten();
+}
+
+TEST_F(ReturnToLegacyTest, OnAFullDiskEndsTheCallAndLeavesNoHalfFile) {
+  for (int room = 0; room <= 3; ++room) {
+    machine.Write(kSelectionFile, "old");
+    machine.Write(kInstructionFile, "old");
+    FullDisk disk(machine.platform, room);
+    LegacyLink full(disk.OfMachine());
+    const auto raised = RaisedBy([&] { Return(full, "<PDSG>38A</PDSG><BLOB>TWFu</BLOB>"); });
+    switch (room) {
+      case 0:
+        EXPECT_EQ(raised, RuntimeError::DiskFull);
+        EXPECT_FALSE(machine.Exists(kSelectionFile)) << "the old one goes first";
+        EXPECT_EQ(machine.Read(kInstructionFile), "old");
+        break;
+      case 1:
+        EXPECT_EQ(raised, RuntimeError::PathFileAccess);
+        EXPECT_EQ(machine.Read(kSelectionFile), "Man");
+        EXPECT_FALSE(machine.Exists(kInstructionFile));
+        break;
+      case 2:
+        EXPECT_EQ(raised, RuntimeError::PathFileAccess);
+        EXPECT_EQ(machine.Read(kInstructionFile), "[Header]\r\nAction=ok\r\n");
+        break;
+      default:
+        EXPECT_EQ(raised, std::nullopt);
+    }
+  }
+  EXPECT_THAT(machine.platform.files.ListFiles("C:\\Korvane\\TQ5-VX\\Temp\\*"), ElementsAre("input.ini", "QPblob.tmp"));
+}
+
+TEST_F(ReturnToLegacyTest, FilesThatAreReadOnlyEndTheCallAndStay) {
+  for (const char* file : {kSelectionFile, kInstructionFile}) {
+    machine.Write(file, "old");
+    const auto host = machine.folder.Path() / "drive_c/Korvane/TQ5-VX/Temp" / std::string(file).substr(23);
+    std::filesystem::permissions(host, std::filesystem::perms::owner_read);
+    EXPECT_EQ(RaisedBy([&] { Return("<PDSG>38A</PDSG><BLOB>TWFu</BLOB>"); }), RuntimeError::PathFileAccess) << file;
+    EXPECT_EQ(machine.Read(file), "old");
+    std::filesystem::permissions(host, std::filesystem::perms::owner_all);
+  }
+}
+
+TEST_F(ReturnToLegacyTest, OuterBlanksOfThePdsgDoNotCount) {
+  Return("<PDSG><![CDATA[  XRC47]]></PDSG>");
+  EXPECT_THAT(machine.boxes.boxes, ElementsAre(Box("Returning Applied Chiller Tags to ORLA is not supported.")));
+}
+
+TEST_F(ReturnToLegacyTest, TheFirstOfSeveralTagsComesBack) {
+  const xml::Document command = xml::Document::Parse(
+      "<COMMAND><NAME>RebuildTag</NAME><PARAMETERS><PARAMETER><PROJECT><TAGS>"
+      "<TAG><ATTRIBUTES_LIST><PDSG>38A</PDSG><BLOB>TWFu</BLOB></ATTRIBUTES_LIST></TAG>"
+      "<TAG><ATTRIBUTES_LIST><PDSG>38A</PDSG><BLOB>TWE=</BLOB></ATTRIBUTES_LIST></TAG>"
+      "</TAGS></PROJECT></PARAMETER></PARAMETERS></COMMAND>");
+  EXPECT_EQ(Outcome(ReturnTagToLegacy(link, command)), "0 No error");
+  EXPECT_EQ(machine.Read(kSelectionFile), "Man");
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include "interface/command_document.h"
 #include "interface/reply_envelope.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/full_disk.h"
+#include "tests/support/raised_by.h"
 
 namespace parvex::test {
 namespace {
@@ -33,10 +35,11 @@ class OptionsCommandsTest : public testing::Test {
   LegacyLink link{machine.platform};
 
   std::string Get() { return GetOptions(link, {}).Xml(); }
-  bool Set(std::initializer_list<std::pair<std::string_view, std::string_view>> options) {
+  bool Set(std::initializer_list<std::pair<std::string_view, std::string_view>> options) { return Set(link, options); }
+  bool Set(LegacyLink& through, std::initializer_list<std::pair<std::string_view, std::string_view>> options) {
     const xml::Document command = xml::Document::Parse("<COMMAND><NAME>setOptions</NAME></COMMAND>");
     AddParameters(command, options);
-    return !IsFailedReply(SetOptions(link, command));
+    return !IsFailedReply(SetOptions(through, command));
   }
 };
 
@@ -127,6 +130,67 @@ TEST_F(OptionsCommandsTest, SetFailsWhenTheFileIsReadOnly) {
                                std::filesystem::perms::owner_read);
   EXPECT_FALSE(Set({{"a", "2"}}));
   EXPECT_EQ(machine.Read(kPath), kOptions);
+}
+
+TEST_F(OptionsCommandsTest, SetOnAFullDiskFailsAndLeavesTheOldFile) {
+  machine.Write(kPath, kOptions);
+  FullDisk disk(machine.platform, 0);
+  LegacyLink full(disk.OfMachine());
+  EXPECT_FALSE(Set(full, {{"a", "2"}}));
+  EXPECT_EQ(machine.Read(kPath), kOptions);
+  EXPECT_EQ(machine.platform.files.ListFiles("C:\\Korvane\\TQ5-VX\\Bin\\*"), std::vector<std::string>{"Options.xml"});
+}
+
+TEST_F(OptionsCommandsTest, SetWithoutBinPathFails) {
+  machine.Write(kPath, kOptions);
+  machine.SetBinPath("");
+  EXPECT_FALSE(Set({{"a", "2"}}));
+  EXPECT_EQ(machine.Read(kPath), kOptions);
+}
+
+TEST_F(OptionsCommandsTest, SetKeepsTheEncodingOfAFileInUtf16) {
+  std::string bytes = "\xFF\xFE";
+  for (const char c : "<?xml version=\"1.0\" encoding=\"UTF-16\"?>" + std::string(kOptions)) {
+    bytes += {c, '\0'};
+  }
+  machine.Write(kPath, bytes);
+  EXPECT_TRUE(Set({{"a", "Größe"}}));
+  const std::string written = machine.Read(kPath);
+  EXPECT_TRUE(written.starts_with("\xFF\xFE"));
+  EXPECT_EQ(xml::Document::Load(written).First("//Tool[@ID='SOV01']/Option/Value").Text(), "Größe");
+}
+
+TEST_F(OptionsCommandsTest, SetTakesTheLastOfTwoParametersOfAName) {
+  machine.Write(kPath, kOptions);
+  EXPECT_TRUE(Set({{"a", "3"}, {"a", "4"}}));
+  EXPECT_EQ(machine.Read(kPath), OptionsWith("English", "IP", "4"));
+}
+
+TEST_F(OptionsCommandsTest, SetChangesTheFirstOfTwoOptionsOfAName) {
+  machine.Write(kPath, "<O><Tool ID=\"SOV01\"><Option><Name>a</Name><Value>1</Value></Option><Option><Name>a</Name>"
+                       "<Value>2</Value></Option></Tool></O>");
+  EXPECT_TRUE(Set({{"a", "9"}}));
+  EXPECT_THAT(machine.Read(kPath), HasSubstr("<Value>9</Value></Option><Option><Name>a</Name><Value>2</Value>"));
+}
+
+TEST_F(OptionsCommandsTest, SetComparesNamesWithTheirLetterCase) {
+  machine.Write(kPath, kOptions);
+  EXPECT_TRUE(Set({{"A", "9"}, {"CMBLANGUAGE", "x"}, {"", "y"}}));
+  EXPECT_EQ(machine.Read(kPath), OptionsWith("English", "IP", "1"));
+}
+
+TEST_F(OptionsCommandsTest, SetFailsAsAWholeWhenAParameterHasNoValue) {
+  machine.Write(kPath, kOptions);
+  const xml::Document command = xml::Document::Parse(
+      "<COMMAND><NAME>setOptions</NAME><PARAMETER><NAME>a</NAME><VALUE>2</VALUE></PARAMETER>"
+      "<PARAMETER><NAME>unknown</NAME></PARAMETER></COMMAND>");
+  EXPECT_TRUE(IsFailedReply(SetOptions(link, command)));
+  EXPECT_EQ(machine.Read(kPath), kOptions);
+}
+
+TEST_F(OptionsCommandsTest, GetEndsTheCallWhenAPassedOptionHasNoValue) {
+  machine.Write(kPath, "<O><Tool ID=\"SOV01\"><Option><Name>a</Name></Option></Tool></O>");
+  EXPECT_EQ(RaisedBy([&] { Get(); }), 91);
 }
 
 }  // namespace

@@ -67,8 +67,18 @@ TEST_F(ProjectLifecycleTest, CopyToANameThatExistsIsRefusedWithItsOwnMessage) {
   }
 }
 
+TEST_F(ProjectLifecycleTest, CopyGoesOnWhenTheStatusReadsAsNo) {
+  for (const char* status : {"False", "false", "FALSE", "0", " 0 ", "0.0", "-0", "+0", "0e5"}) {
+    machine.routers.requests.clear();
+    Answer(true, Status(status));
+    Answer(true, "");
+    EXPECT_EQ(CopyProject(link, Command("copyProject", kProject + kNewName)).Xml(), kSuccess) << status;
+    EXPECT_THAT(Requests(), SizeIs(2)) << status;
+  }
+}
+
 TEST_F(ProjectLifecycleTest, StatusThatIsNoYesOrNoIsATypeMismatch) {
-  for (const char* status : {"Yes", "", "1x", "T"}) {
+  for (const char* status : {"Yes", "", "1x", "T", "nan", "inf", "+", "-", "+-1", "1 0", "1e999", "."}) {
     Answer(true, Status(status));
     EXPECT_EQ(RaisedBy([&] { CopyProject(link, Command("copyProject", kNewName)); }), 13) << status;
   }
@@ -181,6 +191,68 @@ TEST_F(ProjectLifecycleTest, RetrieveOfAnArchiveThatIsRefusedAsksNothingMore) {
   Answer(false, kContents);
   EXPECT_EQ(RetrieveProject(link, Command("retrieveProject", kRetrieve)).Xml(), kFailure);
   EXPECT_THAT(Requests(), SizeIs(1));
+}
+
+TEST_F(ProjectLifecycleTest, RetrieveWhoseRestoringIsRefusedIsTheFailedReply) {
+  Answer(true, kContents);
+  Answer(true, StatusCode("1"));
+  Answer(false, "");
+  EXPECT_EQ(RetrieveProject(link, Command("retrieveProject", kRetrieve)).Xml(), kFailure);
+  EXPECT_THAT(Requests(), SizeIs(3));
+}
+
+TEST_F(ProjectLifecycleTest, RetrieveLooksAtTheAnswerOfAQuestionThatWasRefused) {
+  Answer(true, kContents);
+  Answer(false, StatusCode("1"));
+  Answer(true, "");
+  EXPECT_EQ(RetrieveProject(link, Command("retrieveProject", kRetrieve)).Xml(), kSuccess);
+  Answer(true, kContents);
+  Answer(false, "no such folder");
+  EXPECT_EQ(RaisedBy([&] { RetrieveProject(link, Command("retrieveProject", kRetrieve)); }), 91);
+}
+
+TEST_F(ProjectLifecycleTest, RetrieveEndsTheCallWhenAnAnswerLacksAnElement) {
+  Answer(true, "<PROJECT><APPLICATIONLIST><APPLICATION/></APPLICATIONLIST></PROJECT>");
+  EXPECT_EQ(RaisedBy([&] { RetrieveProject(link, Command("retrieveProject", kRetrieve)); }), 91) << "no PDSG";
+  Answer(true, kContents);
+  Answer(true, "<STATUS>1</STATUS>");
+  EXPECT_EQ(RaisedBy([&] { RetrieveProject(link, Command("retrieveProject", kRetrieve)); }), 91) << "no CODE";
+  Answer(true, kContents);
+  Answer(true, StatusCode("maybe"));
+  EXPECT_EQ(RaisedBy([&] { RetrieveProject(link, Command("retrieveProject", kRetrieve)); }), 13);
+}
+
+TEST_F(ProjectLifecycleTest, RetrieveKeepsAProjectPathThatTheFrontEndGave) {
+  const std::string given = kRetrieve + Parameter("projectPath", "D:\\P");
+  Answer(true, kContents);
+  Answer(true, StatusCode("False"));
+  Answer(true, "");
+  Answer(true, "");
+  RetrieveProject(link, Command("retrieveProject", given));
+  EXPECT_EQ(Requests()[2], Sent("addProject", given + kPdsg));
+  EXPECT_EQ(Requests()[3], Sent("retrieveAndSaveProject", given + kPdsg + kRestored));
+}
+
+TEST_F(ProjectLifecycleTest, RetrieveWithoutParametersAsksWithEmptyValues) {
+  Answer(true, kContents);
+  Answer(true, StatusCode("1"));
+  Answer(true, "");
+  RetrieveProject(link, Command("retrieveProject"));
+  EXPECT_THAT(Requests(),
+              ElementsAre(Sent("getArchiveContents", kPdsg + Parameter("archiveFile", "")),
+                          Sent("doesProjectExistInFolder",
+                               kPdsg + Parameter("projectName", "") + Parameter("projectPath", "")),
+                          Sent("retrieveAndSaveProject",
+                               Parameter("archiveFile", "") + Parameter("dataList", "KDQ47,QRT52") + kPdsg)));
+}
+
+TEST_F(ProjectLifecycleTest, RouterThatFailsOnTheWayEndsTheCall) {
+  machine.routers.onRequest = [](const std::string&, std::string&) -> bool {
+    throw MakeRuntimeError(RuntimeError::CannotCreateObject, "the router went away");
+  };
+  for (const auto handler : {AddProject, DeleteProject, CopyProject, RenameProject, ArchiveProject, RetrieveProject}) {
+    EXPECT_EQ(RaisedBy([&] { handler(link, Command("any", kProject + kNewName)); }), 429);
+  }
 }
 
 TEST_F(ProjectLifecycleTest, RetrieveOfAnArchiveWithoutApplicationsSendsAnEmptyList) {

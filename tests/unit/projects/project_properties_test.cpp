@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/full_disk.h"
 #include "tests/support/raised_by.h"
 #include "tests/unit/projects/project_machine.h"
 
@@ -10,7 +11,6 @@ namespace parvex::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 class ProjectPropertiesTest : public testing::Test, protected ProjectMachine {
@@ -106,13 +106,27 @@ TEST_F(ProjectPropertiesTest, AnswerWithoutTheNeededElementsEndsTheCall) {
   EXPECT_EQ(RaisedBy([&] { Properties(); }), 91) << "no FOLDER";
 }
 
-TEST_F(ProjectPropertiesTest, MissingDatabaseOrOneThatIsNoneEndsTheCall) {
+TEST_F(ProjectPropertiesTest, MissingDatabaseEndsTheCall) {
   AnswerProject();
-  EXPECT_NE(RaisedBy([&] { Properties(); }), 0);
-  machine.Write(kDatabase, "no database");
+  EXPECT_EQ(RaisedBy([&] { Properties(); }), 76) << "no folder";
+  machine.platform.files.CreateFolder(kFolder);
   AnswerProject();
-  EXPECT_NE(RaisedBy([&] { Properties(); }), 0);
-  EXPECT_EQ(machine.Read(kDatabase), "no database");
+  EXPECT_EQ(RaisedBy([&] { Properties(); }), 53) << "no file";
+  EXPECT_EQ(RaisedBy([&] { Store("c", "e", "n"); }), 53);
+  EXPECT_FALSE(machine.Exists(kDatabase)) << "storing makes no database";
+}
+
+TEST_F(ProjectPropertiesTest, DatabaseThatIsNoneEndsTheCallAndStaysAsItIs) {
+  WriteConfig({{"KDQ47", "CompanyName", "old"}});
+  const std::string whole = machine.Read(kDatabase);
+  for (const std::string& bytes : {std::string("no database"), std::string(), whole.substr(0, 100), whole.substr(0, 4096),
+                                   whole.substr(0, whole.size() - 1), std::string(whole.size(), '\0')}) {
+    machine.Write(kDatabase, bytes);
+    AnswerProject();
+    EXPECT_EQ(RaisedBy([&] { Properties(); }), 3343) << bytes.size();
+    EXPECT_EQ(RaisedBy([&] { Store("c", "e", "n"); }), 3343) << bytes.size();
+    EXPECT_TRUE(machine.Read(kDatabase) == bytes) << bytes.size();
+  }
 }
 
 TEST_F(ProjectPropertiesTest, AreStoredWithTheirRequestInOrder) {
@@ -182,8 +196,46 @@ TEST_F(ProjectPropertiesTest, StoringIntoAReadOnlyDatabaseLeavesItAsItWas) {
   const std::string before = machine.Read(kDatabase);
   const auto host = machine.folder.Path() / "drive_c/Korvane/TQ5-VX/Projects/Clinic/Project.mdb";
   std::filesystem::permissions(host, std::filesystem::perms::owner_read);
-  EXPECT_NE(RaisedBy([&] { Store("c", "e", "n"); }), 0);
+  EXPECT_EQ(RaisedBy([&] { Store("c", "e", "n"); }), 75);
   EXPECT_EQ(machine.Read(kDatabase), before);
+}
+
+TEST_F(ProjectPropertiesTest, StoringOnAFullDiskLeavesEachSettingOldOrNew) {
+  for (int room = 0; room <= 3; ++room) {
+    WriteConfig({{"KDQ47", "CompanyName", "old"}, {"KDQ47", "EmailID", "old"}, {"KDQ47", "ContactNumber", "old"}});
+    FullDisk disk(machine.platform, room);
+    EXPECT_EQ(RaisedBy([&] { WriteProjectConfig(disk.OfMachine(), kFolder, {"new", "new", "new"}); }), room < 3 ? 61 : 0);
+    const auto value = [&](int setting) { return room > setting ? "new" : "old"; };
+    EXPECT_THAT(ReadConfig(), ElementsAre(Row{"KDQ47", "CompanyName", value(0)}, Row{"KDQ47", "EmailID", value(1)},
+                                          Row{"KDQ47", "ContactNumber", value(2)}));
+  }
+}
+
+TEST_F(ProjectPropertiesTest, LetterCaseOfGroupAndKeyIsIgnoredWhenStoredAndCountsForTheKeyWhenRead) {
+  WriteConfig({{"kdq47", "companyname", "old"}, {"kdq47", "EmailID", "e"}});
+  const ProjectContact read = ReadProjectConfig(machine.platform, kFolder);
+  EXPECT_EQ(read.companyName, "");
+  EXPECT_EQ(read.emailId, "e");
+  Store("new", "e", "n");
+  EXPECT_THAT(ReadConfig(), ElementsAre(Row{"kdq47", "companyname", "new"}, Row{"kdq47", "EmailID", "e"},
+                                        Row{"KDQ47", "ContactNumber", "n"}));
+}
+
+TEST_F(ProjectPropertiesTest, StoredAreThoseOfTheProjectThatTheFrontEndNamed) {
+  WriteConfig({});
+  Answer(true, "not xml");
+  Answer(true, folderAnswer_);
+  const xml::Document reply =
+      SetProjectProperties(link, Command("setProjectProperties", Parameter("projectName", "Clinic")));
+  EXPECT_TRUE(reply.IsEmpty()) << "an answer that does not parse is passed on as an empty document";
+  EXPECT_EQ(Requests().back(), folderRequest_);
+}
+
+TEST_F(ProjectPropertiesTest, AnswerOfTheFolderQuestionCountsWhetherOrNotTheRouterAgreed) {
+  Answer(false, folderAnswer_);
+  EXPECT_EQ(GetProjectFolder(link, "Clinic"), kFolder);
+  Answer(false, "unknown project");
+  EXPECT_EQ(RaisedBy([&] { GetProjectFolder(link, "Clinic"); }), 91);
 }
 
 }  // namespace

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/platform.h"
+#include "platform/posix/jet_databases.h"
+
+namespace parvex::test {
+
+/// A machine whose disk becomes full: after `room` more writes each one fails for want of room and leaves what stood
+/// there. Files, profile files and databases share the disk; folders and removals need no room.
+class FullDisk {
+ public:
+  FullDisk(const Platform& machine, int room);
+
+  Platform OfMachine() { return platform_; }
+
+ private:
+  class FullFiles;
+  class FullProfile;
+
+  int room_;
+  const std::unique_ptr<Files> files_;
+  const std::unique_ptr<PrivateProfile> profile_;
+  posix::JetDatabases databases_{*files_};
+  const Platform platform_;
+};
+
+}  // namespace parvex::test

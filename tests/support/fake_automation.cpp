@@ -15,7 +15,9 @@ using automation::Value;
 
 constexpr std::uint32_t kNoSuchMember = 0x800A0000u + 438u;
 
-std::string ArgumentLine(const Argument& argument) { return (argument.byReference ? "&" : "") + ToLine(argument.value); }
+std::string ArgumentLine(const Argument& argument) {
+  return (argument.byReference ? "&" : "") + ToLine(argument.value);
+}
 
 std::string CollectionLine(const automation::KeyedItems& items) {
   std::string line;

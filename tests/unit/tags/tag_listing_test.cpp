@@ -117,7 +117,9 @@ struct MarkCase {
 
 class MarkUpToDateCases : public testing::TestWithParam<MarkCase> {};
 
-TEST_P(MarkUpToDateCases, MarksAs) { EXPECT_EQ(GetParam().marks, Marks(GetParam().tags, GetParam().tools)) << GetParam().why; }
+TEST_P(MarkUpToDateCases, MarksAs) {
+  EXPECT_EQ(GetParam().marks, Marks(GetParam().tags, GetParam().tools)) << GetParam().why;
+}
 
 INSTANTIATE_TEST_SUITE_P(
     MarkUpToDate, MarkUpToDateCases,
@@ -127,8 +129,8 @@ INSTANTIATE_TEST_SUITE_P(
         MarkCase{"a tag without a tool is compared with the version found for the tag before it",
                  ListedTag("A", "G", "1") + ListedTag("B", "none", "1") + ListedTag("C", "none", "2"), Tool("G", "1"),
                  {"-1", "-1", "0"}},
-        MarkCase{"before the first match the version is empty", ListedTag("A", "none", "") + ListedTag("B", "none", "1"),
-                 Tool("G", "1"), {"-1", "0"}},
+        MarkCase{"before the first match the version is empty",
+                 ListedTag("A", "none", "") + ListedTag("B", "none", "1"), Tool("G", "1"), {"-1", "0"}},
         MarkCase{"groups are compared with their letter case", ListedTag("A", "g", "1"), Tool("G", "1"), {"0"}},
         MarkCase{"versions are compared as texts", ListedTag("A", "G", "1.0"), Tool("G", "1"), {"0"}},
         MarkCase{"two empty versions are equal", ListedTag("A", "G", ""), Tool("G", ""), {"-1"}},
@@ -172,8 +174,8 @@ TEST(MarkUpToDate, EqualsTheNestedWalkOverRandomLists) {
     for (int i = 0; i < 8; ++i) {
       tools += Tool("G" + pick(12), pick(3));
     }
-    EXPECT_EQ(MarksOfTheNestedWalk(xml::Document::Parse("<L>" + tags + "</L>"), xml::Document::Parse("<L>" + tools + "</L>")),
-              Marks(tags, tools));
+    const xml::Document list = xml::Document::Parse("<L>" + tags + "</L>");
+    EXPECT_EQ(MarksOfTheNestedWalk(list, xml::Document::Parse("<L>" + tools + "</L>")), Marks(tags, tools));
   }
 }
 
@@ -196,7 +198,8 @@ TEST(GetTags, FetchesAnExtendedTagWithGetTagEx) {
   GetTagsOf(tags, TagEntry("A &lt;1&gt;", "RTU47", "1"));
   EXPECT_THAT(tags.Requests(),
               ElementsAre(Sent("getTagEx", Parameter("projectName", "P") + Parameter("pdsg", "KDQ47") +
-                                               Parameter("pdsgFilter", "RTU47") + Parameter("tagName", "A &lt;1&gt;"))));
+                                               Parameter("pdsgFilter", "RTU47") +
+                                               Parameter("tagName", "A &lt;1&gt;"))));
 }
 
 TEST(GetTags, FetchesEveryOtherTagWithGetTag) {
@@ -272,7 +275,8 @@ std::string Products(const std::string& quantity, const std::string& size, const
   const auto element = [](const std::string& name, const std::string& text) {
     return text.empty() ? "<" + name + "/>" : "<" + name + ">" + text + "</" + name + ">";
   };
-  return element("QUANTITY", quantity) + element("SIZE", size) + element("PARTNUMBER", partNumber) + element("MODEL", model);
+  return element("QUANTITY", quantity) + element("SIZE", size) + element("PARTNUMBER", partNumber) +
+         element("MODEL", model);
 }
 
 TEST(LookUpTagProducts, AppendsWhatTheStoredProductSays) {
@@ -280,7 +284,7 @@ TEST(LookUpTagProducts, AppendsWhatTheStoredProductSays) {
   tags.Answer(true, Application("RTU47", "<Product MarkFor=\"A\" Quantity=\"2\" UnitSize=\"10\" PartNumber=\"RTUA\" "
                                          "Model=\"RT\"/>"));
   const xml::Document document = LookedUp(tags, TagEntry("A", "RTU47", "1"));
-  EXPECT_EQ(TagEntry("A", "RTU47", "1").insert(TagEntry("A", "RTU47", "1").size() - 6, Products("2", "10", "RTUA", "RT")),
+  EXPECT_EQ(Tag("A", "RTU47", "<DATATYPE>1</DATATYPE>" + Products("2", "10", "RTUA", "RT")),
             document.First("//TAG").Xml());
   EXPECT_THAT(tags.Requests(), SizeIs(1));
 }

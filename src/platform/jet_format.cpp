@@ -111,6 +111,23 @@ std::string EncodeText(std::string_view utf8, bool compress) {
   return compressed && (misleading || compressed->size() < plain.size()) ? *compressed : plain;
 }
 
+std::string DecodeText(std::string_view stored) {
+  if (!stored.starts_with(kCompressedMark)) return Utf8FromUtf16Bytes(stored);
+  std::string plain;
+  bool single = true;
+  for (std::size_t at = kCompressedMark.size(); at < stored.size();) {
+    if (stored[at] == '\0') {
+      single = !single;
+      ++at;
+      continue;
+    }
+    plain += stored.substr(at, single ? 1 : 2);
+    if (single) plain += '\0';
+    at += single ? 1 : 2;
+  }
+  return Utf8FromUtf16Bytes(plain);
+}
+
 std::string EncodeMemo(std::string_view utf8, bool compress) {
   constexpr std::uint32_t kInsideRow = 0x80000000u;
   const std::string text = EncodeText(utf8, compress);

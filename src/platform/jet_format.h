@@ -83,6 +83,8 @@ std::string Utf16Bytes(std::string_view utf8);
 std::string Utf8FromUtf16Bytes(std::string_view bytes);
 /// A text as a column stores it: compressed when that is allowed and shorter.
 std::string EncodeText(std::string_view utf8, bool compress);
+/// The reverse, for either form.
+std::string DecodeText(std::string_view stored);
 /// A memo's column bytes with the text kept inside the row.
 std::string EncodeMemo(std::string_view utf8, bool compress);
 

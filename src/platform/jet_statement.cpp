@@ -1,11 +1,11 @@
-#include "platform/posix/jet_statement.h"
+#include "platform/jet_statement.h"
 
 #include <algorithm>
 
 #include "platform/jet_file.h"
 #include "platform/text.h"
 
-namespace parvex::posix {
+namespace parvex::jet {
 
 namespace {
 
@@ -48,7 +48,7 @@ class StatementReader {
 
  private:
   [[noreturn]] void Refuse() const {
-    jet::Fail(jet::EngineError::SyntaxError, "Syntax error in the statement: " + std::string(sql_));
+    Fail(EngineError::SyntaxError, "Syntax error in the statement: " + std::string(sql_));
   }
 
   void SkipBlanks() {
@@ -84,9 +84,9 @@ class StatementReader {
 
 }  // namespace
 
-JetStatement ParseJetStatement(std::string_view sql) {
+Statement ParseStatement(std::string_view sql) {
   StatementReader reader(sql);
-  JetStatement statement;
+  Statement statement;
   reader.ExpectKeyword("SELECT");
   reader.Expect('*');
   reader.ExpectKeyword("FROM");
@@ -95,7 +95,7 @@ JetStatement ParseJetStatement(std::string_view sql) {
   while (!reader.AtEnd() && !reader.Skip(';')) {
     reader.ExpectKeyword(joining);
     joining = "AND";
-    JetStatement::Condition condition;
+    Statement::Condition condition;
     condition.column = reader.TakeName();
     reader.Expect('=');
     condition.text = reader.TakeText();
@@ -105,4 +105,4 @@ JetStatement ParseJetStatement(std::string_view sql) {
   return statement;
 }
 
-}  // namespace parvex::posix
+}  // namespace parvex::jet

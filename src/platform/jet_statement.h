@@ -4,10 +4,10 @@
 #include <string_view>
 #include <vector>
 
-namespace parvex::posix {
+namespace parvex::jet {
 
 /// SELECT * FROM table [WHERE column = 'text' [AND column = 'text' ...]]
-struct JetStatement {
+struct Statement {
   struct Condition {
     std::string column;
     std::string text;
@@ -20,6 +20,6 @@ struct JetStatement {
 /// single or double quotes; a doubled quote inside a text is one. Anything else is an AutomationError (3075) that shows
 /// the statement. So a tag's name with an apostrophe in it breaks the statement that it is put into, which is how the
 /// legacy application's database answers as well; callers do not double it.
-JetStatement ParseJetStatement(std::string_view sql);
+Statement ParseStatement(std::string_view sql);
 
-}  // namespace parvex::posix
+}  // namespace parvex::jet

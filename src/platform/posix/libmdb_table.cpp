@@ -1,4 +1,4 @@
-#include "platform/posix/jet_table.h"
+#include "platform/posix/libmdb_table.h"
 
 #include <mdbtools.h>
 
@@ -6,8 +6,6 @@
 #include <array>
 #include <charconv>
 #include <cstring>
-
-#include "platform/text.h"
 
 namespace parvex::posix {
 
@@ -86,10 +84,11 @@ std::optional<std::string> TextOf(MdbHandle* database, const jet::Column& column
 
 }  // namespace
 
-JetTable::JetTable(const jet::File& file, std::uint32_t definitionPage) : definition_(file.ReadTable(definitionPage)) {
-  std::vector<jet::Row> stored = file.ReadRows(definition_);
+jet::Table ReadTableByLibmdb(const jet::File& file, std::uint32_t definitionPage) {
+  jet::TableDefinition definition = file.ReadTable(definitionPage);
+  std::vector<jet::Row> stored = file.ReadRows(definition);
   const Handle database = OpenDatabase(file);
-  mdb_set_bind_size(database.get(), LongestTextInBytes(file, definition_, stored));
+  mdb_set_bind_size(database.get(), LongestTextInBytes(file, definition, stored));
 
   MdbCatalogEntry entry{};
   entry.mdb = database.get();
@@ -97,10 +96,11 @@ JetTable::JetTable(const jet::File& file, std::uint32_t definitionPage) : defini
   entry.table_pg = definitionPage;
   const std::unique_ptr<MdbTableDef, FreeTable> table(mdb_read_table(&entry));
   if (!table || mdb_read_columns(table.get()) == nullptr) Unreadable(file);
-  const std::vector<jet::Column>& columns = definition_.shape.columns;
+  const std::vector<jet::Column>& columns = definition.shape.columns;
   if (table->num_cols != columns.size()) Unreadable(file);
 
   std::array<MdbField, MDB_MAX_COLS> fields;
+  std::vector<jet::TextRow> rows;
   for (jet::Row& row : stored) {
     int start = 0;
     std::size_t size = 0;
@@ -113,35 +113,9 @@ JetTable::JetTable(const jet::File& file, std::uint32_t definitionPage) : defini
     for (std::size_t i = 0; i < columns.size(); ++i) {
       texts.push_back(TextOf(database.get(), columns[i], row.values[i], fields[i]));
     }
-    rows_.push_back({std::move(row), std::move(texts)});
+    rows.push_back({std::move(row), std::move(texts)});
   }
-}
-
-std::vector<std::size_t> JetTable::Find(const std::vector<std::pair<std::size_t, std::string>>& conditions) {
-  // A length before each text keeps the texts of a key apart.
-  const auto append = [](std::string& key, const std::string& text) {
-    key += std::to_string(text.size()) + ':' + ToUpper(text);
-  };
-  std::string asked;
-  std::string key;
-  for (const auto& [column, text] : conditions) {
-    asked += std::to_string(column) + ',';
-    append(key, text);
-  }
-  auto [lookup, isNew] = lookups_.try_emplace(asked);
-  if (isNew) {
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-      // A null adds nothing, and a key with a text missing is none that is ever asked for.
-      std::string rowKey;
-      for (const auto& condition : conditions) {
-        const std::optional<std::string>& text = rows_[i].texts[condition.first];
-        if (text) append(rowKey, *text);
-      }
-      lookup->second[rowKey].push_back(i);
-    }
-  }
-  const auto found = lookup->second.find(key);
-  return found == lookup->second.end() ? std::vector<std::size_t>{} : found->second;
+  return {std::move(definition), std::move(rows)};
 }
 
 }  // namespace parvex::posix

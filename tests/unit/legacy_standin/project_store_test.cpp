@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "tests/support/fake_platform.h"
+#include "tests/support/full_disk.h"
 #include "tests/support/raised_by.h"
 
 namespace parvex::standin {
@@ -185,6 +188,48 @@ TEST_F(ProjectStoreTest, AChangeThatFailsPutsBackWhatItHadChanged) {
   EXPECT_EQ(machine.Read(Path("Clinic", "units.json")), units);
   EXPECT_EQ(machine.Read(Path("Clinic", "a.blb")), "a");
   EXPECT_FALSE(machine.Exists(Path("Clinic", "new.blb")));
+}
+
+/// What a change left behind of every project: names, file paths and contents.
+std::string StateOf(const ProjectStore& store) {
+  std::string state;
+  for (const std::string& name : store.Names()) {
+    for (const ProjectFile& file : store.ReadFiles(name)) {
+      state += name + "/" + file.path + "=" + file.bytes + "\n";
+    }
+  }
+  return state;
+}
+
+TEST_F(ProjectStoreTest, AFullDiskLeavesTheProjectsAsTheyWere) {
+  store.Create("Clinic");
+  machine.Write(Path("Clinic", "tag1.blb"), "blob");
+  const std::vector<std::pair<const char*, std::function<void(const ProjectStore&)>>> changes = {
+      {"create", [](const ProjectStore& full) { full.Create("New"); }},
+      {"copy", [](const ProjectStore& full) { full.Copy("Clinic", "Copy"); }},
+      {"properties", [](const ProjectStore& full) { full.WriteProperties("Clinic", {{"Notes", "n"}}); }}};
+  for (const auto& [name, change] : changes) {
+    const std::string before = StateOf(store);
+    int room = 0;
+    for (bool failed = true; failed; ++room) {
+      test::FullDisk disk(machine.platform, room);
+      const Platform full = disk.OfMachine();
+      const Application onFullDisk{full.registry, full.files, full.projectDatabases, full.codePage, {}};
+      failed = RaisedBy([&] { change(ProjectStore(onFullDisk)); }) == 61;
+      EXPECT_EQ(failed, StateOf(store) == before) << name << " with room for " << room;
+    }
+    EXPECT_GT(room, 1) << name;
+  }
+  EXPECT_THAT(machine.platform.files.ListFolders("C:\\Korvane\\TQ5-VX\\Projects"), ElementsAre("Clinic", "Copy", "New"));
+}
+
+TEST_F(ProjectStoreTest, UnitsThatCannotBeStoredLeaveTheIndexAsItWas) {
+  store.Create("Clinic");
+  const std::string database = machine.Read(Path("Clinic", "project.mdb"));
+  std::filesystem::permissions(machine.folder.Path() / "drive_c/Korvane/TQ5-VX/Projects/Clinic/units.json",
+                               std::filesystem::perms::owner_read);
+  EXPECT_EQ(RaisedBy([&] { store.WriteUnits("Clinic", {UnitNamed(1, "RTU47", "a")}); }), 75);
+  EXPECT_TRUE(machine.Read(Path("Clinic", "project.mdb")) == database);
 }
 
 TEST_F(ProjectStoreTest, UnitsThatTheIndexCannotHoldLeaveTheProjectAsItWas) {

@@ -175,8 +175,14 @@ TEST_F(OptionsCommandsTest, SetChangesTheFirstOfTwoOptionsOfAName) {
 
 TEST_F(OptionsCommandsTest, SetComparesNamesWithTheirLetterCase) {
   machine.Write(kPath, kOptions);
-  EXPECT_TRUE(Set({{"A", "9"}, {"CMBLANGUAGE", "x"}, {"", "y"}}));
+  EXPECT_TRUE(Set({{"A", "9"}, {"CMBLANGUAGE", "x"}}));
   EXPECT_EQ(machine.Read(kPath), OptionsWith("English", "IP", "1"));
+}
+
+TEST_F(OptionsCommandsTest, SetMatchesNothingByAnEmptyName) {
+  machine.Write(kPath, "<O><Tool ID=\"SOV01\"><Option><Name/><Value>1</Value></Option></Tool></O>");
+  EXPECT_TRUE(Set({{"", "2"}}));
+  EXPECT_THAT(machine.Read(kPath), HasSubstr("<Value>1</Value>"));
 }
 
 TEST_F(OptionsCommandsTest, SetFailsAsAWholeWhenAParameterHasNoValue) {

@@ -14,12 +14,13 @@
 
 namespace parvex::test {
 
-/// A late-bound value as tests write it: a text in double quotes, a number, True or False, Nothing for the empty reference,
-/// Empty for no value, an object's name, {key: item, ...} for a collection; "&" before what is passed by reference.
+/// A late-bound value as tests write it: a text in double quotes, a number, True or False, Nothing for the empty
+/// reference, Empty for no value, an object's name, {key: item, ...} for a collection; "&" before what is passed by
+/// reference.
 std::string ToLine(const automation::Value& value);
 
-/// Late-bound objects that a test scripts. A member is named by its path: the object's name, a dot, the member. An object
-/// that is created has its programmatic identifier as its name, one that a member gives has the member's path.
+/// Late-bound objects that a test scripts. A member is named by its path: the object's name, a dot, the member. An
+/// object that is created has its programmatic identifier as its name, one that a member gives has the member's path.
 ///
 /// A get of a member without an answer is an error (438, the object has no such member); a put or a call without one is
 /// merely recorded. Objects must not outlive the scripter.

@@ -30,7 +30,8 @@ class FakeRouters : public MessageRouters {
   std::unique_ptr<MessageRouter> Create() override;
 };
 
-/// Records command lines; each started program "runs" for `polls` exit-code polls, does its work and ends with `exitCode`.
+/// Records command lines; each started program "runs" for `polls` exit-code polls, does its work and ends with
+/// `exitCode`.
 class FakeProcesses : public Processes {
  public:
   struct Started {
@@ -83,9 +84,9 @@ class TemporaryFolder {
 };
 
 /// A machine in a temporary folder with an installed legacy application ("C:\Korvane\TQ5-VX\Bin\", empty Bin, Temp,
-/// Projects and Archives folders): registry, ini files, files, databases and code page are the native adapters over that
-/// folder; programs, router, late-bound classes, boxes and the clock are fakes. Making one drops the thread's kept install
-/// paths and ini target.
+/// Projects and Archives folders): registry, ini files, files, databases and code page are the native adapters over
+/// that folder; programs, router, late-bound classes, boxes and the clock are fakes. Making one drops the thread's kept
+/// install paths and ini target.
 class FakeMachine {
  public:
   FakeMachine();

@@ -55,8 +55,9 @@ TEST(RenameTag, SendsTheFrontEndsCommandAddressedToTheLegacyApplication) {
 TEST(RenameTag, AsksForTheListOfTheProjectBeforeTheFirstRename) {
   EditingMachine tags;
   RenameTag(tags.link, Command("renameTag", Renaming(Parameter("newTagName", "New"))));
-  EXPECT_EQ(Sent("getTagList", Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "*") + Parameter("projectName", "P")),
-            tags.Requests().front());
+  const std::string parameters =
+      Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "*") + Parameter("projectName", "P");
+  EXPECT_EQ(Sent("getTagList", parameters), tags.Requests().front());
 }
 
 TEST(RenameTag, MakesTheNewNameUniqueInTheGroupOfTheOwner) {
@@ -199,8 +200,8 @@ TEST(CopyTag, ToAnotherProjectAddsAnEmptyNameWhereNoneIsGivenAndLeavesPdsgAlone)
 
 TEST(CopyTag, ToAnotherProjectSendsNamesThatMarkupHasToEscape) {
   EditingMachine tags;
-  CopyTag(tags.link, Command("copyTag", Parameter("projectName", "P") + Parameter("tagName", "a \"b\" &lt;c&gt; &amp; d") +
-                                            Parameter("destinationProject", "Q")));
+  const std::string name = Parameter("tagName", "a \"b\" &lt;c&gt; &amp; d");
+  CopyTag(tags.link, Command("copyTag", Parameter("projectName", "P") + name + Parameter("destinationProject", "Q")));
   EXPECT_EQ("a \"b\" <c> & d",
             xml::Document::Parse(tags.Request()).First("//DATA/PDSG/TAG").Attribute("Name").value_or("none"));
 }

@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
 #include "platform/xml.h"
 #include "tests/cli/program.h"
 
@@ -66,43 +70,100 @@ TEST(Options, ThatCannotBeStoredAreTheFailedReply) {
   EXPECT_EQ(FailedReply(), outcome.out);
 }
 
-TEST(RoundTrip, AnExportedTagSentBackLeavesTheOriginalBlob) {
-  const TemporaryFolder folder;
-  const std::string sample = (folder.Path() / "sample").string();
-  ASSERT_EQ(0, RunParvex({"machine", "create", sample}).status);
-  const Outcome exported =
-      RunParvex({"--machine", sample, "pull-ngorla", sample + "/commands/getHybrisXMLNoUI.xml"});
-  ASSERT_EQ(0, exported.status) << exported.err;
+class RoundTrip : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_EQ(0, RunParvex({"machine", "create", machine_}).status); }
 
-  // The chiller's archive lies in the project folder, where an export leaves it.
-  const xml::Document document = xml::Document::Parse(exported.out);
-  const xml::Node tags = document.First("PROJECT/TAGS");
-  std::vector<xml::Node> others;
-  for (xml::Node tag = tags.Child("TAG"); tag; tag = tag.Next("TAG")) {
-    if (tag.Descendant("MARKFOR").Text() != "CH-1") {
-      others.push_back(tag);
+  /// The document of all tags of the sample project.
+  xml::Document Export() const {
+    const Outcome exported = RunParvex({"--machine", machine_, "pull-ngorla", machine_ + "/commands/getHybrisXMLNoUI.xml"});
+    EXPECT_EQ(0, exported.status) << exported.err;
+    return xml::Document::Parse(exported.out);
+  }
+
+  /// Sends a document back of which only this tag is left.
+  Outcome SendBack(const xml::Document& document, const std::string& markFor) const {
+    const xml::Document one = xml::Document::Parse(document.Xml());
+    for (const xml::Node& tag : one.All("/PROJECT/TAGS/TAG")) {
+      if (tag.Descendant("MARKFOR").Text() != markFor) {
+        tag.Remove();
+      }
+    }
+    const std::string command = (folder_.Path() / "return.xml").string();
+    WriteHostFile(command, "<COMMAND><NAME>RebuildTag</NAME><PARAMETERS><PARAMETER>" + one.Root().Xml() +
+                               "</PARAMETER></PARAMETERS></COMMAND>");
+    return RunParvex({"--machine", machine_, "--journal", (folder_.Path() / "journal").string(), "pull-ngorla", command});
+  }
+
+  std::string Read(const std::string& path) const { return ReadHostFile(std::filesystem::path(Root()) / path); }
+  std::string Root() const { return machine_ + "/drive_c/Korvane/TQ5-VX"; }
+
+  TemporaryFolder folder_;
+  const std::string machine_ = (folder_.Path() / "sample").string();
+};
+
+TEST_F(RoundTrip, AnExportedTagSentBackLeavesTheOriginalBlob) {
+  const xml::Document document = Export();
+  // An export consumes the blobs of the temporary folder; the same selection, made again, has the same bytes.
+  ASSERT_EQ(0, std::system(("'" + Root() + "/Bin/kdwfm470.exe' /OrlaProjectImport").c_str()));
+  const std::pair<const char*, const char*> blobs[] = {{"RTU-1", "Temp/tag1101.blb"},
+                                                       {"AHU-3", "Projects/Riverside Clinic/tag1102.blb"},
+                                                       {"CH-1", "Projects/Riverside Clinic/tag1103.blb"},
+                                                       {"SS-2", "Temp/tag1105.blb"},
+                                                       {"Küche & Café <EG>", "Temp/tag1106.blb"}};
+  for (const auto& [markFor, blob] : blobs) {
+    const Outcome returned = SendBack(document, markFor);
+    EXPECT_EQ(0, returned.status) << markFor << returned.err;
+    EXPECT_THAT(returned.out, HasSubstr("<errorMessage>No error</errorMessage>")) << markFor;
+    ASSERT_NE("", Read(blob)) << blob;
+    EXPECT_TRUE(Read("Temp/QPblob.tmp") == Read(blob)) << markFor;
+    EXPECT_EQ("[Header]\r\nAction=ok\r\n[Partnumber1]\r\nfilename=C:\\Korvane\\TQ5-VX\\Temp\\QPblob.tmp\r\n",
+              Read("Temp/input.ini"));
+  }
+}
+
+TEST_F(RoundTrip, EveryComponentIsShownOnceForEveryBaseUnitOnStandardErrorAndInTheJournal) {
+  const xml::Document document = Export();
+  const std::string inTag = "/PROJECT/TAGS/TAG[ATTRIBUTES_LIST/MARKFOR='RTU-1']/BASEUNITS/BASEUNIT";
+  const std::size_t units = document.All(inTag).size();
+  ASSERT_EQ(3u, units);
+  std::vector<std::string> expected;
+  for (std::size_t unit = 0; unit < units; ++unit) {
+    for (const xml::Node& component : document.All(inTag + "/COMPONENTS/COMPONENT")) {
+      expected.push_back(component.Xml());
     }
   }
-  for (const xml::Node& tag : others) {
-    tag.Remove();
+  const Outcome returned = SendBack(document, "RTU-1");
+  std::vector<std::string> journalled;
+  std::istringstream journal(ReadHostFile(folder_.Path() / "journal"));
+  for (std::string line; std::getline(journal, line);) {
+    const nlohmann::json entry = nlohmann::json::parse(line);
+    EXPECT_EQ("messageBox", entry.at("kind"));
+    journalled.push_back(entry.at("text"));
   }
-  const std::string command = (folder.Path() / "return.xml").string();
-  WriteHostFile(command, "<COMMAND><NAME>RebuildTag</NAME><PARAMETERS><PARAMETER>" + document.Root().Xml() +
-                             "</PARAMETER></PARAMETERS></COMMAND>");
-  const Outcome returned = RunParvex({"--machine", sample, "pull-ngorla", command});
-  EXPECT_EQ(0, returned.status) << returned.err;
-  EXPECT_THAT(returned.out, HasSubstr("<errorMessage>No error</errorMessage>"));
+  EXPECT_EQ(expected, journalled);
+  std::size_t at = 0;
+  for (const std::string& text : expected) {
+    at = returned.err.find(text, at);
+    ASSERT_NE(std::string::npos, at) << text;
+    at += text.size();
+  }
+}
 
-  const std::filesystem::path root = std::filesystem::path(sample) / "drive_c/Korvane/TQ5-VX";
-  std::vector<std::string> blobs;
-  for (const auto& entry : std::filesystem::directory_iterator(root / "Projects/Riverside Clinic")) {
-    if (entry.path().extension() != ".json" && entry.path().extension() != ".mdb") {
-      blobs.push_back(ReadHostFile(entry.path()));
-    }
-  }
-  EXPECT_THAT(blobs, testing::Contains(ReadHostFile(root / "Temp/QPblob.tmp")));
-  EXPECT_EQ("[Header]\r\nAction=ok\r\n[Partnumber1]\r\nfilename=C:\\Korvane\\TQ5-VX\\Temp\\QPblob.tmp\r\n",
-            ReadHostFile(root / "Temp/input.ini"));
+TEST_F(RoundTrip, ATagWithoutStoredDataHasAnEmptyBlobAndLeavesAnEmptySelection) {
+  EXPECT_THAT(SendBack(Export(), "HP-7").out, HasSubstr("No error"));
+  EXPECT_TRUE(std::filesystem::exists(Root() + "/Temp/QPblob.tmp"));
+  EXPECT_EQ("", Read("Temp/QPblob.tmp"));
+}
+
+TEST_F(RoundTrip, ATagThatCannotComeBackIsTheFailedReplyWithItsOwnMessage) {
+  const xml::Document document = Export();
+  document.First("/PROJECT/TAGS/TAG[ATTRIBUTES_LIST/MARKFOR='CH-1']/ATTRIBUTES_LIST/BLOB").Remove();
+  const Outcome returned = SendBack(document, "CH-1");
+  EXPECT_EQ(1, returned.status);
+  EXPECT_EQ(FailedReply("Tag document BLOB is missing"), returned.out);
+  EXPECT_THAT(returned.err, HasSubstr("Returning Applied Chiller Tags to ORLA is not supported."));
+  EXPECT_FALSE(std::filesystem::exists(Root() + "/Temp/QPblob.tmp"));
 }
 
 }  // namespace

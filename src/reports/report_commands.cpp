@@ -273,8 +273,8 @@ xml::Document GetSubmittal(LegacyLink& link, const xml::Document& command) {
     }
     const ReportedTag tag = ReadTag(element, pdsg);
     server->Call("Reset", {});
-    PrepareReport(server, "NGSubmittal",
-                  tags);  // a client name of its own, deliberately: it makes the server write XML
+    // A client name of its own, deliberately: it makes the server write a document that can be read back.
+    PrepareReport(server, "NGSubmittal", tags);
     AddTag(platform, server, tag);
     AddReport(server, templatePath, reportName, tag);
     MakeReport(server);

@@ -140,6 +140,10 @@ std::string AddReport(const std::string& name, const std::string& pdsg, const st
          " | " + category + " | " + report + " | " + pdsg + " | " + name;
 }
 
+std::string AddUnitReport(const std::string& name, const std::string& pdsg) {
+  return AddReport(name, pdsg, "UnitReport_qdf.xml", "UnitReport", "UnitReport");
+}
+
 const std::string kCreate = "create " + kServer;
 const std::string kReset = "call " + kServer + ".Reset";
 const std::string kMake = "call " + kServer + ".MakeReport | ";
@@ -168,15 +172,12 @@ TEST_F(ReportsWalk, OneReportIsMadeForTheTagsThatHaveItsTemplate) {
   const Outcome outcome = Pull({Command("02-one")});
   EXPECT_EQ(0, outcome.status) << outcome.err;
   EXPECT_EQ(kMade, outcome.out);
-  EXPECT_THAT(
-      LateBoundCalls(),
-      ElementsAreArray(Joined(
-          {{kCreate},
-           Preparation("NGORLA"),
-           {AddTag("RTU-1", "RTU47"), AddReport("RTU-1", "RTU47", "UnitReport_qdf.xml", "UnitReport", "UnitReport"),
-            AddTag("Küche & Café <EG>", "FCB47"),
-            AddReport("Küche & Café <EG>", "FCB47", "UnitReport_qdf.xml", "UnitReport", "UnitReport"),
-            kMake + " -> true", kRelease}})));
+  EXPECT_THAT(LateBoundCalls(),
+              ElementsAreArray(Joined(
+                  {{kCreate},
+                   Preparation("NGORLA"),
+                   {AddTag("RTU-1", "RTU47"), AddUnitReport("RTU-1", "RTU47"), AddTag("Küche & Café <EG>", "FCB47"),
+                    AddUnitReport("Küche & Café <EG>", "FCB47"), kMake + " -> true", kRelease}})));
   EXPECT_THAT(BoxTexts(), IsEmpty());
   EXPECT_THAT(FilesLeft(), ElementsAre("Preview.rtf", "Request.xml"));
   EXPECT_THAT(ReadHostFile(ReportFile("Preview.rtf")), HasSubstr("Tag: RTU-1 (RTU47)\\par"));
@@ -186,15 +187,13 @@ TEST_F(ReportsWalk, SeveralReportsAreMadeInOneRun) {
   const Outcome outcome = Pull({Command("03-several")});
   EXPECT_EQ(0, outcome.status) << outcome.err;
   EXPECT_EQ(kMade, outcome.out);
-  EXPECT_THAT(
-      LateBoundCalls(),
-      ElementsAreArray(Joined(
-          {{kCreate},
-           Preparation("NGORLA"),
-           {AddTag("RTU-1", "RTU47"), AddReport("RTU-1", "RTU47", "UnitReport_qdf.xml", "UnitReport", "UnitReport"),
-            AddReport("RTU-1", "RTU47", "ECO_Desig_Data_Sheet.xml", "Custom", "ECO__Desig_Data_Sheet"),
-            AddTag("AHU-3", "AHE47"), AddReport("AHU-3", "AHE47", "UnitReport_qdf.xml", "UnitReport", "UnitReport"),
-            kMake + " -> true", kRelease}})));
+  EXPECT_THAT(LateBoundCalls(),
+              ElementsAreArray(
+                  Joined({{kCreate},
+                          Preparation("NGORLA"),
+                          {AddTag("RTU-1", "RTU47"), AddUnitReport("RTU-1", "RTU47"),
+                           AddReport("RTU-1", "RTU47", "ECO_Desig_Data_Sheet.xml", "Custom", "ECO__Desig_Data_Sheet"),
+                           AddTag("AHU-3", "AHE47"), AddUnitReport("AHU-3", "AHE47"), kMake + " -> true", kRelease}})));
   EXPECT_THAT(FilesLeft(), ElementsAre("Preview.rtf", "Request.xml"));
 }
 

@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "platform/automation_error.h"
+#include "platform/jet_file.h"
 
 namespace parvex::windows {
 namespace {
@@ -42,7 +43,7 @@ void CloseQuietly(const ObjectRef& object) noexcept {
 
 struct ColumnText {
   std::optional<std::string> operator()(std::monostate) const { return std::nullopt; }
-  std::optional<std::string> operator()(bool value) const { return value ? "-1" : "0"; }
+  std::optional<std::string> operator()(bool value) const { return value ? "True" : "False"; }
   std::optional<std::string> operator()(std::int32_t value) const { return std::to_string(value); }
   std::optional<std::string> operator()(double value) const {
     char digits[32];
@@ -105,6 +106,20 @@ class DaoDatabase : public Database {
   ObjectRef database_;
 };
 
+// A file that is not there is the same error whoever looks for it.
+std::unique_ptr<Database> OpenBy(const ObjectRef& engine, std::string_view path) {
+  try {
+    return std::make_unique<DaoDatabase>(
+        AsObject(Call(engine, "OpenDatabase", std::string(path)), "the database " + std::string(path)));
+  } catch (const AutomationError& error) {
+    switch (static_cast<jet::EngineError>(error.RuntimeNumber())) {
+      case jet::EngineError::FileNotFound: throw MakeRuntimeError(RuntimeError::FileNotFound, error.Description());
+      case jet::EngineError::InvalidPath: throw MakeRuntimeError(RuntimeError::PathNotFound, error.Description());
+      default: throw;
+    }
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<Database> DaoDatabases::Open(std::string_view path) {
@@ -117,8 +132,7 @@ std::unique_ptr<Database> DaoDatabases::Open(std::string_view path) {
       reasons += std::string(reasons.empty() ? "" : "; ") + error.Description();
       continue;
     }
-    return std::make_unique<DaoDatabase>(
-        AsObject(Call(created, "OpenDatabase", std::string(path)), "the database " + std::string(path)));
+    return OpenBy(created, path);
   }
   throw MakeRuntimeError(RuntimeError::CannotCreateObject,
                          "no database engine for \"" + std::string(path) + "\": " + reasons);

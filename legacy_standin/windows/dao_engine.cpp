@@ -1,0 +1,80 @@
+// The substitute for the database engine as an in-process server. It is for machines without the real engine, whose
+// place in the registry it never takes; the manifests beside it offer it without any registration.
+
+#include <array>
+
+#include "com/class_factory.h"
+#include "com/failures.h"
+#include "com/registration.h"
+#include "com/type_library.h"
+#include "legacy_standin/dao_engine.h"
+#include "platform/automation_error.h"
+#include "platform/windows/automation.h"
+#include "platform/windows/files.h"
+#include "platform/windows/wide_text.h"
+
+namespace parvex::standin {
+namespace {
+
+using com::ComClass;
+using windows::ComPointer;
+
+ComPointer<IUnknown> MakeEngine(const std::string& programmaticId) {
+  static windows::SystemFiles files;
+  for (const LateBoundClass& offered : DaoClasses(files)) {
+    if (offered.programmaticId == programmaticId) {
+      return windows::ExposeObject(offered.create()).As<IUnknown>(IID_IUnknown);
+    }
+  }
+  return {};
+}
+
+ComClass Engine(const CLSID& id, const char* programmaticId) {
+  return {id, windows::Widen(programmaticId), L"Substitute database engine",
+          [programmaticId] { return MakeEngine(programmaticId); }};
+}
+
+// The manifests name the same identifiers.
+std::span<const ComClass> Classes() {
+  static const std::array kClasses = {
+      Engine({0x17e448ec, 0x2df1, 0x4cc3, {0x96, 0x7e, 0x59, 0x62, 0x4c, 0x35, 0x64, 0x58}}, kOlderDaoEngine),
+      Engine({0x2960f529, 0x3fd4, 0x4948, {0xb1, 0xc5, 0xa1, 0xe4, 0xd3, 0x90, 0xc4, 0x22}}, kNewerDaoEngine)};
+  return kClasses;
+}
+
+void RefuseWhereARealEngineIs() {
+  for (const ComClass& c : Classes()) {
+    CLSID registered;
+    if (SUCCEEDED(CLSIDFromProgID(c.programmaticId.c_str(), &registered)) && registered != c.id) {
+      throw MakeRuntimeError(RuntimeError::InvalidCall,
+                             windows::Narrow(c.programmaticId) + " is registered already: a real engine is installed");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace parvex::standin
+
+using namespace parvex;
+
+extern "C" {
+
+HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** factory) {
+  return com::GetClassFactory(standin::Classes(), classId, interfaceId, factory);
+}
+
+HRESULT STDAPICALLTYPE DllCanUnloadNow() { return com::CanUnloadNow(); }
+
+HRESULT STDAPICALLTYPE DllRegisterServer() {
+  return com::Guarded(IID_NULL, [] {
+    standin::RefuseWhereARealEngineIs();
+    com::RegisterModule(standin::Classes(), com::ThisModulePath(), nullptr);
+  });
+}
+
+HRESULT STDAPICALLTYPE DllUnregisterServer() {
+  return com::Guarded(IID_NULL,
+                      [] { com::UnregisterModule(standin::Classes(), com::ThisModulePath(), nullptr); });
+}
+
+}  // extern "C"

@@ -7,11 +7,13 @@
 #include "platform/windows/machine.h"
 #include "platform/windows/wide_text.h"
 #include "tests/contract/contract_fixture.h"
+#include "tests/contract/substitute_engine_windows.h"
 
 namespace parvex::test {
 namespace {
 
-constexpr const char* kScratchKey = "SOFTWARE\\Parvex\\Contract";
+// Tests may run side by side: a key and a folder for each process.
+std::string ScratchKey() { return "SOFTWARE\\ParvexContract-" + std::to_string(GetCurrentProcessId()); }
 
 // An empty folder of its own below the system's temporary folder.
 std::string NewScratchFolder() {
@@ -27,11 +29,12 @@ std::string NewScratchFolder() {
   return path;
 }
 
-std::wstring ProbeProgram() {
+// The folder of this program, with the final backslash.
+std::wstring OwnFolder() {
   wchar_t path[MAX_PATH];
   const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
   const std::wstring own(path, length);
-  return own.substr(0, own.rfind(L'\\') + 1) + L"contract_probe.exe";
+  return own.substr(0, own.rfind(L'\\') + 1);
 }
 
 std::wstring TextOfWindow(HWND window) {
@@ -39,11 +42,23 @@ std::wstring TextOfWindow(HWND window) {
   return {text, static_cast<std::size_t>(GetWindowTextW(window, text, 1024))};
 }
 
+// The box of this process with that caption; tests of others may show theirs at the same time.
+HWND OwnBox(const std::wstring& caption) {
+  HWND box = nullptr;
+  DWORD owner = 0;
+  while ((box = FindWindowExW(nullptr, box, L"#32770", caption.c_str())) != nullptr) {
+    GetWindowThreadProcessId(box, &owner);
+    if (owner == GetCurrentProcessId() && IsWindowVisible(box)) {
+      return box;
+    }
+  }
+  return nullptr;
+}
+
 // Waits for the box, reads what it shows, presses its button.
 std::wstring CloseBox(const std::wstring& caption) {
   for (int attempt = 0; attempt < 1000; ++attempt, Sleep(10)) {
-    const HWND box = FindWindowW(L"#32770", caption.c_str());
-    if (box != nullptr && IsWindowVisible(box)) {
+    if (const HWND box = OwnBox(caption); box != nullptr) {
       constexpr int kTextControl = 0xFFFF;
       const std::wstring seen = TextOfWindow(box) + L"\n" + TextOfWindow(GetDlgItem(box, kTextControl));
       PostMessageW(box, WM_COMMAND, IDOK, 0);
@@ -57,7 +72,23 @@ std::wstring CloseBox(const std::wstring& caption) {
 
 bool RunsUnderWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
 
+SubstituteEngine::SubstituteEngine(std::string_view version) {
+  const std::wstring manifest = OwnFolder() + L"..\\bin\\dao_engine." + windows::Widen(version) + L".manifest";
+  ACTCTXW description = {};
+  description.cbSize = sizeof description;
+  description.lpSource = manifest.c_str();
+  context_ = CreateActCtxW(&description);
+  EXPECT_NE(context_, INVALID_HANDLE_VALUE) << "no manifest " << windows::Narrow(manifest);
+  EXPECT_TRUE(ActivateActCtx(context_, &cookie_)) << GetLastError();
+}
+
+SubstituteEngine::~SubstituteEngine() {
+  DeactivateActCtx(0, cookie_);
+  ReleaseActCtx(context_);
+}
+
 struct ContractMachine::Host {
+  SubstituteEngine engine{"36"};
   windows::Machine machine;
 };
 
@@ -85,14 +116,14 @@ ContractMachine::ContractMachine()
       projectDatabases(host_->machine.GetProjectDatabases()),
       codePage(host_->machine.GetCodePage()),
       scratch(NewScratchFolder()),
-      scratchKey(kScratchKey) {
-  RegDeleteKeyA(HKEY_LOCAL_MACHINE, kScratchKey);
+      scratchKey(ScratchKey()) {
+  RegDeleteKeyA(HKEY_LOCAL_MACHINE, scratchKey.c_str());
   // Where the probe writes: programs started from here inherit it.
   SetEnvironmentVariableW(L"PARVEX_PROBE_FOLDER", windows::Widen(scratch).c_str());
 }
 
 ContractMachine::~ContractMachine() {
-  RegDeleteKeyA(HKEY_LOCAL_MACHINE, kScratchKey);
+  RegDeleteKeyA(HKEY_LOCAL_MACHINE, scratchKey.c_str());
   try {
     for (const std::string& name : files.ListFiles(Path("*.*"))) {
       SetReadOnly(Path(name), false);
@@ -105,7 +136,7 @@ ContractMachine::~ContractMachine() {
 
 void ContractMachine::SetRegistryString(std::string_view valueName, std::string_view text) {
   HKEY key = nullptr;
-  ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, kScratchKey, 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr), 0);
+  ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, scratchKey.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr), 0);
   const std::wstring value = windows::Widen(text);
   RegSetValueExW(key, windows::Widen(valueName).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
                  static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
@@ -117,7 +148,7 @@ void ContractMachine::SetReadOnly(std::string_view path, bool readOnly) {
 }
 
 void ContractMachine::InstallProbe(std::string_view path) {
-  ASSERT_TRUE(CopyFileW(ProbeProgram().c_str(), windows::Widen(path).c_str(), FALSE)) << GetLastError();
+  ASSERT_TRUE(CopyFileW((OwnFolder() + L"contract_probe.exe").c_str(), windows::Widen(path).c_str(), FALSE)) << GetLastError();
 }
 
 std::string ContractMachine::SeenInBox(std::string_view text, std::string_view caption, MessageBoxes::Icon icon) {

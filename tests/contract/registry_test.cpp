@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/text.h"
 #include "tests/contract/contract_fixture.h"
 
 namespace parvex::test {
@@ -23,7 +24,7 @@ TEST_F(RegistryContract, ReadsAStringValue) {
 
 TEST_F(RegistryContract, LetterCaseOfKeyAndValueNameDoesNotMatter) {
   machine.SetRegistryString("BinPath", "x");
-  EXPECT_EQ(Read("software\\PARVEX\\contract", "binPath"), "x");
+  EXPECT_EQ(Read(ToUpper(machine.scratchKey), "binPath"), "x");
 }
 
 TEST_F(RegistryContract, ABackslashAtTheKeysEndDoesNotMatter) {
@@ -36,7 +37,7 @@ TEST_F(RegistryContract, MissingKeysAndValuesGiveNothing) {
   machine.SetRegistryString("BinPath", "x");
   EXPECT_EQ(Read(machine.scratchKey, "BinPath2"), std::nullopt);
   EXPECT_EQ(Read(machine.scratchKey + "\\Below", "BinPath"), std::nullopt);
-  EXPECT_EQ(Read("SOFTWARE\\Parvex\\Contrac", "BinPath"), std::nullopt);
+  EXPECT_EQ(Read(machine.scratchKey.substr(0, machine.scratchKey.size() - 1), "BinPath"), std::nullopt);
 }
 
 TEST_F(RegistryContract, AnEmptyValueIsAValue) {

@@ -23,7 +23,11 @@ void RefuseValue(const automation::Object& object, std::string_view member, cons
 }
 
 void FailWhereTold(const Application& application, const automation::Object& object, std::string_view member) {
-  if (application.settings.reportServer.failAt == member) {
+  FailWhereTold(application.settings.reportServer.failAt, object, member);
+}
+
+void FailWhereTold(std::string_view failAt, const automation::Object& object, std::string_view member) {
+  if (failAt == member) {
     throw AutomationError(kToldToFail, object.Name(), PathOf(object, member) + ": told to fail");
   }
 }

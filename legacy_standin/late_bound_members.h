@@ -11,7 +11,7 @@
 
 namespace parvex::standin {
 
-// What the report classes have in common as late-bound objects.
+// What the substitute's classes have in common as late-bound objects.
 
 /// The failure that a class raises at a member which it does not have (438).
 [[noreturn]] void RefuseMember(const automation::Object& object, std::string_view member);
@@ -20,6 +20,8 @@ namespace parvex::standin {
 
 /// Raises the failure that standin.json wants of this member of the report classes.
 void FailWhereTold(const Application& application, const automation::Object& object, std::string_view member);
+/// The same for the member that `failAt` names.
+void FailWhereTold(std::string_view failAt, const automation::Object& object, std::string_view member);
 
 /// The texts that a member got; another number or type of arguments is refused.
 std::vector<std::string> TextArguments(const automation::Object& object, std::string_view member,

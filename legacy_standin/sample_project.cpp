@@ -1,5 +1,6 @@
 #include "legacy_standin/sample_project.h"
 
+#include "legacy_standin/stored_tag.h"
 #include "platform/xml.h"
 
 namespace parvex::standin {
@@ -21,30 +22,8 @@ std::string SapConfiguration(const std::string& element, const std::string& mate
   return root.Xml();
 }
 
-/// The document that the installed application stores for a tag.
-std::string TagDocument(const Unit& unit, const std::string& sapConfiguration) {
-  const xml::Document document = xml::Document::Parse("<Application><System><Product/></System></Application>");
-  document.Root().SetAttribute("PDSG", FieldOf(unit.keys, "PDSG"));
-  const xml::Node product = document.First("//Product");
-  product.SetAttribute("ProdName", FieldOf(unit.keys, "PDSG"));
-  product.SetAttribute("MarkFor", FieldOf(unit.keys, "MarkFor"));
-  product.SetAttribute("TagVersion", kTagVersion);
-  product.SetAttribute("lTagID", std::to_string(unit.tagId));
-  product.SetAttribute("Quantity", FieldOf(unit.keys, "Quantity"));
-  product.SetAttribute("UnitSize", FieldOf(unit.keys, "Ton"));
-  product.SetAttribute("PartNumber", FieldOf(unit.keys, "PartNumber"));
-  product.SetAttribute("Model", FieldOf(unit.keys, "PartNumber").substr(0, 4));
-  if (!sapConfiguration.empty()) {
-    document.Root().Append(xml::Document::Parse(sapConfiguration).Root());
-  }
-  return document.Root().Xml();
-}
-
-/// The archive of a tag: its document in the entry that readers look for, and the drawing that comes with it.
 StoredData TagArchive(const Unit& unit, StoredData::Place place, const std::string& sapConfiguration = "") {
-  return {"tag" + std::to_string(unit.tagId) + ".blb",
-          place,
-          {{"Tag", TagDocument(unit, sapConfiguration), true}, {"Drawing.dat", "unit outline, sheet 1 of 1", false}}};
+  return MakeTagArchive(unit, place, kTagVersion, sapConfiguration);
 }
 
 /// The archive of a unit that is kept by its order configuration alone.

@@ -3,15 +3,18 @@
 #include <memory>
 #include <utility>
 
+#include "legacy_standin/builder.h"
 #include "legacy_standin/project_requests.h"
 #include "legacy_standin/report_server.h"
 #include "legacy_standin/schedule_request.h"
+#include "legacy_standin/tag_requests.h"
 
 namespace parvex::standin {
 namespace {
 
 RequestTable AllRequests() {
   RequestTable requests = ProjectRequests();
+  requests.merge(TagRequests());
   return requests;
 }
 
@@ -26,6 +29,9 @@ Standin::Standin(Application application) : application_(std::move(application))
 
 std::vector<LateBoundClass> Standin::Classes() {
   std::vector<LateBoundClass> classes;
+  if (!application_.settings.builder.missing) {
+    classes.push_back(MakeClass<Builder>(kBuilderClass, application_));
+  }
   if (!application_.settings.reportServer.missing) {
     classes.push_back(MakeClass<ReportServer>(kReportServerClass, application_));
     classes.push_back(MakeClass<ScheduleRequest>(kScheduleRequestClass, application_));

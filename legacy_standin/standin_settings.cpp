@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <span>
 
 #include "legacy_standin/json_members.h"
 #include "platform/automation_error.h"
@@ -13,6 +14,9 @@ namespace {
 constexpr std::string_view kReportMembers[] = {"Reset",      "action",    "ClientID",   "command",
                                                "OutputType", "Project",   "ProjectID",  "OutputUnits",
                                                "AddTag",     "AddReport", "MakeReport", "SendRequest"};
+
+constexpr std::string_view kBuilderMembers[] = {"standalone",    "View",       "UILoaded", "Framework",
+                                                "ServiceBroker", "CallService", "Shutdown"};
 
 std::optional<int> TakeExitCode(JsonMembers& members) {
   const Json value = members.Take("exitCode");
@@ -36,14 +40,31 @@ std::vector<std::string> TakeCommandNames(JsonMembers& members, const std::strin
   return names;
 }
 
-std::string TakeReportMember(JsonMembers& members, const std::string& key) {
+std::string TakeMember(JsonMembers& members, const std::string& key, std::span<const std::string_view> known,
+                       const char* wanted) {
   const std::string member = members.TakeText(key);
-  const bool known =
-      std::find(std::begin(kReportMembers), std::end(kReportMembers), member) != std::end(kReportMembers);
-  if (!member.empty() && !known) {
-    members.Refuse(members.PlaceOf(key), "a member of the report server or the schedule request", member);
+  if (!member.empty() && std::find(known.begin(), known.end(), member) == known.end()) {
+    members.Refuse(members.PlaceOf(key), wanted, member);
   }
   return member;
+}
+
+int TakeCount(JsonMembers& members, const std::string& key, int fallback) {
+  const Json value = members.Take(key);
+  if (!value.is_null() && (!value.is_number_integer() || value < 0 || value > 1'000'000)) {
+    members.Refuse(members.PlaceOf(key), "a whole number from 0 to 1000000", value);
+  }
+  return value.is_null() ? fallback : value.get<int>();
+}
+
+StandinSettings::Builder TakeBuilder(JsonMembers builder) {
+  StandinSettings::Builder settings;
+  settings.missing = builder.TakeFlag("missing", false);
+  settings.cancelled = builder.TakeFlag("cancelled", false);
+  settings.failAt = TakeMember(builder, "failAt", kBuilderMembers, "a member of the builder");
+  settings.polls = TakeCount(builder, "polls", settings.polls);
+  builder.Finish();
+  return settings;
 }
 
 }  // namespace
@@ -62,11 +83,12 @@ StandinSettings ParseStandinSettings(std::string_view json, std::string_view fil
   settings.router.refuse = TakeCommandNames(router, "refuse");
   router.Finish();
 
-  all.TakeObject("builder");
+  settings.builder = TakeBuilder(all.TakeObject("builder"));
 
   JsonMembers reportServer = all.TakeObject("reportServer");
   settings.reportServer.missing = reportServer.TakeFlag("missing", false);
-  settings.reportServer.failAt = TakeReportMember(reportServer, "failAt");
+  settings.reportServer.failAt =
+      TakeMember(reportServer, "failAt", kReportMembers, "a member of the report server or the schedule request");
   settings.reportServer.makeReport = reportServer.TakeFlag("makeReport", true);
   reportServer.Finish();
 

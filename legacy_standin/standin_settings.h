@@ -23,14 +23,20 @@ struct StandinSettings {
     std::string failAt;      ///< the member that fails; empty for none
     bool makeReport = true;  ///< false: nothing is made, and the answer says so
   };
+  struct Builder {
+    bool missing = false;    ///< its class is not registered
+    bool cancelled = false;  ///< its user cancels: nothing is changed
+    std::string failAt;      ///< the member that fails; empty for none
+    int polls = 2;           ///< looks at UILoaded that find it not loaded yet
+  };
   Workflow workflow;
   Router router;
   ReportServer reportServer;
+  Builder builder;
 };
 
 /// Reads the text of a standin.json. A text that is no JSON, a key that nobody knows and a value of the wrong type are
-/// AutomationErrors (5) that name `fileName`, the key and the value. The key "builder" is accepted and not looked into:
-/// the substitute has no such component yet.
+/// AutomationErrors (5) that name `fileName`, the key and the value.
 StandinSettings ParseStandinSettings(std::string_view json, std::string_view fileName);
 
 /// The settings of a machine folder: those of its standin.json, or the defaults when it has none.

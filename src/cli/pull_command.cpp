@@ -6,6 +6,7 @@
 #include <fstream>
 #include <optional>
 
+#include "cli/consumer.h"
 #include "cli/host.h"
 #include "cli/standard_streams.h"
 #include "interface/legacy_orla_pull.h"
@@ -58,6 +59,7 @@ bool SendText(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage
 ExitStatus SendAll(const Platform& platform, const std::vector<std::string>& names,
                    const std::vector<std::string>& contents, SendOne sendOne) {
   LegacyORLAPull pull(platform);
+  pull.SetConsumer(MakeConsumer());
   ExitStatus status = kReply;
   bool anyCallFailed = false;
   for (std::size_t i = 0; i < contents.size(); ++i) {

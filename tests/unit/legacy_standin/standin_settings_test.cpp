@@ -30,9 +30,27 @@ TEST(StandinSettingsTest, ReadsEveryKeyOfTheWorkflowAndTheRouter) {
   EXPECT_THAT(settings.router.refuse, ElementsAre("copyProject", "getTag"));
 }
 
-TEST(StandinSettingsTest, AcceptsThePartsOfComponentsThatDoNotExistYet) {
-  EXPECT_NO_THROW(ParseStandinSettings(
-      R"({"builder":{"failAt":"View","slowPolls":20}})", "standin.json"));
+TEST(StandinSettingsTest, TheBuilderBehavesUnlessToldOtherwise) {
+  const StandinSettings::Builder behaving = ParseStandinSettings(R"({"builder":{}})", "standin.json").builder;
+  EXPECT_FALSE(behaving.missing);
+  EXPECT_FALSE(behaving.cancelled);
+  EXPECT_EQ(behaving.failAt, "");
+  EXPECT_EQ(behaving.polls, 2);
+  const StandinSettings::Builder told =
+      ParseStandinSettings(R"({"builder":{"missing":true,"cancelled":true,"failAt":"View","polls":20}})", "standin.json")
+          .builder;
+  EXPECT_TRUE(told.missing);
+  EXPECT_TRUE(told.cancelled);
+  EXPECT_EQ(told.failAt, "View");
+  EXPECT_EQ(told.polls, 20);
+}
+
+TEST(StandinSettingsTest, WhatTheBuilderCannotDoIsRefused) {
+  for (const char* builder : {R"({"failAt":"view"})", R"({"failAt":1})", R"({"polls":-1})", R"({"polls":1.5})",
+                              R"({"polls":"many"})", R"({"cancelled":"yes"})", R"({"slow":true})"}) {
+    EXPECT_THROW(ParseStandinSettings("{\"builder\":" + std::string(builder) + "}", "standin.json"), AutomationError)
+        << builder;
+  }
 }
 
 TEST(StandinSettingsTest, TheReportServerBehavesUnlessToldOtherwise) {

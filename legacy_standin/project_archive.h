@@ -25,8 +25,8 @@ ProjectArchive ReadProjectArchive(const Application& application, const std::str
 /// The product data set groups that the archive has data of: the application's own, then those of its units, each once.
 std::vector<std::string> GroupsIn(const ProjectArchive& archive);
 
-/// Leaves out the units, and their data archives, whose group `groups` does not name: names with commas between, "*" for
-/// all. The project's own files always stay. A list without a name is refused (5).
+/// Leaves out the units, and their data archives, whose group `groups` does not name: names with commas between, "*"
+/// for all. The project's own files always stay. A list without a name is refused (5).
 void KeepGroups(ProjectArchive& archive, std::string_view groups);
 
 }  // namespace parvex::standin

@@ -118,7 +118,8 @@ std::string MakeProjectDatabase(const std::vector<ConfigRow>& config, const std:
 std::vector<std::string> ProjectStore::Names() const {
   const std::string projects = application_.Root() + "\\Projects";
   std::vector<std::string> names = files_.ListFolders(projects);
-  std::erase_if(names, [&](const std::string& name) { return !files_.IsFile(projects + "\\" + name + "\\" + kDatabase); });
+  std::erase_if(names,
+                [&](const std::string& name) { return !files_.IsFile(projects + "\\" + name + "\\" + kDatabase); });
   return names;
 }
 

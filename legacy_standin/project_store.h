@@ -17,8 +17,8 @@ struct ConfigRow {
   std::optional<std::string> value;
 };
 
-/// The bytes of a project's database: Config with these rows, and TagIndex, where the number of each unit's tag is found
-/// by its family, its version and its name.
+/// The bytes of a project's database: Config with these rows, and TagIndex, where the number of each unit's tag is
+/// found by its family, its version and its name.
 std::string MakeProjectDatabase(const std::vector<ConfigRow>& config, const std::vector<Unit>& units);
 
 /// A file of a project by its path below the project's folder, components separated by backslashes.
@@ -30,8 +30,8 @@ struct ProjectFile {
 /// The projects of the application, each a folder in Root()\Projects with project.mdb, units.json, properties.json and
 /// the data archives of its tags (docs/standin.md). Letter case of names is ignored.
 ///
-/// Everything is read from the disk anew. What is refused is an AutomationError: an unknown project (76), a name that is
-/// taken (58), a name that no folder can have (5). A change that fails puts back what it had changed.
+/// Everything is read from the disk anew. What is refused is an AutomationError: an unknown project (76), a name that
+/// is taken (58), a name that no folder can have (5). A change that fails puts back what it had changed.
 class ProjectStore {
  public:
   explicit ProjectStore(const Application& application) : application_(application), files_(application.files) {}

@@ -36,7 +36,8 @@ bool AskStatus(const LegacyLink& link, const xml::Document& question, std::strin
 }
 
 bool ProjectExists(const LegacyLink& link, std::string_view projectName) {
-  return AskStatus(link, MakeRequest("projectExist", {{"projectName", projectName}, {"pdsg", kLegacyPdsg}}), "//STATUS");
+  return AskStatus(link, MakeRequest("projectExist", {{"projectName", projectName}, {"pdsg", kLegacyPdsg}}),
+                   "//STATUS");
 }
 
 xml::Document AnswerNameTaken() { return MakeFailedReply("A Project of that name already exists"); }
@@ -91,8 +92,8 @@ xml::Document RenameProject(LegacyLink& link, const xml::Document& command) {
   if (NewNameTaken(link, command)) {
     return AnswerNameTaken();
   }
-  // The copy's own handler asks for the name and appends its parameters once more; the legacy application takes the first
-  // of each, and has always been sent both.
+  // The copy's own handler asks for the name and appends its parameters once more; the legacy application takes the
+  // first of each, and has always been sent both.
   SetCommandName(command, "copyProject");
   AddCopyParameters(link, command);
   if (!Succeeded(CopyProject(link, command))) {

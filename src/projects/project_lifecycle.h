@@ -5,8 +5,8 @@
 
 namespace parvex {
 
-// Projects are made, copied, removed, archived and restored by the legacy application. These commands are the front end's
-// documents rewritten into its requests; a refusal is the failed reply.
+// Projects are made, copied, removed, archived and restored by the legacy application. These commands are the front
+// end's documents rewritten into its requests; a refusal is the failed reply.
 
 xml::Document AddProject(LegacyLink& link, const xml::Document& command);
 xml::Document DeleteProject(LegacyLink& link, const xml::Document& command);

@@ -75,7 +75,8 @@ xml::Document SetProjectProperties(LegacyLink& link, const xml::Document& comman
 std::string GetProjectFolder(const LegacyLink& link, std::string_view projectName) {
   // Whether the router agreed is not asked: an answer without FOLDER says it.
   std::string text;
-  link.SendRequestMessage(MakeRequest("getProjectEx", {{"pdsg", kLegacyPdsg}, {"projectName", projectName}}).Xml(), text);
+  link.SendRequestMessage(MakeRequest("getProjectEx", {{"pdsg", kLegacyPdsg}, {"projectName", projectName}}).Xml(),
+                          text);
   return RequiredInAnswer(xml::Document::Parse(text), "//FOLDER").Text();
 }
 

@@ -8,15 +8,16 @@
 
 namespace parvex {
 
-// The legacy application lists its projects and keeps their properties; three contact properties, which it does not serve,
-// lie in the table Config of the project's own Project.mdb. Answers without the elements that are needed, and all failures of
-// the database, end the call as an AutomationError.
+// The legacy application lists its projects and keeps their properties; three contact properties, which it does not
+// serve, lie in the table Config of the project's own Project.mdb. Answers without the elements that are needed, and
+// all failures of the database, end the call as an AutomationError.
 
 /// The router's own list as it stands. The front end's parameters are not used.
 xml::Document GetProjectList(LegacyLink& link, const xml::Document& command);
 /// The legacy application's answer, with COMPANYNAME, EMAILID and CONTACTNUMBER appended to its first PROPERTIES.
 xml::Document GetProjectProperties(LegacyLink& link, const xml::Document& command);
-/// Stores the properties with the legacy application and, when it agrees, the contact properties. Its answer is the reply.
+/// Stores the properties with the legacy application and, when it agrees, the contact properties. Its answer is the
+/// reply.
 xml::Document SetProjectProperties(LegacyLink& link, const xml::Document& command);
 
 /// The folder of a project as the legacy application names it: full path, no final backslash.

@@ -52,8 +52,9 @@ TEST(RouterCommands, BeyondTheReplayAreAFailedCall) {
 
 TEST(Options, AreReadChangedAndReadAgainInOneProcess) {
   const CliMachine machine;
-  WriteHostFile(machine.Installed("Bin", "Options.xml"),
-                "<Options><Tool ID=\"SOV02\"><Option><Name>cmbLanguage</Name><Value>English</Value></Option></Tool></Options>");
+  WriteHostFile(
+      machine.Installed("Bin", "Options.xml"),
+      "<Options><Tool ID=\"SOV02\"><Option><Name>cmbLanguage</Name><Value>English</Value></Option></Tool></Options>");
   const std::string get = machine.Write("get.xml", CommandText("getOptions"));
   const std::string set =
       machine.Write("set.xml", CommandText("setOptions", {{"cmbLanguage", "Deutsch"}}));
@@ -76,7 +77,8 @@ class RoundTrip : public testing::Test {
 
   /// The document of all tags of the sample project.
   xml::Document Export() const {
-    const Outcome exported = RunParvex({"--machine", machine_, "pull-ngorla", machine_ + "/commands/getHybrisXMLNoUI.xml"});
+    const Outcome exported =
+        RunParvex({"--machine", machine_, "pull-ngorla", machine_ + "/commands/getHybrisXMLNoUI.xml"});
     EXPECT_EQ(0, exported.status) << exported.err;
     return xml::Document::Parse(exported.out);
   }
@@ -92,7 +94,8 @@ class RoundTrip : public testing::Test {
     const std::string command = (folder_.Path() / "return.xml").string();
     WriteHostFile(command, "<COMMAND><NAME>RebuildTag</NAME><PARAMETERS><PARAMETER>" + one.Root().Xml() +
                                "</PARAMETER></PARAMETERS></COMMAND>");
-    return RunParvex({"--machine", machine_, "--journal", (folder_.Path() / "journal").string(), "pull-ngorla", command});
+    return RunParvex(
+        {"--machine", machine_, "--journal", (folder_.Path() / "journal").string(), "pull-ngorla", command});
   }
 
   std::string Read(const std::string& path) const { return ReadHostFile(std::filesystem::path(Root()) / path); }

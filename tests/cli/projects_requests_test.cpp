@@ -108,8 +108,9 @@ TEST_P(ProjectRequests, AreSentWithTheirExactText) {
     replay += Json({{"kind", "router"}, {"answer", answer}, {"success", true}}).dump() + "\n";
   }
   const Request& command = GetParam().command;
-  const Outcome outcome = machine.Run({"--journal", machine.Path("journal"), "--replay", machine.Write("replay", replay),
-                                       "pull", machine.Write("c.xml", CommandText(command.name, command.parameters))});
+  const Outcome outcome =
+      machine.Run({"--journal", machine.Path("journal"), "--replay", machine.Write("replay", replay), "pull",
+                   machine.Write("c.xml", CommandText(command.name, command.parameters))});
   EXPECT_EQ(0, outcome.status) << outcome.out << outcome.err;
   std::vector<std::string> sent;
   for (const std::string& line : machine.Lines("journal")) {
@@ -118,7 +119,8 @@ TEST_P(ProjectRequests, AreSentWithTheirExactText) {
   std::vector<std::string> expected;
   for (const Request& request : GetParam().requests) {
     // A document's text ends with a line break; the request for the list is a text and no document.
-    expected.push_back(CommandText(request.name, request.parameters) + (request.name == "getProjectList" ? "" : "\r\n"));
+    expected.push_back(CommandText(request.name, request.parameters) +
+                       (request.name == "getProjectList" ? "" : "\r\n"));
   }
   EXPECT_EQ(expected, sent);
 }

@@ -107,7 +107,8 @@ TEST_F(ReturnToLegacyTest, LineBreaksInTheBlobCountAsTheReaderDeliversThem) {
 }
 
 TEST_F(ReturnToLegacyTest, ShowsEveryComponentOfTheDocumentOnceForEveryBaseUnit) {
-  const std::string components = "<COMPONENTS><COMPONENT N=\"1\"/><COMPONENT N=\"2\"/><COMPONENT N=\"3\"/></COMPONENTS>";
+  const std::string components =
+      "<COMPONENTS><COMPONENT N=\"1\"/><COMPONENT N=\"2\"/><COMPONENT N=\"3\"/></COMPONENTS>";
   const std::string unit = "<BASEUNIT>" + components + "</BASEUNIT>";
   EXPECT_EQ(Outcome(Return("<PDSG>38A</PDSG><BLOB/>", unit + unit)), "0 No error");
   ASSERT_THAT(machine.boxes.boxes, SizeIs(12));

@@ -6,7 +6,7 @@
 #include "legacy_standin/project_archive.h"
 #include "legacy_standin/project_store.h"
 #include "legacy_standin/zip_writer.h"
-#include "tests/support/fake_platform.h"
+#include "tests/unit/legacy_standin/standin_machine.h"
 
 namespace parvex::standin {
 namespace {
@@ -20,7 +20,7 @@ using Given = std::vector<std::pair<std::string, std::string>>;
 constexpr const char* kProjects = "C:\\Korvane\\TQ5-VX\\Projects\\";
 constexpr const char* kArchive = "C:\\Korvane\\TQ5-VX\\Archives\\Clinic.E3A";
 
-class ProjectRequestsTest : public testing::Test {
+class ProjectRequestsTest : public testing::Test, protected StandinMachine {
  protected:
   /// Sends a request of the application's own group.
   bool Send(const std::string& name, const Given& parameters = {}) {
@@ -75,12 +75,6 @@ class ProjectRequestsTest : public testing::Test {
     return names;
   }
 
-  test::FakeMachine machine;
-  Application application{machine.platform.registry,
-                          machine.platform.files,
-                          machine.platform.projectDatabases,
-                          machine.platform.codePage,
-                          {}};
   ProjectStore store{application};
   RequestTable requests = ProjectRequests();
   std::string answer;
@@ -141,7 +135,8 @@ TEST_F(ProjectRequestsTest, AProjectLiesInTheApplicationsOwnFolderOnly) {
   EXPECT_FALSE(Send("addProject", {{"projectName", "Clinic"}, {"projectPath", "C:\\Elsewhere\\Clinic"}}));
   EXPECT_THAT(answer, HasSubstr("C:\\Elsewhere\\Clinic"));
   EXPECT_FALSE(Send("addProject", {{"projectName", "..\\Bin"}, {"projectPath", std::string(kProjects) + "..\\Bin"}}));
-  EXPECT_TRUE(Send("addProject", {{"projectName", "Clinic"}, {"projectPath", "c:\\korvane\\TQ5-VX\\projects\\Clinic\\"}}));
+  EXPECT_TRUE(
+      Send("addProject", {{"projectName", "Clinic"}, {"projectPath", "c:\\korvane\\TQ5-VX\\projects\\Clinic\\"}}));
 }
 
 TEST_F(ProjectRequestsTest, AMissingNameOrPathIsRefused) {
@@ -190,7 +185,8 @@ TEST_F(ProjectRequestsTest, AnArchiveTellsWhatItHoldsAndRestoresItByteForByte) {
   Add("Clinic");
   StoreUnits();
   Send("setProject", {{"projectName", "Clinic"}, {"Notes", "n"}});
-  ASSERT_TRUE(Send("archiveProject", {{"projectName", "clinic"}, {"dataList", "*"}, {"archiveFile", kArchive}})) << answer;
+  ASSERT_TRUE(Send("archiveProject", {{"projectName", "clinic"}, {"dataList", "*"}, {"archiveFile", kArchive}}))
+      << answer;
   ASSERT_TRUE(Send("getArchiveContents", {{"archiveFile", kArchive}})) << answer;
   EXPECT_EQ(Text("//PROJECT/NAME"), "Clinic");
   EXPECT_THAT(Texts("//PROJECT/APPLICATIONLIST/APPLICATION/PDSG"), ElementsAre("KDQ47", "RTU47", "XRC47"));
@@ -237,7 +233,8 @@ TEST_F(ProjectRequestsTest, APartOfAProjectIsArchived) {
 
 TEST_F(ProjectRequestsTest, TheArchiveOfAFrontEndThatNamesItsOwnLiesThere) {
   Add("Clinic");
-  EXPECT_TRUE(Send("archiveProject", {{"projectName", "Clinic"}, {"fileSpec", "C:\\Korvane\\mine.e3a"}, {"dataList", "*"}}));
+  EXPECT_TRUE(
+      Send("archiveProject", {{"projectName", "Clinic"}, {"fileSpec", "C:\\Korvane\\mine.e3a"}, {"dataList", "*"}}));
   EXPECT_TRUE(machine.Exists("C:\\Korvane\\mine.e3a"));
 }
 

@@ -5,9 +5,9 @@
 
 #include <functional>
 
-#include "tests/support/fake_platform.h"
 #include "tests/support/full_disk.h"
 #include "tests/support/raised_by.h"
+#include "tests/unit/legacy_standin/standin_machine.h"
 
 namespace parvex::standin {
 namespace {
@@ -24,7 +24,7 @@ Unit UnitNamed(int tagId, const std::string& pdsg, const std::string& markFor) {
   return unit;
 }
 
-class ProjectStoreTest : public testing::Test {
+class ProjectStoreTest : public testing::Test, protected StandinMachine {
  protected:
   using Rows = std::vector<std::vector<std::string>>;
 
@@ -40,7 +40,9 @@ class ProjectStoreTest : public testing::Test {
     }
     return rows;
   }
-  Rows TagIndex(const std::string& project) { return Table(project, "TagIndex", {"lTagId", "sAPP", "sAppVer", "sTagName"}); }
+  Rows TagIndex(const std::string& project) {
+    return Table(project, "TagIndex", {"lTagId", "sAPP", "sAppVer", "sTagName"});
+  }
   Rows Config(const std::string& project) { return Table(project, "Config", {"sPdsg", "sKey", "sValue"}); }
 
   std::vector<std::string> FileNames(const std::string& project) {
@@ -63,12 +65,6 @@ class ProjectStoreTest : public testing::Test {
     rows->Update();
   }
 
-  test::FakeMachine machine;
-  Application application{machine.platform.registry,
-                          machine.platform.files,
-                          machine.platform.projectDatabases,
-                          machine.platform.codePage,
-                          {}};
   ProjectStore store{application};
 };
 
@@ -107,8 +103,8 @@ TEST_F(ProjectStoreTest, AnUnknownProjectIsRefusedByEveryOperation) {
 }
 
 TEST_F(ProjectStoreTest, ANameThatNoFolderCanHaveIsRefusedAndDoesNotExist) {
-  for (const char* name : {"", ".", "..", "a\\b", "a/b", "..\\Bin", "C:", "C:\\x", "a*", "a?", "a\"b", "a|b", "<a>", "CON",
-                           "nul.txt", "COM1", "a.", "a ", "a\tb", "a\\"}) {
+  for (const char* name : {"",     ".",   "..",  "a\\b", "a/b",     "..\\Bin", "C:", "C:\\x", "a*",   "a?",
+                           "a\"b", "a|b", "<a>", "CON",  "nul.txt", "COM1",    "a.", "a ",    "a\tb", "a\\"}) {
     EXPECT_EQ(RaisedBy([&] { store.Create(name); }), 5) << name;
     EXPECT_FALSE(store.Exists(name)) << name;
     EXPECT_EQ(RaisedBy([&] { store.Remove(name); }), 76) << name;
@@ -184,7 +180,10 @@ TEST_F(ProjectStoreTest, AChangeThatFailsPutsBackWhatItHadChanged) {
   // A folder in the place of a file: writing there fails.
   machine.platform.files.CreateFolder(Path("Clinic", "zz"));
   const std::string units = machine.Read(Path("Clinic", "units.json"));
-  EXPECT_NE(RaisedBy([&] { store.ReplaceFiles("Clinic", {{"units.json", "other"}, {"new.blb", "n"}, {"zz", ""}}); }), 0);
+  EXPECT_NE(RaisedBy([&] {
+              store.ReplaceFiles("Clinic", {{"units.json", "other"}, {"new.blb", "n"}, {"zz", ""}});
+            }),
+            0);
   EXPECT_EQ(machine.Read(Path("Clinic", "units.json")), units);
   EXPECT_EQ(machine.Read(Path("Clinic", "a.blb")), "a");
   EXPECT_FALSE(machine.Exists(Path("Clinic", "new.blb")));
@@ -220,7 +219,8 @@ TEST_F(ProjectStoreTest, AFullDiskLeavesTheProjectsAsTheyWere) {
     }
     EXPECT_GT(room, 1) << name;
   }
-  EXPECT_THAT(machine.platform.files.ListFolders("C:\\Korvane\\TQ5-VX\\Projects"), ElementsAre("Clinic", "Copy", "New"));
+  EXPECT_THAT(machine.platform.files.ListFolders("C:\\Korvane\\TQ5-VX\\Projects"),
+              ElementsAre("Clinic", "Copy", "New"));
 }
 
 TEST_F(ProjectStoreTest, UnitsThatCannotBeStoredLeaveTheIndexAsItWas) {

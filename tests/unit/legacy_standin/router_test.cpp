@@ -3,22 +3,16 @@
 #include <gtest/gtest.h>
 
 #include "platform/automation_error.h"
-#include "tests/support/fake_platform.h"
 #include "tests/support/raised_by.h"
+#include "tests/unit/legacy_standin/standin_machine.h"
 
 namespace parvex::standin {
 namespace {
 
-class RouterTest : public ::testing::Test {
+class RouterTest : public testing::Test, protected StandinMachine {
  protected:
   bool Send(const std::string& request) { return Router(application, requests).SendRequestMessage(request, answer); }
 
-  test::FakeMachine machine;
-  Application application{machine.platform.registry,
-                          machine.platform.files,
-                          machine.platform.projectDatabases,
-                          machine.platform.codePage,
-                          {}};
   RequestTable requests = {
       {"greet", [](const Application&, const xml::Document& request) { return request.First("//VALUE").Text(); }},
       {"fail", [](const Application&, const xml::Document&) -> std::string {

@@ -66,8 +66,9 @@ TEST_F(OptionsCommandsTest, GetWithoutBinPathHasNoParameters) {
 
 TEST_F(OptionsCommandsTest, GetLeavesOutALanguageThatIsNotThere) {
   machine.Write(kPath, "<O><Tool ID=\"SOV02\"><Option><Name>cmbUnitOfMeasure</Name><Value/></Option></Tool></O>");
-  EXPECT_EQ(Get(),
-            "<COMMAND><NAME>setOptions</NAME><PARAMETER><NAME>cmbUnitOfMeasure</NAME><VALUE/></PARAMETER></COMMAND>\r\n");
+  EXPECT_EQ(
+      Get(),
+      "<COMMAND><NAME>setOptions</NAME><PARAMETER><NAME>cmbUnitOfMeasure</NAME><VALUE/></PARAMETER></COMMAND>\r\n");
 }
 
 TEST_F(OptionsCommandsTest, SetWhatGetGaveLeavesTheValues) {

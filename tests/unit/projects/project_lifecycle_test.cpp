@@ -26,8 +26,8 @@ TEST_F(ProjectLifecycleTest, AddGivesThePathThatTheFrontEndLeftOut) {
   Answer(true, "");
   EXPECT_EQ(AddProject(link, Command("addProject", kProject)).Xml(), kSuccess);
   EXPECT_THAT(Requests(),
-              ElementsAre(Sent("addProject", kProject + Parameter("projectPath", "C:\\Korvane\\TQ5-VX\\Projects\\Clinic") +
-                                                 kPdsg)));
+              ElementsAre(Sent("addProject",
+                               kProject + Parameter("projectPath", "C:\\Korvane\\TQ5-VX\\Projects\\Clinic") + kPdsg)));
 }
 
 TEST_F(ProjectLifecycleTest, AddKeepsAPathThatTheFrontEndGave) {
@@ -268,7 +268,8 @@ TEST_F(ProjectLifecycleTest, WithoutBinPathThePathsBeginWithWhatTheDataRootGave)
   machine.SetBinPath("");
   Answer(true, "");
   AddProject(link, Command("addProject", kProject));
-  EXPECT_THAT(Requests(), ElementsAre(Sent("addProject", kProject + Parameter("projectPath", "\\Projects\\Clinic") + kPdsg)));
+  EXPECT_THAT(Requests(),
+              ElementsAre(Sent("addProject", kProject + Parameter("projectPath", "\\Projects\\Clinic") + kPdsg)));
 }
 
 }  // namespace

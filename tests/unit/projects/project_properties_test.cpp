@@ -57,8 +57,9 @@ TEST_F(ProjectPropertiesTest, AreAskedForInTheFrontEndsOwnDocument) {
   AnswerProject();
   const xml::Document command = Command("getProjectProperties", Parameter("projectName", "Clinic"));
   GetProjectProperties(link, command);
-  EXPECT_THAT(Requests(), ElementsAre(Sent("getProjectEx", Parameter("projectName", "Clinic") + Parameter("pdsg", "KDQ47")),
-                                      folderRequest_));
+  EXPECT_THAT(Requests(),
+              ElementsAre(Sent("getProjectEx", Parameter("projectName", "Clinic") + Parameter("pdsg", "KDQ47")),
+                          folderRequest_));
   EXPECT_EQ(command.First("//NAME").Text(), "getProjectEx") << "changed in place";
 }
 
@@ -79,7 +80,8 @@ TEST_F(ProjectPropertiesTest, WithoutRowsHaveTheThreeElementsEmpty) {
 }
 
 TEST_F(ProjectPropertiesTest, TakeTheLastOfSeveralRowsAndANullAsEmpty) {
-  WriteConfig({{"KDQ47", "CompanyName", "first"}, {"KDQ47", "CompanyName", "last"}, {"KDQ47", "EmailID", std::nullopt}});
+  WriteConfig(
+      {{"KDQ47", "CompanyName", "first"}, {"KDQ47", "CompanyName", "last"}, {"KDQ47", "EmailID", std::nullopt}});
   const ProjectContact contact = ReadProjectConfig(machine.platform, kFolder);
   EXPECT_EQ(contact.companyName, "last");
   EXPECT_EQ(contact.emailId, "");
@@ -119,8 +121,9 @@ TEST_F(ProjectPropertiesTest, MissingDatabaseEndsTheCall) {
 TEST_F(ProjectPropertiesTest, DatabaseThatIsNoneEndsTheCallAndStaysAsItIs) {
   WriteConfig({{"KDQ47", "CompanyName", "old"}});
   const std::string whole = machine.Read(kDatabase);
-  for (const std::string& bytes : {std::string("no database"), std::string(), whole.substr(0, 100), whole.substr(0, 4096),
-                                   whole.substr(0, whole.size() - 1), std::string(whole.size(), '\0')}) {
+  for (const std::string& bytes :
+       {std::string("no database"), std::string(), whole.substr(0, 100), whole.substr(0, 4096),
+        whole.substr(0, whole.size() - 1), std::string(whole.size(), '\0')}) {
     machine.Write(kDatabase, bytes);
     AnswerProject();
     EXPECT_EQ(RaisedBy([&] { Properties(); }), 3343) << bytes.size();
@@ -151,9 +154,9 @@ TEST_F(ProjectPropertiesTest, StoredTwiceEditTheRowsOfTheFirstTime) {
   WriteConfig({});
   Store("c", "e", "n");
   Store("a much longer company name than before, beyond ASCII: Größe", "", "n2");
-  EXPECT_THAT(ReadConfig(),
-              UnorderedElementsAre(Row{"KDQ47", "CompanyName", "a much longer company name than before, beyond ASCII: Größe"},
-                                   Row{"KDQ47", "EmailID", ""}, Row{"KDQ47", "ContactNumber", "n2"}));
+  EXPECT_THAT(ReadConfig(), UnorderedElementsAre(Row{"KDQ47", "CompanyName",
+                                                     "a much longer company name than before, beyond ASCII: Größe"},
+                                                 Row{"KDQ47", "EmailID", ""}, Row{"KDQ47", "ContactNumber", "n2"}));
 }
 
 TEST_F(ProjectPropertiesTest, StoringLeavesRowsOfOtherGroupsAlone) {
@@ -204,7 +207,10 @@ TEST_F(ProjectPropertiesTest, StoringOnAFullDiskLeavesEachSettingOldOrNew) {
   for (int room = 0; room <= 3; ++room) {
     WriteConfig({{"KDQ47", "CompanyName", "old"}, {"KDQ47", "EmailID", "old"}, {"KDQ47", "ContactNumber", "old"}});
     FullDisk disk(machine.platform, room);
-    EXPECT_EQ(RaisedBy([&] { WriteProjectConfig(disk.OfMachine(), kFolder, {"new", "new", "new"}); }), room < 3 ? 61 : 0);
+    EXPECT_EQ(RaisedBy([&] {
+                WriteProjectConfig(disk.OfMachine(), kFolder, {"new", "new", "new"});
+              }),
+              room < 3 ? 61 : 0);
     const auto value = [&](int setting) { return room > setting ? "new" : "old"; };
     EXPECT_THAT(ReadConfig(), ElementsAre(Row{"KDQ47", "CompanyName", value(0)}, Row{"KDQ47", "EmailID", value(1)},
                                           Row{"KDQ47", "ContactNumber", value(2)}));

@@ -240,6 +240,16 @@ TEST_F(GetReportTest, TagDataThatLacksWhatTheServerIsToldIsAnErrorThatNamesIt) {
             Failed("Error in getReport. no .//TagName in TAG"));
 }
 
+TEST_F(GetReportTest, MissingAttributesOfTheTagDataReadAsEmpty) {
+  machine.routers.onRequest = [](const std::string&, std::string& text) {
+    text = "<TAG><Project><Property name='proj_name'><Value/></Property></Project><Application/></TAG>";
+    return true;
+  };
+  EXPECT_EQ(Report(ReportName("UnitReport")), Answered(kNotMade));
+  EXPECT_EQ(automation.lines.at(5), "put KDRPTSV47.CRemoteInterface.Project = \"\"");
+  EXPECT_EQ(automation.lines.at(6), "put KDRPTSV47.CRemoteInterface.ProjectID = \"\"");
+}
+
 TEST_F(GetReportTest, ATagWithoutNameIsNoErrorWhereItHasNoTemplate) {
   machine.routers.onRequest = [](const std::string&, std::string& text) {
     text =

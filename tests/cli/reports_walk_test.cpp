@@ -39,8 +39,7 @@ class ReportsWalk : public testing::Test {
   }
 
   Outcome Pull(const std::vector<std::string>& commands) const {
-    WriteReplay(commands);
-    std::vector<std::string> arguments = {"--machine", Sample(), "--journal", Journal(), "--replay", Replay(), "pull"};
+    std::vector<std::string> arguments = {"--machine", Sample(), "--journal", Journal(), "pull"};
     arguments.insert(arguments.end(), commands.begin(), commands.end());
     return RunParvex(arguments);
   }
@@ -99,7 +98,7 @@ class ReportsWalk : public testing::Test {
                                       {"command", "runReport"},
                                       {"OutputType", "RTF"},
                                       {"Project", "Riverside Clinic"},
-                                      {"ProjectID", "P-7"},
+                                      {"ProjectID", "Riverside Clinic"},
                                       {"OutputUnits", "English"}}) {
       lines.push_back("put " + kServer + "." + name + " | " + value);
     }
@@ -108,23 +107,6 @@ class ReportsWalk : public testing::Test {
 
  private:
   std::string Journal() const { return (folder_.Path() / "journal").string(); }
-  std::string Replay() const { return (folder_.Path() / "replay").string(); }
-
-  /// An answer for each tag that the commands name.
-  void WriteReplay(const std::vector<std::string>& commands) const {
-    std::string text;
-    for (const std::string& command : commands) {
-      for (const xml::Node& entry : xml::Document::Load(ReadHostFile(command)).All("//TAG")) {
-        const xml::Document tag = xml::Document::Parse(
-            "<TAG><TagName/><Project ProjectID='P-7'><Property name='proj_name'><Value>Riverside Clinic</Value>"
-            "</Property></Project><Application><System><Product PartNumber='X'/></System></Application></TAG>");
-        tag.First("//TagName").SetText(entry.Child("NAME").Text());
-        tag.First("//Application").SetAttribute("PDSG", entry.Child("PDSG").Text());
-        text += Json{{"kind", "router"}, {"answer", tag.Xml()}, {"success", true}}.dump() + "\n";
-      }
-    }
-    WriteHostFile(Replay(), text);
-  }
 
   TemporaryFolder folder_;
 };

@@ -1,6 +1,7 @@
 #include "legacy_standin/project_archive.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 #include "hybris/packing.h"
@@ -48,10 +49,12 @@ std::vector<std::string> SplitAtCommas(std::string_view list) {
   return names;
 }
 
-void LeaveOutData(ProjectArchive& archive, const StoredData& stored) {
-  std::erase_if(archive.files, [&](const ProjectFile& file) {
-    return !stored.fileName.empty() && EqualIgnoringCase(file.path, stored.fileName);
-  });
+/// The file names, in upper case, of the data archives of a unit and its accessories.
+void AddDataOf(const Unit& unit, std::unordered_set<std::string>& names) {
+  names.insert(ToUpper(unit.stored.fileName));
+  for (const Accessory& accessory : unit.accessories) {
+    names.insert(ToUpper(accessory.stored.fileName));
+  }
 }
 
 }  // namespace
@@ -104,16 +107,15 @@ void KeepGroups(ProjectArchive& archive, std::string_view groups) {
     return std::any_of(wanted.begin(), wanted.end(), [&](const auto& name) { return name == "*" || name == group; });
   };
   std::vector<Unit> kept;
+  std::unordered_set<std::string> leftOut;
   for (Unit& unit : UnitsIn(archive)) {
     if (isWanted(GroupOf(unit))) {
       kept.push_back(std::move(unit));
-      continue;
-    }
-    LeaveOutData(archive, unit.stored);
-    for (const Accessory& accessory : unit.accessories) {
-      LeaveOutData(archive, accessory.stored);
+    } else {
+      AddDataOf(unit, leftOut);
     }
   }
+  std::erase_if(archive.files, [&](const ProjectFile& file) { return leftOut.contains(ToUpper(file.path)); });
   if (const auto units = Find(archive.files, kUnits); units != archive.files.end()) {
     units->bytes = FormatUnits(kept);
   }

@@ -38,6 +38,19 @@ TEST(MachineCreate, MakesAMachineOnWhichAnExportRuns) {
   EXPECT_GT(exports, 0u);
 }
 
+TEST(MachineCreate, BringsCommandsThatAreServed) {
+  const TemporaryFolder folder;
+  ASSERT_EQ(0, RunParvex({"machine", "create", (folder.Path() / "m").string()}).status);
+  const std::string served = RunParvex({"commands"}).out;
+  const std::vector<std::string> files = CommandFiles(folder.Path() / "m");
+  EXPECT_GT(files.size(), 10u);
+  for (const std::string& file : files) {
+    const xml::Node name = xml::Document::Load(ReadHostFile(file)).First("/COMMAND/NAME");
+    ASSERT_TRUE(name) << file;
+    EXPECT_NE(std::string::npos, served.find("  " + name.Text() + " ")) << file;
+  }
+}
+
 TEST(MachineCreate, MakesTheMachineAnew) {
   const TemporaryFolder folder;
   const std::string machine = (folder.Path() / "sample").string();

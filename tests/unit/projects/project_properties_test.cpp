@@ -244,5 +244,30 @@ TEST_F(ProjectPropertiesTest, AnswerOfTheFolderQuestionCountsWhetherOrNotTheRout
   EXPECT_EQ(RaisedBy([&] { GetProjectFolder(link, "Clinic"); }), 91);
 }
 
+/// Databases that somebody else holds: the engine refuses to open them.
+class LockedDatabases : public ProjectDatabases {
+ public:
+  std::unique_ptr<Database> Open(std::string_view path) override {
+    throw AutomationError(0x800A0BE5, "DAO.Database", "Couldn't use '" + std::string(path) + "'; file already in use.");
+  }
+};
+
+TEST_F(ProjectPropertiesTest, LockedDatabaseEndsTheCallWithTheEnginesOwnError) {
+  LockedDatabases locked;
+  const Platform& own = machine.platform;
+  const Platform platform{own.registry,     own.privateProfile, own.files,      own.processes, own.messagePump,
+                          own.messageBoxes, own.messageRouters, own.automation, locked,        own.codePage};
+  LegacyLink lockedLink(platform);
+  AnswerProject();
+  try {
+    GetProjectProperties(lockedLink, Command("getProjectProperties"));
+    FAIL() << "opened";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.Number(), 0x800A0BE5u);
+    EXPECT_EQ(error.Source(), "DAO.Database");
+  }
+  EXPECT_EQ(RaisedBy([&] { WriteProjectConfig(platform, kFolder, {}); }), 3045);
+}
+
 }  // namespace
 }  // namespace parvex::test

@@ -73,7 +73,7 @@ class ServiceBroker : public BuilderPart {
   void CheckText(const Argument& argument, const std::string& wanted) const {
     const auto* text = std::get_if<std::string>(&argument.value);
     if (text == nullptr || *text != wanted) {
-      RefuseValue(*this, legacy::kBrokerCall, "\"" + wanted + "\" is wanted, not another service, operation or consumer");
+      RefuseValue(*this, legacy::kBrokerCall, "\"" + wanted + "\" is wanted and not another text");
     }
   }
 

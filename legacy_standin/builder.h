@@ -12,8 +12,8 @@ namespace parvex::standin {
 inline constexpr const char* kBuilderClass = "KDQU470.CKDBuilder";
 
 /// The substitute's builder. It has no window; its user interface counts as loaded after a few looks at UILoaded, once
-/// View was called. Its Framework's ServiceBroker runs the quote builder's workflow, which makes, changes or rebuilds tags
-/// in a project as the command line says (docs/standin.md).
+/// View was called. Its Framework's ServiceBroker runs the quote builder's workflow, which makes, changes or rebuilds
+/// tags in a project as the command line says (docs/standin.md).
 class Builder : public automation::Object {
  public:
   /// The application outlives the builder and what it gives.

@@ -12,8 +12,8 @@ namespace parvex::standin {
 ///   \\\GROUP\TAG\NUMBER\PROJECT\ID      the tag gets a quantity that is higher by one and the version of its tool
 ///   \\:PROJECT                          every tag gets the version of its tool
 ///
-/// A command line that is none of these, and one that names an unknown project or tag, changes nothing: the windows show
-/// it to their user, not to the caller.
+/// A command line that is none of these, and one that names an unknown project or tag, changes nothing: the windows
+/// show it to their user, not to the caller.
 void RunBuilderWorkflow(const Application& application, std::string_view commandLine);
 
 }  // namespace parvex::standin

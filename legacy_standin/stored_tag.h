@@ -8,8 +8,8 @@
 
 namespace parvex::standin {
 
-// A unit as the tag that it is: named by its mark-for within its product data set group. Most units have a tag document,
-// which lies in the entry "Tag" of their archive; the others are known to the project only (docs/standin.md).
+// A unit as the tag that it is: named by its mark-for within its product data set group. Most units have a tag
+// document, which lies in the entry "Tag" of their archive; the others are known to the project only (docs/standin.md).
 
 /// Mark-for and product data set group.
 std::string TagNameOf(const Unit& unit);
@@ -22,8 +22,8 @@ std::string ProductAttribute(const Unit& unit, std::string_view name);
 /// Sets one, where there is a tag document.
 void SetProductAttribute(Unit& unit, std::string_view name, std::string_view value);
 
-/// An archive with a new tag document, made of the unit's keys. `sapConfiguration`, when it is not empty, is the markup of
-/// an order configuration that the document holds.
+/// An archive with a new tag document, made of the unit's keys. `sapConfiguration`, when it is not empty, is the markup
+/// of an order configuration that the document holds.
 StoredData MakeTagArchive(const Unit& unit, StoredData::Place place, std::string_view version,
                           std::string_view sapConfiguration = "");
 

@@ -102,7 +102,8 @@ TEST_F(BuilderTest, RefusesWhatItHasNotAndWhatItCannotWorkWith) {
 }
 
 TEST_F(BuilderTest, FailsAtTheMemberThatItIsTold) {
-  for (const char* member : {"standalone", "View", "UILoaded", "Framework", "ServiceBroker", "CallService", "Shutdown"}) {
+  for (const char* member :
+       {"standalone", "View", "UILoaded", "Framework", "ServiceBroker", "CallService", "Shutdown"}) {
     application.settings.builder.failAt = member;
     std::string failure;
     try {
@@ -149,8 +150,8 @@ TEST_F(BuilderTest, RebuildsEveryTagWithTheVersionOfItsTool) {
 TEST_F(BuilderTest, ReturnsNormallyAndChangesNothingWhereTheCommandLineNamesNothing) {
   const std::vector<Unit> before = Units();
   for (const char* line : {"", "\\", "Clinic", "\\\\", "\\\\:", "\\\\:Nowhere", "\\\\:Cli\\nic", "\\\\RTU47\\Nowhere",
-                           "\\\\\\RTU47\\No\\1\\Clinic\\1", "\\\\\\RTU47\\RTU-1\\1101\\Nowhere\\1", "\\\\\\RTU47\\RTU-1",
-                           "\\\\Clinic", "\\\\RTU47\\a/b"}) {
+                           "\\\\\\RTU47\\No\\1\\Clinic\\1", "\\\\\\RTU47\\RTU-1\\1101\\Nowhere\\1",
+                           "\\\\\\RTU47\\RTU-1", "\\\\Clinic", "\\\\RTU47\\a/b"}) {
     EXPECT_NO_THROW(Run(line)) << line;
     EXPECT_EQ(Units(), before) << line;
   }

@@ -37,7 +37,7 @@ TEST(StandinSettingsTest, TheBuilderBehavesUnlessToldOtherwise) {
   EXPECT_EQ(behaving.failAt, "");
   EXPECT_EQ(behaving.polls, 2);
   const StandinSettings::Builder told =
-      ParseStandinSettings(R"({"builder":{"missing":true,"cancelled":true,"failAt":"View","polls":20}})", "standin.json")
+      ParseStandinSettings(R"({"builder":{"missing":true,"cancelled":true,"failAt":"View","polls":20}})", "s.json")
           .builder;
   EXPECT_TRUE(told.missing);
   EXPECT_TRUE(told.cancelled);

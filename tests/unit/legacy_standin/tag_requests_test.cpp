@@ -122,8 +122,8 @@ TEST_F(TagRequestsTest, ACopyIsATagOfItsOwnBehindTheOthers) {
 }
 
 TEST_F(TagRequestsTest, ACopyInAnotherProjectKeepsItsNameWhereNoneIsGiven) {
-  const std::string list = Parameter(
-      "tagList", "<DATA><PDSG Value=\"XRC47\"><TAG Name=\"CH-1\" DataType=\"0\" ID=\"0\" Key=\"dummy\"/></PDSG></DATA>");
+  const std::string list =
+      Parameter("tagList", "<DATA><PDSG Value=\"XRC47\"><TAG Name=\"CH-1\" DataType=\"0\"/></PDSG></DATA>");
   const std::string copying = kIn + Parameter("destinationProject", "Other") + Parameter("sourceProject", "Clinic") +
                               list + kTable;
   ASSERT_TRUE(Send("CopyTagsToProject", copying + Parameter("newTagName", ""))) << answer;

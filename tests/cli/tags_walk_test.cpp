@@ -1,0 +1,292 @@
+// Tags of the sample machine, end to end through the program, the substitute's router and its builder.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "legacy_standin/json_members.h"
+#include "platform/xml.h"
+#include "tests/cli/program.h"
+#include "tests/support/command_texts.h"
+
+namespace parvex::test {
+namespace {
+
+using standin::Json;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::HasSubstr;
+
+namespace fs = std::filesystem;
+
+const std::string kBuilder = "KDQU470.CKDBuilder";
+const std::string kProject = Parameter("projectName", "Riverside Clinic");
+
+class TagsWalk : public testing::Test {
+ protected:
+  TagsWalk() { EXPECT_EQ(0, RunParvex({"machine", "create", Sample()}).status); }
+
+  std::string Sample() const { return (folder_.Path() / "sample").string(); }
+  fs::path Bin(const std::string& name) const { return fs::path(Sample()) / "drive_c/Korvane/TQ5-VX/Bin" / name; }
+  void SetStandin(const std::string& json) const { WriteHostFile(fs::path(Sample()) / "standin.json", json); }
+
+  /// Writes a command document and gives its path.
+  std::string File(const std::string& name, const std::string& parameters) {
+    const fs::path path = folder_.Path() / (std::to_string(++files_) + ".xml");
+    WriteHostFile(path, "<COMMAND><NAME>" + name + "</NAME>" + parameters + "</COMMAND>");
+    return path.string();
+  }
+
+  Outcome Pull(const std::vector<std::string>& files, const std::vector<std::string>& options = {}) const {
+    std::vector<std::string> arguments = {"--machine", Sample(), "--journal", Journal()};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.push_back("pull");
+    arguments.insert(arguments.end(), files.begin(), files.end());
+    return RunParvex(arguments);
+  }
+  Outcome Send(const std::string& name, const std::string& parameters) { return Pull({File(name, parameters)}); }
+
+  /// The tags of a project as getTagList answers them: name, a blank, UPTODATE.
+  std::vector<std::string> Tags(const std::string& project = kProject) {
+    const Outcome outcome = Send("getTagList", project);
+    EXPECT_EQ(0, outcome.status) << outcome.err;
+    std::vector<std::string> tags;
+    for (const xml::Node& tag : xml::Document::Parse(outcome.out).All("/TAGLIST/TAG")) {
+      tags.push_back(tag.Child("NAME").Text() + " " + tag.Child("UPTODATE").Text());
+    }
+    return tags;
+  }
+
+  std::vector<Json> Journalled(const std::string& kind) const {
+    std::vector<Json> found;
+    std::istringstream text(ReadHostFile(Journal()));
+    for (std::string line; std::getline(text, line);) {
+      Json json = Json::parse(line);
+      if (json["kind"] == kind) {
+        found.push_back(std::move(json));
+      }
+    }
+    return found;
+  }
+
+  std::vector<std::string> Requests() const {
+    std::vector<std::string> requests;
+    for (const Json& line : Journalled("router")) {
+      requests.push_back(line["request"].get<std::string>());
+    }
+    return requests;
+  }
+
+  std::string Journal() const { return (folder_.Path() / "journal").string(); }
+
+ private:
+  TemporaryFolder folder_;
+  int files_ = 0;
+};
+
+std::string Owned(const std::string& tagName) {
+  return kProject + Parameter("pdsg", "RTU47") + Parameter("tagName", tagName);
+}
+
+TEST_F(TagsWalk, TheListSaysWhichTagsAreUpToDate) {
+  EXPECT_THAT(Tags(), ElementsAre("RTU-1 -1", "AHU-3 -1", "CH-1 -1", "HP-7 0", "SS-2 0", "Küche & Café <EG> 0"));
+  EXPECT_THAT(Requests(), ElementsAre(Sent("getTagList", Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "*") +
+                                                             kProject)));
+}
+
+TEST_F(TagsWalk, WithoutAToolFileNoTagWithAVersionIsUpToDate) {
+  fs::remove(Bin("Tools.xml"));
+  EXPECT_THAT(Tags(), ElementsAre("RTU-1 0", "AHU-3 0", "CH-1 0", "HP-7 -1", "SS-2 -1", "Küche & Café <EG> 0"));
+}
+
+TEST_F(TagsWalk, AnUnknownProjectIsTheFailedReply) {
+  const Outcome outcome = Send("getTagList", Parameter("projectName", "Nowhere"));
+  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(kFailure, outcome.out);
+}
+
+TEST_F(TagsWalk, TheListsTagsAreFetchedByOneRequestEach) {
+  const Outcome list = Send("getTagList", kProject);
+  const xml::Document tags = xml::Document::Parse(list.out);
+  const Outcome outcome = Send("getTags", kProject + Parameter("data", tags.Root().Xml()));
+  EXPECT_EQ(0, outcome.status) << outcome.err;
+  const xml::Document data = xml::Document::Parse(outcome.out);
+  std::vector<std::string> found;
+  for (xml::Node node = data.First("/TagData/PROJECT/projectName"); node; node = node.NextSibling()) {
+    const xml::Node name = node.Child("TagName");
+    found.push_back(node.Name() + " " + (name ? name.Text() : node.Text()));
+  }
+  EXPECT_THAT(found, ElementsAre("projectName Riverside Clinic", "TAG RTU-1", "TAG AHU-3", "TAG CH-1", "PROTOTAG HP-7",
+                                 "PROTOTAG SS-2", "TAG Küche & Café <EG>"));
+  const std::vector<std::string> requests = Requests();
+  ASSERT_EQ(6u, requests.size());
+  EXPECT_EQ(Sent("getTag", Parameter("pdsgFilter", "") + kProject + Parameter("pdsg", "RTU47") +
+                               Parameter("tagName", "RTU-1")),
+            requests[0]);
+  EXPECT_EQ(Sent("getTagEx", kProject + Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "WSH47") +
+                                 Parameter("tagName", "HP-7")),
+            requests[3]);
+}
+
+TEST_F(TagsWalk, ATagTheProjectDoesNotHaveIsLeftOut) {
+  const std::string entry = "<TAG><NAME>No</NAME><PDSG>RTU47</PDSG><DATATYPE>0</DATATYPE></TAG>";
+  const Outcome outcome = Send("getTags", kProject + Parameter("data", entry));
+  EXPECT_EQ(0, outcome.status);
+  EXPECT_EQ("<TagData><PROJECT><projectName>Riverside Clinic</projectName></PROJECT></TagData>\r\n", outcome.out);
+}
+
+TEST_F(TagsWalk, ATagIsRenamedCopiedAndDeleted) {
+  const std::string copying = kProject + Parameter("PDSG", "RTU47") + Parameter("tagName", "Roof _ 1") +
+                              Parameter("dataType", "0") + Parameter("TAGINDEXID", "1101");
+  const Outcome outcome = Pull({
+      File("renameTag", Owned("RTU-1") + Parameter("newTagName", "Roof | 1")),
+      File("copyTag", copying),
+      File("addProject", Parameter("projectName", "Annex")),
+      File("copyTag", copying + Parameter("destinationProject", "Annex") + Parameter("newTagName", "RTU-1")),
+      File("deleteTag", kProject + Parameter("PDSG", "XRC47") + Parameter("tagName", "CH-1") +
+                            Parameter("DATATYPE", "0") + Parameter("TAGINDEXID", "1103") + Parameter("ID", "1103")),
+  });
+  EXPECT_EQ(0, outcome.status) << outcome.out;
+  EXPECT_THAT(Tags(), ElementsAre("Roof _ 1 -1", "AHU-3 -1", "HP-7 0", "SS-2 0", "Küche & Café <EG> 0",
+                                  "Copy of Roof _ 1 -1"));
+  EXPECT_THAT(Tags(Parameter("projectName", "Annex")), ElementsAre("RTU-1[1] -1"))
+      << "the instance goes by the list that it fetched first, of another project and with the old name";
+}
+
+TEST_F(TagsWalk, RequestsToRenameCarryTheUpdateDocument) {
+  Send("renameTag", Owned("RTU-1") + Parameter("newTagName", "RTU-1"));
+  const std::vector<std::string> requests = Requests();
+  ASSERT_EQ(2u, requests.size());
+  const std::string info = "<TagUpdateInfo><Table Name=\"TagData\"><Column>sTagName</Column><Column>sDescription"
+                           "</Column></Table><Table Name=\"TagIndex\"><Column>sTagName</Column></Table></TagUpdateInfo>";
+  EXPECT_EQ(Sent("renameTagEx", kProject + Parameter("pdsg", "KDQ47") + Parameter("tagName", "RTU-1") +
+                                    Parameter("newTagName", "RTU-1[1]") + Parameter("pdsgOfOwner", "RTU47") +
+                                    Parameter("tableName", "TagData") + Parameter("data", info)),
+            requests[1]);
+}
+
+TEST_F(TagsWalk, WhatTheRouterRefusesIsTheFailedReply) {
+  SetStandin("{\"router\":{\"refuse\":[\"renameTagEx\",\"CopyTagEx\",\"deleteTagEx\"]}}");
+  EXPECT_EQ(1, Send("renameTag", Owned("RTU-1") + Parameter("newTagName", "N")).status);
+  EXPECT_EQ(1, Send("copyTag", kProject + Parameter("PDSG", "RTU47") + Parameter("tagName", "RTU-1")).status);
+  EXPECT_EQ(1, Send("deleteTag", kProject + Parameter("PDSG", "RTU47") + Parameter("tagName", "RTU-1")).status);
+  EXPECT_THAT(Tags(), testing::SizeIs(6));
+}
+
+TEST_F(TagsWalk, AReplayAnswersTagRequests) {
+  const std::string replay = File("not a command", "");
+  WriteHostFile(replay, "{\"kind\":\"router\",\"answer\":\"<L><TAG><NAME>A</NAME><PDSG>XRC47</PDSG>"
+                        "<TAGVERSION>4.71.0</TAGVERSION></TAG></L>\",\"success\":true}\n"
+                        "{\"kind\":\"router\",\"answer\":\"no XML\",\"success\":true}\n");
+  const std::string list = File("getTagList", kProject);
+  const Outcome outcome = Pull({list, list}, {"--replay", replay});
+  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ("<L><TAG><NAME>A</NAME><PDSG>XRC47</PDSG><TAGVERSION>4.71.0</TAGVERSION><UPTODATE>-1</UPTODATE></TAG>"
+            "</L>\r\n",
+            outcome.out);
+}
+
+const std::string kNewTag = kProject + Parameter("PDSG", "RTU47");
+const std::string kConfigureTag = kProject + Parameter("PDSG", "FCB47") +
+                                  Parameter("tagName", "Küche &amp; Café &lt;EG&gt;") + Parameter("tagID", "1106") +
+                                  Parameter("projectID", "1");
+
+TEST_F(TagsWalk, TheBuilderMakesATagThatIsExportedWithTheOthers) {
+  EXPECT_EQ(0, Send("newTag", kNewTag).status);
+  EXPECT_EQ("New RTU-1107 -1", Tags().back());
+  const Outcome exported =
+      RunParvex({"--machine", Sample(), "pull-ngorla", Sample() + "/commands/getHybrisXMLNoUI.xml"});
+  EXPECT_THAT(exported.out, HasSubstr("<MARKFOR>New RTU-1107</MARKFOR>"));
+}
+
+TEST_F(TagsWalk, TheBuilderBringsAConfiguredTagAndARebuiltProjectUpToDate) {
+  EXPECT_EQ(0, Send("configureTag", kConfigureTag).status);
+  EXPECT_EQ("Küche & Café <EG> -1", Tags().back());
+  WriteHostFile(Bin("Tools.xml"), "<Tools><Tool><Pdsg>RTU47</Pdsg><Version>5</Version></Tool></Tools>");
+  EXPECT_EQ("RTU-1 0", Tags().front());
+  EXPECT_EQ(0, Send("rebuildAllTags", kProject).status);
+  EXPECT_EQ("RTU-1 -1", Tags().front());
+}
+
+TEST_F(TagsWalk, ConfiguringSwitchesTheBuildersSettingsBackOn) {
+  WriteHostFile(Bin("UIKeys.txt"), "ToolBarActive=5\r\n");
+  EXPECT_EQ(0, Send("configureTag", kConfigureTag).status);
+  EXPECT_EQ("ToolBarActive=-1\r\n", ReadHostFile(Bin("UIKeys.txt")));
+}
+
+TEST_F(TagsWalk, TheJournalHoldsEveryStepWithTheBuilder) {
+  SetStandin("{\"builder\":{\"polls\":1}}");
+  ASSERT_EQ(0, Send("configureTag", kConfigureTag).status);
+  std::vector<std::string> steps;
+  for (const Json& line : Journalled("automation")) {
+    steps.push_back(line["op"].get<std::string>() + " " + line["object"].get<std::string>() + " " +
+                    line["member"].get<std::string>() + " " + line["args"].dump() + " " + line["result"].dump());
+  }
+  const std::string framework = kBuilder + ".Framework";
+  const std::string broker = framework + ".ServiceBroker";
+  const auto object = [](const std::string& name) { return "{\"object\":\"" + name + "\"}"; };
+  const std::string arguments =
+      "[\"Workflow Service\",\"runBuilder\",[[\"Consumer\"," + object("Parvex.LegacyORLAPull") + "],[\"Builder\"," +
+      object(kBuilder) + "],[\"Command Line\"," +
+      R"("\\\\\\FCB47\\Küche & Café <EG>\\1106\\Riverside Clinic\\1")" + "]],\"QuoteBuilder\"]";
+  EXPECT_THAT(steps, ElementsAreArray({"create " + kBuilder + "  [] null",
+                                       "put " + kBuilder + " standalone [false] null",
+                                       "call " + kBuilder + " View [true,null] null",
+                                       "get " + kBuilder + " UILoaded [] false",
+                                       "get " + kBuilder + " UILoaded [] true",
+                                       "get " + kBuilder + " Framework [] " + object(framework),
+                                       "get " + framework + " ServiceBroker [] " + object(broker),
+                                       "release " + framework + "  [] null",
+                                       "call " + broker + " CallService " + arguments + " " +
+                                           object(broker + ".CallService"),
+                                       "release " + broker + "  [] null",
+                                       "get " + kBuilder + " UILoaded [] true",
+                                       "release " + kBuilder + "  [] null",
+                                       "release " + broker + ".CallService  [] null"}));
+}
+
+TEST_F(TagsWalk, ACancelledBuilderIsASuccessThatChangesNothing) {
+  SetStandin("{\"builder\":{\"cancelled\":true,\"polls\":0}}");
+  const std::vector<std::string> before = Tags();
+  EXPECT_EQ(kSuccess, Send("newTag", kNewTag).out);
+  EXPECT_EQ(kSuccess, Send("configureTag", kConfigureTag).out);
+  EXPECT_EQ(kSuccess, Send("rebuildAllTags", kProject).out);
+  EXPECT_EQ(before, Tags());
+}
+
+TEST_F(TagsWalk, AMissingBuilderEndsTheCall) {
+  SetStandin("{\"builder\":{\"missing\":true}}");
+  for (const char* name : {"newTag", "configureTag", "rebuildAllTags"}) {
+    const Outcome outcome = Send(name, kConfigureTag);
+    EXPECT_EQ(3, outcome.status) << name;
+    EXPECT_EQ("", outcome.out) << name;
+    EXPECT_THAT(outcome.err, HasSubstr("0x800A01AD")) << name;
+  }
+}
+
+TEST_F(TagsWalk, ABuilderThatFailsEndsTheCallOrIsAnsweredAsTheMemberSays) {
+  const auto failing = [&](const std::string& member, const char* name) {
+    SetStandin("{\"builder\":{\"polls\":0,\"failAt\":\"" + member + "\"}}");
+    return Send(name, kConfigureTag);
+  };
+  for (const char* member : {"standalone", "View", "UILoaded", "Framework", "ServiceBroker", "CallService"}) {
+    const Outcome made = failing(member, "newTag");
+    EXPECT_EQ(3, made.status) << member;
+    EXPECT_THAT(made.err, HasSubstr(std::string(".") + member + ": told to fail"));
+    EXPECT_EQ(3, failing(member, "rebuildAllTags").status) << member;
+    const bool isBeforeTheWait = std::string(member) == "standalone" || std::string(member) == "View";
+    EXPECT_EQ(isBeforeTheWait ? 3 : 1, failing(member, "configureTag").status) << member;
+  }
+  EXPECT_EQ(3, failing("Shutdown", "rebuildAllTags").status);
+  EXPECT_EQ(0, failing("Shutdown", "configureTag").status) << "only rebuildAllTags shuts its builder down";
+}
+
+TEST_F(TagsWalk, ABuilderThatLoadsSlowlyIsWaitedFor) {
+  SetStandin("{\"builder\":{\"polls\":6}}");
+  EXPECT_EQ(kSuccess, Send("newTag", kNewTag).out);
+  EXPECT_EQ("New RTU-1107 -1", Tags().back());
+}
+
+}  // namespace
+}  // namespace parvex::test

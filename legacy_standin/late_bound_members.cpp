@@ -22,10 +22,6 @@ void RefuseValue(const automation::Object& object, std::string_view member, cons
   throw MakeRuntimeError(RuntimeError::InvalidCall, PathOf(object, member) + ": " + reason);
 }
 
-void FailWhereTold(const Application& application, const automation::Object& object, std::string_view member) {
-  FailWhereTold(application.settings.reportServer.failAt, object, member);
-}
-
 void FailWhereTold(std::string_view failAt, const automation::Object& object, std::string_view member) {
   if (failAt == member) {
     throw AutomationError(kToldToFail, object.Name(), PathOf(object, member) + ": told to fail");

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "legacy_standin/application.h"
 #include "platform/automation.h"
 
 namespace parvex::standin {
@@ -18,9 +17,7 @@ namespace parvex::standin {
 /// A value that a member cannot work with (5).
 [[noreturn]] void RefuseValue(const automation::Object& object, std::string_view member, const std::string& reason);
 
-/// Raises the failure that standin.json wants of this member of the report classes.
-void FailWhereTold(const Application& application, const automation::Object& object, std::string_view member);
-/// The same for the member that `failAt` names.
+/// Fails when the member is the one that standin.json names.
 void FailWhereTold(std::string_view failAt, const automation::Object& object, std::string_view member);
 
 /// The texts that a member got; another number or type of arguments is refused.

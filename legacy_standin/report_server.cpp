@@ -44,7 +44,7 @@ void AppendText(const xml::Node& parent, std::string_view element, std::string_v
 std::string ReportsFolder(const Application& application) { return application.Root() + "\\Bin\\Reports\\Temp"; }
 
 Value ReportServer::Get(std::string_view member) {
-  FailWhereTold(application_, *this, member);
+  FailWhereTold(application_.settings.reportServer.failAt, *this, member);
   if (!Holds(kProperties, member)) {
     RefuseMember(*this, member);
   }
@@ -52,7 +52,7 @@ Value ReportServer::Get(std::string_view member) {
 }
 
 void ReportServer::Put(std::string_view member, const Value& value) {
-  FailWhereTold(application_, *this, member);
+  FailWhereTold(application_.settings.reportServer.failAt, *this, member);
   if (!Holds(kProperties, member)) {
     RefuseMember(*this, member);
   }
@@ -64,7 +64,7 @@ void ReportServer::Put(std::string_view member, const Value& value) {
 }
 
 Value ReportServer::Call(std::string_view member, std::span<Argument> arguments) {
-  FailWhereTold(application_, *this, member);
+  FailWhereTold(application_.settings.reportServer.failAt, *this, member);
   if (member == "Reset") {
     TextArguments(*this, member, arguments, 0);
     Reset();

@@ -23,7 +23,7 @@ Value ScheduleRequest::Get(std::string_view member) { RefuseMember(*this, member
 void ScheduleRequest::Put(std::string_view member, const Value&) { RefuseMember(*this, member); }
 
 Value ScheduleRequest::Call(std::string_view member, std::span<Argument> arguments) {
-  FailWhereTold(application_, *this, member);
+  FailWhereTold(application_.settings.reportServer.failAt, *this, member);
   if (member != kMember) {
     RefuseMember(*this, member);
   }

@@ -5,10 +5,9 @@
 
 #include "codec/bin_encoder.h"
 #include "legacy_standin/bitmap.h"
-#include "legacy_standin/json_members.h"
 #include "platform/text.h"
 #include "platform/xml.h"
-#include "tests/cli/program.h"
+#include "tests/cli/sample_walk.h"
 
 namespace parvex::test {
 namespace {
@@ -26,23 +25,11 @@ constexpr const char* kNotMade =
     "<LegacyORLA><returnError>No Report was generated</returnError><errorMessage/></LegacyORLA>\r\n";
 const std::string kServer = "KDRPTSV47.CRemoteInterface";
 
-class ReportsWalk : public testing::Test {
+class ReportsWalk : public SampleWalk {
  protected:
-  ReportsWalk() { EXPECT_EQ(0, RunParvex({"machine", "create", Sample()}).status); }
-
-  std::string Sample() const { return (folder_.Path() / "sample").string(); }
-  fs::path Installed(const std::string& path) const { return fs::path(Sample()) / "drive_c/Korvane/TQ5-VX" / path; }
   fs::path ReportFile(const std::string& name) const { return Installed("Bin/Reports/Temp") / name; }
   std::string Command(const std::string& name) const { return Sample() + "/commands/report-" + name + ".xml"; }
-  void SetStandin(const std::string& reportServer) const {
-    WriteHostFile(fs::path(Sample()) / "standin.json", "{\"reportServer\":" + reportServer + "}");
-  }
-
-  Outcome Pull(const std::vector<std::string>& commands) const {
-    std::vector<std::string> arguments = {"--machine", Sample(), "--journal", Journal(), "pull"};
-    arguments.insert(arguments.end(), commands.begin(), commands.end());
-    return RunParvex(arguments);
-  }
+  void SetReportServer(const std::string& json) const { SetStandin("{\"reportServer\":" + json + "}"); }
 
   std::vector<std::string> FilesLeft() const {
     std::vector<std::string> names;
@@ -51,19 +38,6 @@ class ReportsWalk : public testing::Test {
     }
     std::sort(names.begin(), names.end());
     return names;
-  }
-
-  /// The journal's lines of one kind.
-  std::vector<Json> Journalled(const std::string& kind) const {
-    std::vector<Json> found;
-    std::istringstream text(ReadHostFile(Journal()));
-    for (std::string line; std::getline(text, line);) {
-      Json json = standin::ParseJson(line, "journal");
-      if (json["kind"] == kind) {
-        found.push_back(std::move(json));
-      }
-    }
-    return found;
   }
 
   /// What was done with late-bound objects, a line each: operation, object and member, then the arguments without the
@@ -104,11 +78,6 @@ class ReportsWalk : public testing::Test {
     }
     return lines;
   }
-
- private:
-  std::string Journal() const { return (folder_.Path() / "journal").string(); }
-
-  TemporaryFolder folder_;
 };
 
 std::string AddTag(const std::string& name, const std::string& pdsg) {
@@ -260,7 +229,7 @@ TEST_F(ReportsWalk, WithoutReadableConfigurationTheStandardReportsAreOffered) {
 }
 
 TEST_F(ReportsWalk, AMissingServerIsAnsweredByTheReportCommandsAndEndsASubmittal) {
-  SetStandin("{\"missing\":true}");
+  SetReportServer("{\"missing\":true}");
   const std::string reason = "no component is registered as \"KDRPTSV47.CRemoteInterface\"";
   EXPECT_EQ(FailedReply("Error in getReport. " + reason), Pull({Command("02-one")}).out);
   EXPECT_EQ(FailedReply("Error in getReports(). " + reason), Pull({Command("03-several")}).out);
@@ -276,7 +245,7 @@ TEST_F(ReportsWalk, AMissingServerIsAnsweredByTheReportCommandsAndEndsASubmittal
 TEST_F(ReportsWalk, AServerThatFailsAtAnyMemberIsAnsweredWithThatMember) {
   for (const std::string member : {"action", "ClientID", "command", "OutputType", "Project", "ProjectID", "OutputUnits",
                                    "AddTag", "AddReport", "MakeReport"}) {
-    SetStandin("{\"failAt\":\"" + member + "\"}");
+    SetReportServer("{\"failAt\":\"" + member + "\"}");
     const Outcome outcome = Pull({Command("02-one")});
     EXPECT_EQ(1, outcome.status);
     EXPECT_EQ(FailedReply("Error in getReport. " + kServer + "." + member + ": told to fail"), outcome.out);
@@ -284,7 +253,7 @@ TEST_F(ReportsWalk, AServerThatFailsAtAnyMemberIsAnsweredWithThatMember) {
 }
 
 TEST_F(ReportsWalk, WhatTheServerDoesNotMakeIsSaidSo) {
-  SetStandin("{\"makeReport\":false}");
+  SetReportServer("{\"makeReport\":false}");
   const Outcome outcome = Pull({Command("02-one"), Command("05-schedule")});
   EXPECT_EQ(0, outcome.status) << outcome.err;
   EXPECT_EQ(std::string(kNotMade) + kNotMade, outcome.out);

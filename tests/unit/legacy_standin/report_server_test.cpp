@@ -5,7 +5,7 @@
 
 #include "legacy_standin/schedule_request.h"
 #include "platform/automation_error.h"
-#include "tests/support/fake_platform.h"
+#include "tests/unit/legacy_standin/standin_machine.h"
 
 namespace parvex::standin {
 namespace {
@@ -20,15 +20,8 @@ constexpr const char* kTemp = "C:\\Korvane\\TQ5-VX\\Bin\\Reports\\Temp\\";
 constexpr const char* kTemplate = "C:\\T\\UnitReport_qdf.xml";
 constexpr const char* kTag = "<TAG><TagName>A</TagName><Product PartNumber=\"{P} é\"/></TAG>";
 
-class ReportClassesTest : public testing::Test {
+class ReportClassesTest : public testing::Test, protected StandinMachine {
  protected:
-  test::FakeMachine machine;
-  Application application{machine.platform.registry,
-                          machine.platform.files,
-                          machine.platform.projectDatabases,
-                          machine.platform.codePage,
-                          {}};
-
   static Value Call(automation::Object& object, std::string_view member, const std::vector<Value>& values) {
     std::vector<Argument> arguments;
     for (const Value& value : values) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "interface/command_document.h"
+#include "tests/support/command_texts.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex::test {
@@ -21,7 +22,7 @@ class ReportCatalogueTest : public testing::Test {
   LegacyLink link{machine.platform};
 
   xml::Document Available(std::string_view pdsg) {
-    const xml::Document command = xml::Document::Parse("<COMMAND><NAME>getAvailableReports</NAME></COMMAND>");
+    const xml::Document command = Command("getAvailableReports");
     AddParameter(command, "PDSG", pdsg);
     return GetAvailableReports(link, command);
   }
@@ -120,7 +121,7 @@ TEST_F(ReportCatalogueTest, FoldersLieBelowTheDataRootByGroup) {
 
 TEST_F(ReportCatalogueTest, AnEmptyGroupHasNoDocument) {
   EXPECT_FALSE(Available(""));
-  EXPECT_FALSE(GetAvailableReports(link, xml::Document::Parse("<COMMAND><NAME>getAvailableReports</NAME></COMMAND>")));
+  EXPECT_FALSE(GetAvailableReports(link, Command("getAvailableReports")));
 }
 
 TEST_F(ReportCatalogueTest, AGroupWithOneTemplateListsOneReport) {

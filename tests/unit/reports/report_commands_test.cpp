@@ -161,7 +161,7 @@ TEST_F(GetReportTest, TheServerIsHeldByOneInstanceAndLeavesWithIt) {
 TEST_F(GetReportTest, AServerDroppedByABuilderCommandIsCreatedAnew) {
   Report(ReportName("UnitReport"));
   EXPECT_EQ(automation.living, 1);
-  EXPECT_EQ(RaisedBy([&] { NewTag(link, xml::Document::Parse("<COMMAND><NAME>newTag</NAME></COMMAND>")); }), 429);
+  EXPECT_EQ(RaisedBy([&] { NewTag(link, Command("newTag")); }), 429);
   EXPECT_EQ(automation.living, 0);
   TakeLines();
   Report(ReportName("UnitReport"));

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "interface/legacy_link.h"
+#include "tests/support/command_texts.h"
 #include "tests/support/fake_automation.h"
 #include "tests/support/fake_platform.h"
 
@@ -98,18 +99,12 @@ inline xml::Document ReportCommand(const std::string& command, const std::string
   for (const std::string& tag : tags) {
     entries += "<TAG><NAME>" + tag + "</NAME><PDSG>" + pdsg + "</PDSG><DATATYPE>0</DATATYPE></TAG>";
   }
-  return xml::Document::Parse(
-      "<COMMAND><NAME>" + command + "</NAME><PARAMETER><NAME>projectName</NAME><VALUE>Clinic</VALUE></PARAMETER>" +
-      parameters + "<PARAMETER><NAME>data</NAME><VALUE>" + entries + "</VALUE></PARAMETER></COMMAND>");
+  return Command(command, Parameter("projectName", "Clinic") + parameters + Parameter("data", entries));
 }
 
-inline std::string ReportName(const std::string& name) {
-  return "<PARAMETER><NAME>reportName</NAME><VALUE>" + name + "</VALUE></PARAMETER>";
-}
+inline std::string ReportName(const std::string& name) { return Parameter("reportName", name); }
 
-inline std::string Units(const std::string& units) {
-  return "<PARAMETER><NAME>UnitsOfMeasure</NAME><VALUE>" + units + "</VALUE></PARAMETER>";
-}
+inline std::string Units(const std::string& units) { return Parameter("UnitsOfMeasure", units); }
 
 /// The success reply with these words in returnError, and the failure reply with this message.
 inline std::string Answered(const std::string& words) {

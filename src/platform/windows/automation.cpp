@@ -1,6 +1,6 @@
 #include "platform/windows/automation.h"
 
-#include <limits>
+#include <charconv>
 #include <map>
 #include <vector>
 
@@ -447,7 +447,14 @@ Value FromVariant(const VARIANT& value, const std::string& name) {
       return Value();
     case VT_BOOL:
       return V_BOOL(&read) != VARIANT_FALSE;
-    case VT_R4:
+    case VT_R4: {
+      // The number that reads the same: widened as it stands, it would show digits that it never had.
+      char digits[32];
+      const auto end = std::to_chars(digits, digits + sizeof digits, V_R4(&read)).ptr;
+      double number = 0;
+      std::from_chars(digits, end, number);
+      return number;
+    }
     case VT_R8:
     case VT_CY:
     case VT_DECIMAL:

@@ -306,7 +306,8 @@ TEST(LookUpTagProducts, ForgetsAProductByItsNameAlsoWhenTheSecondLookFindsNothin
 
 TEST(LookUpTagProducts, PrefersTheProductOfTheSecondLookAndOfSeveralTheFirst) {
   TagMachine tags;
-  tags.Answer(true, "<TAG><Product ProdName=\"G\" MarkFor=\"A\" Quantity=\"1\"/><Application PDSG=\"G\"><System>"
+  tags.Answer(true, "<TAG><Product ProdName=\"G\" MarkFor=\"A\" Quantity=\"1\"/><Application PDSG=\"G\">"
+                    "<Other><Product MarkFor=\"A\" Quantity=\"5\"/></Other><System>"
                     "<Product MarkFor=\"A\" Quantity=\"2\"/><Product MarkFor=\"A\" Quantity=\"3\"/></System>"
                     "<Product MarkFor=\"A\" Quantity=\"4\"/></Application></TAG>");
   EXPECT_THAT(TextsOf(LookedUp(tags, TagEntry("A", "G", "0")), "//QUANTITY"), ElementsAre("2"));

@@ -55,8 +55,9 @@ class ExposedAutomation : public testing::Test {
 };
 
 TEST_F(ExposedAutomation, ValuesOfEveryKindTravelThereAndBack) {
-  for (const Value& value : {Value(), Value(true), Value(false), Value(-2147483647 - 1), Value(0.1), Value(std::string()),
-                             Value(std::string("Größe 😀")), Value(std::string("a\0b", 3))}) {
+  for (const Value& value :
+       {Value(), Value(true), Value(false), Value(-2147483647 - 1), Value(0.1), Value(std::string()),
+        Value(std::string("Größe 😀")), Value(std::string("a\0b", 3))}) {
     EXPECT_EQ(RoundTrip(value), value) << value.index();
   }
   EXPECT_EQ(RoundTrip(ObjectRef()), Value(ObjectRef()));

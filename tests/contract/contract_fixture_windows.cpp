@@ -136,7 +136,7 @@ ContractMachine::~ContractMachine() {
 
 void ContractMachine::SetRegistryString(std::string_view valueName, std::string_view text) {
   HKEY key = nullptr;
-  ASSERT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, scratchKey.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr), 0);
+  ASSERT_EQ(RegCreateKeyA(HKEY_LOCAL_MACHINE, scratchKey.c_str(), &key), 0);
   const std::wstring value = windows::Widen(text);
   RegSetValueExW(key, windows::Widen(valueName).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
                  static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
@@ -148,7 +148,8 @@ void ContractMachine::SetReadOnly(std::string_view path, bool readOnly) {
 }
 
 void ContractMachine::InstallProbe(std::string_view path) {
-  ASSERT_TRUE(CopyFileW((OwnFolder() + L"contract_probe.exe").c_str(), windows::Widen(path).c_str(), FALSE)) << GetLastError();
+  const std::wstring probe = OwnFolder() + L"contract_probe.exe";
+  ASSERT_TRUE(CopyFileW(probe.c_str(), windows::Widen(path).c_str(), FALSE)) << GetLastError();
 }
 
 std::string ContractMachine::SeenInBox(std::string_view text, std::string_view caption, MessageBoxes::Icon icon) {

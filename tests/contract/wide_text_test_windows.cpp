@@ -34,7 +34,8 @@ TEST(WideText, OfAWholePairIsOneSequenceOfFourBytes) {
 }
 
 TEST(WideText, ReadsBytesThatAreNoTextAsReplacements) {
-  for (const char* bytes : {"\x80", "\xC0\x80", "\xE0\x80\x80", "\xF5\x80\x80\x80", "\xF4\x90\x80\x80", "\xC3", "\xFF"}) {
+  for (const char* bytes :
+       {"\x80", "\xC0\x80", "\xE0\x80\x80", "\xF5\x80\x80\x80", "\xF4\x90\x80\x80", "\xC3", "\xFF"}) {
     EXPECT_EQ(Widen(bytes).substr(0, 1), L"\xFFFD") << bytes;
   }
   EXPECT_EQ(Widen("\xC3x"), L"\xFFFDx");

@@ -7,29 +7,17 @@
 
 #include "platform/automation_error.h"
 #include "platform/xml.h"
+#include "tests/support/hostile_markup.h"
 
 // What the adapter over libxml2 does beyond the seam's contract: exact markup and bytes, and its guards.
 
 namespace parvex {
 namespace {
 
+using test::RefusalOf;
+using test::Repeated;
 using xml::Document;
 using xml::Node;
-
-std::string Repeated(std::string_view piece, std::size_t times) {
-  std::string text;
-  text.reserve(piece.size() * times);
-  for (std::size_t i = 0; i < times; ++i) {
-    text += piece;
-  }
-  return text;
-}
-
-std::string RefusalOf(std::string_view text) {
-  const Document document = Document::Parse(text);
-  EXPECT_TRUE(document.IsEmpty());
-  return document.ParseError();
-}
 
 TEST(XmlGuards, RefuseNestedEntities) {
   std::string text = "<!DOCTYPE a [<!ENTITY l0 \"lol\">";

@@ -9,6 +9,7 @@
 #include "platform/windows/msxml_document.h"
 #include "platform/xml.h"
 #include "tests/contract/contract_fixture.h"
+#include "tests/support/hostile_markup.h"
 
 // What the adapter over MSXML does beyond the seam's contract: its guards, and documents that others made.
 
@@ -16,21 +17,9 @@ namespace parvex {
 namespace {
 
 using windows::ComPointer;
+using test::RefusalOf;
+using test::Repeated;
 using xml::Document;
-
-std::string Repeated(std::string_view piece, std::size_t times) {
-  std::string text;
-  for (std::size_t i = 0; i < times; ++i) {
-    text += piece;
-  }
-  return text;
-}
-
-std::string RefusalOf(std::string_view text) {
-  const Document document = Document::Parse(text);
-  EXPECT_TRUE(document.IsEmpty());
-  return document.ParseError();
-}
 
 // Runs in an apartment of its own, with the stack that a script host gives its threads.
 void OnASmallStack(const std::function<void()>& act) {

@@ -10,8 +10,8 @@ Left out on purpose, since the platform at hand is known to differ from the docu
 names that differ in the letter case of letters beyond ASCII; writing to a file that holds NUL bytes or a header of an
 empty name, which the platform at hand does not keep when it writes the other lines anew.
 
-Where the two may differ stands in EXPLAINED, each with the fact about the platform that is documented. A difference that
-none of them explains is a failure, and so is an explanation that a run of look-ups never needed.
+Where the two may differ stands in EXPLAINED, each with the fact about the platform that is documented. A difference
+that none of them explains is a failure, and so is an explanation that a run of look-ups never needed.
 """
 
 import argparse

@@ -35,8 +35,8 @@ class DispatchObject : public Object {
   }
   Value Call(std::string_view member, std::span<Argument> arguments) override {
     // With arguments it may also be a property that takes them, as collections have.
-    return Invoke(member, static_cast<WORD>(arguments.empty() ? DISPATCH_METHOD : DISPATCH_METHOD | DISPATCH_PROPERTYGET),
-                  arguments);
+    const WORD kind = arguments.empty() ? DISPATCH_METHOD : DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+    return Invoke(member, kind, arguments);
   }
 
   const ComPointer<IDispatch>& Dispatch() const { return dispatch_; }
@@ -479,7 +479,8 @@ Value FromVariant(const VARIANT& value, const std::string& name) {
     }
     default: {
       Variant converted;
-      if (V_VT(&read) != VT_BSTR && SUCCEEDED(VariantChangeType(converted.Out(), const_cast<VARIANT*>(&read), 0, VT_I4))) {
+      if (V_VT(&read) != VT_BSTR &&
+          SUCCEEDED(VariantChangeType(converted.Out(), const_cast<VARIANT*>(&read), 0, VT_I4))) {
         return static_cast<std::int32_t>(V_I4(&converted.Get()));
       }
       if (FAILED(VariantChangeType(converted.Out(), const_cast<VARIANT*>(&read), 0, VT_BSTR))) {

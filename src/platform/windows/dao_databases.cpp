@@ -98,8 +98,9 @@ class DaoDatabase : public Database {
   DaoDatabase& operator=(const DaoDatabase&) = delete;
 
   std::unique_ptr<RecordSet> OpenRecordSet(std::string_view sql) override {
+    const std::string statement(sql);
     return std::make_unique<DaoRecordSet>(
-        AsObject(Call(database_, "OpenRecordset", std::string(sql), kDynaset), "the record set of " + std::string(sql)));
+        AsObject(Call(database_, "OpenRecordset", statement, kDynaset), "the record set of " + statement));
   }
 
  private:

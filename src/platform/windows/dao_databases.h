@@ -6,8 +6,7 @@
 namespace parvex::windows {
 
 /// Jet databases through the engine's own objects, late bound: "DAO.DBEngine.36" (32-bit only) or "DAO.DBEngine.120".
-/// Members used: OpenDatabase of the engine; OpenRecordset and Close of the database; EOF, MoveNext, Fields, AddNew, Edit,
-/// Update and Close of the record set; Value of a field.
+/// docs/jet-databases.md lists the members used.
 class DaoDatabases : public ProjectDatabases {
  public:
   /// `automation` outlives this.

@@ -125,7 +125,9 @@ std::vector<std::string> SystemFiles::ListFiles(std::string_view pattern) {
   return Listed(wide, false);
 }
 
-std::vector<std::string> SystemFiles::ListFolders(std::string_view folder) { return Listed(Widen(folder) + L"\\*", true); }
+std::vector<std::string> SystemFiles::ListFolders(std::string_view folder) {
+  return Listed(Widen(folder) + L"\\*", true);
+}
 
 std::string SystemFiles::ReadAll(std::string_view path) {
   const FileHandle file(CreateFileW(Widen(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,

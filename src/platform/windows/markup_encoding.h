@@ -17,9 +17,9 @@ std::string DecodeMarkup(std::string_view bytes, std::string& refusal);
 /// declaration says so. Characters that the encoding lacks become references; in CDATA sections they stand between two.
 std::string EncodeMarkup(std::string_view markup, std::string_view declaration);
 
-/// Why a text must not reach the XML component, empty when it may: a DOCTYPE whose entities are more than plain text (the
-/// stuff of entity bombs and of external entities) or expand to too much, and elements nested so deeply that the component
-/// would overrun the stack of its host. Linear in the text.
+/// Why a text must not reach the XML component, empty when it may: a DOCTYPE whose entities are more than plain text
+/// (the stuff of entity bombs and of external entities) or expand to too much, and elements nested so deeply that the
+/// component would overrun the stack of its host. Linear in the text.
 std::string RefusedMarkup(std::string_view text);
 
 }  // namespace parvex::windows

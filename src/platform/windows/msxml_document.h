@@ -9,9 +9,9 @@
 
 namespace parvex::windows {
 
-/// A document that somebody else made, as a handle of the XML seam; changes go into that document. Its selection language
-/// is set to XPath. `unknown` is asked for the document interface; an object that has none, or null, is a type mismatch (13)
-/// or "object not set" (91).
+/// A document that somebody else made, as a handle of the XML seam; changes go into that document. Its selection
+/// language is set to XPath. `unknown` is asked for the document interface; an object that has none is a type mismatch
+/// (13), null is "object not set" (91).
 xml::Document AdoptDocument(IUnknown* unknown);
 
 /// The document behind a handle, with a reference of its own; null for a null handle.

@@ -31,8 +31,8 @@ constexpr IID kDomElement = {0x2933BF86, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0
 
 using ComNode = ComPointer<IXMLDOMNode>;
 
-/// What a handle points to: one reference to the component's node. The component gives a node another address each time it
-/// is asked for, so two handles mean the same box only when one was copied from the other.
+/// What a handle points to: one reference to the component's node. The component gives a node another address each time
+/// it is asked for, so two handles mean the same box only when one was copied from the other.
 struct Box {
   ComNode node;
   std::string refusal;  // of a document: why its text was not even given to the component
@@ -554,7 +554,10 @@ xml::Document AdoptDocument(IUnknown* unknown) {
 }
 
 ComPointer<IXMLDOMDocument2> ComDocument(const xml::Document& document) {
-  return document ? xml::DocumentOf(xml::Adapter::Com(document.AsNode(), "ComDocument")) : ComPointer<IXMLDOMDocument2>();
+  if (!document) {
+    return {};
+  }
+  return xml::DocumentOf(xml::Adapter::Com(document.AsNode(), "ComDocument"));
 }
 
 }  // namespace parvex::windows

@@ -146,6 +146,36 @@ std::vector<SampleCommand> ProjectCommands() {
            {{"projectName", "Harbour School"}, {"fileSpec", kArchive}, {"FOLDER", kFolder}}}};
 }
 
+/// Tags listed, changed and built. They can be sent in this order.
+std::vector<SampleCommand> TagCommands() {
+  constexpr const char* kFanCoil = "Küche & Café <EG>";
+  return {{"tag-01-list", "getTagList", {{"projectName", kSampleProject}}},
+          {"tag-03-rename",
+           "renameTag",
+           {{"projectName", kSampleProject}, {"pdsg", "RTU47"}, {"tagName", "RTU-1"}, {"newTagName", "Roof | 1"}}},
+          {"tag-04-copy",
+           "copyTag",
+           {{"projectName", kSampleProject}, {"PDSG", "XRC47"}, {"tagName", "CH-1"}, {"dataType", "0"}}},
+          {"tag-05-delete",
+           "deleteTag",
+           {{"projectName", kSampleProject}, {"PDSG", "XRC47"}, {"tagName", "Copy of CH-1"}, {"DATATYPE", "0"}}},
+          {"tag-06-new", "newTag", {{"projectName", kSampleProject}, {"PDSG", "RTU47"}}},
+          {"tag-07-configure",
+           "configureTag",
+           {{"projectName", kSampleProject}, {"PDSG", "FCB47"}, {"tagName", kFanCoil}, {"tagID", "1106"}}},
+          {"tag-08-rebuild-all", "rebuildAllTags", {{"projectName", kSampleProject}}}};
+}
+
+/// A command document that fetches two tags, an ordinary and an extended one.
+std::string FetchCommand() {
+  const xml::Document command = xml::Document::Parse(
+      "<COMMAND><NAME>getTags</NAME><PARAMETER><NAME>projectName</NAME><VALUE/></PARAMETER><PARAMETER><NAME>data</NAME>"
+      "<VALUE><TAGS><TAG><NAME>CH-1</NAME><PDSG>XRC47</PDSG><DATATYPE>0</DATATYPE></TAG><TAG><NAME>HP-7</NAME>"
+      "<PDSG>WSH47</PDSG><DATATYPE>1</DATATYPE></TAG></TAGS></VALUE></PARAMETER></COMMAND>");
+  command.First("//VALUE").SetText(kSampleProject);
+  return command.Bytes();
+}
+
 void WriteCommand(const fs::path& folder, const SampleCommand& sample) {
   const xml::Document command = xml::Document::Parse("<COMMAND><NAME/></COMMAND>");
   command.First("//NAME").SetText(sample.name);
@@ -162,8 +192,11 @@ void WriteCommands(const fs::path& folder) {
   WriteFile(folder / "getHybrisXMLNoUI-two-tags.xml", ExportCommand({"CH-1", "Küche & Café <EG>"}));
   WriteFile(folder / "getHybrisXML.xml", "<COMMAND><NAME>getHybrisXML</NAME></COMMAND>\r\n");
   WriteFile(folder / "getOptions.xml", "<COMMAND><NAME>getOptions</NAME></COMMAND>\r\n");
-  for (const SampleCommand& command : ProjectCommands()) {
-    WriteCommand(folder, command);
+  WriteFile(folder / "tag-02-fetch.xml", FetchCommand());
+  for (const std::vector<SampleCommand>& commands : {ProjectCommands(), TagCommands()}) {
+    for (const SampleCommand& command : commands) {
+      WriteCommand(folder, command);
+    }
   }
 }
 

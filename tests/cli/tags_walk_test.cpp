@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "legacy_standin/json_members.h"
@@ -158,8 +159,9 @@ TEST_F(TagsWalk, RequestsToRenameCarryTheUpdateDocument) {
   Send("renameTag", Owned("RTU-1") + Parameter("newTagName", "RTU-1"));
   const std::vector<std::string> requests = Requests();
   ASSERT_EQ(2u, requests.size());
-  const std::string info = "<TagUpdateInfo><Table Name=\"TagData\"><Column>sTagName</Column><Column>sDescription"
-                           "</Column></Table><Table Name=\"TagIndex\"><Column>sTagName</Column></Table></TagUpdateInfo>";
+  const std::string info =
+      "<TagUpdateInfo><Table Name=\"TagData\"><Column>sTagName</Column><Column>sDescription</Column></Table>"
+      "<Table Name=\"TagIndex\"><Column>sTagName</Column></Table></TagUpdateInfo>";
   EXPECT_EQ(Sent("renameTagEx", kProject + Parameter("pdsg", "KDQ47") + Parameter("tagName", "RTU-1") +
                                     Parameter("newTagName", "RTU-1[1]") + Parameter("pdsgOfOwner", "RTU47") +
                                     Parameter("tableName", "TagData") + Parameter("data", info)),
@@ -185,6 +187,23 @@ TEST_F(TagsWalk, AReplayAnswersTagRequests) {
   EXPECT_EQ("<L><TAG><NAME>A</NAME><PDSG>XRC47</PDSG><TAGVERSION>4.71.0</TAGVERSION><UPTODATE>-1</UPTODATE></TAG>"
             "</L>\r\n",
             outcome.out);
+}
+
+TEST_F(TagsWalk, TheSamplesCommandsAreAllCarriedOutInTheirOrder) {
+  std::vector<std::string> commands;
+  for (const auto& entry : fs::directory_iterator(fs::path(Sample()) / "commands")) {
+    if (entry.path().filename().string().starts_with("tag-")) {
+      commands.push_back(entry.path().string());
+    }
+  }
+  std::sort(commands.begin(), commands.end());
+  EXPECT_THAT(commands, testing::SizeIs(8));
+  for (const std::string& command : commands) {
+    const Outcome outcome = Pull({command});
+    EXPECT_EQ(0, outcome.status) << command << outcome.err;
+  }
+  EXPECT_THAT(Tags(), ElementsAre("Roof _ 1 -1", "AHU-3 -1", "CH-1 -1", "HP-7 0", "SS-2 0", "Küche & Café <EG> -1",
+                                  "New RTU-1107 -1"));
 }
 
 const std::string kNewTag = kProject + Parameter("PDSG", "RTU47");

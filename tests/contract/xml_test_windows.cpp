@@ -21,16 +21,17 @@ using test::RefusalOf;
 using test::Repeated;
 using xml::Document;
 
+DWORD WINAPI RunInApartment(void* act) {
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  (*static_cast<const std::function<void()>*>(act))();
+  CoUninitialize();
+  return 0;
+}
+
 // Runs in an apartment of its own, with the stack that a script host gives its threads.
 void OnASmallStack(const std::function<void()>& act) {
-  const auto run = [](void* given) -> DWORD {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    (*static_cast<const std::function<void()>*>(given))();
-    CoUninitialize();
-    return 0;
-  };
   constexpr SIZE_T kStack = 1u << 20;
-  const HANDLE thread = CreateThread(nullptr, kStack, run, const_cast<std::function<void()>*>(&act),
+  const HANDLE thread = CreateThread(nullptr, kStack, RunInApartment, const_cast<std::function<void()>*>(&act),
                                      STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
   ASSERT_NE(thread, nullptr);
   WaitForSingleObject(thread, INFINITE);

@@ -5,8 +5,8 @@
 
 namespace parvex::windows {
 
-// Between the text of XML markup and the bytes of a file, done here so that files are written in the encoding they declare
-// whatever version of the XML component is installed.
+// Between the text of XML markup and the bytes of a file, done here so that files are written in the encoding they
+// declare whatever version of the XML component is installed.
 
 /// UTF-8 text of a file's bytes: by byte order mark, else by the declaration's encoding, else UTF-8. Bytes that are not
 /// valid in their encoding leave a reason in `refusal`.

@@ -3,12 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "legacy_standin/project_store.h"
-#include "legacy_standin/sample_project.h"
 #include "legacy_standin/stored_tag.h"
 #include "platform/automation_error.h"
-#include "tests/support/fake_platform.h"
 #include "tests/support/raised_by.h"
+#include "tests/unit/legacy_standin/tag_project.h"
 
 namespace parvex::standin {
 namespace {
@@ -19,19 +17,9 @@ using automation::ObjectRef;
 using automation::Value;
 using test::RaisedBy;
 
-class BuilderTest : public testing::Test {
+class BuilderTest : public testing::Test, protected TagProject {
  protected:
-  test::FakeMachine machine;
-  Application application{machine.platform.registry,
-                          machine.platform.files,
-                          machine.platform.projectDatabases,
-                          machine.platform.codePage,
-                          {}};
-  const ProjectStore store{application};
-
   BuilderTest() {
-    store.Create("Clinic");
-    store.WriteUnits("Clinic", SampleUnits());
     machine.Write("C:\\Korvane\\TQ5-VX\\Bin\\Tools.xml",
                   "<Tools><Tool><Pdsg>RTU47</Pdsg><Version>5</Version></Tool>"
                   "<Tool><Pdsg>FCB47</Pdsg><Version>6</Version></Tool></Tools>");

@@ -3,11 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "legacy_standin/project_store.h"
-#include "legacy_standin/sample_project.h"
 #include "legacy_standin/stored_tag.h"
 #include "tests/support/command_texts.h"
-#include "tests/support/fake_platform.h"
+#include "tests/unit/legacy_standin/tag_project.h"
 
 namespace parvex::standin {
 namespace {
@@ -20,23 +18,12 @@ const std::string kLegacy = Parameter("pdsg", "KDQ47");
 const std::string kTable = Parameter("tableName", "TagData");
 const std::string kIn = Parameter("projectName", "Clinic");
 
-class TagRequestsTest : public testing::Test {
+class TagRequestsTest : public testing::Test, protected TagProject {
  protected:
-  test::FakeMachine machine;
-  Application application{machine.platform.registry,
-                          machine.platform.files,
-                          machine.platform.projectDatabases,
-                          machine.platform.codePage,
-                          {}};
-  const ProjectStore store{application};
   const RequestTable requests = TagRequests();
   std::string answer;
 
-  TagRequestsTest() {
-    store.Create("Clinic");
-    store.Create("Other");
-    store.WriteUnits("Clinic", SampleUnits());
-  }
+  TagRequestsTest() { store.Create("Other"); }
 
   bool Send(const std::string& name, const std::string& parameters) {
     return Router(application, requests)

@@ -1,12 +1,14 @@
 #include <filesystem>
 
 #include "legacy_standin/workflow/place.h"
+#include "platform/windows/apartment.h"
 #include "platform/windows/machine.h"
 #include "platform/windows/this_program.h"
 #include "platform/windows/wide_text.h"
 
 namespace parvex::standin {
 struct WorkflowPlace::Parts {
+  windows::Apartment apartment;
   windows::Machine machine;
   std::filesystem::path folder = std::filesystem::path(windows::ProgramPath()).parent_path().parent_path();
   std::string root = windows::Narrow(folder.wstring());

@@ -1,26 +1,17 @@
 #include <fcntl.h>
 #include <io.h>
-#include <objbase.h>
 #include <stdio.h>
 
 #include "cli/exit_status.h"
 #include "cli/host.h"
 #include "legacy_standin/sample_machine.h"
+#include "platform/windows/apartment.h"
 #include "platform/windows/machine.h"
 #include "platform/windows/this_program.h"
 #include "platform/written_boxes.h"
 
 namespace parvex::cli {
 namespace {
-
-// COM on the program's one thread.
-class Apartment {
- public:
-  Apartment() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
-  ~Apartment() { CoUninitialize(); }
-  Apartment(const Apartment&) = delete;
-  Apartment& operator=(const Apartment&) = delete;
-};
 
 std::filesystem::path WorkflowProgram() {
   return std::filesystem::path(windows::ProgramPath()).parent_path() / "kdwfm470.exe";
@@ -29,7 +20,7 @@ std::filesystem::path WorkflowProgram() {
 }  // namespace
 
 struct Host::Parts {
-  Apartment apartment;
+  windows::Apartment apartment;
   windows::Machine machine;
   WrittenBoxes messageBoxes;
 };

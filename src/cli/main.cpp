@@ -47,6 +47,7 @@ CommandLine::CommandLine() {
   app.set_version_flag("--version", "parvex " PARVEX_VERSION);
   app.require_subcommand(1);
   app.fallthrough();
+  app.allow_windows_style_options(false);  // the same command line on every platform
   app.footer(kExitStatusText);
   app.add_option("--machine", options.machine, "The folder that stands for the machine")
       ->type_name("DIR")

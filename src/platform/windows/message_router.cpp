@@ -9,12 +9,14 @@
 #include "platform/windows/system_error.h"
 
 namespace parvex::windows {
-namespace {
 
-// The legacy interface: what is used of it is the first method behind the automation methods.
+// The legacy interface: what is used of it is the first method behind the automation methods. It stands outside the
+// unnamed namespace, where the compiler would conclude that nobody can implement it.
 struct IRequestRouter : public IDispatch {
   virtual HRESULT STDMETHODCALLTYPE SendRequestMessage(BSTR* request, BSTR* response, VARIANT_BOOL* result) = 0;
 };
+
+namespace {
 
 class SystemMessageRouter : public MessageRouter {
  public:

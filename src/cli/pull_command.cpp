@@ -1,18 +1,13 @@
 #include "cli/pull_command.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <fstream>
-#include <optional>
+#include <cstddef>
 
 #include "cli/consumer.h"
-#include "cli/host.h"
+#include "cli/replies.h"
 #include "cli/standard_streams.h"
 #include "interface/legacy_orla_pull.h"
 #include "interface/reply_envelope.h"
-#include "journal/journalled_platform.h"
-#include "journal/replay_routers.h"
+#include "platform/automation_error.h"
 #include "platform/text.h"
 
 namespace parvex::cli {
@@ -52,8 +47,7 @@ std::string DecodeText(std::string_view bytes, CodePage& codePage) {
 bool SendText(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage) {
   const std::string reply = pull.PullNGORLA(DecodeText(bytes, codePage));
   WriteOutput(reply);
-  // The reply may be a document of any size; only what begins as an envelope is worth reading again.
-  return reply.starts_with("<LegacyORLA") && IsFailedReply(xml::Document::Parse(reply));
+  return FailureIn(reply).has_value();
 }
 
 ExitStatus SendAll(const Platform& platform, const std::vector<std::string>& names,
@@ -73,67 +67,25 @@ ExitStatus SendAll(const Platform& platform, const std::vector<std::string>& nam
   return anyCallFailed ? kFailedCall : status;
 }
 
-ExitStatus SendAllJournalled(const Platform& platform, const PullOptions& options,
-                             const std::vector<std::string>& contents, SendOne sendOne) {
-  std::ofstream out(PathOf(options.journal), std::ios::binary);
-  if (!out) {
-    throw UsageError("cannot write " + options.journal + ": " + std::strerror(errno));
-  }
-  const ExitStatus status = [&] {
-    journal::JournalledPlatform journalled(platform, out);
-    return SendAll(journalled.Platform(), options.files, contents, sendOne);
-  }();
-  if (!out) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, "the journal " + options.journal + " could not be written");
-  }
-  return status;
-}
-
-Platform WithRouters(const Platform& platform, MessageRouters& routers) {
-  return {platform.registry,         platform.privateProfile, platform.files, platform.processes,
-          platform.messagePump,      platform.messageBoxes,   routers,        platform.automation,
-          platform.projectDatabases, platform.codePage};
-}
-
-struct Session {
+ExitStatus Send(const SessionOptions& options, const std::vector<std::string>& files, SendOne sendOne) {
   std::vector<std::string> contents;
-  std::optional<journal::ReplayRouters> replay;
-  std::optional<Host> host;
-};
-
-// Everything that can be wrong before the first file is sent.
-void Prepare(const PullOptions& options, Session& session) {
-  for (const std::string& file : options.files) {
-    session.contents.push_back(ReadInput(file));
+  for (const std::string& file : files) {
+    contents.push_back(ReadInput(file));
   }
-  try {
-    if (!options.replay.empty()) {
-      session.replay.emplace(ReadInput(options.replay), options.replay);
-    }
-    session.host.emplace(options.machine);
-  } catch (const AutomationError& error) {
-    throw UsageError(error.Description());
-  }
-}
-
-ExitStatus Send(const PullOptions& options, SendOne sendOne) {
-  Session session;
-  Prepare(options, session);
-  const Platform own = session.host->Platform();
-  const Platform platform = session.replay ? WithRouters(own, *session.replay) : own;
-  return options.journal.empty() ? SendAll(platform, options.files, session.contents, sendOne)
-                                 : SendAllJournalled(platform, options, session.contents, sendOne);
+  Session session(options);
+  const ExitStatus status = SendAll(session.Platform(), files, contents, sendOne);
+  session.Close();
+  return status;
 }
 
 }  // namespace
 
-ExitStatus SendThroughPull(const PullOptions& options) { return Send(options, SendDocument); }
+ExitStatus SendThroughPull(const SessionOptions& options, const std::vector<std::string>& files) {
+  return Send(options, files, SendDocument);
+}
 
-ExitStatus SendThroughPullNgorla(const PullOptions& options) { return Send(options, SendText); }
-
-void ReportError(const std::string& subject, const AutomationError& error) {
-  std::fprintf(stderr, "parvex: %s%sautomation error 0x%08X, %s: %s\n", subject.c_str(), subject.empty() ? "" : ": ",
-               static_cast<unsigned>(error.Number()), error.Source().c_str(), error.Description().c_str());
+ExitStatus SendThroughPullNgorla(const SessionOptions& options, const std::vector<std::string>& files) {
+  return Send(options, files, SendText);
 }
 
 }  // namespace parvex::cli

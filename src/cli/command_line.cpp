@@ -1,0 +1,98 @@
+#include "cli/command_line.h"
+
+#include <algorithm>
+
+#include "cli/base64_command.h"
+#include "cli/commands_listing.h"
+#include "cli/host.h"
+#include "cli/pull_command.h"
+#include "cli/standard_streams.h"
+#include "version.h"
+
+namespace parvex::cli {
+namespace {
+
+constexpr const char* kExitStatusText =
+    "Exit status: 0 a reply; 1 the last reply is a failed one; 2 wrong usage, nothing was sent; 3 a call failed.";
+
+}  // namespace
+
+CommandLine::CommandLine()
+    : app_("Lets commands of a newer front end work with the projects of an installed legacy selection application.",
+           "parvex") {
+  app_.set_version_flag("--version", "parvex " PARVEX_VERSION);
+  app_.require_subcommand(1);
+  app_.fallthrough();
+  app_.allow_windows_style_options(false);  // the same command line on every platform
+  app_.footer(kExitStatusText);
+  app_.add_option("--machine", session_.machine, "The folder that stands for the machine")
+      ->type_name("DIR")
+      ->envname("PARVEX_MACHINE");
+  app_.add_option("--journal", session_.journal, "Write down everything that crosses to the outside")
+      ->type_name("FILE");
+  app_.add_option("--replay", session_.replay, "Answer router requests from such a journal")->type_name("FILE");
+
+  AddSending();
+  AddBase64();
+  AddMachines();
+  Add(app_, "commands", "List the commands that each entry point serves", [] {
+    WriteOutput(ListEntryPoints());
+    return kReply;
+  });
+}
+
+void CommandLine::Parse(std::vector<std::string> arguments) {
+  std::ranges::reverse(arguments);  // as the parser takes them
+  app_.parse(std::move(arguments));
+}
+
+CLI::App* CommandLine::Add(CLI::App& parent, const std::string& name, const std::string& description, Action action) {
+  CLI::App* command = parent.add_subcommand(name, description);
+  command->callback([this, action = std::move(action)] { action_ = action; });
+  return command;
+}
+
+void CommandLine::AddSending() {
+  const auto add = [this](const std::string& name, const std::string& entryPoint, std::span<const CommandEntry> table,
+                          Action action) {
+    CLI::App* command =
+        Add(app_, name, "Send command documents to one instance, through " + entryPoint, std::move(action));
+    command->add_option("FILE", files_, "Command documents, sent in this order; - for standard input")
+        ->required()
+        ->type_name("");
+    command->footer("Commands:\n" + ListCommands(table) + "\n" + kExitStatusText);
+  };
+  add("pull", "Pull", PullCommands(), [this] { return SendThroughPull(session_, files_); });
+  add("pull-ngorla", "PullNGORLA", PullNgorlaCommands(), [this] { return SendThroughPullNgorla(session_, files_); });
+}
+
+void CommandLine::AddBase64() {
+  CLI::App* base64 = app_.add_subcommand("base64", "Encode or decode Base64");
+  base64->require_subcommand(1);
+  const auto add = [&](const std::string& name, const std::string& description,
+                       void (*carryOut)(const std::string& fileName)) {
+    Add(*base64, name, description,
+        [this, carryOut] {
+          carryOut(base64File_);
+          return kReply;
+        })
+        ->add_option("FILE", base64File_, "The file to read; standard input when none is named")
+        ->type_name("");
+  };
+  add("encode", "Bytes to Base64 text, one line feed behind it", EncodeToOutput);
+  add("decode", "Base64 text, read as it stands, to bytes", DecodeToOutput);
+}
+
+void CommandLine::AddMachines() {
+  CLI::App* machine = app_.add_subcommand("machine", "Machine folders");
+  machine->require_subcommand(1);
+  Add(*machine, "create", "Make a sample machine with a substitute legacy application in it",
+      [this] {
+        CreateMachine(PathOf(newMachine_));
+        return kReply;
+      })
+      ->add_option("DIR", newMachine_, "The folder to make")
+      ->required();
+}
+
+}  // namespace parvex::cli

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "cli/exit_status.h"
+#include "cli/session.h"
+#include "interface/command_table.h"
+
+namespace parvex::cli {
+
+/// The command line of the program: what can be given, what was, and what is to be done about it.
+class CommandLine {
+ public:
+  CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+
+  /// Reads the arguments; a CLI::ParseError for wrong ones and for those that only ask (--help, --version).
+  void Parse(std::vector<std::string> arguments);
+  /// Does what the arguments that were read say.
+  ExitStatus CarryOut() const { return action_(); }
+
+  CLI::App& App() { return app_; }
+
+ private:
+  using Action = std::function<ExitStatus()>;
+  /// A command of the program; `action` is what it does.
+  CLI::App* Add(CLI::App& parent, const std::string& name, const std::string& description, Action action);
+  void AddSending();
+  void AddBase64();
+  void AddMachines();
+
+  SessionOptions session_;
+  std::vector<std::string> files_;
+  std::string base64File_ = "-";
+  std::string newMachine_;
+
+  Action action_;
+  CLI::App app_;
+};
+
+}  // namespace parvex::cli

@@ -33,6 +33,8 @@ CommandLine::CommandLine()
   app_.add_option("--replay", session_.replay, "Answer router requests from such a journal")->type_name("FILE");
 
   AddSending();
+  AddExport();
+  AddReturn();
   AddBase64();
   AddMachines();
   Add(app_, "commands", "List the commands that each entry point serves", [] {
@@ -64,6 +66,26 @@ void CommandLine::AddSending() {
   };
   add("pull", "Pull", PullCommands(), [this] { return SendThroughPull(session_, files_); });
   add("pull-ngorla", "PullNGORLA", PullNgorlaCommands(), [this] { return SendThroughPullNgorla(session_, files_); });
+}
+
+void CommandLine::AddExport() {
+  CLI::App* command = Add(app_, "export", "Export units of a project as a Hybris document",
+                          [this] { return Export(session_, export_); });
+  command->add_option("--project", export_.project, "The project's name")->required()->type_name("NAME");
+  CLI::Option* tags = command->add_option("--tags", export_.tags, "Names of the tags to export; all when none is named")
+                          ->type_name("NAME");
+  command->add_option("--selection", export_.selection, "A file with the selection (UserSelectionTransfer) instead")
+      ->type_name("FILE")
+      ->excludes(tags);
+  command->add_option("-o,--output", export_.output, "Where to write the document; standard output when not given")
+      ->type_name("FILE");
+}
+
+void CommandLine::AddReturn() {
+  CLI::App* command = Add(app_, "return", "Bring a tag of a Hybris document back to the legacy application",
+                          [this] { return Return(session_, return_); });
+  command->add_option("FILE", return_.file, "The Hybris document; - for standard input")->required()->type_name("");
+  command->add_option("--tag", return_.tag, "Which of several tags, from 1")->type_name("NUMBER");
 }
 
 void CommandLine::AddBase64() {

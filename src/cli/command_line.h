@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "cli/exit_status.h"
+#include "cli/export_command.h"
+#include "cli/return_command.h"
 #include "cli/session.h"
 #include "interface/command_table.h"
 
@@ -31,11 +33,15 @@ class CommandLine {
   /// A command of the program; `action` is what it does.
   CLI::App* Add(CLI::App& parent, const std::string& name, const std::string& description, Action action);
   void AddSending();
+  void AddExport();
+  void AddReturn();
   void AddBase64();
   void AddMachines();
 
   SessionOptions session_;
   std::vector<std::string> files_;
+  ExportOptions export_;
+  ReturnOptions return_;
   std::string base64File_ = "-";
   std::string newMachine_;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -41,5 +42,8 @@ void CreateMachine(const std::filesystem::path& folder);
 /// Makes standard input and output carry bytes as they stand, and makes writing to a reader that went away, or to a
 /// stream that was closed from the start, an error that can be reported.
 void PrepareStandardStreams();
+
+/// Whether a standard stream goes to a terminal. On Windows its escape sequences are switched on then.
+bool IsTerminal(std::FILE* stream);
 
 }  // namespace parvex::cli

@@ -76,4 +76,6 @@ void PrepareStandardStreams() {
   signal(SIGPIPE, DoNothing);
 }
 
+bool IsTerminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
+
 }  // namespace parvex::cli

@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <io.h>
 #include <stdio.h>
+#include <windows.h>
 
 #include "cli/exit_status.h"
 #include "cli/host.h"
@@ -49,6 +50,13 @@ void PrepareStandardStreams() {
   for (std::FILE* stream : {stdin, stdout, stderr}) {
     _setmode(_fileno(stream), _O_BINARY);
   }
+}
+
+bool IsTerminal(std::FILE* stream) {
+  const auto console = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+  DWORD mode = 0;
+  return _isatty(_fileno(stream)) != 0 && GetConsoleMode(console, &mode) != 0 &&
+         SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
 }  // namespace parvex::cli

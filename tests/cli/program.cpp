@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 
@@ -15,7 +16,7 @@ namespace {
 
 // In the new process, until the program takes over: only what is allowed between fork and exec of one thread.
 [[noreturn]] void Become(const std::vector<std::string>& arguments, const Surroundings& surroundings,
-                         const std::filesystem::path& streams) {
+                         const std::filesystem::path& streams, const std::string& terminal) {
   const auto redirect = [&](const std::string& file, int flags, int descriptor) {
     const int opened = open(file.c_str(), flags, 0600);
     if (opened == -1 || dup2(opened, descriptor) == -1) {
@@ -38,7 +39,12 @@ namespace {
     const std::string file = surroundings.outputFile.empty() ? (streams / "out").string() : surroundings.outputFile;
     redirect(file, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
   }
+  if (!terminal.empty()) {
+    redirect(terminal, O_WRONLY | O_NOCTTY, STDOUT_FILENO);
+    redirect(terminal, O_WRONLY | O_NOCTTY, STDERR_FILENO);
+  }
   unsetenv("PARVEX_MACHINE");
+  unsetenv("NO_COLOR");
   for (const auto& [name, value] : surroundings.environment) {
     setenv(name.c_str(), value.c_str(), 1);
   }
@@ -54,6 +60,39 @@ namespace {
   _exit(127);
 }
 
+// Both ends of a terminal: the one that a program is given by its name, and ours.
+class Terminal {
+ public:
+  Terminal() : ours_(posix_openpt(O_RDWR | O_NOCTTY)) {
+    if (ours_ == -1 || grantpt(ours_) != 0 || unlockpt(ours_) != 0) {
+      throw std::runtime_error("no terminal to be had");
+    }
+    name_ = ptsname(ours_);
+    theirs_ = open(name_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  }
+  ~Terminal() { close(ours_); }
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+
+  const std::string& Name() const { return name_; }
+
+  /// Everything that is written until the last program has closed it.
+  std::string ReadToEnd() {
+    close(theirs_);
+    std::string text;
+    char block[4096];
+    for (ssize_t count = 0; (count = read(ours_, block, sizeof block)) > 0;) {
+      text.append(block, static_cast<std::size_t>(count));
+    }
+    return text;
+  }
+
+ private:
+  int ours_;
+  int theirs_ = -1;  // the new process has it too, and so the terminal is open from the start
+  std::string name_;
+};
+
 std::string EscapedForShell(const std::string& text) { return "'" + ReplaceAll(text, "'", "'\\''") + "'"; }
 
 }  // namespace
@@ -61,19 +100,25 @@ std::string EscapedForShell(const std::string& text) { return "'" + ReplaceAll(t
 Outcome RunParvex(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
   const TemporaryFolder streams;
   WriteHostFile(streams.Path() / "in", surroundings.input);
+  std::optional<Terminal> terminal;
+  if (surroundings.onTerminal) {
+    terminal.emplace();
+  }
+  const std::string terminalName = terminal ? terminal->Name() : "";
   const pid_t child = fork();
   if (child == -1) {
     throw std::runtime_error("cannot fork");
   }
   if (child == 0) {
-    Become(arguments, surroundings, streams.Path());
+    Become(arguments, surroundings, streams.Path(), terminalName);
   }
+  const std::string shown = terminal ? terminal->ReadToEnd() : "";
   int status = 0;
   if (waitpid(child, &status, 0) != child) {
     throw std::runtime_error("lost the program");
   }
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadHostFile(streams.Path() / "out"),
-          ReadHostFile(streams.Path() / "err")};
+          terminal ? shown : ReadHostFile(streams.Path() / "err")};
 }
 
 CliMachine::CliMachine() {

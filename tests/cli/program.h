@@ -26,6 +26,9 @@ struct Surroundings {
   /// "|" for a pipe whose reader went away.
   std::string outputFile = {};
   std::filesystem::path folder = {};  ///< the current folder; the test's own when empty
+  /// Standard output and standard error are a terminal. What is written there stands in `err` of the outcome, each line
+  /// ended by CR LF as a terminal gets it.
+  bool onTerminal = false;
 };
 
 /// Runs parvex to its end.

@@ -1,0 +1,150 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/xml.h"
+#include "tests/cli/program.h"
+#include "tests/cli/sample_walk.h"
+
+namespace parvex::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr const char* kProject = "Riverside Clinic";
+
+class Export : public SampleWalk {
+ protected:
+  Outcome Run(std::vector<std::string> arguments, const Surroundings& surroundings = {}) const {
+    arguments.insert(arguments.begin(), {"--machine", Sample(), "export"});
+    return RunParvex(arguments, surroundings);
+  }
+  std::string Output() const { return (outputs_.Path() / "quote.xml").string(); }
+  std::string Write(const std::string& name, const std::string& text) const {
+    WriteHostFile(outputs_.Path() / name, text);
+    return (outputs_.Path() / name).string();
+  }
+  /// What lies in the folder of the output file.
+  std::vector<std::string> Written() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(outputs_.Path())) {
+      names.push_back(entry.path().filename().string());
+    }
+    return names;
+  }
+  static std::vector<std::string> MarksIn(const std::string& document) {
+    std::vector<std::string> marks;
+    for (const xml::Node& mark : xml::Document::Load(document).All("/PROJECT/TAGS/TAG//MARKFOR")) {
+      marks.push_back(mark.Text());
+    }
+    return marks;
+  }
+
+ private:
+  TemporaryFolder outputs_;
+};
+
+TEST_F(Export, OfAProjectIsWhatItsCommandDocumentGives) {
+  const Outcome outcome = Run({"--project", kProject, "-o", Output()});
+  EXPECT_EQ(0, outcome.status);
+  EXPECT_EQ("", outcome.out);
+  EXPECT_EQ("", outcome.err) << "quiet where nobody watches";
+  const std::string command = Sample() + "/commands/getHybrisXMLNoUI.xml";
+  EXPECT_EQ(RunParvex({"--machine", Sample(), "pull-ngorla", command}).out, ReadHostFile(Output()));
+  EXPECT_THAT(Written(), ElementsAre("quote.xml"));
+}
+
+TEST_F(Export, GoesToStandardOutputWhenNoFileIsNamed) {
+  for (const auto& arguments : {std::vector<std::string>{"--project", kProject},
+                                std::vector<std::string>{"--project", kProject, "--output", "-"}}) {
+    EXPECT_EQ(6u, MarksIn(Run(arguments).out).size());
+  }
+}
+
+TEST_F(Export, OfNamedTagsKeepsTheOrderOfTheirNames) {
+  const Outcome outcome = Run({"--project", kProject, "--tags", "Küche & Café <EG>", "RTU-1", "-o", "-"});
+  EXPECT_THAT(MarksIn(outcome.out), ElementsAre("Küche & Café <EG>", "RTU-1")) << outcome.err;
+}
+
+TEST_F(Export, TakesTheSelectionFromAFileAloneOrInsideACommand) {
+  const std::string selection =
+      "<UserSelectionTransfer><TagNames><TagName>CH-1</TagName></TagNames></UserSelectionTransfer>";
+  const std::string named =
+      "<UserSelectionTransfer><ProjectName>Riverside Clinic</ProjectName><TagNames>"
+      "<TagName>CH-1</TagName></TagNames></UserSelectionTransfer>";
+  for (const std::string& text : {selection, named, "<COMMAND><PARAMETER>" + named + "</PARAMETER></COMMAND>"}) {
+    const Outcome outcome = Run({"--project", kProject, "--selection", Write("selection.xml", text)});
+    EXPECT_THAT(MarksIn(outcome.out), ElementsAre("CH-1")) << text << outcome.err;
+  }
+}
+
+TEST_F(Export, RefusesASelectionThatIsNoneOrThatOfAnotherProject) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"no xml", "no XML document"},
+      {"<PROJECT/>", "holds no UserSelectionTransfer"},
+      {"<UserSelectionTransfer><ProjectName>Harbour</ProjectName></UserSelectionTransfer>",
+       "selects in the project \"Harbour\""}};
+  for (const auto& [text, named] : cases) {
+    const Outcome outcome = Run({"--project", kProject, "--selection", Write("selection.xml", text), "-o", Output()});
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_THAT(outcome.err, HasSubstr(named));
+    EXPECT_THAT(Written(), ElementsAre("selection.xml"));
+  }
+}
+
+TEST_F(Export, ThatFailsLeavesTheOutputAsItWasAndSaysWhy) {
+  Write("quote.xml", "earlier");
+  const Outcome outcome = Run({"--project", kProject, "--tags", "nobody", "-o", Output()});
+  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ("", outcome.out);
+  EXPECT_THAT(outcome.err, HasSubstr("the export of \"Riverside Clinic\" failed: User Canceled"));
+  EXPECT_EQ("earlier", ReadHostFile(Output()));
+  EXPECT_THAT(Written(), ElementsAre("quote.xml"));
+}
+
+TEST_F(Export, IntoAFolderThatDoesNotExistIsFoundOutBeforeAnythingIsSent) {
+  const Outcome outcome = Run({"--project", kProject, "-o", Output() + "/nowhere/q.xml", "--journal", Journal()});
+  EXPECT_EQ(2, outcome.status);
+  EXPECT_FALSE(std::filesystem::exists(Journal()));
+  EXPECT_FALSE(std::filesystem::exists(Installed("Temp/HBInput.ini")));
+}
+
+TEST_F(Export, ThatCannotBeWrittenCompletelyIsAFailure) {
+  EXPECT_EQ(3, Run({"--project", kProject, "-o", "/dev/full"}).status);
+  EXPECT_EQ(3, Run({"--project", kProject}, {.outputFile = "/dev/full"}).status);
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
+}
+
+TEST_F(Export, ReplacesTheFileThatALinkLeadsTo) {
+  const std::string real = Write("real.xml", "earlier");
+  std::filesystem::create_symlink("real.xml", Output());
+  EXPECT_EQ(0, Run({"--project", kProject, "-o", Output()}).status);
+  EXPECT_TRUE(std::filesystem::is_symlink(Output()));
+  EXPECT_EQ(6u, MarksIn(ReadHostFile(real)).size());
+}
+
+TEST_F(Export, IsJournalledWhenAsked) {
+  EXPECT_EQ(0, Run({"--project", kProject, "-o", Output(), "--journal", Journal()}).status);
+  ASSERT_EQ(1u, Journalled("process").size());
+  EXPECT_THAT(Journalled("process")[0]["command"].get<std::string>(), HasSubstr("/OrlaImportNoUI"));
+}
+
+TEST_F(Export, TellsAWaitingUserWhatGoesOnAndLeavesNothingOfIt) {
+  const Outcome outcome = Run({"--project", kProject, "-o", Output()}, {.onTerminal = true});
+  EXPECT_EQ(0, outcome.status);
+  EXPECT_THAT(outcome.err, HasSubstr("\rThe quote builder runs"));
+  EXPECT_THAT(outcome.err, HasSubstr("\rReading tag 6"));
+  EXPECT_THAT(outcome.err, Not(HasSubstr("\x1b"))) << "no escape sequences";
+  const std::size_t end = outcome.err.rfind('\r');
+  EXPECT_EQ(outcome.err.size() - 1, end);
+  EXPECT_THAT(outcome.err.substr(outcome.err.rfind('\r', end - 1) + 1, end), testing::StartsWith(" "));
+}
+
+TEST_F(Export, NeedsAProjectAndEitherTagsOrASelection) {
+  EXPECT_EQ(2, Run({}).status);
+  EXPECT_EQ(2, Run({"--project", kProject, "--tags", "A", "--selection", Write("s.xml", "<A/>")}).status);
+}
+
+}  // namespace
+}  // namespace parvex::test

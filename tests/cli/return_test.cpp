@@ -1,0 +1,88 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/cli/program.h"
+#include "tests/cli/sample_walk.h"
+
+namespace parvex::test {
+namespace {
+
+using testing::HasSubstr;
+
+class Return : public SampleWalk {
+ protected:
+  Outcome Run(const std::vector<std::string>& arguments, const std::string& document) const {
+    std::vector<std::string> all = {"--machine", Sample(), "--journal", Journal(), "return"};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    all.push_back("-");
+    return RunParvex(all, {.input = document});
+  }
+  std::string Exported(std::vector<std::string> tags) const {
+    tags.insert(tags.begin(), {"--machine", Sample(), "export", "--project", "Riverside Clinic", "--tags"});
+    return RunParvex(tags).out;
+  }
+  bool BroughtBack() const { return std::filesystem::exists(Installed("Temp/QPblob.tmp")); }
+};
+
+TEST_F(Return, BringsBackTheVeryBytesThatWereExported) {
+  const Outcome outcome = Run({}, Exported({"CH-1"}));
+  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ("", outcome.out);
+  EXPECT_EQ("", outcome.err) << "no boxes for components";
+  const std::string archive = ReadHostFile(Installed("Projects/Riverside Clinic/tag1103.blb"));
+  EXPECT_NE("", archive);
+  EXPECT_EQ(archive, ReadHostFile(Installed("Temp/QPblob.tmp")));
+  EXPECT_TRUE(std::filesystem::exists(Installed("Temp/input.ini")));
+}
+
+TEST_F(Return, NeedsToBeToldWhichOfSeveralTags) {
+  const std::string document = Exported({"RTU-1", "CH-1"});
+  const Outcome untold = Run({}, document);
+  EXPECT_EQ(2, untold.status);
+  EXPECT_THAT(untold.err, HasSubstr("2 tags: say with --tag"));
+  for (const char* number : {"0", "3"}) {
+    EXPECT_EQ(2, Run({"--tag", number}, document).status) << number;
+  }
+  for (const char* number : {"-1", "x", ""}) {
+    EXPECT_EQ(2, Run({"--tag", number}, document).status) << number;
+  }
+  EXPECT_FALSE(BroughtBack());
+  EXPECT_EQ(0, Run({"--tag", "2"}, document).status);
+  EXPECT_EQ(ReadHostFile(Installed("Projects/Riverside Clinic/tag1103.blb")),
+            ReadHostFile(Installed("Temp/QPblob.tmp")));
+}
+
+TEST_F(Return, OfATagThatDidNotComeFromTheLegacyApplicationIsRefused) {
+  const Outcome outcome =
+      Run({}, "<PROJECT><TAGS><TAG><ATTRIBUTES_LIST><PDSG>38A</PDSG></ATTRIBUTES_LIST></TAG></TAGS></PROJECT>");
+  EXPECT_EQ(1, outcome.status);
+  EXPECT_THAT(outcome.err, HasSubstr("was not brought back: Tag document BLOB is missing"));
+  EXPECT_THAT(outcome.err, HasSubstr("Only units that originated in ORLA can be returned to ORLA"));
+  EXPECT_EQ(1u, Journalled("messageBox").size());
+  EXPECT_EQ(1, Run({}, "<PROJECT><TAGS><TAG/></TAGS></PROJECT>").status);
+  EXPECT_FALSE(BroughtBack());
+}
+
+TEST_F(Return, OfWhatIsNoHybrisDocumentIsWrongUsage) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"no xml", "no XML document"},
+      {"<TAG/>", "its root is TAG"},
+      {"<PROJECT><TAGS/></PROJECT>", "holds no tag"},
+      {FailedReply("User Canceled"), "a failed reply: User Canceled"}};
+  for (const auto& [text, named] : cases) {
+    const Outcome outcome = Run({}, text);
+    EXPECT_EQ(2, outcome.status) << text;
+    EXPECT_THAT(outcome.err, HasSubstr(named));
+  }
+}
+
+TEST_F(Return, ThatCannotWriteTheHandOverIsAFailedCall) {
+  const std::string document = Exported({"CH-1"});
+  std::filesystem::remove_all(Installed("Temp"));
+  const Outcome outcome = Run({}, document);
+  EXPECT_EQ(3, outcome.status);
+  EXPECT_THAT(outcome.err, HasSubstr("QPblob.tmp"));
+}
+
+}  // namespace
+}  // namespace parvex::test

@@ -5,12 +5,12 @@
 #include "legacy_env/legacy_names.h"
 #include "legacy_standin/builder_workflow.h"
 #include "legacy_standin/late_bound_members.h"
+#include "legacy_standin/passed_collection.h"
 
 namespace parvex::standin {
 namespace {
 
 using automation::Argument;
-using automation::CollectionRef;
 using automation::Object;
 using automation::Value;
 
@@ -79,21 +79,20 @@ class ServiceBroker : public BuilderPart {
 
   /// The collection holds Consumer, Builder and Command Line, in this order.
   std::string CommandLine(const Argument& argument) const {
-    const auto* items = std::get_if<CollectionRef>(&argument.value);
-    if (items == nullptr || *items == nullptr || (*items)->size() != 3) {
+    const std::optional<PassedCollection> items = PassedCollection::From(argument.value);
+    if (!items || items->Count() != 3) {
       RefuseValue(*this, legacy::kBrokerCall, "the third argument is no collection of three items");
     }
-    constexpr std::string_view kKeys[] = {"Consumer", "Builder", "Command Line"};
+    constexpr const char* kKeys[] = {"Consumer", "Builder", "Command Line"};
     for (std::size_t i = 0; i < std::size(kKeys); ++i) {
-      if ((**items)[i].first != kKeys[i]) {
-        RefuseValue(*this, legacy::kBrokerCall,
-                    "item " + std::to_string(i + 1) + " is \"" + (**items)[i].first + "\" and not \"" +
-                        std::string(kKeys[i]) + "\"");
+      if (!items->Find(kKeys[i]) || items->KeyAt(i + 1).value_or(kKeys[i]) != kKeys[i]) {
+        RefuseValue(*this, legacy::kBrokerCall, "item " + std::to_string(i + 1) + " is not \"" + kKeys[i] + "\"");
       }
     }
-    const auto* text = std::get_if<std::string>(&(**items)[2].second.value);
+    const Value last = items->At(3);
+    const auto* text = std::get_if<std::string>(&last);
     if (text == nullptr) {
-      RefuseValue(*this, legacy::kBrokerCall, "\"Command Line\" is no text");
+      RefuseValue(*this, legacy::kBrokerCall, "item 3 is not the text of \"Command Line\"");
     }
     return *text;
   }

@@ -9,8 +9,6 @@ namespace parvex::standin {
 namespace {
 
 using automation::Argument;
-using automation::CollectionRef;
-using automation::KeyedItems;
 using automation::Value;
 
 constexpr std::string_view kMember = "SendRequest";
@@ -34,24 +32,22 @@ Value ScheduleRequest::Call(std::string_view member, std::span<Argument> argumen
   if (operation == nullptr || *operation != "SHOWSCHEDULE") {
     RefuseValue(*this, member, "the first argument is not \"SHOWSCHEDULE\"");
   }
-  const auto* items = std::get_if<CollectionRef>(&arguments[1].value);
-  if (items == nullptr || *items == nullptr) {
+  const std::optional<PassedCollection> items = PassedCollection::From(arguments[1].value);
+  if (!items) {
     RefuseValue(*this, member, "the second argument is no collection");
   }
-  return ShowSchedule(**items);
+  return ShowSchedule(*items);
 }
 
-std::string ScheduleRequest::Item(const KeyedItems& items, std::string_view key) const {
-  for (const auto& [name, item] : items) {
-    const auto* text = std::get_if<std::string>(&item.value);
-    if (name == key && text != nullptr) {
-      return *text;
-    }
+std::string ScheduleRequest::Item(const PassedCollection& items, std::string_view key) const {
+  const std::optional<Value> item = items.Find(key);
+  if (item && std::holds_alternative<std::string>(*item)) {
+    return std::get<std::string>(*item);
   }
   RefuseValue(*this, kMember, "the collection has no text \"" + std::string(key) + "\"");
 }
 
-bool ScheduleRequest::ShowSchedule(const KeyedItems& items) const {
+bool ScheduleRequest::ShowSchedule(const PassedCollection& items) const {
   if (Item(items, "pdsg") != kScheduleGroup) {
     RefuseValue(*this, kMember, "there is no schedule of the group \"" + Item(items, "pdsg") + "\"");
   }

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "legacy_standin/application.h"
+#include "legacy_standin/passed_collection.h"
 #include "platform/automation.h"
 
 namespace parvex::standin {
@@ -25,8 +26,8 @@ class ScheduleRequest : public automation::Object {
   automation::Value Call(std::string_view member, std::span<automation::Argument> arguments) override;
 
  private:
-  std::string Item(const automation::KeyedItems& items, std::string_view key) const;
-  bool ShowSchedule(const automation::KeyedItems& items) const;
+  std::string Item(const PassedCollection& items, std::string_view key) const;
+  bool ShowSchedule(const PassedCollection& items) const;
 
   const Application& application_;
 };

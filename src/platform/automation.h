@@ -29,8 +29,8 @@ struct Argument {
   bool byReference = false;
 };
 
-/// Every failure (unknown member, refused value, an error that the object raises) is an AutomationError that names the
-/// object and the member.
+/// Every failure (unknown member, refused value) is an AutomationError that names the object and the member. An error
+/// that the object raises itself has the description that the object gives it.
 class Object {
  public:
   virtual ~Object() = default;

@@ -120,7 +120,9 @@ class DispatchObject : public Object {
     SysFreeString(exception.bstrSource);
     SysFreeString(exception.bstrDescription);
     SysFreeString(exception.bstrHelpFile);
-    throw AutomationError(number, source.empty() ? kErrorSource : source, Described(member) + ": " + description);
+    // What the object says of its error stands as it is: replies repeat it.
+    throw AutomationError(number, source.empty() ? kErrorSource : source,
+                          description.empty() ? Described(member) + " failed with " + Hex(number) : description);
   }
 
   ComPointer<IDispatch> dispatch_;

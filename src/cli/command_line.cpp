@@ -4,6 +4,7 @@
 
 #include "cli/base64_command.h"
 #include "cli/commands_listing.h"
+#include "cli/doctor_command.h"
 #include "cli/host.h"
 #include "cli/pull_command.h"
 #include "cli/standard_streams.h"
@@ -13,7 +14,8 @@ namespace parvex::cli {
 namespace {
 
 constexpr const char* kExitStatusText =
-    "Exit status: 0 a reply; 1 the last reply is a failed one; 2 wrong usage, nothing was sent; 3 a call failed.";
+    "Exit status: 0 a reply; 1 the last reply is a failed one; 2 wrong usage, nothing was sent; 3 a call failed.\n"
+    "doctor ends with 1 when a check failed.";
 
 }  // namespace
 
@@ -35,6 +37,7 @@ CommandLine::CommandLine()
   AddSending();
   AddExport();
   AddReturn();
+  AddDoctor();
   AddBase64();
   AddMachines();
   Add(app_, "commands", "List the commands that each entry point serves", [] {
@@ -86,6 +89,12 @@ void CommandLine::AddReturn() {
                           [this] { return Return(session_, return_); });
   command->add_option("FILE", return_.file, "The Hybris document; - for standard input")->required()->type_name("");
   command->add_option("--tag", return_.tag, "Which of several tags, from 1")->type_name("NUMBER");
+}
+
+void CommandLine::AddDoctor() {
+  Add(app_, "doctor", "Find out whether the machine has everything that commands need", [this] {
+    return Doctor(session_, doctorAsJson_);
+  })->add_flag("--json", doctorAsJson_, "Write what was found as JSON");
 }
 
 void CommandLine::AddBase64() {

@@ -35,6 +35,7 @@ class CommandLine {
   void AddSending();
   void AddExport();
   void AddReturn();
+  void AddDoctor();
   void AddBase64();
   void AddMachines();
 
@@ -42,6 +43,7 @@ class CommandLine {
   std::vector<std::string> files_;
   ExportOptions export_;
   ReturnOptions return_;
+  bool doctorAsJson_ = false;
   std::string base64File_ = "-";
   std::string newMachine_;
 

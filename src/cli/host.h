@@ -10,6 +10,15 @@
 
 namespace parvex::cli {
 
+/// What only the platform knows about itself.
+struct HostFacts {
+  std::string program;         ///< what this program is to components in its process: "64-bit Windows program"
+  std::string xmlEngine;       ///< what parses XML
+  std::string databaseEngine;  ///< what reads project databases
+  std::string codePage;        ///< the ANSI code page's number
+  bool runsWindowsPrograms;
+};
+
 /// The machine that commands work on, with the legacy application that answers on it. On Linux it is a folder, and the
 /// application the substitute; on Windows it is the machine that the program runs on. Message boxes are written to
 /// standard error on both.
@@ -24,6 +33,8 @@ class Host {
 
   /// The members live as long as the host.
   parvex::Platform Platform();
+
+  static HostFacts Facts();
 
  private:
   struct Parts;

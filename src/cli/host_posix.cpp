@@ -64,6 +64,14 @@ parvex::Platform Host::Platform() {
           machine.GetCodePage()};
 }
 
+HostFacts Host::Facts() {
+  return {.program = std::to_string(8 * sizeof(void*)) + "-bit program on a machine folder, which has no bitness",
+          .xmlEngine = "libxml2",
+          .databaseEngine = "libmdb",
+          .codePage = "1252",
+          .runsWindowsPrograms = false};
+}
+
 std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv + 1, argv + argc}; }
 
 void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }

@@ -42,6 +42,14 @@ parvex::Platform Host::Platform() {
           machine.GetCodePage()};
 }
 
+HostFacts Host::Facts() {
+  return {.program = std::to_string(8 * sizeof(void*)) + "-bit Windows program",
+          .xmlEngine = "MSXML 3",
+          .databaseEngine = "DAO",
+          .codePage = std::to_string(GetACP()),
+          .runsWindowsPrograms = true};
+}
+
 std::vector<std::string> ProgramArguments(int, char**) { return windows::ProgramArguments(); }
 
 void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }

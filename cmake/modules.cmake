@@ -27,9 +27,9 @@ endfunction()
 # One test program for the .cpp files of FOLDER, those left out whose path matches EXCLUDE; each of its tests is a ctest
 # test of its own.
 #
-#   parvex_test(NAME FOLDER DEPENDS library... [EXCLUDE regex])
+#   parvex_test(NAME FOLDER DEPENDS library... [EXCLUDE regex] [PROPERTIES of the ctest tests])
 function(parvex_test name folder)
-  cmake_parse_arguments(ARG "" "EXCLUDE" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "" "EXCLUDE" "DEPENDS;PROPERTIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp)
   if(ARG_EXCLUDE)
     list(FILTER sources EXCLUDE REGEX ${ARG_EXCLUDE})
@@ -42,5 +42,5 @@ function(parvex_test name folder)
   target_compile_definitions(${name} PRIVATE PARVEX_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} GTest::gmock_main GTest::gtest parvex_warnings)
   # A parameter's value may hold any character, and does not belong in the name of a test.
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES PROPERTIES TIMEOUT 120)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES PROPERTIES TIMEOUT 120 LABELS ${name} ${ARG_PROPERTIES})
 endfunction()

@@ -14,7 +14,7 @@ import xml.etree.ElementTree as ElementTree
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("files", nargs="+")
+    parser.add_argument("files", nargs="*")
     parser.add_argument("--failed-builds", type=int, default=0, help="builds without results; each is one failure")
     parser.add_argument("--note", action="append", default=[], help="what the caller could not have; counted nowhere")
     arguments = parser.parse_args()

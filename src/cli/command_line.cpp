@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kExitStatusText =
     "Exit status: 0 a reply; 1 the last reply is a failed one; 2 wrong usage, nothing was sent; 3 a call failed.\n"
-    "doctor ends with 1 when a check failed.";
+    "doctor ends with 1 when a check failed, show when two documents differ.";
 
 }  // namespace
 
@@ -37,6 +37,7 @@ CommandLine::CommandLine()
   AddSending();
   AddExport();
   AddReturn();
+  AddShow();
   AddDoctor();
   AddBase64();
   AddMachines();
@@ -89,6 +90,16 @@ void CommandLine::AddReturn() {
                           [this] { return Return(session_, return_); });
   command->add_option("FILE", return_.file, "The Hybris document; - for standard input")->required()->type_name("");
   command->add_option("--tag", return_.tag, "Which of several tags, from 1")->type_name("NUMBER");
+}
+
+void CommandLine::AddShow() {
+  CLI::App* command = Add(app_, "show", "Show a Hybris document, or what differs between an earlier and a later one",
+                          [this] { return Show(show_); });
+  command->add_option("FILE", show_.files, "The Hybris document; - for standard input")
+      ->required()
+      ->expected(1, 2)
+      ->type_name("");
+  command->add_option("--html", show_.html, "Write one page for a browser instead")->type_name("FILE");
 }
 
 void CommandLine::AddDoctor() {

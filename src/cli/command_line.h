@@ -10,6 +10,7 @@
 #include "cli/export_command.h"
 #include "cli/return_command.h"
 #include "cli/session.h"
+#include "cli/show_command.h"
 #include "interface/command_table.h"
 
 namespace parvex::cli {
@@ -35,6 +36,7 @@ class CommandLine {
   void AddSending();
   void AddExport();
   void AddReturn();
+  void AddShow();
   void AddDoctor();
   void AddBase64();
   void AddMachines();
@@ -43,6 +45,7 @@ class CommandLine {
   std::vector<std::string> files_;
   ExportOptions export_;
   ReturnOptions return_;
+  ShowOptions show_;
   bool doctorAsJson_ = false;
   std::string base64File_ = "-";
   std::string newMachine_;

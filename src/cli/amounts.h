@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace parvex::cli {
+
+/// An amount of money in hundredths.
+using Hundredths = std::int64_t;
+
+/// Price times quantity, rounded to hundredths, halves away from zero; an empty text counts as 0. Nothing when one of
+/// them is no decimal number, or the product 10 billion or more.
+std::optional<Hundredths> Multiply(std::string_view price, std::string_view quantity);
+
+/// "1,234.50"
+std::string FormatAmount(Hundredths amount);
+
+}  // namespace parvex::cli

@@ -1,0 +1,215 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/text.h"
+#include "tests/cli/program.h"
+
+namespace parvex::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+// A quote document with one tag; each part can be replaced.
+struct Parts {
+  std::string project = "P";
+  std::string tagId = "7";
+  std::string markFor = "M-1";
+  std::string blob = "AAEC";
+  std::string unit = R"(PARTNUMBER="U1" QUANTITY="2" PRICE="10.50" SEQUENCE="1")";
+  std::string attributes = "<SUPPLIER>Korvane</SUPPLIER><ETO ETODESCRIPTION=\"\">0</ETO>";
+  std::string components = R"(<COMPONENT TYPE="ACCESSORY" PARTNUMBER="A1" QUANTITY="1" PRICE="3"/>)";
+  std::string orderConfiguration = {};
+  std::string moreTags = {};
+};
+
+std::string Document(const Parts& parts) {
+  return "<PROJECT><ATTRIBUTES_LIST><JOB LEGACY_PROJECTNAME=\"" + parts.project +
+         "\"/></ATTRIBUTES_LIST><TAGS><TAG><ATTRIBUTES_LIST><BUILDVERSION>4.7</BUILDVERSION><MARKFOR>" + parts.markFor +
+         "</MARKFOR><PDSG>RTU47</PDSG><LEGACY_TAGID>" + parts.tagId + "</LEGACY_TAGID><BLOB>" + parts.blob +
+         "</BLOB></ATTRIBUTES_LIST><BASEUNITS><BASEUNIT " + parts.unit +
+         "><EXTENDED_DESCRIPTIONS><DESCRIPTION>Rooftop</DESCRIPTION></EXTENDED_DESCRIPTIONS><ATTRIBUTES_LIST>" +
+         parts.attributes + "</ATTRIBUTES_LIST><COMPONENTS>" + parts.components + "</COMPONENTS><SAP_XML>" +
+         parts.orderConfiguration + "</SAP_XML></BASEUNIT></BASEUNITS></TAG>" + parts.moreTags + "</TAGS></PROJECT>";
+}
+
+class Show : public testing::Test {
+ protected:
+  Outcome Of(const std::string& document) const { return RunParvex({"show", "-"}, {.input = document}); }
+  Outcome Of(const Parts& parts) const { return Of(Document(parts)); }
+  Outcome Compared(const std::string& before, const std::string& after, std::vector<std::string> arguments = {}) const {
+    arguments.insert(arguments.begin(), {"show", Write("before.xml", before), Write("after.xml", after)});
+    return RunParvex(arguments);
+  }
+  Outcome Compared(const Parts& after) const { return Compared(Document({}), Document(after)); }
+  std::string Write(const std::string& name, const std::string& bytes) const {
+    WriteHostFile(folder_.Path() / name, bytes);
+    return (folder_.Path() / name).string();
+  }
+  std::string Page() const { return ReadHostFile(folder_.Path() / "page.html"); }
+  std::string PageName() const { return (folder_.Path() / "page.html").string(); }
+
+ private:
+  TemporaryFolder folder_;
+};
+
+TEST_F(Show, TellsTagsUnitsComponentsPricesAndWhetherThereIsStoredData) {
+  const Outcome outcome = Of(Parts{.orderConfiguration = "<![CDATA[<x/>]]>"});
+  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(
+      "P: 1 tag, 1 base unit, 24.00\n"
+      "\n"
+      "1. M-1  24.00\n"
+      "   PDSG RTU47, tag id 7, build version 4.7, stored data 3 bytes\n"
+      "   Base unit 1  U1  2 x 10.50 = 21.00\n"
+      "     Rooftop\n"
+      "     brand Korvane, engineered to order no\n"
+      "     order configuration: 4 characters\n"
+      "       ACCESSORY  A1  1 x  3  3.00\n",
+      outcome.out);
+  EXPECT_THAT(Of(Parts{.blob = ""}).out, HasSubstr("stored data none"));
+}
+
+TEST_F(Show, AddsUpWhatIsANumberAndSaysHowManyPricesAreNone) {
+  const std::tuple<const char*, const char*, const char*> cases[] = {{"1.005", "1", "1.01"},
+                                                                     {"-1.005", "1", "-1.01"},
+                                                                     {"1.004999", "1", "1.00"},
+                                                                     {"1234567.891", "2", "2,469,135.78"},
+                                                                     {"", "2", "0.00"},
+                                                                     {"0.1", "3", "0.30"},
+                                                                     {"999.995", "1", "1,000.00"},
+                                                                     {"10", "1.5", "15.00"},
+                                                                     {"on request", "1", "?"},
+                                                                     {"1,200", "1", "?"},
+                                                                     {"inf", "1", "?"},
+                                                                     {"1e5", "1", "?"},
+                                                                     {"9999999999999", "1", "?"},
+                                                                     {"5", "two", "?"}};
+  for (const auto& [price, quantity, amount] : cases) {
+    const std::string unit =
+        std::string("PARTNUMBER='U' QUANTITY='") + quantity + "' PRICE='" + price + "' SEQUENCE='1'";
+    const std::string text = Of(Parts{.unit = unit, .components = ""}).out;
+    EXPECT_THAT(text, HasSubstr(std::string(" = ") + amount + "\n"));
+    const bool isNumber = std::string(amount) != "?";
+    EXPECT_THAT(text, HasSubstr(std::string("1 base unit, ") +
+                                (isNumber ? amount : "0.00 without 1 line whose price is no number") + "\n"));
+  }
+}
+
+TEST_F(Show, GivesTheTerminalNothingThatControlsIt) {
+  const std::string text = Of(Parts{.markFor = "A\xC2\x9B"
+                                               "31mB\tC\xE2\x80\xAE"
+                                               "D\x7F"})
+                               .out;
+  EXPECT_THAT(text, HasSubstr("A\xEF\xBF\xBD"
+                              "31mB C\xEF\xBF\xBD"
+                              "D\xEF\xBF\xBD"));
+}
+
+TEST_F(Show, TakesADocumentWithNothingInIt) {
+  EXPECT_EQ(": 0 tags, 0 base units, 0.00\n", Of("<PROJECT/>").out);
+  EXPECT_EQ(0, Of("<PROJECT><TAGS><TAG/><TAG><BASEUNITS><BASEUNIT/></BASEUNITS></TAG></TAGS></PROJECT>").status);
+}
+
+TEST_F(Show, OfWhatIsNoHybrisDocumentIsWrongUsage) {
+  for (const std::string& text : {std::string(), std::string("<TAG/>"), std::string("<PROJECT>"), FailedReply()}) {
+    const Outcome outcome = Of(text);
+    EXPECT_EQ(2, outcome.status) << text;
+    EXPECT_EQ("", outcome.out);
+  }
+  EXPECT_EQ(2, RunParvex({"show", "nowhere.xml"}).status);
+  EXPECT_EQ(2, RunParvex({"show", "a", "b", "c"}).status);
+}
+
+TEST_F(Show, ColoursOnATerminalUnlessToldNotTo) {
+  const std::string file = Write("q.xml", Document({}));
+  const auto shown = [&](const std::string& noColour) {
+    return RunParvex({"show", file}, {.environment = {{"TERM", "xterm"}, {"NO_COLOR", noColour}}, .onTerminal = true})
+        .err;
+  };
+  EXPECT_THAT(shown(""), HasSubstr("\x1b[1mM-1\x1b[0m"));
+  EXPECT_THAT(shown("1"), AllOf(HasSubstr("M-1"), Not(HasSubstr("\x1b"))));
+}
+
+TEST_F(Show, OfTwoDocumentsTellsEveryValueThatChanged) {
+  const std::pair<Parts, const char*> cases[] = {
+      {{.project = "Q"}, "~ project  \"P\" -> \"Q\"\n"},
+      {{.tagId = "8"}, "~ tag M-1: tag id  \"7\" -> \"8\"\n"},
+      {{.markFor = "M-2"}, "~ tag M-1: mark-for  \"M-1\" -> \"M-2\"\n"},
+      {{.blob = ""}, "~ tag M-1: stored data  \"4 characters of Base64\" -> \"none\"\n"},
+      {{.blob = "AAED"}, "~ tag M-1: stored data  \"4 characters of Base64\" -> \"4 characters of Base64\"\n"},
+      {{.unit = R"(PARTNUMBER="U1" QUANTITY="3" PRICE="10.50" SEQUENCE="1")"},
+       "~ tag M-1, base unit 1: quantity  \"2\" -> \"3\"\n"},
+      {{.unit = R"(PARTNUMBER="U9" QUANTITY="2" PRICE="10.50" SEQUENCE="1")"},
+       "~ tag M-1, base unit 1: part number  \"U1\" -> \"U9\"\n"},
+      {{.attributes = "<SUPPLIER>QZN</SUPPLIER><ETO ETODESCRIPTION=\"\">0</ETO>"},
+       "~ tag M-1, base unit 1: brand  \"Korvane\" -> \"QZN\"\n"},
+      {{.attributes = "<SUPPLIER>Korvane</SUPPLIER><ETO ETODESCRIPTION=\"Low\">0</ETO>"},
+       "~ tag M-1, base unit 1: ETO description  \"\" -> \"Low\"\n"},
+      {{.orderConfiguration = "abc"}, "~ tag M-1, base unit 1: order configuration  \"none\" -> \"3 characters\"\n"},
+      {{.components = ""}, "- tag M-1, base unit 1, ACCESSORY A1  \n"},
+      {{.components = R"(<COMPONENT TYPE="ACCESSORY" PARTNUMBER="A1" QUANTITY="1" PRICE="4"/>)"},
+       "~ tag M-1, base unit 1, ACCESSORY A1: price  \"3\" -> \"4\"\n"},
+      {{.moreTags = "<TAG><ATTRIBUTES_LIST><MARKFOR>N</MARKFOR><PDSG>AHE47</PDSG></ATTRIBUTES_LIST></TAG>"},
+       "+ tag N  AHE47\n"},
+  };
+  for (const auto& [after, line] : cases) {
+    const Outcome outcome = Compared(after);
+    EXPECT_EQ(1, outcome.status) << outcome.err;
+    EXPECT_EQ(std::string("1 difference\n") + line, outcome.out);
+  }
+}
+
+TEST_F(Show, OfTwoDocumentsThatSayTheSameEndsWith0) {
+  const Outcome outcome = Compared(Parts{});
+  EXPECT_EQ(0, outcome.status);
+  EXPECT_EQ("No differences.\n", outcome.out);
+}
+
+TEST_F(Show, OfTwoDocumentsFindsTheSameItemsWhateverTheirOrder) {
+  const std::string a = R"(<COMPONENT TYPE="ACCESSORY" PARTNUMBER="A1" QUANTITY="1" PRICE="3"/>)";
+  const std::string dear = R"(<COMPONENT TYPE="ACCESSORY" PARTNUMBER="A1" QUANTITY="1" PRICE="9"/>)";
+  const std::string other = R"(<COMPONENT TYPE="WARRANTY" PARTNUMBER="A1" QUANTITY="1" PRICE="3"/>)";
+  EXPECT_EQ(0, Compared(Document({.components = a + dear + other}), Document({.components = other + dear + a})).status);
+  EXPECT_THAT(Compared(Document({.components = a + dear}), Document({.components = dear})).out,
+              AllOf(StartsWith("1 difference\n- "), HasSubstr("ACCESSORY A1")))
+      << "the one that is still there is not the one that went";
+
+  const std::string tag = "<TAG><ATTRIBUTES_LIST><MARKFOR>M-1</MARKFOR><PDSG>X</PDSG></ATTRIBUTES_LIST></TAG>";
+  EXPECT_EQ("1 difference\n+ tag M-1  X\n",
+            Compared(Document({.moreTags = tag}), Document({.moreTags = tag + tag})).out);
+}
+
+TEST_F(Show, WritesAPageThatNeedsNothingBesideIt) {
+  const std::string file = Write("q.xml", Document({.project = "A &amp; B", .markFor = "&lt;script&gt;\"x"}));
+  const Outcome outcome = RunParvex({"show", "--html", PageName(), file});
+  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ("", outcome.out);
+  EXPECT_THAT(Page(), StartsWith("<!DOCTYPE html>"));
+  for (const char* part : {"<title>A &amp; B</title>", "1. &lt;script&gt;&quot;x", ">24.00<", "U1", "3 bytes"}) {
+    EXPECT_THAT(Page(), HasSubstr(part));
+  }
+  for (const char* outside : {"<script", "http:", "https:", "src=", "url(", "@import", "<link"}) {
+    EXPECT_THAT(Page(), Not(HasSubstr(outside)));
+  }
+  EXPECT_EQ(Page(), RunParvex({"show", file, "--html", "-"}).out);
+}
+
+TEST_F(Show, WritesAPageOfTheLaterDocumentWithWhatChanged) {
+  const Outcome outcome =
+      Compared(Document({}), Document({.project = "Later", .components = ""}), {"--html", PageName()});
+  EXPECT_EQ(1, outcome.status);
+  EXPECT_THAT(Page(), AllOf(HasSubstr("<h1>Later</h1>"), HasSubstr("2 differences"),
+                            HasSubstr("<tr class=\"removed\">"), HasSubstr("before.xml")));
+  EXPECT_EQ(0, Compared(Document({}), Document({}), {"--html", PageName()}).status);
+  EXPECT_THAT(Page(), HasSubstr("No differences"));
+}
+
+TEST_F(Show, IntoAFolderThatDoesNotExistIsWrongUsage) {
+  EXPECT_EQ(2, RunParvex({"show", Write("q.xml", Document({})), "--html", PageName() + "/nowhere/p.html"}).status);
+}
+
+}  // namespace
+}  // namespace parvex::test

@@ -12,9 +12,8 @@ namespace {
 
 constexpr const char* kSettings = "C:\\Korvane\\TQ5-VX\\standin.json";
 
-// The class of MSXML 3, which the import libraries do not name.
+// MSXML 3.
 constexpr CLSID kDocument30 = {0xf5078f32, 0xc551, 0x11d3, {0x89, 0xb9, 0x00, 0x00, 0xf8, 0x1f, 0xe2, 0x21}};
-constexpr IID kDocument2 = {0x2933bf95, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
 
 class Apartment : public testing::Environment {
   void SetUp() override { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
@@ -108,7 +107,7 @@ VARIANT Reference(VARIANT* variable) {
 
 ComPointer<IXMLDOMDocument2> NewDocument(std::string_view xml) {
   ComPointer<IXMLDOMDocument2> document;
-  CoCreateInstance(kDocument30, nullptr, CLSCTX_INPROC_SERVER, kDocument2, reinterpret_cast<void**>(document.Out()));
+  CoCreateInstance(kDocument30, nullptr, CLSCTX_INPROC_SERVER, kXmlDocument2, reinterpret_cast<void**>(document.Out()));
   document->put_async(VARIANT_FALSE);
   VARIANT_BOOL parsed = VARIANT_FALSE;
   document->loadXML(Bstr(xml).Get(), &parsed);

@@ -40,11 +40,11 @@ ComPointer<Interface> Make() {
   return object;
 }
 
-/// How many references the object has besides the one looked through.
+/// How many references the object has, the one looked through among them.
 template <typename Interface>
-ULONG OtherReferences(const ComPointer<Interface>& object) {
+ULONG ReferenceCount(const ComPointer<Interface>& object) {
   object->AddRef();
-  return object->Release() - 1;
+  return object->Release();
 }
 
 /// The error information that a failed call left on this thread, which is taken; all empty when there is none.
@@ -73,6 +73,11 @@ VARIANT Borrowed(SAFEARRAY* array, VARTYPE elementType);
 VARIANT Number(LONG value);
 /// A variable that a script passes by reference.
 VARIANT Reference(VARIANT* variable);
+
+// Interfaces of MSXML that the import libraries do not name.
+inline constexpr IID kXmlNode = {0x2933bf80, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
+inline constexpr IID kXmlDocument = {0x2933bf81, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
+inline constexpr IID kXmlDocument2 = {0x2933bf95, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
 
 /// A document of MSXML 3.
 ComPointer<IXMLDOMDocument2> NewDocument(std::string_view xml);

@@ -72,7 +72,7 @@ TEST_P(EveryClass, IsNotAggregated) {
 TEST_P(EveryClass, ItsLastReleaseLeavesNoReference) {
   ComPointer<IUnknown> object = MakeObject();
   ComPointer<IUnknown> dispatch = object.As<IUnknown>(IID_IDispatch);
-  EXPECT_EQ(OtherReferences(object), 1u);
+  EXPECT_EQ(ReferenceCount(object), 2u);
   dispatch = {};
   EXPECT_EQ(object.Detach()->Release(), 0u);
 }

@@ -3,9 +3,11 @@
 #include <algorithm>
 
 #include "cli/base64_command.h"
+#include "cli/bash_completion.h"
 #include "cli/commands_listing.h"
 #include "cli/doctor_command.h"
 #include "cli/host.h"
+#include "cli/manual_page.h"
 #include "cli/pull_command.h"
 #include "cli/standard_streams.h"
 #include "version.h"
@@ -41,10 +43,14 @@ CommandLine::CommandLine()
   AddDoctor();
   AddBase64();
   AddMachines();
-  Add(app_, "commands", "List the commands that each entry point serves", [] {
-    WriteOutput(ListEntryPoints());
-    return kReply;
-  });
+  Add(app_, "router-ids", "Read a type library for the identifiers by which a build finds the message router",
+      [this] {
+        WriteOutput(RouterIdsIn(typeLibrary_));
+        return kReply;
+      })
+      ->add_option("TYPELIB", typeLibrary_, "A type library, or a program or DLL that has one in it")
+      ->required();
+  AddReferences();
 }
 
 void CommandLine::Parse(std::vector<std::string> arguments) {
@@ -135,6 +141,18 @@ void CommandLine::AddMachines() {
       })
       ->add_option("DIR", newMachine_, "The folder to make")
       ->required();
+}
+
+void CommandLine::AddReferences() {
+  const auto add = [this](const std::string& name, const std::string& description, std::function<std::string()> text) {
+    Add(app_, name, description, [text = std::move(text)] {
+      WriteOutput(text());
+      return kReply;
+    });
+  };
+  add("commands", "List the commands that each entry point serves", ListEntryPoints);
+  add("completion", "Print a script that completes this command line in bash", [this] { return BashCompletion(app_); });
+  add("manual", "Print the manual page, for man -l", [this] { return ManualPage(app_); });
 }
 
 }  // namespace parvex::cli

@@ -40,6 +40,8 @@ class CommandLine {
   void AddDoctor();
   void AddBase64();
   void AddMachines();
+  /// Commands that write down what the command line offers.
+  void AddReferences();
 
   SessionOptions session_;
   std::vector<std::string> files_;
@@ -49,6 +51,7 @@ class CommandLine {
   bool doctorAsJson_ = false;
   std::string base64File_ = "-";
   std::string newMachine_;
+  std::string typeLibrary_;
 
   Action action_;
   CLI::App app_;

@@ -50,6 +50,11 @@ inline std::filesystem::path PathOf(const std::string& name) { return std::u8str
 /// Makes a sample machine folder that holds a substitute for the legacy application.
 void CreateMachine(const std::filesystem::path& folder);
 
+/// What a build takes to find the message router that a type library (or a file with one in it) describes: one line for
+/// CMake each. A UsageError where the platform cannot read type libraries; an AutomationError that names the file when
+/// it describes no router.
+std::string RouterIdsIn(const std::string& typeLibrary);
+
 /// Makes standard input and output carry bytes as they stand, and makes writing to a reader that went away, or to a
 /// stream that was closed from the start, an error that can be reported.
 void PrepareStandardStreams();

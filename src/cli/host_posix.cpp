@@ -76,6 +76,10 @@ std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv 
 
 void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }
 
+std::string RouterIdsIn(const std::string&) {
+  throw UsageError("type libraries can be read by parvex on Windows (or under Wine) only");
+}
+
 void PrepareStandardStreams() {
   KeepTaken(STDIN_FILENO, O_WRONLY);
   KeepTaken(STDOUT_FILENO, O_RDONLY);

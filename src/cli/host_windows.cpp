@@ -5,6 +5,7 @@
 
 #include "cli/exit_status.h"
 #include "cli/host.h"
+#include "com/router_ids.h"
 #include "legacy_standin/sample_machine.h"
 #include "platform/windows/apartment.h"
 #include "platform/windows/machine.h"
@@ -53,6 +54,12 @@ HostFacts Host::Facts() {
 std::vector<std::string> ProgramArguments(int, char**) { return windows::ProgramArguments(); }
 
 void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }
+
+std::string RouterIdsIn(const std::string& typeLibrary) {
+  const windows::Apartment apartment;
+  const com::RouterIds ids = com::ReadRouterIds(std::filesystem::absolute(PathOf(typeLibrary)).wstring());
+  return "-DPARVEX_ROUTER_CLSID=" + ids.classId + "\n-DPARVEX_ROUTER_IID=" + ids.interfaceId + "\n";
+}
 
 void PrepareStandardStreams() {
   for (std::FILE* stream : {stdin, stdout, stderr}) {

@@ -23,7 +23,8 @@ article { border-top: 1px solid var(--line); padding: .8rem 0 .2rem; }
 h3 { margin: 0; font-size: 1rem; } p { margin: .2rem 0; }
 .scroll { overflow-x: auto; }
 table { border-collapse: collapse; width: 100%; margin: .6rem 0; }
-th, td { text-align: left; vertical-align: top; padding: .25rem 1rem .25rem .3rem; border-bottom: 1px solid var(--soft); }
+th, td { text-align: left; vertical-align: top; padding: .25rem 1rem .25rem .3rem; }
+th, td { border-bottom: 1px solid var(--soft); }
 th { color: var(--dim); font-weight: 500; }
 tr.added td { background: #2a24; } tr.removed td { background: #c224; } tr.changed td { background: #c924; }
 footer { color: var(--dim); font-size: .85rem; }

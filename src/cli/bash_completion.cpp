@@ -23,7 +23,9 @@ void Append(std::string& list, const std::string& separator, const std::string& 
 }
 
 // What an option's value or an argument is: the switch of compgen that lists candidates, empty where nothing can be.
-std::string CandidatesOf(const std::string& kind) { return kind == "FILE" ? "-f" : kind == "DIR" ? "-d" : ""; }
+std::string CandidatesOf(const std::string& kind) {
+  return kind == "FILE" || kind == "TYPELIB" ? "-f" : kind == "DIR" ? "-d" : "";
+}
 
 // The patterns of the options whose values are of one kind, over all commands.
 std::string OptionPatterns(const CLI::App& program, const std::string& candidates) {

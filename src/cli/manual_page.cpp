@@ -57,10 +57,14 @@ std::string OptionTerm(const CLI::Option& option) {
   return names + value;
 }
 
-std::string OptionList(const CLI::App& command) {
+bool IsHelp(const CLI::Option& option) { return option.check_lname("help"); }
+
+std::string OptionList(const CLI::App& command, bool withHelp) {
   std::string list;
   for (const CLI::Option* option : OptionsOf(command)) {
-    list += ".TP\n" + OptionTerm(*option) + "\n" + Escaped(option->get_description()) + "\n";
+    if (withHelp || !IsHelp(*option)) {
+      list += ".TP\n" + OptionTerm(*option) + "\n" + Escaped(option->get_description()) + "\n";
+    }
   }
   return list;
 }
@@ -68,10 +72,8 @@ std::string OptionList(const CLI::App& command) {
 std::string Usage(const CommandPath& path) {
   std::string usage = Bold("parvex" + path.words);
   for (const CLI::Option* option : OptionsOf(*path.command)) {
-    if (!PositionalName(*option).empty()) {
-      usage += " " + Italic(PositionalName(*option)) + (option->get_items_expected_max() > 1 ? " ..." : "");
-    } else if (!option->get_lnames().empty() && option->get_lnames().front() != "help") {
-      const std::string written = OptionTerm(*option);
+    if (!IsHelp(*option)) {
+      const std::string written = OptionTerm(*option) + (option->get_items_expected_max() > 1 ? " ..." : "");
       usage += option->get_required() ? " " + written : " [" + written + "]";
     }
   }
@@ -84,10 +86,11 @@ std::string ManualPage(const CLI::App& program) {
   std::string page = ".TH PARVEX 1 \"\" \"parvex " PARVEX_VERSION "\" \"Parvex\"\n.SH NAME\nparvex \\- " +
                      Escaped("commands for the projects of an installed legacy selection application") +
                      "\n.SH SYNOPSIS\n" + Bold("parvex") + " [" + Italic("options") + "] " + Italic("command") +
-                     " ...\n.SH DESCRIPTION\n" + Escaped(kDescription) + "\n.SH OPTIONS\n" + OptionList(program) +
+                     " ...\n.SH DESCRIPTION\n" + Escaped(kDescription) + "\n.SH OPTIONS\n" + OptionList(program, true) +
                      ".SH COMMANDS\n";
   for (const CommandPath& path : CommandsOf(program)) {
-    page += ".SS " + Usage(path) + "\n" + Escaped(path.command->get_description()) + ".\n" + OptionList(*path.command);
+    page += ".SS " + Usage(path) + "\n" + Escaped(path.command->get_description()) + ".\n" +
+            OptionList(*path.command, false);
   }
   return page + ".SH \"EXIT STATUS\"\n" + Escaped(program.get_footer()) + "\n.SH ENVIRONMENT\n" + kEnvironment +
          ".SH EXAMPLES\n" + kExamples;

@@ -1,0 +1,79 @@
+#include <string>
+#include <string_view>
+
+#include "fuzz/fuzz_input.h"
+#include "platform/automation_error.h"
+#include "platform/xml.h"
+
+// A document is loaded, serialised and loaded again: from the second time on nothing changes any more. (The first time
+// may: a CR that a reference put into a text is written as it is, and reads as a line end.) The input: an
+// expression to select by, up to a NUL, and the document.
+
+namespace parvex {
+namespace {
+
+using fuzz::Require;
+using xml::Document;
+using xml::Node;
+
+void CheckRoundTrip(const Document& document) {
+  const Document second = Document::Parse(document.Xml());
+  Require(!second.IsEmpty(), "what was serialised parses");
+  const std::string markup = second.Xml();
+  const Document third = Document::Parse(markup);
+  Require(!third.IsEmpty(), "what was serialised twice parses");
+  Require(third.Xml() == markup, "what was serialised is serialised alike");
+  Require(third.Root().Text() == second.Root().Text(), "the text survives");
+  try {
+    const std::string bytes = document.Bytes();
+    Require(!Document::Load(bytes).IsEmpty(), "the bytes of a file load");
+  } catch (const AutomationError& error) {
+    // A name or comment may hold what the document's own encoding lacks.
+    Require(!error.Description().empty(), "a refusal says why");
+  }
+}
+
+void Select(const Document& document, const std::string& expression) {
+  try {
+    for (const Node& node : document.All(expression)) {
+      node.Text();
+      node.Xml();
+    }
+  } catch (const AutomationError& error) {
+    Require(!error.Description().empty(), "a refusal says why");
+  }
+}
+
+// Moves things about as the writers of documents do.
+void Rearrange(const Document& document) {
+  const Node root = document.Root();
+  const Node clone = root.Clone();
+  const Document other = Document::New();
+  Require(other.Append(clone).Xml() == root.Xml(), "a clone is written alike");
+  if (const Node first = root.FirstChild()) {
+    first.Remove();
+    clone.Append(first);
+  }
+  root.SetText("replaced");
+  Require(root.Text() == "replaced", "a text that was set is read");
+  Require(!Document::Parse(other.Xml()).IsEmpty(), "what was moved about parses");
+}
+
+}  // namespace
+}  // namespace parvex
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace parvex;
+  fuzz::Input input(data, size);
+  const std::string expression(input.TakeUpTo('\0'));
+  const std::string_view text = input.TakeRest();
+  for (const xml::Document& document : {xml::Document::Parse(text), xml::Document::Load(text)}) {
+    fuzz::Require(document.IsEmpty() != document.ParseError().empty(), "a document is empty with a reason, or not");
+    if (!document.IsEmpty()) {
+      CheckRoundTrip(document);
+      Select(document, expression);
+      Rearrange(document);
+    }
+  }
+  return 0;
+}

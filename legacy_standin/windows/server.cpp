@@ -4,6 +4,7 @@
 #include <array>
 #include <deque>
 #include <filesystem>
+#include <mutex>
 
 #include "com/failures.h"
 #include "com/registration.h"
@@ -34,9 +35,12 @@ struct Installation {
   }
 };
 
-// Its objects use it for as long as they live, which is not known here: it is kept until the server is unloaded.
+// Its objects use it for as long as they live, which is not known here: it is kept until the server is unloaded. Objects
+// are made on many threads.
 Installation& MakeInstallation() {
+  static std::mutex mutex;
   static std::deque<Installation> installations;
+  const std::lock_guard lock(mutex);
   return installations.emplace_back();
 }
 

@@ -6,6 +6,15 @@
 #include "com/type_library.h"
 #include "platform/windows/com_object.h"
 
+// Destructors of thread-local objects are kept by the C runtime's own list, which lets them go with the thread or the
+// module, whichever goes first. The one of the C++ library would hold the module in memory for each of them, so that it
+// never unloads from a living thread, and would let go of it from within when the thread ends: code that is unloaded
+// while it runs.
+extern "C" int __mingw_cxa_thread_atexit(void (*destroy)(void*), void* object, void* module);
+extern "C" int __cxa_thread_atexit(void (*destroy)(void*), void* object, void* module) noexcept {
+  return __mingw_cxa_thread_atexit(destroy, object, module);
+}
+
 namespace parvex::com {
 namespace {
 

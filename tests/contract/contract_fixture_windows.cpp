@@ -8,6 +8,7 @@
 #include "platform/windows/wide_text.h"
 #include "tests/contract/contract_fixture.h"
 #include "tests/contract/substitute_engine_windows.h"
+#include "tests/support/own_boxes_windows.h"
 
 namespace parvex::test {
 namespace {
@@ -35,37 +36,6 @@ std::wstring OwnFolder() {
   const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
   const std::wstring own(path, length);
   return own.substr(0, own.rfind(L'\\') + 1);
-}
-
-std::wstring TextOfWindow(HWND window) {
-  wchar_t text[1024];
-  return {text, static_cast<std::size_t>(GetWindowTextW(window, text, 1024))};
-}
-
-// The box of this process with that caption; tests of others may show theirs at the same time.
-HWND OwnBox(const std::wstring& caption) {
-  HWND box = nullptr;
-  DWORD owner = 0;
-  while ((box = FindWindowExW(nullptr, box, L"#32770", caption.c_str())) != nullptr) {
-    GetWindowThreadProcessId(box, &owner);
-    if (owner == GetCurrentProcessId() && IsWindowVisible(box)) {
-      return box;
-    }
-  }
-  return nullptr;
-}
-
-// Waits for the box, reads what it shows, presses its button.
-std::wstring CloseBox(const std::wstring& caption) {
-  for (int attempt = 0; attempt < 1000; ++attempt, Sleep(10)) {
-    if (const HWND box = OwnBox(caption); box != nullptr) {
-      constexpr int kTextControl = 0xFFFF;
-      const std::wstring seen = TextOfWindow(box) + L"\n" + TextOfWindow(GetDlgItem(box, kTextControl));
-      PostMessageW(box, WM_COMMAND, IDOK, 0);
-      return seen;
-    }
-  }
-  return L"no box was shown";
 }
 
 }  // namespace

@@ -1,13 +1,11 @@
 // The substitute for the database engine as an in-process server. It is for machines without the real engine, whose
 // place in the registry it never takes; the manifests beside it offer it without any registration.
 
+#include "legacy_standin/dao_engine.h"
+
 #include <array>
 
-#include "com/class_factory.h"
-#include "com/failures.h"
-#include "com/registration.h"
-#include "com/type_library.h"
-#include "legacy_standin/dao_engine.h"
+#include "com/server.h"
 #include "platform/automation_error.h"
 #include "platform/windows/automation.h"
 #include "platform/windows/files.h"
@@ -55,26 +53,6 @@ void RefuseWhereARealEngineIs() {
 }  // namespace
 }  // namespace parvex::standin
 
-using namespace parvex;
-
-extern "C" {
-
-HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** factory) {
-  return com::GetClassFactory(standin::Classes(), classId, interfaceId, factory);
+parvex::com::Server parvex::com::ThisServer() {
+  return {standin::Classes(), nullptr, standin::RefuseWhereARealEngineIs};
 }
-
-HRESULT STDAPICALLTYPE DllCanUnloadNow() { return com::CanUnloadNow(); }
-
-HRESULT STDAPICALLTYPE DllRegisterServer() {
-  return com::Guarded(IID_NULL, [] {
-    standin::RefuseWhereARealEngineIs();
-    com::RegisterModule(standin::Classes(), com::ThisModulePath(), nullptr);
-  });
-}
-
-HRESULT STDAPICALLTYPE DllUnregisterServer() {
-  return com::Guarded(IID_NULL,
-                      [] { com::UnregisterModule(standin::Classes(), com::ThisModulePath(), nullptr); });
-}
-
-}  // extern "C"

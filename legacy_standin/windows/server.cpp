@@ -1,14 +1,14 @@
 // The substitute legacy application as an in-process server: its message router, and its late-bound classes behind
 // dispatch interfaces.
 
+#include "com/server.h"
+
 #include <array>
 #include <deque>
 #include <filesystem>
 #include <mutex>
 
 #include "com/failures.h"
-#include "com/registration.h"
-#include "com/type_library.h"
 #include "legacy_standin/standin.h"
 #include "platform/windows/com_object.h"
 #include "platform/windows/machine.h"
@@ -35,8 +35,8 @@ struct Installation {
   }
 };
 
-// Its objects use it for as long as they live, which is not known here: it is kept until the server is unloaded. Objects
-// are made on many threads.
+// Its objects use it for as long as they live, which is not known here: it is kept until the server is unloaded.
+// Objects are made on many threads.
 Installation& MakeInstallation() {
   static std::mutex mutex;
   static std::deque<Installation> installations;
@@ -104,24 +104,4 @@ std::span<const ComClass> Classes() {
 }  // namespace
 }  // namespace parvex::standin
 
-using namespace parvex;
-
-extern "C" {
-
-HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** factory) {
-  return com::GetClassFactory(standin::Classes(), classId, interfaceId, factory);
-}
-
-HRESULT STDAPICALLTYPE DllCanUnloadNow() { return com::CanUnloadNow(); }
-
-HRESULT STDAPICALLTYPE DllRegisterServer() {
-  return com::Guarded(IID_NULL,
-                      [] { com::RegisterModule(standin::Classes(), com::ThisModulePath(), &LIBID_KorvaneSubstitute); });
-}
-
-HRESULT STDAPICALLTYPE DllUnregisterServer() {
-  return com::Guarded(
-      IID_NULL, [] { com::UnregisterModule(standin::Classes(), com::ThisModulePath(), &LIBID_KorvaneSubstitute); });
-}
-
-}  // extern "C"
+parvex::com::Server parvex::com::ThisServer() { return {standin::Classes(), &LIBID_KorvaneSubstitute}; }

@@ -15,7 +15,7 @@ namespace parvex {
 
 /// What the entries of an archive may amount to when unpacked, each and all together.
 inline constexpr std::uint64_t kLargestPackedEntry = 64u << 20;
-inline constexpr std::uint64_t kLargestPackedTotal = 256u << 20;
+inline constexpr std::uint64_t kLargestPackedTotal = 128u << 20;
 
 struct PackedEntry {
   /// UTF-8, components separated by backslashes; every component is a name that Windows gives to files.

@@ -80,6 +80,9 @@ void OnEntityDeclaration(void* context, const xmlChar* name, int type, const xml
   }
 }
 
+// An entity that is no text at all: its reference is to meet none of its name either.
+void OnUnparsedEntity(void*, const xmlChar*, const xmlChar*, const xmlChar*, const xmlChar*) {}
+
 xmlEntity* OnEntity(void* context, const xmlChar* name) {
   const auto* parser = static_cast<xmlParserCtxt*>(context);
   const bool inAttribute = parser->instate == XML_PARSER_ATTRIBUTE_VALUE;
@@ -155,6 +158,7 @@ Parser NewParser(Parsing& parsing) {
   xmlSAXHandler& handler = *parser->sax;
   handler.serror = OnProblem;
   handler.entityDecl = OnEntityDeclaration;
+  handler.unparsedEntityDecl = OnUnparsedEntity;
   handler.getEntity = OnEntity;
   handler.getParameterEntity = OnParameterEntity;
   handler.resolveEntity = OnResolve;

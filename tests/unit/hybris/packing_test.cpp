@@ -425,7 +425,7 @@ TEST_F(Packing, RefusesAnArchiveBeyondTheLimitBeforeUnpackingIt) {
   }
   std::string archive = writer.Finish();
   for (std::size_t i = 0; i < 5; ++i) {
-    test::Put32(archive, test::DirectoryRecord(archive, i) + 24, 60u << 20);
+    test::Put32(archive, test::DirectoryRecord(archive, i) + 24, 30u << 20);
   }
   EXPECT_THAT(RefusalOf(archive), HasSubstr("'entry4' brings the archive to more bytes than are unpacked"));
 }

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace parvex::test {
+
+/// How `work` went in a child process of this one.
+struct ChildOutcome {
+  bool ended = false;        ///< it came to its end: no crash, no hang
+  std::string answer;        ///< what it gave
+  double seconds = 0;        ///< of processor time
+};
+
+/// Runs `work` in a child that may take 256 MiB of memory (as much as it likes under the address sanitizer, which needs
+/// terabytes of address space) and is ended after 20 seconds. An exception is an answer: the description of an
+/// AutomationError, "out of memory" for a std::bad_alloc.
+ChildOutcome InLimitedChild(const std::function<std::string()>& work);
+
+/// Fails the test unless the work came to its end within a second of processor time (several under a sanitizer).
+void ExpectQuick(const ChildOutcome& outcome);
+
+}  // namespace parvex::test

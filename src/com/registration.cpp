@@ -1,5 +1,6 @@
 #include "com/registration.h"
 
+#include <cwchar>
 #include <functional>
 #include <optional>
 
@@ -55,6 +56,11 @@ std::wstring KeyText(HKEY root, const std::wstring& key) {
   return RegGetValueW(root, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text, &size) == ERROR_SUCCESS ? text : L"";
 }
 
+bool KeyExists(HKEY root, const std::wstring& key) {
+  OpenKey opened;
+  return RegOpenKeyExW(root, key.c_str(), 0, KEY_QUERY_VALUE, opened.Out()) == ERROR_SUCCESS;
+}
+
 void RegisterClass(RegistryChanges& changes, const ComClass& c, const std::wstring& modulePath, const GUID* libraryId) {
   const std::wstring id = IdText(c.id);
   const std::wstring versioned = c.programmaticId + kVersion;
@@ -87,10 +93,13 @@ void UnregisterLibrary(const std::wstring& modulePath) {
   Require(library->GetLibAttr(&attributes), "cannot read the type library");
   const TLIBATTR read = *attributes;
   library->ReleaseTLibAttr(attributes);
-  const HRESULT result = UnRegisterTypeLib(read.guid, read.wMajorVerNum, read.wMinorVerNum, read.lcid, read.syskind);
-  if (result != TYPE_E_REGISTRYACCESS) {  // what was not registered is unregistered
-    Require(result, "cannot unregister the type library");
+  wchar_t version[16];
+  swprintf(version, 16, L"\\%x.%x", read.wMajorVerNum, read.wMinorVerNum);
+  if (!KeyExists(HKEY_CLASSES_ROOT, L"TypeLib\\" + IdText(read.guid) + version)) {
+    return;  // what was not registered is unregistered; systems differ in what they call it
   }
+  Require(UnRegisterTypeLib(read.guid, read.wMajorVerNum, read.wMinorVerNum, read.lcid, read.syskind),
+          "cannot unregister the type library");
 }
 
 void RemoveKey(const std::wstring& key) {

@@ -17,10 +17,10 @@ Check encoder.Decode("TWFu") = "Man", "Decode"
 Check encoder.Encode("") = "" And encoder.Decode("") = "", "empty texts"
 base64 = "TWFuTWE="
 bytes = encoder.DecodeArr(base64)
-Check UBound(bytes) = 4, "DecodeArr"
+Check VarType(bytes) = vbArray + vbByte, "DecodeArr"
 Check encoder.EncodeArr(bytes) = base64, "EncodeArr of a variable"
 Check encoder.EncodeArr(Array(77, 97, 110)) = "TWFu", "EncodeArr of a script's array"
-Check UBound(encoder.DecodeArr("")) = -1, "an empty array"
+Check encoder.EncodeArr(encoder.DecodeArr("")) = "", "an empty array"
 
 Set files = CreateObject("Scripting.FileSystemObject")
 path = files.BuildPath(files.GetSpecialFolder(2), "parvex-script-test.bin")
@@ -35,7 +35,7 @@ Check Err.Source = "Base64.DecodeToFile", "the source " & Err.Source
 Check Err.Description = "File already exists.", "the description " & Err.Description
 Err.Clear
 base64 = encoder.EncodeFromFile(path & ".none")
-Check (Err.Number And &HFFFF&) = 53, "a missing file: " & Err.Number
+Check 53 = (Err.Number And &HFFFF&), "a missing file: " & Err.Number
 Err.Clear
 On Error Goto 0
 files.DeleteFile path

@@ -31,12 +31,12 @@ Dim failed
 On Error Resume Next
 failed = pull.PullNGORLA("no command at all")
 Check Err.Number <> 0, "a command without a name has to fail"
-Check (Err.Number And &HFFFF&) = 91, "the number " & Err.Number
+Check 91 = (Err.Number And &HFFFF&), "the number " & Err.Number
 Check Err.Source = "Parvex", "the source " & Err.Source
 Check InStr(Err.Description, "COMMAND/NAME") > 0, "the description " & Err.Description
 Err.Clear
 Set reply = pull.Pull(pull)
-Check (Err.Number And &HFFFF&) = 13, "another object: " & Err.Number
+Check 13 = (Err.Number And &HFFFF&), "another object: " & Err.Number
 Err.Clear
 Set reply = pull.Pull(Nothing)
 Check Err.Number <> 0, "no object"

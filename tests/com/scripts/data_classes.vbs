@@ -50,7 +50,7 @@ Check accessory.PartNumber = "changed", "the object is shared"
 On Error Resume Next
 Set list(0) = warranty
 unit.Accessories = list
-Check (Err.Number And &HFFFF&) = 13, "another class: " & Err.Number
+Check 13 = (Err.Number And &HFFFF&), "another class: " & Err.Number
 Check InStr(Err.Description, "Accessories") > 0, "the description " & Err.Description
 Err.Clear
 On Error Goto 0

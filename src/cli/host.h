@@ -59,6 +59,9 @@ std::string RouterIdsIn(const std::string& typeLibrary);
 /// stream that was closed from the start, an error that can be reported.
 void PrepareStandardStreams();
 
+/// Makes XML documents and components usable, for as long as the result is kept: on Windows it is COM on this thread.
+std::shared_ptr<void> EnterPlatform();
+
 /// Whether a standard stream goes to a terminal. On Windows its escape sequences are switched on then.
 bool IsTerminal(std::FILE* stream);
 

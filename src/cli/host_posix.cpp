@@ -88,6 +88,8 @@ void PrepareStandardStreams() {
   signal(SIGPIPE, DoNothing);
 }
 
+std::shared_ptr<void> EnterPlatform() { return nullptr; }
+
 bool IsTerminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
 
 }  // namespace parvex::cli

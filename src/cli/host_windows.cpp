@@ -22,7 +22,6 @@ std::filesystem::path WorkflowProgram() {
 }  // namespace
 
 struct Host::Parts {
-  windows::Apartment apartment;
   windows::Machine machine;
   WrittenBoxes messageBoxes;
 };
@@ -56,7 +55,6 @@ std::vector<std::string> ProgramArguments(int, char**) { return windows::Program
 void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }
 
 std::string RouterIdsIn(const std::string& typeLibrary) {
-  const windows::Apartment apartment;
   const com::RouterIds ids = com::ReadRouterIds(std::filesystem::absolute(PathOf(typeLibrary)).wstring());
   return "-DPARVEX_ROUTER_CLSID=" + ids.classId + "\n-DPARVEX_ROUTER_IID=" + ids.interfaceId + "\n";
 }
@@ -66,6 +64,8 @@ void PrepareStandardStreams() {
     _setmode(_fileno(stream), _O_BINARY);
   }
 }
+
+std::shared_ptr<void> EnterPlatform() { return std::make_shared<windows::Apartment>(); }
 
 bool IsTerminal(std::FILE* stream) {
   const auto console = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));

@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -36,6 +37,7 @@ int main(int argc, char** argv) {
   using namespace parvex::cli;
   try {
     PrepareStandardStreams();
+    const std::shared_ptr<void> platform = EnterPlatform();
     return Run(ProgramArguments(argc, argv));
   } catch (const UsageError& error) {
     std::fprintf(stderr, "parvex: %s\n", error.what());

@@ -70,7 +70,7 @@ def xml_seeds(_):
         "<!DOCTYPE a [<!ELEMENT a (b)><!NOTATION n SYSTEM 'n'>]><a><b/></a>", "<a xmlns='u'><b/></a>",
         "<p:a xmlns:p='u'><p:b p:c='1'/></p:a>", "<a xmlns:p='u'><b xmlns:p='v'><p:c/></b><p:c/></a>", "<a xml:space='preserve'> <b/> </a>",
         "<a xml:space='preserve'><b xml:space='default'> <c/> </b> </a>", "<a xml:lang='en'/>", "<a>&amp;&lt;&gt;&quot;&apos;</a>",
-        "<a>&#13;&#10;&#9;&#x20AC;</a>", "<a b='&#13;&#10;&#9;'/>", "<a>\r\nx\ry\n</a>", "<a b='x\r\n\ty'/>", "<a>x<b/>y</a>",
+        "<a>&#13;&#10;&#9;&#x20AC;</a>", "<a>&#13;&#13;&#10;x</a>", "<a b='&#13;&#10;&#9;'/>", "<a>\r\nx\ry\n</a>", "<a b='x\r\n\ty'/>", "<a>x<b/>y</a>",
         "<a>x <b/> y</a>", "<a> <![CDATA[ ]]> </a>", "<a>\U0001f4be</a>", "<\u00e9l\u00e9ment/>", "<a", "<a>", "</a>", "<a/><b/>", "x<a/>",
         "<a>&x;</a>", "<p:a/>", "<a b='1' b='2'/>", "<a>]]></a>", "<a>\u0001</a>", "", " ", "<a>" * 30 + "</a>" * 30,
         "<COMMAND><NAME>n</NAME><PARAMETER><NAME>p</NAME><VALUE>v</VALUE></PARAMETER></COMMAND>"]

@@ -35,18 +35,22 @@ void PullNgorla(FakeMachine& machine, const std::string& command) { LegacyORLAPu
 
 // --- A whole export ---
 
-std::string Blob() {
-  standin::ZipWriter archive;
-  archive.Add("Tag", "<Unit><Product TagVersion=\"4.70\" lTagID=\"7\"/><SapData><x/></SapData></Unit>\r\n", true);
-  archive.Add("drawing/plan.dat", std::string(500, 'd'), true);
-  return archive.Finish();
+const std::string& Blob() {
+  static const std::string bytes = [] {
+    standin::ZipWriter archive;
+    archive.Add("Tag", "<Unit><Product TagVersion=\"4.70\" lTagID=\"7\"/><SapData><x/></SapData></Unit>\r\n", true);
+    archive.Add("drawing/plan.dat", std::string(500, 'd'), true);
+    return archive.Finish();
+  }();
+  return bytes;
 }
 
-std::string ProjectDatabase() {
+const std::string& ProjectDatabase() {
   using Type = standin::JetColumn::Type;
-  return standin::MakeJetDatabase(std::vector<standin::JetTable>{
+  static const std::string bytes = standin::MakeJetDatabase(std::vector<standin::JetTable>{
       {"TagIndex", {{"sAPP"}, {"sAppVer"}, {"sTagName"}, {"lTagId", Type::Long}}, {{"RTU", "47", "RTU-1", "71"}}},
       {"Config", {{"sPdsg"}, {"sKey"}, {"sValue"}}, {{"KDQ47", "CompanyName", "old"}}}});
+  return bytes;
 }
 
 void PrepareExport(FakeMachine& machine) {
@@ -105,6 +109,21 @@ void ReturnTag(FakeMachine& machine) {
              "<BLOB>TWFuAP8=</BLOB></ATTRIBUTES_LIST><BASEUNITS/></TAG></TAGS></PROJECT></PARAMETER></PARAMETERS></COMMAND>");
 }
 
+// Trees that are moved between documents, and texts that are refused.
+void ChangeMarkup(FakeMachine&) {
+  using xml::Document;
+  const Document from = Document::Parse("<a xmlns:p='urn:a-name-that-is-long-enough'><p:b p:c='1'>x</p:b><![CDATA[y]]></a>");
+  const Document to = Document::Load("<?xml version='1.0' encoding='windows-1252'?><to/>");
+  to.Append(from.Root().FirstChild());
+  to.Root().FirstChild().Append(from.Root().Clone());
+  to.Append(to.CreateElement("new")).SetText("a text that is longer than a short one");
+  to.Bytes();
+  for (const char* malformed : {"<a", "<a>&an-entity-that-nobody-has-declared;</a>", "<p:a/>", "x",
+                                "<!DOCTYPE a [<!ENTITY % p 'x'>%p;]><a/>", "<a b='1' b='2'/>"}) {
+    Document::Parse(malformed).ParseError();
+  }
+}
+
 void Nothing(FakeMachine&) {}
 
 }  // namespace
@@ -141,6 +160,7 @@ const std::vector<Job>& AllocatingJobs() {
       {"Export", PrepareExport, Export},
       {"ProjectProperties", PrepareProject, ChangeProject},
       {"TagRenaming", PrepareTags, RenameTagOf},
+      {"Markup", Nothing, ChangeMarkup},
   };
   return jobs;
 }

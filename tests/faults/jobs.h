@@ -19,7 +19,7 @@ struct Job {
 
 /// The ways on which files are written: an export, a return, changes of a project and of options, single files.
 const std::vector<Job>& WritingJobs();
-/// Jobs of which every allocation is made to fail: an export, a change of a project, an edit of a tag.
+/// Jobs of which every allocation is made to fail: an export, a change of a project, an edit of a tag, and documents.
 const std::vector<Job>& AllocatingJobs();
 
 inline void PrintTo(const Job& job, std::ostream* out) { *out << job.name; }

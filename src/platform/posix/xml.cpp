@@ -24,6 +24,9 @@ struct Adapter {
     return handle;
   }
 
+  static Document HandleOn(UnheldDocument document) {
+    return HandleOn(document.release());
+  }
   static Document HandleOn(xmlDoc* document) {
     Document handle;
     handle.node_ = HandleOn(AsNode(document));

@@ -32,9 +32,11 @@ bool IsNameCharacter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.' || c == '_' || c == '-';
 }
 
-iconv_t OpenConverter(const std::string& to, const std::string& from) { return iconv_open(to.c_str(), from.c_str()); }
-
-bool IsOpen(iconv_t converter) { return converter != reinterpret_cast<iconv_t>(-1); }
+// Null for an encoding that is not known.
+Converter OpenConverter(const std::string& to, const std::string& from) {
+  const iconv_t converter = iconv_open(to.c_str(), from.c_str());
+  return Converter(converter == reinterpret_cast<iconv_t>(-1) ? nullptr : converter);
+}
 
 // Nothing when some byte or character has no counterpart.
 std::optional<std::string> Convert(iconv_t converter, std::string_view text) {
@@ -65,12 +67,11 @@ std::optional<std::string> Convert(iconv_t converter, std::string_view text) {
 }
 
 Decoded DecodeFrom(const std::string& encoding, std::string_view bytes) {
-  const iconv_t converter = OpenConverter("UTF-8", encoding);
-  if (!IsOpen(converter)) {
+  const Converter converter = OpenConverter("UTF-8", encoding);
+  if (converter == nullptr) {
     return {"", "", "the encoding '" + encoding + "' is not known"};
   }
-  std::optional<std::string> text = Convert(converter, bytes);
-  iconv_close(converter);
+  std::optional<std::string> text = Convert(converter.get(), bytes);
   if (!text) {
     return {"", "", "the bytes are not valid in the encoding '" + encoding + "'"};
   }
@@ -148,11 +149,10 @@ std::unique_ptr<Encoding> Encoding::Named(std::string_view name) {
   const bool utf16 = IsUtf16Name(name);
   const bool bigEndian = Upper(name) == "UTF-16BE";
   const std::string target = utf16 ? (bigEndian ? "UTF-16BE" : "UTF-16LE") : std::string(name);
-  const iconv_t converter = OpenConverter(target, "UTF-8");
-  if (!IsOpen(converter)) {
+  encoding->converter_ = OpenConverter(target, "UTF-8");
+  if (encoding->converter_ == nullptr) {
     return nullptr;
   }
-  encoding->converter_.reset(converter);
   if (utf16) {
     encoding->unicode_ = true;
     encoding->mark_ = bigEndian ? kUtf16BigMark : kUtf16LittleMark;

@@ -24,6 +24,12 @@ struct Decoded {
 /// checked.
 Decoded Decode(std::string_view bytes);
 
+struct CloseConverter {
+  void operator()(void* converter) const { iconv_close(converter); }
+};
+/// An iconv_t.
+using Converter = std::unique_ptr<void, CloseConverter>;
+
 /// An encoding that documents are written in.
 class Encoding {
  public:
@@ -39,10 +45,7 @@ class Encoding {
 
  private:
   Encoding() = default;
-  struct Closed {
-    void operator()(void* converter) const { iconv_close(converter); }
-  };
-  std::unique_ptr<void, Closed> converter_;  // null: UTF-8, the text as it is
+  Converter converter_;  // null: UTF-8, the text as it is
   std::string mark_;
   bool unicode_ = false;
   std::unordered_map<char32_t, bool> known_;

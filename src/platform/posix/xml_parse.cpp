@@ -25,7 +25,8 @@ constexpr std::size_t kMostExpansion = 1'000'000;
 // What the parser's callbacks know beyond the library's context.
 struct Parsing {
   std::size_t expanded = 0;
-  std::string error;  // the first one
+  std::string error;         // the first one
+  bool outOfMemory = false;  // an exception must not pass through the library
 };
 
 Parsing& ParsingOf(void* context) { return *static_cast<Parsing*>(static_cast<xmlParserCtxt*>(context)->_private); }
@@ -34,13 +35,24 @@ std::string At(long line, long column) {
   return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": ";
 }
 
-// Records the reason and ends the parse.
-void Refuse(void* context, const std::string& reason) {
-  auto* parser = static_cast<xmlParserCtxt*>(context);
-  Parsing& parsing = ParsingOf(context);
-  if (parsing.error.empty()) {
-    parsing.error = At(parser->input->line, parser->input->col) + reason;
+// Records why the text is refused, the first time.
+template <typename MakeReason>
+void Record(Parsing& parsing, MakeReason makeReason) noexcept {
+  try {
+    if (parsing.error.empty()) {
+      parsing.error = makeReason();
+    }
+  } catch (const std::bad_alloc&) {
+    parsing.outOfMemory = true;
   }
+}
+
+// Records the reason, told in pieces, and ends the parse.
+template <typename... Pieces>
+void Refuse(void* context, const Pieces&... pieces) noexcept {
+  auto* parser = static_cast<xmlParserCtxt*>(context);
+  Record(ParsingOf(context),
+         [&] { return (At(parser->input->line, parser->input->col) + ... + std::string(pieces)); });
   xmlStopParser(parser);
 }
 
@@ -49,8 +61,7 @@ bool CountExpansion(void* context, std::size_t bytes) {
   Parsing& parsing = ParsingOf(context);
   parsing.expanded += bytes;
   if (parsing.expanded > kMostExpansion) {
-    Refuse(context,
-           "entities and defaulted attributes expand to more than " + std::to_string(kMostExpansion) + " bytes");
+    Refuse(context, "entities and defaulted attributes expand to more than ", std::to_string(kMostExpansion), " bytes");
     return false;
   }
   return true;
@@ -60,14 +71,16 @@ void OnProblem(void* context, xmlErrorPtr problem) {
   Parsing& parsing = ParsingOf(context);
   const bool counts =
       problem->level == XML_ERR_FATAL || (problem->level == XML_ERR_ERROR && problem->domain == XML_FROM_NAMESPACE);
-  if (!counts || !parsing.error.empty()) {
+  if (!counts) {
     return;
   }
-  std::string reason = problem->message == nullptr ? "the text does not parse" : problem->message;
-  while (!reason.empty() && IsBlank(reason.back())) {
-    reason.pop_back();
-  }
-  parsing.error = At(problem->line, problem->int2) + reason;
+  Record(parsing, [&] {
+    std::string reason = problem->message == nullptr ? "the text does not parse" : problem->message;
+    while (!reason.empty() && IsBlank(reason.back())) {
+      reason.pop_back();
+    }
+    return At(problem->line, problem->int2) + reason;
+  });
 }
 
 bool IsPlainText(std::string_view replacement) { return replacement.find_first_of("&<") == std::string_view::npos; }
@@ -91,7 +104,7 @@ xmlEntity* OnEntity(void* context, const xmlChar* name) {
     return entity;  // no reference: the parser looks at the declaration it has just read
   }
   if (entity == nullptr) {
-    Refuse(context, "the entity '" + std::string(View(name)) + "' is not declared as plain text");
+    Refuse(context, "the entity '", View(name), "' is not declared as plain text");
     return nullptr;
   }
   if (!CountExpansion(context, View(entity->content).size())) {
@@ -104,7 +117,7 @@ xmlEntity* OnEntity(void* context, const xmlChar* name) {
 }
 
 xmlEntity* OnParameterEntity(void* context, const xmlChar* name) {
-  Refuse(context, "the parameter entity '" + std::string(View(name)) + "' is not expanded");
+  Refuse(context, "the parameter entity '", View(name), "' is not expanded");
   return nullptr;
 }
 
@@ -116,7 +129,7 @@ void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, c
                     const xmlChar** namespaces, int attributeCount, int defaultedCount, const xmlChar** attributes) {
   constexpr int kFields = 5;  // name, prefix, namespace, value, end of value
   if (static_cast<xmlParserCtxt*>(context)->nodeNr >= kDeepestElement) {
-    Refuse(context, "elements are nested more deeply than " + std::to_string(kDeepestElement));
+    Refuse(context, "elements are nested more deeply than ", std::to_string(kDeepestElement));
     return;
   }
   for (int i = attributeCount - defaultedCount; i < attributeCount; ++i) {
@@ -265,7 +278,7 @@ std::string Objection(std::string_view text) {
 
 }  // namespace
 
-xmlDoc* ParseText(std::string_view text) {
+UnheldDocument ParseText(std::string_view text) {
   if (text.starts_with("\xEF\xBB\xBF")) {
     text.remove_prefix(3);
   }
@@ -276,31 +289,36 @@ xmlDoc* ParseText(std::string_view text) {
   Parsing parsing;
   const Parser parser = NewParser(parsing);
   constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC;
-  xmlDoc* document = xmlCtxtReadMemory(parser.get(), text.empty() ? "" : text.data(), static_cast<int>(text.size()),
-                                       nullptr, nullptr, kOptions);
+  xmlDoc* parsed = xmlCtxtReadMemory(parser.get(), text.empty() ? "" : text.data(), static_cast<int>(text.size()),
+                                     nullptr, nullptr, kOptions);
+  if (parsed != nullptr) {
+    parsed->_private = nullptr;
+  }
+  UnheldDocument document(parsed);
+  if (parsing.outOfMemory) {
+    throw std::bad_alloc();
+  }
   if (document == nullptr) {
     return FailedDocument(parsing.error.empty() ? At(1, 1) + "the document is empty" : parsing.error);
   }
-  document->_private = nullptr;
   if (parsing.error.empty() && View(document->version) != "1.0") {
     parsing.error = At(1, 1) + "the version '" + std::string(View(document->version)) + "' is not 1.0";
   }
   if (!parsing.error.empty() || parser->wellFormed == 0 || parser->nsWellFormed == 0) {
-    xmlFreeDoc(document);
     return FailedDocument(parsing.error.empty() ? At(1, 1) + "the text does not parse" : parsing.error);
   }
-  TakeIn(document);
-  StateOf(document).markupGuess = text.size();
-  StateOf(document).encoding = DeclaredEncoding(text);
-  DropIdentifiers(document);
-  RestoreEntities(document);
-  Settle(document);
+  TakeIn(parsed);
+  StateOf(parsed).markupGuess = text.size();
+  StateOf(parsed).encoding = DeclaredEncoding(text);
+  DropIdentifiers(parsed);
+  RestoreEntities(parsed);
+  Settle(parsed);
   return document;
 }
 
-xmlDoc* FailedDocument(const std::string& error) {
-  xmlDoc* document = NewDocument();
-  StateOf(document).parseError = error;
+UnheldDocument FailedDocument(const std::string& error) {
+  UnheldDocument document = NewDocument();
+  StateOf(document.get()).parseError = error;
   return document;
 }
 

@@ -13,9 +13,9 @@ namespace parvex::xml {
 /// Nothing outside the text is ever read: no external entity, no external subset, no network. Entities that the text
 /// declares are expanded when they are plain text, up to a bound in all; a reference to any other is a parse error, as
 /// are parameter entities, elements nested more deeply than 10,000, and texts of 2 GB.
-xmlDoc* ParseText(std::string_view text);
+UnheldDocument ParseText(std::string_view text);
 
 /// An empty document with that parse error.
-xmlDoc* FailedDocument(const std::string& error);
+UnheldDocument FailedDocument(const std::string& error);
 
 }  // namespace parvex::xml

@@ -93,13 +93,30 @@ void Rename(const xmlChar*& name, xmlDict* from, xmlDict* to) {
   }
 }
 
-void AdoptOne(xmlNode* node, xmlDoc* from, xmlDoc* to) {
+// Elements and attributes do not keep it in the same place. Null for other nodes.
+xmlNs** NamespaceOf(xmlNode* node) {
+  return IsElement(node) ? &node->ns : IsAttribute(node) ? &reinterpret_cast<xmlAttr*>(node)->ns : nullptr;
+}
+
+/// The document's own copies of the namespaces of another document's tree.
+using OwnNamespaces = std::map<const xmlNs*, xmlNs*>;
+
+OwnNamespaces NamespacesIn(xmlNode* top, xmlDoc* to) {
+  OwnNamespaces owned;
+  for (xmlNode* node = top; node != nullptr; node = NextInTree(node, top)) {
+    VisitWithAttributes(node, [&](xmlNode* each) {
+      if (xmlNs** place = NamespaceOf(each); place != nullptr && *place != nullptr && owned.count(*place) == 0) {
+        owned.emplace(*place, OwnNamespace(to, *place));
+      }
+    });
+  }
+  return owned;
+}
+
+void AdoptOne(xmlNode* node, xmlDoc* from, xmlDoc* to, const OwnNamespaces& owned) {
   node->doc = to;
-  if (IsElement(node) || IsAttribute(node)) {
-    if (node->ns != nullptr) {  // elements and attributes do not keep it in the same place
-      xmlNs*& place = IsElement(node) ? node->ns : reinterpret_cast<xmlAttr*>(node)->ns;
-      place = OwnNamespace(to, place);
-    }
+  if (xmlNs** place = NamespaceOf(node)) {
+    *place = *place == nullptr ? nullptr : owned.find(*place)->second;
   } else if (from->dict != to->dict && node->content != nullptr && xmlDictOwns(from->dict, node->content) != 0) {
     node->content = Made(xmlStrdup(node->content));
   }
@@ -109,13 +126,13 @@ void AdoptOne(xmlNode* node, xmlDoc* from, xmlDoc* to) {
 }
 
 // Makes a tree that was cut out of one document one of another, with the handles on its nodes.
-void Adopt(xmlNode* top, xmlDoc* to) {
+void Adopt(xmlNode* top, xmlDoc* to, const OwnNamespaces& owned) {
   xmlDoc* from = top->doc;
   std::size_t handles = 0;
   for (xmlNode* node = top; node != nullptr; node = NextInTree(node, top)) {
     VisitWithAttributes(node, [&](xmlNode* each) {
       handles += HandlesOn(each);
-      AdoptOne(each, from, to);
+      AdoptOne(each, from, to, owned);
     });
   }
   StateOf(to).handles += handles;
@@ -180,19 +197,23 @@ xmlDict* SharedNames() {
   return owner.names;
 }
 
-xmlDoc* NewDocument() {
-  xmlDoc* document = Made(xmlNewDoc(Chars("1.0")));
+UnheldDocument NewDocument() {
+  UnheldDocument document(Made(xmlNewDoc(Chars("1.0"))));
   document->standalone = -1;
   document->dict = SharedNames();
   xmlDictReference(document->dict);
-  TakeIn(document);
+  TakeIn(document.get());
   return document;
 }
 
 void TakeIn(xmlDoc* document) { document->_private = new DocumentState; }
 
-void FreeDocument(xmlDoc* document) {
-  DocumentState* state = &StateOf(document);
+void FreeDocument(xmlDoc* document) noexcept {
+  auto* state = static_cast<DocumentState*>(document->_private);
+  if (state == nullptr) {
+    xmlFreeDoc(document);
+    return;
+  }
   if (state->limbo != nullptr) {
     xmlFreeNode(state->limbo);
   }
@@ -281,13 +302,16 @@ xmlNs* OwnNamespace(xmlDoc* document, const xmlNs* original) {
     return found->second;
   }
   // Made by hand, since the library makes none for the prefix xml.
-  auto* copy = Made(static_cast<xmlNs*>(xmlMalloc(sizeof(xmlNs))));
+  struct FreeNamespace {
+    void operator()(xmlNs* space) const { xmlFreeNs(space); }
+  };
+  std::unique_ptr<xmlNs, FreeNamespace> copy(Made(static_cast<xmlNs*>(xmlMalloc(sizeof(xmlNs)))));
   *copy = {};
   copy->type = XML_LOCAL_NAMESPACE;
   copy->href = original->href == nullptr ? nullptr : Made(xmlStrdup(original->href));
   copy->prefix = original->prefix == nullptr ? nullptr : Made(xmlStrdup(original->prefix));
-  namespaces.emplace(key, copy);
-  return copy;
+  namespaces.emplace(key, copy.get());
+  return copy.release();
 }
 
 xmlNode* NextInTree(xmlNode* node, const xmlNode* top) {
@@ -308,12 +332,14 @@ void Unlink(xmlNode* node) {
 }
 
 void Move(xmlNode* node, xmlNode* parent) {
-  xmlDoc* from = node->doc;
+  // What may fail comes first: from the cut on the tree is nobody's until it is adopted.
+  const bool isForeign = node->doc != parent->doc;
+  const OwnNamespaces owned = isForeign ? NamespacesIn(node, parent->doc) : OwnNamespaces();
   CutOut(node);
   node->extra &= kBlankInside;
   LinkLast(node, parent);
-  if (from != parent->doc) {
-    Adopt(node, parent->doc);
+  if (isForeign) {
+    Adopt(node, parent->doc, owned);
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -78,12 +79,19 @@ class Quiet {
 /// The dictionary for the names of new documents of this thread.
 xmlDict* SharedNames();
 
-/// A new, empty document without a handle; owned by the handles that are taken on it.
-xmlDoc* NewDocument();
+/// Frees a document that nobody holds, whether it was taken in or not.
+void FreeDocument(xmlDoc* document) noexcept;
+
+struct FreeUnheld {
+  void operator()(xmlDoc* document) const { FreeDocument(document); }
+};
+/// A document without a handle; once one is taken, the handles own it.
+using UnheldDocument = std::unique_ptr<xmlDoc, FreeUnheld>;
+
+/// A new, empty document.
+UnheldDocument NewDocument();
 /// Gives a document that the parser made what NewDocument gives its own.
 void TakeIn(xmlDoc* document);
-/// Frees a document that nobody holds.
-void FreeDocument(xmlDoc* document);
 
 void Hold(xmlNode* node) noexcept;
 void Release(xmlNode* node) noexcept;

@@ -9,6 +9,7 @@
 #include "platform/jet_decoder.h"
 #include "platform/jet_format.h"
 #include "platform/posix/jet_databases.h"
+#include "tests/support/one_file.h"
 
 // A damaged database is read by both readers and changed. Damage is small, so the input tells what to do to a sound
 // file: a byte that chooses the database, a word of pages that are left, and then changes of five bytes each: page
@@ -23,22 +24,6 @@ using Type = standin::JetColumn::Type;
 
 constexpr std::string_view kPath = "C:\\Project.mdb";
 constexpr std::uint8_t kRawFile = 255;
-
-class OneFile : public Files {
- public:
-  std::string bytes;
-
-  bool IsFile(std::string_view) override { return true; }
-  bool IsFolder(std::string_view) override { return false; }
-  std::vector<std::string> ListFiles(std::string_view) override { return {}; }
-  std::vector<std::string> ListFolders(std::string_view) override { return {}; }
-  std::string ReadAll(std::string_view) override { return bytes; }
-  void Replace(std::string_view, std::string_view content) override { bytes = content; }
-  void CreateNew(std::string_view, std::string_view) override {}
-  void Remove(std::string_view) override {}
-  void CreateFolder(std::string_view) override {}
-  void RemoveFolder(std::string_view) override {}
-};
 
 JetTable Settings(int rows, bool compressed) {
   JetTable table{"Config", {{"sPdsg"}, {"sKey"}, {"sValue"}, {"memo", Type::Memo}, {"number", Type::Long}}, {}};
@@ -136,7 +121,7 @@ void Change(posix::JetDatabases& databases) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace parvex;
   fuzz::Input input(data, size);
-  OneFile file;
+  test::OneFile file;
   file.bytes = DamagedDatabase(input);
   posix::JetDatabases databases(file);
   for (const char* table : {"Config", "TagIndex"}) {

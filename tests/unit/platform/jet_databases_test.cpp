@@ -9,6 +9,7 @@
 #include "platform/automation_error.h"
 #include "platform/jet_file.h"
 #include "tests/support/jet_readers.h"
+#include "tests/support/one_file.h"
 
 namespace parvex::posix {
 namespace {
@@ -23,29 +24,6 @@ constexpr const char* kPath = "C:\\Project.mdb";
 /// Of the first table that is not the system's.
 constexpr std::uint32_t kDefinitionPage = jet::kCataloguePage + 4;
 
-/// One file in memory, which may refuse to be replaced.
-class OneFile : public Files {
- public:
-  std::string bytes;
-  std::optional<RuntimeError> refusal;
-  int replaced = 0;
-
-  bool IsFile(std::string_view) override { return true; }
-  bool IsFolder(std::string_view) override { return false; }
-  std::vector<std::string> ListFiles(std::string_view) override { return {}; }
-  std::vector<std::string> ListFolders(std::string_view) override { return {}; }
-  std::string ReadAll(std::string_view) override { return bytes; }
-  void Replace(std::string_view, std::string_view content) override {
-    if (refusal) throw MakeRuntimeError(*refusal, "refused");
-    bytes = content;
-    ++replaced;
-  }
-  void CreateNew(std::string_view, std::string_view) override { ADD_FAILURE(); }
-  void Remove(std::string_view) override { ADD_FAILURE(); }
-  void CreateFolder(std::string_view) override { ADD_FAILURE(); }
-  void RemoveFolder(std::string_view) override { ADD_FAILURE(); }
-};
-
 JetTable ConfigTable(int rows) {
   JetTable table{"Config", {{"sPdsg"}, {"sKey"}, {"sValue"}}, {}};
   for (int i = 0; i < rows; ++i) table.rows.push_back({"KDQ47", "key" + std::to_string(i), "v" + std::to_string(i)});
@@ -54,7 +32,7 @@ JetTable ConfigTable(int rows) {
 
 class JetDatabasesTest : public testing::Test {
  protected:
-  OneFile file;
+  test::OneFile file;
   JetDatabases databases{file};
 
   void Make(JetTable table) { file.bytes = standin::MakeJetDatabase(std::vector{std::move(table)}); }

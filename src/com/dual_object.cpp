@@ -17,17 +17,4 @@ Variant ReadThrough(const VARIANT& value) {
   return read;
 }
 
-ReadArguments::ReadArguments(const DISPPARAMS& parameters)
-    : values_(parameters.cArgs), passed_(parameters.cArgs), parameters_(parameters) {
-  for (UINT i = 0; i < parameters.cArgs; ++i) {
-    if (V_VT(&parameters.rgvarg[i]) == (VT_BYREF | VT_VARIANT)) {
-      values_[i] = ReadThrough(parameters.rgvarg[i]);
-      passed_[i] = values_[i].Get();
-    } else {
-      passed_[i] = parameters.rgvarg[i];
-    }
-  }
-  parameters_.rgvarg = passed_.data();
-}
-
 }  // namespace parvex::com

@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <optional>
-#include <vector>
 
 #include "com/failures.h"
 #include "com/type_library.h"
@@ -15,19 +14,6 @@ namespace parvex::com {
 
 /// A value as its owner holds it: what a by-reference variant refers to, copied.
 windows::Variant ReadThrough(const VARIANT& value);
-
-/// The arguments of a late-bound call with by-reference variants read through, since the type information takes none
-/// for a typed parameter. Last argument first, as they were passed.
-class ReadArguments {
- public:
-  explicit ReadArguments(const DISPPARAMS& parameters);
-  DISPPARAMS* Parameters() { return &parameters_; }
-
- private:
-  std::vector<windows::Variant> values_;
-  std::vector<VARIANTARG> passed_;
-  DISPPARAMS parameters_;
-};
 
 /// Base of an object with one dual interface of this module's type library. Late-bound calls go through the type
 /// information to the interface's own methods, but for members that a class serves itself.
@@ -79,10 +65,8 @@ class DualObject : public windows::ComObject<Interface, ISupportErrorInfo> {
       if (const std::optional<HRESULT> served = Serve(member, kind, *parameters, result)) {
         return *served;
       }
-      ReadArguments arguments(*parameters);
       return TypeInfoOf(__uuidof(Interface))
-          ->Invoke(static_cast<Interface*>(this), member, kind, arguments.Parameters(), result, exception,
-                   refusedArgument);
+          ->Invoke(static_cast<Interface*>(this), member, kind, parameters, result, exception, refusedArgument);
     } catch (...) {
       return FillException(CurrentFailure(), exception);
     }

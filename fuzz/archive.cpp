@@ -38,7 +38,8 @@ class WatchedFolder : public Files {
   static void Look(std::string_view path) {
     Require(path.starts_with(kFolder), "nothing is written outside of the blob's folder");
     std::string_view rest = path.substr(kFolder.size());
-    Require(!rest.empty() && rest.find_first_of(":/<>|?*\"") == std::string_view::npos, "only ordinary names are written");
+    Require(!rest.empty() && rest.find_first_of(":/<>|?*\"") == std::string_view::npos,
+            "only ordinary names are written");
     Require(std::none_of(rest.begin(), rest.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }),
             "no control characters are written");
     for (;;) {

@@ -6,11 +6,10 @@
 #include "journal/replay_routers.h"
 #include "legacy_standin/project_store.h"
 #include "legacy_standin/standin.h"
-#include "platform/automation_error.h"
 #include "tests/support/fake_platform.h"
 
-// Commands to one instance, on a machine of which nothing is left afterwards. The router answers from a journal; builder
-// and report server are the substitute's. The input: the journal, a NUL, then commands, each up to a NUL.
+// Commands to one instance, on a machine of which nothing is left afterwards. The router answers from a journal;
+// builder and report server are the substitute's. The input: the journal, a NUL, then commands, each up to a NUL.
 
 namespace parvex {
 namespace {
@@ -32,42 +31,36 @@ struct Machine {
 
   Machine() {
     const std::string bin = kBin;
-    fake.Write(bin + "Options.xml",
-               "<Tools><Tool ID=\"SOV02\"><Option><Name>cmbLanguage</Name><Value>English</Value></Option></Tool></Tools>");
+    fake.Write(
+        bin + "Options.xml",
+        "<Tools><Tool ID=\"SOV02\"><Option><Name>cmbLanguage</Name><Value>English</Value></Option></Tool></Tools>");
     fake.Write(bin + "Tools.xml", "<Tools><Tool><Pdsg>RTU47</Pdsg><Version>4.71.0</Version></Tool></Tools>");
-    fake.Write(bin + "TagUpdateInfo.xml", "<TagUpdateInfo><Table Name=\"TagIndex\"><Column>sTagName</Column></Table></TagUpdateInfo>");
+    fake.Write(bin + "TagUpdateInfo.xml",
+               "<TagUpdateInfo><Table Name=\"TagIndex\"><Column>sTagName</Column></Table></TagUpdateInfo>");
     fake.Write(std::string(kProject) + "project.mdb", ProjectDatabase());
     for (const standin::LateBoundClass& offered : substitute.Classes()) {
       fake.machine.RegisterClass(offered.programmaticId, offered.create);
     }
     fake.processes.work = [this](const std::string&) {
-      fake.Write("C:\\Korvane\\TQ5-VX\\Temp\\QBOutput.ini", "[Header]\r\nAction=ok\r\n[PartNumber1]\r\nPartNumber=A\r\n");
+      fake.Write("C:\\Korvane\\TQ5-VX\\Temp\\QBOutput.ini",
+                 "[Header]\r\nAction=ok\r\n[PartNumber1]\r\nPartNumber=A\r\n");
     };
   }
 
   Platform With(MessageRouters& routers) {
     const Platform& seams = fake.platform;
-    return {seams.registry,     seams.privateProfile, seams.files, seams.processes, seams.messagePump,
-            seams.messageBoxes, routers,              fake.machine.GetAutomation(), seams.projectDatabases, seams.codePage};
+    return {seams.registry,         seams.privateProfile, seams.files, seams.processes,
+            seams.messagePump,      seams.messageBoxes,   routers,     fake.machine.GetAutomation(),
+            seams.projectDatabases, seams.codePage};
   }
 };
 
-// Whatever a command is, it ends in a reply or in an error that says something.
-template <typename Action>
-void Carry(Action action) {
-  try {
-    action();
-  } catch (const AutomationError& error) {
-    Require(!error.Description().empty(), "an error says what failed");
-  }
-}
-
 void SendBoth(LegacyORLAPull& pull, std::string_view command) {
-  Carry([&] {
+  fuzz::MayBeRefused([&] {
     const std::string reply = pull.PullNGORLA(command);
     Require(reply.empty() || !xml::Document::Parse(reply).IsEmpty(), "a reply parses");
   });
-  Carry([&] {
+  fuzz::MayBeRefused([&] {
     if (const xml::Document reply = pull.Pull(xml::Document::Parse(command))) {
       reply.Xml();
     }
@@ -80,7 +73,7 @@ void SendBoth(LegacyORLAPull& pull, std::string_view command) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace parvex;
   fuzz::Input input(data, size);
-  Carry([&] {
+  fuzz::MayBeRefused([&] {
     journal::ReplayRouters routers(input.TakeUpTo('\0'), "journal");
     Machine machine;
     LegacyORLAPull pull(machine.With(routers));

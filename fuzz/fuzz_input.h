@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "platform/automation_error.h"
+
 namespace parvex::fuzz {
 
 /// The bytes of one run, taken from the front. What is not there any more is zero or empty.
@@ -49,6 +51,17 @@ inline void Require(bool holds, const char* promise) {
   if (!holds) {
     std::fprintf(stderr, "broken promise: %s\n", promise);
     std::abort();
+  }
+}
+
+/// What hostile input may end in beside a result: a run-time error that says something. Anything else that is thrown
+/// ends the program.
+template <typename Action>
+void MayBeRefused(Action action) {
+  try {
+    action();
+  } catch (const AutomationError& error) {
+    Require(!error.Description().empty(), "a refusal says why");
   }
 }
 

@@ -5,7 +5,6 @@
 
 #include "fuzz/fuzz_input.h"
 #include "legacy_standin/jet_writer.h"
-#include "platform/automation_error.h"
 #include "platform/jet_decoder.h"
 #include "platform/jet_format.h"
 #include "platform/posix/jet_databases.h"
@@ -18,6 +17,7 @@
 namespace parvex {
 namespace {
 
+using fuzz::MayBeRefused;
 using fuzz::Require;
 using standin::JetTable;
 using Type = standin::JetColumn::Type;
@@ -39,11 +39,19 @@ JetTable Settings(int rows, bool compressed) {
 }
 
 JetTable TagIndex() {
-  JetTable table{"TagIndex", {{"sAPP"}, {"sAppVer"}, {"sTagName"}, {"lTagId", Type::Long}, {"bLocked", Type::Boolean},
-                              {"dPrice", Type::Double}, {"fTon", Type::Single}, {"nKind", Type::Byte}}, {}};
+  JetTable table{"TagIndex",
+                 {{"sAPP"},
+                  {"sAppVer"},
+                  {"sTagName"},
+                  {"lTagId", Type::Long},
+                  {"bLocked", Type::Boolean},
+                  {"dPrice", Type::Double},
+                  {"fTon", Type::Single},
+                  {"nKind", Type::Byte}},
+                 {}};
   for (int i = 0; i < 15; ++i) {
-    table.rows.push_back({"38A", "47", "tag " + std::to_string(i), std::to_string(i), i % 2 == 0 ? "True" : "False", "1.5",
-                          "2.25", "3"});
+    table.rows.push_back({"38A", "47", "tag " + std::to_string(i), std::to_string(i), i % 2 == 0 ? "True" : "False",
+                          "1.5", "2.25", "3"});
   }
   return table;
 }
@@ -76,15 +84,6 @@ std::string DamagedDatabase(fuzz::Input& input) {
     bytes[at] = how % 3 == 0 ? value : static_cast<char>(how % 3 == 1 ? bytes[at] ^ value : bytes[at] + value);
   }
   return bytes;
-}
-
-template <typename Action>
-void MayBeRefused(Action action) {
-  try {
-    action();
-  } catch (const AutomationError& error) {
-    Require(!error.Description().empty(), "a refusal says why");
-  }
 }
 
 void ReadAll(jet::Databases databases, const std::string& table) {

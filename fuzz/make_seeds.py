@@ -20,9 +20,11 @@ NUL = b"\0"
 # --- base64 ---
 
 def base64_seeds(chance):
-    texts = [b"", b"M", b"Ma", b"Man", b"TWFu", b"TWFu\r\nTWE=", b"TQ==", b"TQ=", b"=", b"====", b"\r\n", b"\r", b"\n", b"\r\r\n",
+    texts = [b"", b"M", b"Ma", b"Man", b"TWFu", b"TWFu\r\nTWE=", b"TQ==", b"TQ=", b"=", b"====", b"\r\n", b"\r", b"\n",
+             b"\r\r\n",
              b"A\rB\nC", b"T W F u", b"TWFu\r\n", b"\r\nTWFu", b"\r=\n", b"+/+/", b"-_-_", "\u20ac".encode(),
-             "\U0001f4be".encode(), b"\xff\xfe", b"\xc3(", b"\xed\xa0\x80", b"A\xc3", "\u0141\u0141\u0141\u0141".encode(), b"\0\0\0",
+             "\U0001f4be".encode(), b"\xff\xfe", b"\xc3(", b"\xed\xa0\x80", b"A\xc3",
+             "\u0141\u0141\u0141\u0141".encode(), b"\0\0\0",
              bytes(range(256))]
     for length in (31, 32, 33, 63, 64, 65, 76, 95, 96, 97):
         texts.append(bytes(chance.choice(b"ABCxyz019+/") for _ in range(length)))
@@ -34,10 +36,14 @@ def base64_seeds(chance):
 # --- private_profile ---
 
 def private_profile_seeds(chance):
-    bodies = [b"", b"\r\n", b"[S]", b"[S]\r\n", b"[S]\r\nk=v\r\n", b"[s]\nK = v \n", b"k=v\r\n[S]\r\nk=w", b"[S]\r\nk=1\r\nk=2\r\n",
-              b"[S]\r\nk=1\r\n[T]\r\n[S]\r\nk=2", b"[S\r\nk=v", b"[S]x]\r\nk=v", b"[S] ; c\r\nk=1;2", b"[ S ]\r\n k\t=\tv", b"[]\r\nk=v",
-              b"[S]\r\n=v", b"[S]\r\nk", b"[S]\r\nk=", b"[S]\r\nk=\"v\"", b"[S]\r\nk='v", b"[S]\rk=v\r", b"[S]\r\r\nk=v", b"[S]\n\rk=v",
-              b"[S]\r\nk=a\0b", b"[S\0]\r\nk\0x=v", b"\x1a[S]\r\nk=v\x1a", b"[S]\r\n\xe9=\xc9", b"[\xc4]\r\nk=v", b"[S]\r\n;k=v\r\nk=w",
+    bodies = [b"", b"\r\n", b"[S]", b"[S]\r\n", b"[S]\r\nk=v\r\n", b"[s]\nK = v \n", b"k=v\r\n[S]\r\nk=w",
+              b"[S]\r\nk=1\r\nk=2\r\n",
+              b"[S]\r\nk=1\r\n[T]\r\n[S]\r\nk=2", b"[S\r\nk=v", b"[S]x]\r\nk=v", b"[S] ; c\r\nk=1;2",
+              b"[ S ]\r\n k\t=\tv", b"[]\r\nk=v",
+              b"[S]\r\n=v", b"[S]\r\nk", b"[S]\r\nk=", b"[S]\r\nk=\"v\"", b"[S]\r\nk='v", b"[S]\rk=v\r",
+              b"[S]\r\r\nk=v", b"[S]\n\rk=v",
+              b"[S]\r\nk=a\0b", b"[S\0]\r\nk\0x=v", b"\x1a[S]\r\nk=v\x1a", b"[S]\r\n\xe9=\xc9", b"[\xc4]\r\nk=v",
+              b"[S]\r\n;k=v\r\nk=w",
               b"[S]\r\n" + b"k=v\r\n" * 30, b"[S]\r\n" + b"x" * 200 + b"=1\r\nk=2", b"\r\n" * 70 + b"[S]\r\nk=v",
               b" " * 63 + b"[S]\r\nk=v", b"[S]" + b" " * 61 + b"\nk=v", b"[S]\r\nk==v", b"[S]\r\nk = = "]
     inputs = []
@@ -48,7 +54,8 @@ def private_profile_seeds(chance):
             inputs.append(b"s\nK\nk\n\xe9\n\xff\xfe" + body.decode("latin-1").encode("utf-16-le"))
             inputs.append(b"\xc4\n\xc9\nk\n\n\xfe\xff" + body.decode("latin-1").encode("utf-16-be"))
     for _ in range(12):
-        lines = [chance.choice([b"[S]", b"[T]", b"k=1", b"K = 2", b"other=3", b"", b" ", b";x", b"y"]) for _ in range(12)]
+        lines = [chance.choice([b"[S]", b"[T]", b"k=1", b"K = 2", b"other=3", b"", b" ", b";x",
+                                b"y"]) for _ in range(12)]
         inputs.append(b"T\nk\nother\nv\n" + chance.choice([b"\r\n", b"\n", b"\r"]).join(lines))
     return inputs
 
@@ -57,57 +64,76 @@ def private_profile_seeds(chance):
 
 def xml_seeds(_):
     documents = [
-        "<a/>", "<a></a>", "<a> x </a>", "<a><b/> <b/></a>", "<a b='1' c=\"2\"/>", "<a><![CDATA[x]]></a>", "<a><![CDATA[]]></a>",
-        "<a><![CDATA[x]]]]><![CDATA[>]]></a>", "<a><!-- c --></a>", "<!-- c --><a/><!-- d -->", "<a><?p i?></a>", "<?p i?><a/>",
+        "<a/>", "<a></a>", "<a> x </a>", "<a><b/> <b/></a>", "<a b='1' c=\"2\"/>", "<a><![CDATA[x]]></a>",
+        "<a><![CDATA[]]></a>",
+        "<a><![CDATA[x]]]]><![CDATA[>]]></a>", "<a><!-- c --></a>", "<!-- c --><a/><!-- d -->", "<a><?p i?></a>",
+        "<?p i?><a/>",
         "<?xml version='1.0'?><a/>", "<?xml version='1.0' encoding='windows-1252'?><a>\u20ac</a>",
         "<?xml version='1.0' encoding='iso-8859-1'?><a>\u20ac</a>", "<?xml version='1.0' encoding='UTF-16'?><a/>",
-        "<?xml version='1.0' encoding='nobody-knows'?><a/>", "<?xml version='1.0' standalone='yes'?><a/>", "<?xml version='1.1'?><a/>",
+        "<?xml version='1.0' encoding='nobody-knows'?><a/>", "<?xml version='1.0' standalone='yes'?><a/>",
+        "<?xml version='1.1'?><a/>",
         "<!DOCTYPE a><a/>", "<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>", "<!DOCTYPE a [<!ENTITY e 'x'>]><a b='&e;'/>",
         "<!DOCTYPE a [<!ENTITY e '&#38;'>]><a>&e;</a>", "<!DOCTYPE a [<!ENTITY e '<b/>'>]><a>&e;</a>",
         "<!DOCTYPE a [<!ENTITY % p '<!ENTITY e \"x\">'>%p;]><a>&e;</a>", "<!DOCTYPE a SYSTEM 'a.dtd'><a/>",
         "<!DOCTYPE a [<!ENTITY e SYSTEM 'a.txt'>]><a>&e;</a>", "<!DOCTYPE a [<!ATTLIST a b CDATA 'd'>]><a/>",
         "<!DOCTYPE a [<!ATTLIST a i ID #IMPLIED>]><a i='1'/>", "<!DOCTYPE a [<!ATTLIST a b NMTOKENS ' x  y '>]><a/>",
         "<!DOCTYPE a [<!ELEMENT a (b)><!NOTATION n SYSTEM 'n'>]><a><b/></a>", "<a xmlns='u'><b/></a>",
-        "<p:a xmlns:p='u'><p:b p:c='1'/></p:a>", "<a xmlns:p='u'><b xmlns:p='v'><p:c/></b><p:c/></a>", "<a xml:space='preserve'> <b/> </a>",
-        "<a xml:space='preserve'><b xml:space='default'> <c/> </b> </a>", "<a xml:lang='en'/>", "<a>&amp;&lt;&gt;&quot;&apos;</a>",
-        "<a>&#13;&#10;&#9;&#x20AC;</a>", "<a>&#13;&#13;&#10;x</a>", "<a b='&#13;&#10;&#9;'/>", "<a>\r\nx\ry\n</a>", "<a b='x\r\n\ty'/>", "<a>x<b/>y</a>",
-        "<a>x <b/> y</a>", "<a> <![CDATA[ ]]> </a>", "<a>\U0001f4be</a>", "<\u00e9l\u00e9ment/>", "<a", "<a>", "</a>", "<a/><b/>", "x<a/>",
+        "<p:a xmlns:p='u'><p:b p:c='1'/></p:a>", "<a xmlns:p='u'><b xmlns:p='v'><p:c/></b><p:c/></a>",
+        "<a xml:space='preserve'> <b/> </a>",
+        "<a xml:space='preserve'><b xml:space='default'> <c/> </b> </a>", "<a xml:lang='en'/>",
+        "<a>&amp;&lt;&gt;&quot;&apos;</a>",
+        "<a>&#13;&#10;&#9;&#x20AC;</a>", "<a>&#13;&#13;&#10;x</a>", "<a b='&#13;&#10;&#9;'/>", "<a>\r\nx\ry\n</a>",
+        "<a b='x\r\n\ty'/>", "<a>x<b/>y</a>",
+        "<a>x <b/> y</a>", "<a> <![CDATA[ ]]> </a>", "<a>\U0001f4be</a>", "<\u00e9l\u00e9ment/>", "<a", "<a>", "</a>",
+        "<a/><b/>", "x<a/>",
         "<a>&x;</a>", "<p:a/>", "<a b='1' b='2'/>", "<a>]]></a>", "<a>\u0001</a>", "", " ", "<a>" * 30 + "</a>" * 30,
         "<COMMAND><NAME>n</NAME><PARAMETER><NAME>p</NAME><VALUE>v</VALUE></PARAMETER></COMMAND>"]
-    expressions = ["//*", "a", "//a/@b", ".//text()", "//b[1]", "//COMMAND/PARAMETER[NAME='p']/VALUE", "id('1')", "//comment()", "[",
+    expressions = ["//*", "a", "//a/@b", ".//text()", "//b[1]", "//COMMAND/PARAMETER[NAME='p']/VALUE", "id('1')",
+                   "//comment()", "[",
                    "count(//a)", "descendant::b | //@*", "ancestor-or-self::node()"]
-    inputs = [expressions[number % len(expressions)].encode() + NUL + text.encode() for number, text in enumerate(documents)]
-    inputs += [b"//*" + NUL + b"\xff\xfe" + "<a>x</a>".encode("utf-16-le"), b"//*" + NUL + b"\xfe\xff" + "<a>x</a>".encode("utf-16-be"),
-               b"//*" + NUL + b"\xef\xbb\xbf<a/>", b"//*" + NUL + b"<?xml version='1.0' encoding='windows-1252'?><a>\x80\x81</a>"]
+    inputs = [expressions[number % len(expressions)].encode() + NUL + text.encode() for number,
+              text in enumerate(documents)]
+    inputs += [b"//*" + NUL + b"\xff\xfe" + "<a>x</a>".encode("utf-16-le"),
+               b"//*" + NUL + b"\xfe\xff" + "<a>x</a>".encode("utf-16-be"),
+               b"//*" + NUL + b"\xef\xbb\xbf<a/>",
+               b"//*" + NUL + b"<?xml version='1.0' encoding='windows-1252'?><a>\x80\x81</a>"]
     return inputs
 
 
 # --- commands ---
 
 COMMANDS = {
-    "getProjectList": [], "archiveProject": ["projectName", "archiveFile"], "retrieveProject": ["archiveFile", "newProjectName"],
-    "addProject": ["projectName"], "deleteProject": ["projectName"], "copyProject": ["sourceProject", "destinationProject"],
+    "getProjectList": [], "archiveProject": ["projectName", "archiveFile"],
+    "retrieveProject": ["archiveFile", "newProjectName"],
+    "addProject": ["projectName"], "deleteProject": ["projectName"],
+    "copyProject": ["sourceProject", "destinationProject"],
     "getProjectProperties": ["projectName"], "setProjectProperties": ["projectName", "data"],
-    "renameProject": ["projectName", "newProjectName"], "rebuildAllTags": ["projectName"], "getTagList": ["projectName"],
-    "getTags": ["projectName", "tagList"], "renameTag": ["projectName", "tagList"], "deleteTag": ["projectName", "tagList"],
+    "renameProject": ["projectName", "newProjectName"], "rebuildAllTags": ["projectName"],
+    "getTagList": ["projectName"],
+    "getTags": ["projectName", "tagList"], "renameTag": ["projectName", "tagList"],
+    "deleteTag": ["projectName", "tagList"],
     "newTag": ["projectName", "tagName", "pdsg"], "copyTag": ["projectName", "tagList", "destinationProject"],
     "configureTag": ["projectName", "tagID", "pdsg"], "getHybrisXML": [], "getHybrisXMLNoUI": ["selection"],
     "getReport": ["projectName", "reportName", "tagList"], "getReports": ["projectName", "dataList"],
-    "getSubmittal": ["projectName", "dataList"], "getAvailableReports": ["projectName", "pdsgFilter"], "getOptions": [],
+    "getSubmittal": ["projectName", "dataList"], "getAvailableReports": ["projectName", "pdsgFilter"],
+    "getOptions": [],
     "setOptions": ["data"], "RebuildTag": ["projectName", "data"], "getprojectlist": [], "": []}
 
 VALUES = {
-    "projectName": "Tower", "newProjectName": "Mill", "destinationProject": "Mill", "sourceProject": "Tower", "pdsg": "RTU47",
-    "archiveFile": "C:\\Korvane\\TQ5-VX\\Archives\\a.E3A", "tagName": "RTU-1", "tagID": "71", "reportName": "Performance",
+    "projectName": "Tower", "newProjectName": "Mill", "destinationProject": "Mill", "sourceProject": "Tower",
+    "pdsg": "RTU47",
+    "archiveFile": "C:\\Korvane\\TQ5-VX\\Archives\\a.E3A", "tagName": "RTU-1", "tagID": "71",
+    "reportName": "Performance",
     "selection": "<UserSelectionTransfer><ProjectName>Tower</ProjectName></UserSelectionTransfer>",
-    "data": "<PROJECT><COMPANYNAME>Lindqvist</COMPANYNAME><TAGS><TAG><ATTRIBUTES_LIST><PDSG>RTU47</PDSG><BLOB>TWFu</BLOB>"
-            "</ATTRIBUTES_LIST></TAG></TAGS></PROJECT>",
+    "data": "<PROJECT><COMPANYNAME>Lindqvist</COMPANYNAME><TAGS><TAG><ATTRIBUTES_LIST><PDSG>RTU47</PDSG>"
+            "<BLOB>TWFu</BLOB></ATTRIBUTES_LIST></TAG></TAGS></PROJECT>",
     "tagList": "<TAGS><TAG><TAGINDEXID>71</TAGINDEXID><NAME>RTU-1</NAME><PDSG>RTU47</PDSG></TAG></TAGS>",
     "dataList": "<DATA><DATATYPE>1</DATATYPE><TAG><NAME>RTU-1</NAME></TAG></DATA>"}
 
 
 def command(name, values):
-    parameters = "".join(f"<PARAMETER><NAME>{key}</NAME><VALUE>{value}</VALUE></PARAMETER>" for key, value in values.items())
+    parameters = "".join(f"<PARAMETER><NAME>{key}</NAME><VALUE>{value}</VALUE></PARAMETER>" for key,
+                         value in values.items())
     return f"<COMMAND><NAME>{name}</NAME>{parameters}</COMMAND>".encode()
 
 
@@ -116,7 +142,8 @@ def journal(answers):
 
 
 def commands_seeds(_):
-    tags = "<TAGS><TAG><NAME>RTU-1</NAME><PDSG>RTU47</PDSG><TAGINDEXID>71</TAGINDEXID><TAGVERSION>4.70.0</TAGVERSION></TAG></TAGS>"
+    tags = "<TAGS><TAG><NAME>RTU-1</NAME><PDSG>RTU47</PDSG>" \
+           "<TAGINDEXID>71</TAGINDEXID><TAGVERSION>4.70.0</TAGVERSION></TAG></TAGS>"
     project = "<PROJECT><NAME>Tower</NAME><FOLDER>C:\\Korvane\\TQ5-VX\\Projects\\Tower</FOLDER></PROJECT>"
     willing = journal([{"answer": answer} for answer in (tags, project, tags, project, "True", "<x/>")])
     refusing = journal([{"answer": "", "success": False}])
@@ -127,8 +154,10 @@ def commands_seeds(_):
         inputs.append(willing + NUL + command(name, values))
         inputs.append(refusing + NUL + command(name, {}))
     inputs += [failing + NUL + command("getProjectList", {}), NUL, b"not json" + NUL, willing + NUL + b"<COMMAND/>",
-               willing + NUL + b"no markup", willing + NUL + command("newTag", {"projectName": "a'b", "tagName": "x" * 80}),
-               willing + NUL + NUL.join(command(name, VALUES) for name in ("newTag", "copyTag", "renameTag", "deleteTag")),
+               willing + NUL + b"no markup",
+               willing + NUL + command("newTag", {"projectName": "a'b", "tagName": "x" * 80}),
+               willing + NUL + NUL.join(command(name, VALUES) for name in ("newTag", "copyTag", "renameTag",
+                                                                           "deleteTag")),
                willing + NUL + NUL.join(command(name, VALUES) for name in ("getReport", "getReports", "getSubmittal"))]
     return inputs
 
@@ -149,11 +178,14 @@ def archive_of(entries):
 def archive_seeds(chance):
     tag = b'<Document><Product TagVersion="4.70" lTagID="7"/></Document>\r\n'
     good = archive_of([("Tag", tag), ("folder/", b""), ("folder/a.dat", b"a" * 40)])
-    inputs = [good, archive_of([]), archive_of([("only", b"SAPDATA")]), b"", b"PK", b"not an archive", good[:-1], good[20:], good + good]
-    names = ["../up", "/root", "C:\\x", "a/../../b", "nul", "a:b", "a\\b", "x" * 250, "\u20ac", "dot.", "~1", "A/tag", "tag.blb", "TAG.BLB",
+    inputs = [good, archive_of([]), archive_of([("only", b"SAPDATA")]), b"", b"PK", b"not an archive", good[:-1],
+              good[20:], good + good]
+    names = ["../up", "/root", "C:\\x", "a/../../b", "nul", "a:b", "a\\b", "x" * 250, "\u20ac", "dot.", "~1", "A/tag",
+             "tag.blb", "TAG.BLB",
              "tag.blb/x", "a//b", "./a", "...", " a", "con.txt"]
     inputs += [archive_of([("Tag", tag), (name, b"x")]) for name in names]
-    inputs += [archive_of([("a", b""), ("A", b"")]), archive_of([("a", b""), ("a/b", b"")]), archive_of([("n", b"\0" * 5000)])]
+    inputs += [archive_of([("a", b""), ("A", b"")]), archive_of([("a", b""), ("a/b", b"")]),
+               archive_of([("n", b"\0" * 5000)])]
     with_comment = bytearray(good) + b"comment"
     struct.pack_into("<H", with_comment, len(good) - 2, 7)
     inputs.append(bytes(with_comment))
@@ -177,13 +209,15 @@ def damage(page, place, how, value):
 
 def jet_seeds(chance):
     inputs = [bytes([number]) for number in range(3)]
-    inputs += [bytes([number]) + struct.pack("<H", 64 * pages + part) for number in range(2) for pages in (0, 1, 3, 5, 7)
+    inputs += [bytes([number]) + struct.pack("<H", 64 * pages + part) for number in range(2) for pages in (0, 1, 3, 5,
+                                                                                                           7)
                for part in (1, 33)]
     inputs += [b"\xff", b"\xff\0\1\0\0Standard Jet DB\0", b"\xff" + b"\0\1\0\0Standard Jet DB\0\1".ljust(4096, b"\0")]
     for page in range(9):  # header, maps, catalogue, definitions and rows
         inputs.append(b"\0\0\0" + damage(page, 0, 0, page))
         inputs.append(b"\0\0\0" + damage(page, 2, 2, 1) + damage(page, 12, 0, 255))
-        inputs.append(b"\1\0\0" + b"".join(damage(page, chance.randrange(200), 1, 1 << chance.randrange(8)) for _ in range(4)))
+        inputs.append(b"\1\0\0" + b"".join(damage(page, chance.randrange(200), 1,
+                                                  1 << chance.randrange(8)) for _ in range(4)))
     return inputs
 
 
@@ -191,26 +225,36 @@ def jet_seeds(chance):
 
 def export_seeds(chance):
     tag = b'<Document><Product TagVersion="4.70" lTagID="7"/><SapData><x/></SapData></Document>\r\n'
-    unit = b"[PartNumber1]\r\nPartNumber=A\r\nPDSG=RTU47\r\nMarkFor=RTU-1\r\nFileName=C:\\a.blb\r\nQuantity=2\r\nMasterPrice=10.5\r\n"
-    keys = [b"Description=d", b"Quantity=many", b"Supplier=Korvane", b"TypeOfSale=21", b"Ton=5", b"CFM=2000", b"PreOrderReq=Y", b"ETO=Y",
-            b"Attribute1=x", b"BaseUnit1=BU1", b"BaseUnit1=BU2", b"BaseUnit2=ABCD2", b"BaseUnit2=AB", b"PDSG=XR", b"PDSG=XRC47",
+    unit = b"[PartNumber1]\r\nPartNumber=A\r\nPDSG=RTU47\r\nMarkFor=RTU-1\r\nFileName=C:\\a.blb\r\n" \
+           b"Quantity=2\r\nMasterPrice=10.5\r\n"
+    keys = [b"Description=d", b"Quantity=many", b"Supplier=Korvane", b"TypeOfSale=21", b"Ton=5", b"CFM=2000",
+            b"PreOrderReq=Y", b"ETO=Y",
+            b"Attribute1=x", b"BaseUnit1=BU1", b"BaseUnit1=BU2", b"BaseUnit2=ABCD2", b"BaseUnit2=AB", b"PDSG=XR",
+            b"PDSG=XRC47",
             b"PDSG=SD347", b"FileName=C:\\b.blb", b"FileName=C:\\none", b"MarkFor=a'b", b"MarkFor=\xe9<&>"]
     outputs = [b"", b"[Header]\r\nAction=cancel\r\n", unit]
     outputs += [b"[PartNumber1]\r\n" + key + b"\r\nPartNumber=A\r\n" for key in keys]
     accessory = b"[Accessory1]\r\nPartNumber:1=x\r\nDescription:1=y\r\nQuantity:1=3\r\nMasterPrice:1=1\r\n"
     outputs += [unit + accessory + key + b"\r\n" for key in (
-        b"BaseUnit1:1=BU2", b"BaseUnit1:1=BU1", b"BaseUnit2:1=ABCD1", b"BaseUnit2:1=AB", b"FileName:1=C:\\a.blb", b"FileName:1=C:\\b.blb",
+        b"BaseUnit1:1=BU2", b"BaseUnit1:1=BU1", b"BaseUnit2:1=ABCD1", b"BaseUnit2:1=AB", b"FileName:1=C:\\a.blb",
+        b"FileName:1=C:\\b.blb",
         b"AccessoryType:1=W", b"PartNumber:2=z\r\nBaseUnit2:2=ABCD2")]
     warranty = b"[Warranty1]\r\nName:1=w\r\nPartNumber:1=x\r\nQuantity:1=1\r\n"
-    outputs += [unit + warranty + key + b"\r\n" for key in (b"", b"BaseUnit2:1=ABCD", b"BaseUnit2:1=ABCD1", b"BaseUnit2:1=A")]
-    outputs += [unit + b"[ETO Description1]\r\nDescription:1=a\r\nDescription:2=b\r\n", unit + unit.replace(b"ber1]", b"ber2]"),
+    outputs += [unit + warranty + key + b"\r\n" for key in (b"", b"BaseUnit2:1=ABCD", b"BaseUnit2:1=ABCD1",
+                                                            b"BaseUnit2:1=A")]
+    outputs += [unit + b"[ETO Description1]\r\nDescription:1=a\r\nDescription:2=b\r\n",
+                unit + unit.replace(b"ber1]", b"ber2]"),
                 unit + unit.replace(b"ber1]", b"ber3]"), unit + b"[Extended Description1]\r\nDescription:1=a\r\n",
                 unit + b"[BlanketItem1]\r\nPartNumber:1=b\r\nQuantity:1=2\r\n"]
-    blobs = [b"", archive_of([("Tag", tag)]), archive_of([("one", b"<SAPDATA>x</SAPDATA>")]), b"no archive", archive_of([("../x", b"")])]
+    blobs = [b"", archive_of([("Tag", tag)]), archive_of([("one", b"<SAPDATA>x</SAPDATA>")]), b"no archive",
+             archive_of([("../x", b"")])]
     projects = [b"Tower", b"", b"a \"b\"", b"None", b"\xe9"]
-    texts = [tag, b"", b"<Document/>", b"<SAPDATA/>", b"no markup", b'<d><Product TagVersion="1"/><SAPDATA a="&lt;"/></d>']
-    inputs = [NUL.join([chance.choice(projects), output, chance.choice(texts), chance.choice(blobs)]) for output in outputs]
-    inputs += [NUL.join([project, unit, text, blob]) for project, text, blob in zip(projects * 4, texts * 4, blobs * 4)][:20]
+    texts = [tag, b"", b"<Document/>", b"<SAPDATA/>", b"no markup",
+             b'<d><Product TagVersion="1"/><SAPDATA a="&lt;"/></d>']
+    inputs = [NUL.join([chance.choice(projects), output, chance.choice(texts),
+                        chance.choice(blobs)]) for output in outputs]
+    inputs += [NUL.join([project, unit, text, blob]) for project, text,
+               blob in zip(projects * 4, texts * 4, blobs * 4)][:20]
     return inputs
 
 

@@ -52,7 +52,9 @@ std::optional<std::string> IndexedLookup(const ProfileText& file, const Wanted& 
   return value ? std::optional<std::string>(*value) : std::nullopt;
 }
 
-bool CanBeName(std::string_view text) { return text.find_first_of(std::string_view("\r\n\0=[]", 6)) == std::string_view::npos; }
+bool CanBeName(std::string_view text) {
+  return text.find_first_of(std::string_view("\r\n\0=[]", 6)) == std::string_view::npos;
+}
 
 std::string_view AsName(std::string_view text) { return TrimProfileBlanks(UpToNul(text)); }
 

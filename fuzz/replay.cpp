@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// Runs every file of the folders and files named through the fuzz target that this is linked with. A target that meets a
-// broken promise aborts; too few seeds are a failure too.
+// Runs every file of the folders and files named through the fuzz target that this is linked with. A target that meets
+// a broken promise aborts; too few seeds are a failure too.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

@@ -3,9 +3,9 @@
 #include "tests/faults/fault_injection.h"
 #include "tests/faults/jobs.h"
 
-// Every allocation of a job fails, once or with all behind it: the job ends with an error or as if nothing had happened,
-// gives back what it took (the leak checker looks), and each file is as it was or as an undisturbed run makes it. What
-// libxml2, zlib and libmdb allocate for themselves does not fail here.
+// Every allocation of a job fails, once or with all behind it: the job ends with an error or as if nothing had
+// happened, gives back what it took (the leak checker looks), and each file is as it was or as an undisturbed run makes
+// it. What libxml2, zlib and libmdb allocate for themselves does not fail here.
 
 namespace parvex::test {
 namespace {
@@ -16,7 +16,8 @@ class Allocations : public testing::TestWithParam<Job> {
     GetParam().run(*std::make_unique<JobMachine>(GetParam()));  // what is made once in a process is made now
     JobMachine machine(GetParam());
     allowed_.Learn(machine);
-    WithCallFault({}, [&] { GetParam().run(machine); }, [&] { allowed_.Learn(machine); });
+    WithCallFault(
+        {}, [&] { GetParam().run(machine); }, [&] { allowed_.Learn(machine); });
   }
 
   // Lets each allocation fail in turn, until the job asks for no more.

@@ -27,7 +27,12 @@ constexpr const char* kPath = "C:\\Project.mdb";
 
 std::string SoundDatabase() {
   JetTable table{"Config",
-                 {{"sPdsg"}, {"sKey"}, {"sValue"}, {"memo", Type::Memo}, {"number", Type::Long}, {"flag", Type::Boolean},
+                 {{"sPdsg"},
+                  {"sKey"},
+                  {"sValue"},
+                  {"memo", Type::Memo},
+                  {"number", Type::Long},
+                  {"flag", Type::Boolean},
                   {"price", Type::Double}},
                  {}};
   for (int i = 0; i < 40; ++i) {

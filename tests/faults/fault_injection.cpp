@@ -122,8 +122,8 @@ int __wrap_open(const char* path, int flags, ...) {
 
 ssize_t __wrap_write(int descriptor, const void* bytes, size_t size) {
   return Intercept([&] {
-    const bool isShort = state.callsArmed && state.callFault.kind == CallFault::Kind::ShortWrite &&
-                         state.calls == state.callFault.at;
+    const bool isShort =
+        state.callsArmed && state.callFault.kind == CallFault::Kind::ShortWrite && state.calls == state.callFault.at;
     return __real_write(descriptor, bytes, isShort && size > 1 ? 1 : size);
   });
 }

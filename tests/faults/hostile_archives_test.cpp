@@ -70,14 +70,16 @@ TEST_P(EscapingName, IsRefusedAndNothingIsWritten) {
   ExpectRefused(writer.Finish());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    InAnArchive, EscapingName,
-    testing::Values("../up", "..\\up", "a/../../up", "a\\..\\..\\up", "a/..", "..", "../", "./here", ".", "a/./b", "/root", "\\root",
-                    "//server/share/x", "\\\\server\\share\\x", "\\\\?\\C:\\x", "\\\\.\\C:\\x", "C:\\x", "C:/x", "C:x", "c:", "x:stream",
-                    "x::$DATA", "Tag:hidden", "a//b", "a\\\\b", "NUL", "nul.txt", "a/CON", "com1.dat", "LPT9", "aux ", "x.", "x ", "... ",
-                    ".. /up", "a/.../b", "PROGRA~1/x", "unit~1.blb", std::string("x\0y", 3), std::string("../\0x", 5), "x\ny", "x\x1Fy",
-                    "x?", "*", "a|b", "<x>", "\xC0\xAE\xC0\xAE/up", "\xE0\x80\xAE./up", "\xED\xA0\x80", "\xFF/x", std::string(300, 'n'),
-                    "unit.blb", "UNIT.BLB", "unit.blb/inside"));
+INSTANTIATE_TEST_SUITE_P(InAnArchive, EscapingName,
+                         testing::Values("../up", "..\\up", "a/../../up", "a\\..\\..\\up", "a/..", "..", "../",
+                                         "./here", ".", "a/./b", "/root", "\\root", "//server/share/x",
+                                         "\\\\server\\share\\x", "\\\\?\\C:\\x", "\\\\.\\C:\\x", "C:\\x", "C:/x", "C:x",
+                                         "c:", "x:stream", "x::$DATA", "Tag:hidden", "a//b", "a\\\\b", "NUL", "nul.txt",
+                                         "a/CON", "com1.dat", "LPT9", "aux ", "x.", "x ", "... ", ".. /up", "a/.../b",
+                                         "PROGRA~1/x", "unit~1.blb", std::string("x\0y", 3), std::string("../\0x", 5),
+                                         "x\ny", "x\x1Fy", "x?", "*", "a|b", "<x>", "\xC0\xAE\xC0\xAE/up",
+                                         "\xE0\x80\xAE./up", "\xED\xA0\x80", "\xFF/x", std::string(300, 'n'),
+                                         "unit.blb", "UNIT.BLB", "unit.blb/inside"));
 
 // --- Bombs ---
 
@@ -156,29 +158,28 @@ TEST_P(Bomb, IsRefused) { ExpectRefused(GetParam().make()); }
 
 INSTANTIATE_TEST_SUITE_P(
     InAnArchive, Bomb,
-    testing::Values(Attack{"OneLargeEntry", [] { return Zeros(65 * kMegabyte); }},
-                    Attack{"LargeEntriesTogether", [] { return Zeros(45 * kMegabyte, 3); }},
-                    Attack{"AHundredMegabytesSaidToBeTenBytes", [] { return WithField(Zeros(100 * kMegabyte), kLength, 10); }},
-                    Attack{"AHundredMegabytesSaidToBeJustAllowed",
-                           [] { return WithField(Zeros(100 * kMegabyte), kLength, 64 * kMegabyte); }},
-                    Attack{"TenBytesSaidToBeFourGigabytes", [] { return WithField(Zeros(10), kLength, 0xFFFFFFFE); }},
-                    Attack{"TenBytesSaidToBeSixtyMegabytes", [] { return WithField(Zeros(10), kLength, 60 * kMegabyte); }},
-                    Attack{"LengthsElsewhere", [] { return WithField(Zeros(10), kLength, 0xFFFFFFFF); }},
-                    Attack{"DataBeyondTheFile", [] { return WithField(Zeros(10), kPackedLength, 60 * kMegabyte); }},
-                    Attack{"DataAtAnotherPlace", [] { return WithField(Zeros(10), kOffset, 0xFFFFFFF0); }},
-                    Attack{"ManyEntriesOfOneData", [] { return SharedData(100); }},
-                    Attack{"EntriesWithinEntries", NestedRecords},
-                    Attack{"MoreEntriesThanTheDirectoryHolds", [] { return WithEntryCount(60'000); }},
-                    Attack{"EntriesCountedElsewhere", [] { return WithEntryCount(0xFFFF); }},
-                    Attack{"DataWithoutAnEnd", EmptyBlocks}),
+    testing::Values(
+        Attack{"OneLargeEntry", [] { return Zeros(65 * kMegabyte); }},
+        Attack{"LargeEntriesTogether", [] { return Zeros(45 * kMegabyte, 3); }},
+        Attack{"AHundredMegabytesSaidToBeTenBytes", [] { return WithField(Zeros(100 * kMegabyte), kLength, 10); }},
+        Attack{"AHundredMegabytesSaidToBeJustAllowed",
+               [] { return WithField(Zeros(100 * kMegabyte), kLength, 64 * kMegabyte); }},
+        Attack{"TenBytesSaidToBeFourGigabytes", [] { return WithField(Zeros(10), kLength, 0xFFFFFFFE); }},
+        Attack{"TenBytesSaidToBeSixtyMegabytes", [] { return WithField(Zeros(10), kLength, 60 * kMegabyte); }},
+        Attack{"LengthsElsewhere", [] { return WithField(Zeros(10), kLength, 0xFFFFFFFF); }},
+        Attack{"DataBeyondTheFile", [] { return WithField(Zeros(10), kPackedLength, 60 * kMegabyte); }},
+        Attack{"DataAtAnotherPlace", [] { return WithField(Zeros(10), kOffset, 0xFFFFFFF0); }},
+        Attack{"ManyEntriesOfOneData", [] { return SharedData(100); }}, Attack{"EntriesWithinEntries", NestedRecords},
+        Attack{"MoreEntriesThanTheDirectoryHolds", [] { return WithEntryCount(60'000); }},
+        Attack{"EntriesCountedElsewhere", [] { return WithEntryCount(0xFFFF); }},
+        Attack{"DataWithoutAnEnd", EmptyBlocks}),
     [](const testing::TestParamInfo<Attack>& info) { return info.param.name; });
 
 TEST(LargestArchive, IsReadInTheMemoryThatHostileOnesMayTake) {
   const std::string archive = Zeros(63 * kMegabyte, 2);
   FakeMachine machine;
-  const ChildOutcome outcome = InLimitedChild([&] {
-    return std::to_string(Unpack(machine.platform.codePage, archive, kBlob).size());
-  });
+  const ChildOutcome outcome =
+      InLimitedChild([&] { return std::to_string(Unpack(machine.platform.codePage, archive, kBlob).size()); });
   ExpectQuick(outcome);
   EXPECT_EQ(outcome.answer, "2");
 }

@@ -1,3 +1,5 @@
+#include "tests/support/hostile_markup.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,7 +10,6 @@
 #include "platform/xml.h"
 #include "tests/faults/limited_child.h"
 #include "tests/support/fake_platform.h"
-#include "tests/support/hostile_markup.h"
 
 // Documents that were made to do harm: each is refused with line, column and reason, quickly and in little memory.
 
@@ -65,33 +66,41 @@ INSTANTIATE_TEST_SUITE_P(
     InADocument, ExternalEntity,
     testing::Values(
         Document{"ByPath", [](const auto& f) { return kReferredTo("<!ENTITY e SYSTEM \"" + f + "\">", "&e;"); }},
-        Document{"ByFileUrl", [](const auto& f) { return kReferredTo("<!ENTITY e SYSTEM \"file://" + f + "\">", "&e;"); }},
-        Document{"ByPublicName", [](const auto& f) { return kReferredTo("<!ENTITY e PUBLIC \"-//x\" \"" + f + "\">", "&e;"); }},
-        Document{"FromTheNet", [](const auto&) { return kReferredTo("<!ENTITY e SYSTEM \"http://127.0.0.1:1/x\">", "&e;"); }},
-        Document{"FromAnFtpServer", [](const auto&) { return kReferredTo("<!ENTITY e SYSTEM \"ftp://127.0.0.1:1/x\">", "&e;"); }},
-        Document{"FromAShare", [](const auto&) { return kReferredTo("<!ENTITY e SYSTEM \"\\\\127.0.0.1\\share\\x\">", "&e;"); }},
+        Document{"ByFileUrl",
+                 [](const auto& f) { return kReferredTo("<!ENTITY e SYSTEM \"file://" + f + "\">", "&e;"); }},
+        Document{"ByPublicName",
+                 [](const auto& f) { return kReferredTo("<!ENTITY e PUBLIC \"-//x\" \"" + f + "\">", "&e;"); }},
+        Document{"FromTheNet",
+                 [](const auto&) { return kReferredTo("<!ENTITY e SYSTEM \"http://127.0.0.1:1/x\">", "&e;"); }},
+        Document{"FromAnFtpServer",
+                 [](const auto&) { return kReferredTo("<!ENTITY e SYSTEM \"ftp://127.0.0.1:1/x\">", "&e;"); }},
+        Document{"FromAShare",
+                 [](const auto&) { return kReferredTo("<!ENTITY e SYSTEM \"\\\\127.0.0.1\\share\\x\">", "&e;"); }},
         Document{"OfADevice", [](const auto&) { return kReferredTo("<!ENTITY e SYSTEM \"/dev/zero\">", "&e;"); }},
-        Document{"OfAnotherScheme", [](const auto&) { return kReferredTo("<!ENTITY e SYSTEM \"data:text/plain,x\">", "&e;"); }},
+        Document{"OfAnotherScheme",
+                 [](const auto&) { return kReferredTo("<!ENTITY e SYSTEM \"data:text/plain,x\">", "&e;"); }},
         Document{"InAnAttribute",
                  [](const auto& f) { return "<!DOCTYPE a [<!ENTITY e SYSTEM \"" + f + "\">]><a b=\"&e;\"/>"; }},
         Document{"InADefaultedAttribute",
                  [](const auto& f) {
                    return kReferredTo("<!ENTITY e SYSTEM \"" + f + "\"><!ATTLIST a b CDATA \"&e;\">", "x");
                  }},
-        Document{"ThroughAnotherEntity",
-                 [](const auto& f) { return kReferredTo("<!ENTITY e SYSTEM \"" + f + "\"><!ENTITY o \"&e;\">", "&o;"); }},
+        Document{
+            "ThroughAnotherEntity",
+            [](const auto& f) { return kReferredTo("<!ENTITY e SYSTEM \"" + f + "\"><!ENTITY o \"&e;\">", "&o;"); }},
         Document{"AsDeclarations",
                  [](const auto& f) { return kReferredTo("<!ENTITY % p SYSTEM \"" + f + "\">%p;", "&stolen;"); }},
         Document{"AsDeclarationsByPublicName",
                  [](const auto& f) { return kReferredTo("<!ENTITY % p PUBLIC \"-//x\" \"" + f + "\">%p;", "x"); }},
-        Document{"AsExternalSubset",
-                 [](const auto& f) { return "<!DOCTYPE a SYSTEM \"" + f + "\"><a>&stolen;</a>"; }},
+        Document{"AsExternalSubset", [](const auto& f) { return "<!DOCTYPE a SYSTEM \"" + f + "\"><a>&stolen;</a>"; }},
         Document{"AsPublicExternalSubset",
                  [](const auto& f) { return "<!DOCTYPE a PUBLIC \"-//x\" \"" + f + "\"><a>&stolen;</a>"; }},
         Document{"SentAway",
                  [](const auto& f) {
-                   return kReferredTo("<!ENTITY % f SYSTEM \"" + f + "\"><!ENTITY % s \"<!ENTITY t SYSTEM "
-                                      "'http://127.0.0.1:1/?%f;'>\">%s;", "&t;");
+                   return kReferredTo("<!ENTITY % f SYSTEM \"" + f +
+                                          "\"><!ENTITY % s \"<!ENTITY t SYSTEM "
+                                          "'http://127.0.0.1:1/?%f;'>\">%s;",
+                                      "&t;");
                  }},
         Document{"ThatIsNoText",
                  [](const auto& f) {
@@ -130,8 +139,9 @@ INSTANTIATE_TEST_SUITE_P(
         Document{"OfAnEntityInItself", [](const auto&) { return kReferredTo("<!ENTITY e \"&e;&e;\">", "&e;"); }},
         Document{"OfTwoEntitiesInEachOther",
                  [](const auto&) { return kReferredTo("<!ENTITY e \"&f;\"><!ENTITY f \"&e;&e;\">", "&e;"); }},
-        Document{"OfALongEntityManyTimes",
-                 [](const auto&) { return kReferredTo("<!ENTITY e \"" + LongText() + "\">", Repeated("&e;", 50'000)); }},
+        Document{
+            "OfALongEntityManyTimes",
+            [](const auto&) { return kReferredTo("<!ENTITY e \"" + LongText() + "\">", Repeated("&e;", 50'000)); }},
         Document{"OfALongEntityInManyAttributes",
                  [](const auto&) {
                    return kReferredTo("<!ENTITY e \"" + LongText() + "\">", Repeated("<b c=\"&e;\"/>", 10'000));
@@ -141,7 +151,9 @@ INSTANTIATE_TEST_SUITE_P(
                    return kReferredTo("<!ATTLIST b c CDATA \"" + LongText() + "\">", Repeated("<b/>", 100'000));
                  }},
         Document{"OfEntitiesWithMarkup",
-                 [](const auto&) { return kReferredTo("<!ENTITY e \"" + Repeated("<b/>", 1'000) + "\">", Repeated("&e;", 10'000)); }},
+                 [](const auto&) {
+                   return kReferredTo("<!ENTITY e \"" + Repeated("<b/>", 1'000) + "\">", Repeated("&e;", 10'000));
+                 }},
         Document{"OfElementsWithoutEnd", [](const auto&) { return Repeated("<a>", 1'000'000); }},
         Document{"OfAReferenceToAnEntityWrittenInReferences",
                  [](const auto&) { return kReferredTo("<!ENTITY e \"&#38;e;&#38;e;\">", "&e;"); }}),

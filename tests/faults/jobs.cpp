@@ -31,7 +31,9 @@ void Pull(FakeMachine& machine, const std::string& name, const std::string& para
   LegacyORLAPull(machine.platform).Pull(Command(name, parameters));
 }
 
-void PullNgorla(FakeMachine& machine, const std::string& command) { LegacyORLAPull(machine.platform).PullNGORLA(command); }
+void PullNgorla(FakeMachine& machine, const std::string& command) {
+  LegacyORLAPull(machine.platform).PullNGORLA(command);
+}
 
 // --- A whole export ---
 
@@ -60,10 +62,11 @@ void PrepareExport(FakeMachine& machine) {
   machine.Write(std::string(kFolder) + "\\project.mdb", ProjectDatabase());
   machine.processes.work = [&machine](const std::string&) {
     const FaultsSuspended otherProgram;
-    machine.Write(TemporaryFile("QBOutput.ini"),
-                  "[Header]\r\nAction=ok\r\n[PartNumber1]\r\nPartNumber=A\r\nPDSG=RTU47\r\nMarkFor=RTU-1\r\nFileName=" +
-                      std::string(kBlob) +
-                      "\r\n[Accessory1]\r\nPartNumber:1=x\r\nQuantity:1=2\r\n[Warranty1]\r\nName:1=w\r\nPartNumber:1=y\r\n");
+    machine.Write(
+        TemporaryFile("QBOutput.ini"),
+        "[Header]\r\nAction=ok\r\n[PartNumber1]\r\nPartNumber=A\r\nPDSG=RTU47\r\nMarkFor=RTU-1\r\nFileName=" +
+            std::string(kBlob) +
+            "\r\n[Accessory1]\r\nPartNumber:1=x\r\nQuantity:1=2\r\n[Warranty1]\r\nName:1=w\r\nPartNumber:1=y\r\n");
   };
 }
 
@@ -94,8 +97,9 @@ void PrepareTags(FakeMachine& machine) {
 }
 
 void RenameTagOf(FakeMachine& machine) {
-  Pull(machine, "renameTag", Parameter("projectName", "P") + Parameter("pdsg", "G") + Parameter("tagName", "Old") +
-                                 Parameter("newTagName", "New"));
+  Pull(machine, "renameTag",
+       Parameter("projectName", "P") + Parameter("pdsg", "G") + Parameter("tagName", "Old") +
+           Parameter("newTagName", "New"));
 }
 
 void PrepareReturn(FakeMachine& machine) {
@@ -104,15 +108,17 @@ void PrepareReturn(FakeMachine& machine) {
 }
 
 void ReturnTag(FakeMachine& machine) {
-  PullNgorla(machine,
-             "<COMMAND><NAME>RebuildTag</NAME><PARAMETERS><PARAMETER><PROJECT><TAGS><TAG><ATTRIBUTES_LIST><PDSG>38A</PDSG>"
-             "<BLOB>TWFuAP8=</BLOB></ATTRIBUTES_LIST><BASEUNITS/></TAG></TAGS></PROJECT></PARAMETER></PARAMETERS></COMMAND>");
+  PullNgorla(
+      machine,
+      "<COMMAND><NAME>RebuildTag</NAME><PARAMETERS><PARAMETER><PROJECT><TAGS><TAG><ATTRIBUTES_LIST><PDSG>38A</PDSG>"
+      "<BLOB>TWFuAP8=</BLOB></ATTRIBUTES_LIST><BASEUNITS/></TAG></TAGS></PROJECT></PARAMETER></PARAMETERS></COMMAND>");
 }
 
 // Trees that are moved between documents, and texts that are refused.
 void ChangeMarkup(FakeMachine&) {
   using xml::Document;
-  const Document from = Document::Parse("<a xmlns:p='urn:a-name-that-is-long-enough'><p:b p:c='1'>x</p:b><![CDATA[y]]></a>");
+  const Document from =
+      Document::Parse("<a xmlns:p='urn:a-name-that-is-long-enough'><p:b p:c='1'>x</p:b><![CDATA[y]]></a>");
   const Document to = Document::Load("<?xml version='1.0' encoding='windows-1252'?><to/>");
   to.Append(from.Root().FirstChild());
   to.Root().FirstChild().Append(from.Root().Clone());
@@ -135,12 +141,17 @@ const std::vector<Job>& WritingJobs() {
       {"ReturnOfATag", PrepareReturn, ReturnTag},
       {"Options", [](FakeMachine& machine) { machine.Write(ProgramFile("Options.xml"), kOptions); },
        [](FakeMachine& machine) { Pull(machine, "setOptions", Parameter("cmbLanguage", "Deutsch")); }},
-      {"UiSettings", [](FakeMachine& machine) { machine.Write(ProgramFile("UIKeys.txt"), "ToolBarActive=0\r\nOther=1\r\n"); },
+      {"UiSettings",
+       [](FakeMachine& machine) { machine.Write(ProgramFile("UIKeys.txt"), "ToolBarActive=0\r\nOther=1\r\n"); },
        [](FakeMachine& machine) { setUIValue(machine.platform, "-1"); }},
       {"ProfileValue", [](FakeMachine& machine) { machine.Write("C:\\a.ini", "[S]\r\nk=old\r\n"); },
-       [](FakeMachine& machine) { machine.platform.privateProfile.Section("S", "C:\\a.ini")->WriteString("k", "new"); }},
+       [](FakeMachine& machine) {
+         machine.platform.privateProfile.Section("S", "C:\\a.ini")->WriteString("k", "new");
+       }},
       {"NewProfile", Nothing,
-       [](FakeMachine& machine) { machine.platform.privateProfile.Section("S", "C:\\new.ini")->WriteString("k", "v"); }},
+       [](FakeMachine& machine) {
+         machine.platform.privateProfile.Section("S", "C:\\new.ini")->WriteString("k", "v");
+       }},
       {"DecodedFile", Nothing,
        [](FakeMachine& machine) {
          cBinEncoder(machine.platform.codePage, machine.platform.files).DecodeToFile("TWFuAP8=", "C:\\decoded.bin");

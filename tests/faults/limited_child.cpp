@@ -50,7 +50,9 @@ std::string AnswerOf(const std::function<std::string()>& work) {
   _exit(0);
 }
 
-double Seconds(const timeval& time) { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6; }
+double Seconds(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
 
 }  // namespace
 

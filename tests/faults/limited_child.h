@@ -7,9 +7,9 @@ namespace parvex::test {
 
 /// How `work` went in a child process of this one.
 struct ChildOutcome {
-  bool ended = false;        ///< it came to its end: no crash, no hang
-  std::string answer;        ///< what it gave
-  double seconds = 0;        ///< of processor time
+  bool ended = false;  ///< it came to its end: no crash, no hang
+  std::string answer;  ///< what it gave
+  double seconds = 0;  ///< of processor time
 };
 
 /// Runs `work` in a child that may take 256 MiB of memory (as much as it likes under the address sanitizer, which needs

@@ -1,6 +1,5 @@
-#include <gtest/gtest.h>
-
 #include <errno.h>
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,8 +7,8 @@
 #include "tests/faults/fault_injection.h"
 #include "tests/faults/jobs.h"
 
-// Every call that changes files fails in every way, and this program ends before and after each of them: each file holds
-// what it held before, or what an undisturbed run makes it hold.
+// Every call that changes files fails in every way, and this program ends before and after each of them: each file
+// holds what it held before, or what an undisturbed run makes it hold.
 
 namespace parvex::test {
 namespace {
@@ -20,7 +19,8 @@ class SystemCalls : public testing::TestWithParam<Job> {
   SystemCalls() {
     JobMachine machine(GetParam());
     allowed_.Learn(machine);
-    calls_ = WithCallFault({}, [&] { GetParam().run(machine); }, [&] { allowed_.Learn(machine); });
+    calls_ = WithCallFault(
+        {}, [&] { GetParam().run(machine); }, [&] { allowed_.Learn(machine); });
   }
 
   std::size_t calls_ = 0;
@@ -33,8 +33,7 @@ TEST_P(SystemCalls, ThatFailLeaveOldOrNewFilesAndAnError) {
     for (std::size_t at = 1; at <= calls_; ++at) {
       SCOPED_TRACE("call " + std::to_string(at) + " of " + std::to_string(calls_) + ", error " + std::to_string(error));
       JobMachine machine(GetParam());
-      WithCallFault({CallFault::Kind::Error, at, error},
-                    [&] { OutcomeOf([&] { GetParam().run(machine); }); });
+      WithCallFault({CallFault::Kind::Error, at, error}, [&] { OutcomeOf([&] { GetParam().run(machine); }); });
       EXPECT_EQ(allowed_.Violations(machine), "");
     }
   }

@@ -144,8 +144,7 @@ Found ReadDatabase(const Platform& platform, const HostFacts& facts, const std::
 constexpr const char* kReinstall = "Install or repair the legacy application.";
 constexpr const char* kBitnessHint =
     "Install or repair the legacy application. A component in a DLL is seen by programs of its own bitness only: try "
-    "the "
-    "32-bit program.";
+    "the 32-bit program.";
 
 std::vector<Finding> ExamineInstallation(const Platform& platform, const HostFacts& facts, const std::string& binPath) {
   const std::string bin = binPath.ends_with('\\') ? binPath.substr(0, binPath.size() - 1) : binPath;
@@ -176,7 +175,7 @@ std::vector<Finding> ExamineInstallation(const Platform& platform, const HostFac
             [&] { return FindXml(platform, inBin("Options.xml")); }),
       Check("Tools.xml", "Tags are all listed as out of date without it. Repair the legacy application.",
             [&] { return FindXml(platform, inBin("Tools.xml")); }),
-      Check("TagUpdateInfo.xml", "Tags cannot be renamed or copied without it. Repair the legacy application.",
+      Check("TagUpdateInfo.xml", "Requests to rename or copy a tag are sent with empty data without it. Repair the legacy application.",
             [&] { return FindXml(platform, inBin("TagUpdateInfo.xml")); }),
       Check("KDCustomRpt_Cfg.xml", "Custom reports are not offered without it. Repair the legacy application.",
             [&] { return FindXml(platform, inBin("KDCustomRpt_Cfg.xml")); }),

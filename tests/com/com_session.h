@@ -115,13 +115,4 @@ class StandinMisbehaves {
   StandinMisbehaves& operator=(const StandinMisbehaves&) = delete;
 };
 
-/// A thread's stay in an apartment of its own.
-class OwnApartment {
- public:
-  OwnApartment() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
-  ~OwnApartment() { CoUninitialize(); }
-  OwnApartment(const OwnApartment&) = delete;
-  OwnApartment& operator=(const OwnApartment&) = delete;
-};
-
 }  // namespace parvex::test

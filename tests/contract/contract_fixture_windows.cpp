@@ -42,20 +42,8 @@ std::wstring OwnFolder() {
 
 bool RunsUnderWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
 
-SubstituteEngine::SubstituteEngine(std::string_view version) {
-  const std::wstring manifest = OwnFolder() + L"..\\bin\\dao_engine." + windows::Widen(version) + L".manifest";
-  ACTCTXW description = {};
-  description.cbSize = sizeof description;
-  description.lpSource = manifest.c_str();
-  context_ = CreateActCtxW(&description);
-  EXPECT_NE(context_, INVALID_HANDLE_VALUE) << "no manifest " << windows::Narrow(manifest);
-  EXPECT_TRUE(ActivateActCtx(context_, &cookie_)) << GetLastError();
-}
-
-SubstituteEngine::~SubstituteEngine() {
-  DeactivateActCtx(0, cookie_);
-  ReleaseActCtx(context_);
-}
+SubstituteEngine::SubstituteEngine(std::string_view version)
+    : manifest_(OwnFolder() + L"..\\bin\\dao_engine." + windows::Widen(version) + L".manifest") {}
 
 struct ContractMachine::Host {
   SubstituteEngine engine{"36"};

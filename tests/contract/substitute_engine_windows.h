@@ -1,8 +1,8 @@
 #pragma once
 
-#include <windows.h>
-
 #include <string_view>
+
+#include "tests/support/active_manifest_windows.h"
 
 namespace parvex::test {
 
@@ -11,13 +11,9 @@ namespace parvex::test {
 class SubstituteEngine {
  public:
   explicit SubstituteEngine(std::string_view version);
-  ~SubstituteEngine();
-  SubstituteEngine(const SubstituteEngine&) = delete;
-  SubstituteEngine& operator=(const SubstituteEngine&) = delete;
 
  private:
-  HANDLE context_ = INVALID_HANDLE_VALUE;
-  ULONG_PTR cookie_ = 0;
+  ActiveManifest manifest_;
 };
 
 }  // namespace parvex::test

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "parvex_idl.h"
+#include "platform/windows/apartment.h"
 #include "tests/com/com_session.h"
 
 // Threads: an instance for each, calls from one apartment into another, the module's stay in memory.
@@ -33,7 +34,7 @@ std::string ReplyTo(const ComPointer<ILegacyORLAPull>& pull, std::string_view xm
 /// Runs `body` on a thread with an apartment of its own, to its end.
 void OnAnotherThread(const std::function<void()>& body) {
   std::thread([&] {
-    const OwnApartment apartment;
+    const windows::Apartment apartment;
     body();
   }).join();
 }
@@ -79,7 +80,7 @@ TEST(Apartments, InstancesOnManyThreadsWorkSideBySide) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&good, i] {
-      const OwnApartment apartment;
+      const windows::Apartment apartment;
       for (int round = 0; round < 50; ++round) {
         const auto pull = Make<LegacyORLAPull, ILegacyORLAPull>();
         const auto late = Create<IDispatch>("Parvex.TagCls");
@@ -124,7 +125,7 @@ class Elsewhere {
 
  private:
   void Serve() {
-    const OwnApartment apartment;
+    const windows::Apartment apartment;
     threadId_ = GetCurrentThreadId();
     MSG message;
     PeekMessageW(&message, nullptr, WM_USER, WM_USER, PM_NOREMOVE);  // the thread has a queue from now on

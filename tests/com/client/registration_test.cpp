@@ -4,9 +4,11 @@
 #include <thread>
 
 #include "parvex_idl.h"
+#include "platform/windows/apartment.h"
 #include "tests/com/com_session.h"
 #include "tests/com/public_classes.h"
 #include "tests/com/registry_snapshot.h"
+#include "tests/support/active_manifest_windows.h"
 
 // What registering and unregistering do to the registry, and the way without any registration.
 
@@ -75,37 +77,13 @@ TEST(ProgrammaticIds, OneThatNamesAnotherClassMeanwhileStays) {
   EXPECT_TRUE(Create<ITagCls>("Parvex.TagCls")) << "registering takes it back";
 }
 
-/// While it lives, this thread finds the component by the manifest beside it.
-class ManifestActive {
- public:
-  explicit ManifestActive(const std::wstring& folder) {
-    const std::wstring manifest = folder + L"Parvex.manifest";
-    ACTCTXW description = {};
-    description.cbSize = sizeof description;
-    description.lpSource = manifest.c_str();
-    context_ = CreateActCtxW(&description);
-    EXPECT_NE(context_, INVALID_HANDLE_VALUE) << "no manifest " << windows::Narrow(manifest);
-    EXPECT_TRUE(ActivateActCtx(context_, &cookie_)) << GetLastError();
-  }
-  ~ManifestActive() {
-    DeactivateActCtx(0, cookie_);
-    ReleaseActCtx(context_);
-  }
-  ManifestActive(const ManifestActive&) = delete;
-  ManifestActive& operator=(const ManifestActive&) = delete;
-
- private:
-  HANDLE context_ = INVALID_HANDLE_VALUE;
-  ULONG_PTR cookie_ = 0;
-};
-
 TEST(Manifest, OffersEveryClassWithoutRegistration) {
   const std::wstring folder = ComponentFolder();
   const Unregistered parvex(L"Parvex.dll");
   for (const PublicClass& c : PublicClasses()) {
     EXPECT_FALSE(Create<IDispatch>(c.ProgrammaticId())) << "nothing is registered";
   }
-  const ManifestActive manifest(folder);
+  const ActiveManifest manifest(folder + L"Parvex.manifest");
   for (const PublicClass& c : PublicClasses()) {
     ComPointer<IUnknown> object;
     EXPECT_HRESULT_SUCCEEDED(CoCreateInstance(c.id, nullptr, CLSCTX_INPROC_SERVER, c.interfaceId,
@@ -123,16 +101,16 @@ TEST(Manifest, OffersEveryClassWithoutRegistration) {
 TEST(Manifest, CarriesCallsFromApartmentToApartmentToo) {
   const std::wstring folder = ComponentFolder();
   const Unregistered parvex(L"Parvex.dll");
-  const ManifestActive manifest(folder);
+  const ActiveManifest manifest(folder + L"Parvex.manifest");
   const auto encoder = Make<cBinEncoder, IcBinEncoder>();
   IStream* stream = nullptr;
   ASSERT_HRESULT_SUCCEEDED(CoMarshalInterThreadInterfaceInStream(__uuidof(IcBinEncoder), encoder.Get(), &stream));
   std::string text;
   const DWORD caller = GetCurrentThreadId();
   std::thread other([&] {
-    const OwnApartment apartment;
+    const windows::Apartment apartment;
     {
-      const ManifestActive there(folder);
+      const ActiveManifest there(folder + L"Parvex.manifest");
       ComPointer<IcBinEncoder> proxy;
       EXPECT_HRESULT_SUCCEEDED(CoGetInterfaceAndReleaseStream(stream, __uuidof(IcBinEncoder),
                                                               reinterpret_cast<void**>(proxy.Out())));

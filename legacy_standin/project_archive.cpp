@@ -5,19 +5,15 @@
 #include <utility>
 
 #include "hybris/packing.h"
+#include "interface/command_document.h"
+#include "legacy_standin/router.h"
 #include "legacy_standin/zip_writer.h"
-#include "platform/automation_error.h"
 #include "platform/text.h"
 
 namespace parvex::standin {
 namespace {
 
-constexpr const char* kOwnGroup = "KDQ47";
 constexpr const char* kUnits = "units.json";
-
-[[noreturn]] void Refuse(const std::string& path, const std::string& reason) {
-  throw MakeRuntimeError(RuntimeError::InvalidCall, path + " " + reason);
-}
 
 /// The file of that path; the list's end when there is none.
 template <typename FileList>
@@ -33,7 +29,7 @@ std::vector<Unit> UnitsIn(const ProjectArchive& archive) {
 
 std::string GroupOf(const Unit& unit) {
   const std::string group = FieldOf(unit.keys, "PDSG");
-  return group.empty() ? kOwnGroup : group;
+  return group.empty() ? std::string(kLegacyPdsg) : group;
 }
 
 std::vector<std::string> SplitAtCommas(std::string_view list) {
@@ -76,19 +72,19 @@ ProjectArchive ReadProjectArchive(const Application& application, const std::str
     const std::size_t split = std::min(entry.name.find('\\'), entry.name.size());
     const std::string project = entry.name.substr(0, split);
     if (split == entry.name.size() || (!archive.files.empty() && project != archive.projectName)) {
-      Refuse(path, "is no archive of one project");
+      RefuseRequest(path + " is no archive of one project");
     }
     archive.projectName = project;
     archive.files.push_back({entry.name.substr(split + 1), std::move(entry.bytes)});
   }
   if (Find(archive.files, "project.mdb") == archive.files.end()) {
-    Refuse(path, "is no archive of a project");
+    RefuseRequest(path + " is no archive of a project");
   }
   return archive;
 }
 
 std::vector<std::string> GroupsIn(const ProjectArchive& archive) {
-  std::vector<std::string> groups = {kOwnGroup};
+  std::vector<std::string> groups = {std::string(kLegacyPdsg)};
   for (const Unit& unit : UnitsIn(archive)) {
     const std::string group = GroupOf(unit);
     if (std::find(groups.begin(), groups.end(), group) == groups.end()) {
@@ -101,7 +97,7 @@ std::vector<std::string> GroupsIn(const ProjectArchive& archive) {
 void KeepGroups(ProjectArchive& archive, std::string_view groups) {
   const std::vector<std::string> wanted = SplitAtCommas(groups);
   if (wanted.empty()) {
-    Refuse("dataList \"" + std::string(groups) + "\"", "names nothing");
+    RefuseRequest("dataList \"" + std::string(groups) + "\" names nothing");
   }
   const auto isWanted = [&](const std::string& group) {
     return std::any_of(wanted.begin(), wanted.end(), [&](const auto& name) { return name == "*" || name == group; });

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "interface/command_document.h"
 #include "legacy_standin/project_archive.h"
 #include "legacy_standin/project_store.h"
 #include "platform/automation_error.h"
@@ -13,27 +14,20 @@
 namespace parvex::standin {
 namespace {
 
-constexpr std::string_view kOwnGroup = "KDQ47";
 constexpr std::string_view kArchiveEnding = ".E3A";
 /// What is kept of a project beside its name; in answers the elements are the names in upper case.
 constexpr std::array kProperties = {"Description", "Customer", "Location", "Engineer", "Notes"};
 
-[[noreturn]] void Refuse(const std::string& reason) { throw MakeRuntimeError(RuntimeError::InvalidCall, reason); }
-
-void AddText(const xml::Node& parent, std::string_view name, std::string_view text) {
-  parent.Append(parent.Owner().CreateElement(name)).SetText(text);
-}
-
 /// NAME and FOLDER of a project.
 void Describe(const ProjectStore& store, const std::string& name, const xml::Node& project) {
-  AddText(project, "NAME", name);
-  AddText(project, "FOLDER", store.Folder(name));
+  xml::AppendElement(project, "NAME", name);
+  xml::AppendElement(project, "FOLDER", store.Folder(name));
 }
 
 std::string ProjectList(const ProjectStore& store, const Application&, const xml::Document&) {
   const xml::Document answer = xml::Document::Parse("<PROJECTLIST/>");
   for (const std::string& name : store.Names()) {
-    Describe(store, name, answer.Append(answer.CreateElement("PROJECT")));
+    Describe(store, name, xml::AppendElement(answer.Root(), "PROJECT"));
   }
   return answer.Xml();
 }
@@ -43,9 +37,9 @@ std::string ProjectRecord(const ProjectStore& store, const std::string& given) {
   const xml::Document answer = xml::Document::Parse("<PROJECT/>");
   Describe(store, name, answer.Root());
   const Fields stored = store.ReadProperties(name);
-  const xml::Node properties = answer.Append(answer.CreateElement("PROPERTIES"));
+  const xml::Node properties = xml::AppendElement(answer.Root(), "PROPERTIES");
   for (const char* property : kProperties) {
-    AddText(properties, ToUpper(property), FieldOf(stored, property));
+    xml::AppendElement(properties, ToUpper(property), FieldOf(stored, property));
   }
   return answer.Xml();
 }
@@ -79,7 +73,8 @@ void CheckPlace(const ProjectStore& store, const xml::Document& request, const c
                 const std::string& name) {
   const std::string path = NeedParameter(request, pathParameter);
   if (!IsSamePath(path, store.PlaceFor(name))) {
-    Refuse(std::string(pathParameter) + " \"" + path + "\" is not where the project \"" + name + "\" has to lie");
+    RefuseRequest(std::string(pathParameter) + " \"" + path + "\" is not where the project \"" + name +
+                  "\" has to lie");
   }
 }
 
@@ -100,12 +95,12 @@ std::string CopyProject(const ProjectStore& store, const Application&, const xml
 std::string DeleteProject(const ProjectStore& store, const Application&, const xml::Document& request) {
   const std::string dataList = FindParameter(request, "dataList").value_or("*");
   if (dataList != "*") {
-    Refuse("a project is deleted as a whole, not dataList \"" + dataList + "\" of it");
+    RefuseRequest("a project is deleted as a whole, not dataList \"" + dataList + "\" of it");
   }
   const std::string name = store.NameOf(NeedParameter(request, "projectName"));
   store.Remove(name);
   const xml::Document answer = xml::Document::Parse("<PROJECT/>");
-  AddText(answer.Root(), "NAME", name);
+  xml::AppendElement(answer.Root(), "NAME", name);
   return answer.Xml();
 }
 
@@ -124,7 +119,7 @@ std::string DoesProjectExistInFolder(const ProjectStore& store, const Applicatio
 
 std::string CheckedArchivePath(const std::string& path) {
   if (!EqualIgnoringCase(LastUnits(path, kArchiveEnding.size()), kArchiveEnding)) {
-    Refuse("\"" + path + "\" is no name of an archive: it does not end in " + std::string(kArchiveEnding));
+    RefuseRequest("\"" + path + "\" is no name of an archive: it does not end in " + std::string(kArchiveEnding));
   }
   return path;
 }
@@ -138,10 +133,10 @@ std::string ArchiveToWrite(const xml::Document& request) {
 std::string ArchiveContents(const ProjectArchive& archive) {
   const xml::Document answer = xml::Document::Parse("<ARCHIVE><PROJECT/></ARCHIVE>");
   const xml::Node project = answer.Root().Child("PROJECT");
-  AddText(project, "NAME", archive.projectName);
-  const xml::Node list = project.Append(answer.CreateElement("APPLICATIONLIST"));
+  xml::AppendElement(project, "NAME", archive.projectName);
+  const xml::Node list = xml::AppendElement(project, "APPLICATIONLIST");
   for (const std::string& group : GroupsIn(archive)) {
-    AddText(list.Append(answer.CreateElement("APPLICATION")), "PDSG", group);
+    xml::AppendElement(xml::AppendElement(list, "APPLICATION"), "PDSG", group);
   }
   return answer.Xml();
 }
@@ -186,8 +181,8 @@ using ProjectHandler = std::string (*)(const ProjectStore&, const Application&, 
 RequestHandler InOwnGroup(ProjectHandler handler) {
   return [handler](const Application& application, const xml::Document& request) {
     const std::string group = NeedParameter(request, "pdsg");
-    if (group != kOwnGroup) {
-      Refuse("the product data set group is \"" + group + "\" and not " + std::string(kOwnGroup));
+    if (group != kLegacyPdsg) {
+      RefuseRequest("the product data set group is \"" + group + "\" and not " + std::string(kLegacyPdsg));
     }
     return handler(ProjectStore(application), application, request);
   };

@@ -35,10 +35,6 @@ std::string TitleOf(const xml::Document& definition, const std::string& reportNa
   return definition.Root().Attribute("title").value_or(reportName);
 }
 
-void AppendText(const xml::Node& parent, std::string_view element, std::string_view text) {
-  parent.Append(parent.Owner().CreateElement(element)).SetText(text);
-}
-
 }  // namespace
 
 std::string ReportsFolder(const Application& application) { return application.Root() + "\\Bin\\Reports\\Temp"; }
@@ -183,11 +179,11 @@ void ReportServer::WriteSubmittal(const Report& report) const {
   const xml::Document submittal = xml::Document::Parse("<NGreport><root/></NGreport>");
   const xml::Node root = submittal.Root().FirstChild();
   const std::string title = TitleOf(report.definition, report.name);
-  AppendText(root, "title", title);
+  xml::AppendElement(root, "title", title);
   RtfText text;
   text.Heading(title);
   for (const std::string& line : LinesOf(report)) {
-    AppendText(root, "line", line);
+    xml::AppendElement(root, "line", line);
     text.Line(line);
   }
   Write("rpt1.rtf", text.Bytes());
@@ -199,7 +195,7 @@ void ReportServer::WriteSubmittal(const Report& report) const {
     // A picture of the server's own: its reader consumes it.
     const std::string fileName = "chart" + std::to_string(report.tag + 1) + ".bmp";
     Write(fileName, MakeBitmap(48, 24, 0x2060A0));
-    AppendText(root, "image", ReportsFolder(application_) + "\\" + fileName);
+    xml::AppendElement(root, "image", ReportsFolder(application_) + "\\" + fileName);
   }
   Write("NGreport.xml", submittal.Bytes());
 }
@@ -208,21 +204,21 @@ void ReportServer::WriteRequest(bool made) const {
   const xml::Document request = xml::Document::Parse("<Request/>");
   request.Root().SetAttribute("made", made ? "True" : "False");
   for (const std::string_view name : kProperties) {
-    AppendText(request.Root(), name, Property(name));
+    xml::AppendElement(request.Root(), name, Property(name));
   }
   for (const Tag& tag : tags_) {
-    const xml::Node node = request.Append(request.CreateElement("Tag"));
-    AppendText(node, "TemplatesFolder", tag.templatesFolder);
-    AppendText(node, "PDSG", tag.pdsg);
-    AppendText(node, "Name", tag.name);
-    node.Append(request.CreateElement("Data")).Append(tag.data.Root().Clone());
+    const xml::Node node = xml::AppendElement(request.Root(), "Tag");
+    xml::AppendElement(node, "TemplatesFolder", tag.templatesFolder);
+    xml::AppendElement(node, "PDSG", tag.pdsg);
+    xml::AppendElement(node, "Name", tag.name);
+    xml::AppendElement(node, "Data").Append(tag.data.Root().Clone());
   }
   for (const Report& report : reports_) {
-    const xml::Node node = request.Append(request.CreateElement("Report"));
-    AppendText(node, "Template", report.templatePath);
-    AppendText(node, "Category", report.category);
-    AppendText(node, "Name", report.name);
-    AppendText(node, "Tag", tags_[report.tag].name);
+    const xml::Node node = xml::AppendElement(request.Root(), "Report");
+    xml::AppendElement(node, "Template", report.templatePath);
+    xml::AppendElement(node, "Category", report.category);
+    xml::AppendElement(node, "Name", report.name);
+    xml::AppendElement(node, "Tag", tags_[report.tag].name);
   }
   Write("Request.xml", request.Bytes());
 }

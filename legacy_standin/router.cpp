@@ -7,30 +7,30 @@
 namespace parvex::standin {
 namespace {
 
-[[noreturn]] void Refuse(const std::string& reason) { throw MakeRuntimeError(RuntimeError::InvalidCall, reason); }
-
 std::string CarryOut(const Application& application, const RequestTable& requests, const std::string& text) {
   const xml::Document request = xml::Document::Parse(text);
   if (request.IsEmpty()) {
-    Refuse("the request is no XML document: " + request.ParseError());
+    RefuseRequest("the request is no XML document: " + request.ParseError());
   }
   const xml::Node nameNode = request.First("/COMMAND/NAME");
   if (!nameNode) {
-    Refuse("the request has no COMMAND/NAME");
+    RefuseRequest("the request has no COMMAND/NAME");
   }
   const std::string name = nameNode.Text();
   const auto entry = requests.find(name);
   if (entry == requests.end()) {
-    Refuse("unknown request \"" + name + "\"");
+    RefuseRequest("unknown request \"" + name + "\"");
   }
   const std::vector<std::string>& refused = application.settings.router.refuse;
   if (std::find(refused.begin(), refused.end(), name) != refused.end()) {
-    Refuse("told to refuse \"" + name + "\"");
+    RefuseRequest("told to refuse \"" + name + "\"");
   }
   return entry->second(application, request);
 }
 
 }  // namespace
+
+void RefuseRequest(const std::string& reason) { throw MakeRuntimeError(RuntimeError::InvalidCall, reason); }
 
 std::optional<std::string> FindParameter(const xml::Document& request, std::string_view name) {
   const xml::Node command = request.Root();
@@ -47,7 +47,7 @@ std::optional<std::string> FindParameter(const xml::Document& request, std::stri
 std::string NeedParameter(const xml::Document& request, std::string_view name) {
   const std::optional<std::string> value = FindParameter(request, name);
   if (!value || value->empty()) {
-    Refuse("the request has no " + std::string(name));
+    RefuseRequest("the request has no " + std::string(name));
   }
   return *value;
 }

@@ -17,6 +17,9 @@ using RequestHandler = std::function<std::string(const Application&, const xml::
 /// By the request's command name.
 using RequestTable = std::map<std::string, RequestHandler, std::less<>>;
 
+/// Refuses the request with this reason (5).
+[[noreturn]] void RefuseRequest(const std::string& reason);
+
 // What handlers read from a request. As everywhere in the protocol the first of several parameters of a name counts.
 
 /// The parameter's text, nothing when the request has no such parameter.

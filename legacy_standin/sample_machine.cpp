@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "interface/command_document.h"
 #include "legacy_standin/project_store.h"
 #include "legacy_standin/sample_project.h"
 #include "legacy_standin/sample_reports.h"
@@ -109,9 +110,9 @@ std::string ExportCommand(const std::vector<std::string>& tagNames) {
       "<ProjectName/></UserSelectionTransfer></VALUE></PARAMETER></COMMAND>");
   command.First("//ProjectName").SetText(kSampleProject);
   if (!tagNames.empty()) {
-    const xml::Node list = command.First("//UserSelectionTransfer").Append(command.CreateElement("TagNames"));
+    const xml::Node list = xml::AppendElement(command.First("//UserSelectionTransfer"), "TagNames");
     for (const std::string& name : tagNames) {
-      list.Append(command.CreateElement("TagName")).SetText(name);
+      xml::AppendElement(list, "TagName", name);
     }
   }
   return command.Bytes();
@@ -177,12 +178,9 @@ std::string FetchCommand() {
 }
 
 void WriteCommand(const fs::path& folder, const SampleCommand& sample) {
-  const xml::Document command = xml::Document::Parse("<COMMAND><NAME/></COMMAND>");
-  command.First("//NAME").SetText(sample.name);
+  const xml::Document command = MakeCommandDocument(sample.name);
   for (const auto& [name, value] : sample.parameters) {
-    const xml::Node parameter = command.Append(command.CreateElement("PARAMETER"));
-    parameter.Append(command.CreateElement("NAME")).SetText(name);
-    parameter.Append(command.CreateElement("VALUE")).SetText(value);
+    AddParameter(command, name, value);
   }
   WriteFile(folder / (std::string(sample.file) + ".xml"), command.Bytes());
 }

@@ -13,9 +13,9 @@ std::string SapConfiguration(const std::string& element, const std::string& mate
                              const std::vector<std::pair<std::string, std::string>>& characteristics) {
   const xml::Document document = xml::Document::New();
   const xml::Node root = document.Append(document.CreateElement(element));
-  root.Append(document.CreateElement("MATERIAL")).SetText(material);
+  xml::AppendElement(root, "MATERIAL", material);
   for (const auto& [name, value] : characteristics) {
-    const xml::Node node = root.Append(document.CreateElement("CHARACTERISTIC"));
+    const xml::Node node = xml::AppendElement(root, "CHARACTERISTIC");
     node.SetAttribute("NAME", name);
     node.SetAttribute("VALUE", value);
   }

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "interface/command_document.h"
 #include "legacy_standin/bitmap.h"
 #include "legacy_standin/rtf_text.h"
 #include "platform/xml.h"
@@ -99,44 +100,40 @@ constexpr SampleTag kChiller = {"CH-1", "XRC47"};
 constexpr SampleTag kHeatPump = {"HP-7", "WSH47"};
 constexpr SampleTag kFanCoil = {"Küche & Café <EG>", "FCB47"};
 
-void AppendParameter(const xml::Document& command, std::string_view name, const std::vector<std::string_view>& values) {
-  const xml::Node parameter = command.Append(command.CreateElement("PARAMETER"));
-  parameter.Append(command.CreateElement("NAME")).SetText(name);
-  for (const std::string_view value : values) {
-    parameter.Append(command.CreateElement("VALUE")).SetText(value);
+/// One parameter that names all of these reports; at least one.
+void AddReportNames(const xml::Document& command, const std::vector<std::string_view>& reportNames) {
+  const xml::Node parameter = command.Append(MakeParameterElement("reportName", reportNames.front()));
+  for (std::size_t i = 1; i < reportNames.size(); ++i) {
+    xml::AppendElement(parameter, "VALUE", reportNames[i]);
   }
 }
 
-void AppendTags(const xml::Document& command, const std::vector<SampleTag>& tags) {
-  AppendParameter(command, "data", {""});
-  const xml::Node data = command.Root().All("PARAMETER/VALUE").back();
+void AddTags(const xml::Document& command, const std::vector<SampleTag>& tags) {
+  const xml::Node data = command.Append(MakeParameterElement("data", "")).Child("VALUE");
   for (const SampleTag& tag : tags) {
-    const xml::Node entry = data.Append(command.CreateElement("TAG"));
-    entry.Append(command.CreateElement("NAME")).SetText(tag.name);
-    entry.Append(command.CreateElement("PDSG")).SetText(tag.pdsg);
-    entry.Append(command.CreateElement("DATATYPE")).SetText("0");
+    const xml::Node entry = xml::AppendElement(data, "TAG");
+    xml::AppendElement(entry, "NAME", tag.name);
+    xml::AppendElement(entry, "PDSG", tag.pdsg);
+    xml::AppendElement(entry, "DATATYPE", "0");
   }
 }
 
 /// A command document for reports of these tags, made by one of the report commands.
 xml::Document ReportCommand(std::string_view command, std::string_view projectName,
                             const std::vector<std::string_view>& reportNames, const std::vector<SampleTag>& tags) {
-  const xml::Document document = xml::Document::Parse("<COMMAND><NAME/></COMMAND>");
-  document.First("//NAME").SetText(command);
-  AppendParameter(document, "projectName", {projectName});
-  AppendParameter(document, "reportName", reportNames);
-  AppendParameter(document, "UnitsOfMeasure", {"English"});
-  AppendTags(document, tags);
+  const xml::Document document = MakeCommandDocument(command, {{"projectName", projectName}});
+  AddReportNames(document, reportNames);
+  AddParameter(document, "UnitsOfMeasure", "English");
+  AddTags(document, tags);
   return document;
 }
 
 std::vector<SampleFile> CommandFiles(std::string_view projectName) {
-  const xml::Document available = xml::Document::Parse("<COMMAND><NAME>getAvailableReports</NAME></COMMAND>");
-  AppendParameter(available, "PDSG", {kRooftop.pdsg});
+  const xml::Document available = MakeCommandDocument("getAvailableReports", {{"PDSG", kRooftop.pdsg}});
   const xml::Document schedule =
       ReportCommand("getReport", projectName, {"EquipmentSchedule"}, {kRooftop, kHeatPump, kFanCoil});
-  const xml::Node again = schedule.Append(schedule.CreateElement("command")).Append(schedule.CreateElement("Report"));
-  again.Append(schedule.CreateElement("Name")).SetText("EquipmentSchedule");
+  const xml::Node again = xml::AppendElement(xml::AppendElement(schedule.Root(), "command"), "Report");
+  xml::AppendElement(again, "Name", "EquipmentSchedule");
   return {
       {"commands/report-01-available.xml", available.Bytes()},
       {"commands/report-02-one.xml",

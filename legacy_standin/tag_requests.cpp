@@ -5,19 +5,16 @@
 #include <string_view>
 #include <vector>
 
+#include "interface/command_document.h"
 #include "legacy_standin/project_store.h"
 #include "legacy_standin/stored_tag.h"
-#include "platform/automation_error.h"
 #include "platform/xml.h"
 
 namespace parvex::standin {
 namespace {
 
-constexpr std::string_view kOwnGroup = "KDQ47";
 constexpr std::string_view kTagTable = "TagData";
 constexpr std::string_view kEveryGroup = "*";
-
-[[noreturn]] void Refuse(const std::string& reason) { throw MakeRuntimeError(RuntimeError::InvalidCall, reason); }
 
 std::string Optional(const xml::Document& request, std::string_view name) {
   return FindParameter(request, name).value_or("");
@@ -26,25 +23,21 @@ std::string Optional(const xml::Document& request, std::string_view name) {
 void CheckParameter(const xml::Document& request, std::string_view name, std::string_view wanted) {
   const std::string given = NeedParameter(request, name);
   if (given != wanted) {
-    Refuse(std::string(name) + " is \"" + given + "\" and not \"" + std::string(wanted) + "\"");
+    RefuseRequest(std::string(name) + " is \"" + given + "\" and not \"" + std::string(wanted) + "\"");
   }
-}
-
-void AddText(const xml::Node& parent, std::string_view name, std::string_view text) {
-  parent.Append(parent.Owner().CreateElement(name)).SetText(text);
 }
 
 /// Tags with a document of their own are ordinary ones ("0"), those that the project alone knows extended ones ("1").
 bool IsExtended(const Unit& unit) { return TagDocumentOf(unit).empty(); }
 
 void AppendListed(const xml::Node& parent, const Unit& unit) {
-  const xml::Node tag = parent.Append(parent.Owner().CreateElement("TAG"));
-  AddText(tag, "NAME", TagNameOf(unit));
-  AddText(tag, "PDSG", PdsgOf(unit));
-  AddText(tag, "DATATYPE", IsExtended(unit) ? "1" : "0");
-  AddText(tag, "TAGVERSION", ProductAttribute(unit, "TagVersion"));
-  AddText(tag, "TAGINDEXID", std::to_string(unit.tagId));
-  AddText(tag, "ID", std::to_string(unit.tagId));
+  const xml::Node tag = xml::AppendElement(parent, "TAG");
+  xml::AppendElement(tag, "NAME", TagNameOf(unit));
+  xml::AppendElement(tag, "PDSG", PdsgOf(unit));
+  xml::AppendElement(tag, "DATATYPE", IsExtended(unit) ? "1" : "0");
+  xml::AppendElement(tag, "TAGVERSION", ProductAttribute(unit, "TagVersion"));
+  xml::AppendElement(tag, "TAGINDEXID", std::to_string(unit.tagId));
+  xml::AppendElement(tag, "ID", std::to_string(unit.tagId));
 }
 
 std::string ListOf(const std::vector<Unit>& units) {
@@ -58,7 +51,7 @@ std::string ListOf(const std::vector<Unit>& units) {
 Unit& NeedTag(std::vector<Unit>& units, const std::string& project, const std::string& pdsg, const std::string& name) {
   const auto found = FindTag(units, pdsg, name);
   if (found == units.end()) {
-    Refuse("project \"" + project + "\" has no tag \"" + name + "\" of the group \"" + pdsg + "\"");
+    RefuseRequest("project \"" + project + "\" has no tag \"" + name + "\" of the group \"" + pdsg + "\"");
   }
   return *found;
 }
@@ -66,10 +59,10 @@ Unit& NeedTag(std::vector<Unit>& units, const std::string& project, const std::s
 void CheckNewName(std::vector<Unit>& units, const std::string& project, const std::string& pdsg,
                   const std::string& name) {
   if (name.empty() || std::ranges::any_of(name, [](unsigned char c) { return c < 0x20; })) {
-    Refuse("\"" + name + "\" is no name of a tag");
+    RefuseRequest("\"" + name + "\" is no name of a tag");
   }
   if (FindTag(units, pdsg, name) != units.end()) {
-    Refuse("project \"" + project + "\" has a tag \"" + name + "\" of the group \"" + pdsg + "\" already");
+    RefuseRequest("project \"" + project + "\" has a tag \"" + name + "\" of the group \"" + pdsg + "\" already");
   }
 }
 
@@ -82,15 +75,15 @@ std::string GetTagList(const Application& application, const xml::Document& requ
 
 std::string TagAnswer(const std::string& project, const Unit& unit) {
   const xml::Document answer = xml::Document::Parse("<TAGS/>");
-  const xml::Node tag = answer.Append(answer.CreateElement(IsExtended(unit) ? "PROTOTAG" : "TAG"));
-  AddText(tag, "TagName", TagNameOf(unit));
-  const xml::Node owner = tag.Append(answer.CreateElement("Project"));
+  const xml::Node tag = xml::AppendElement(answer.Root(), IsExtended(unit) ? "PROTOTAG" : "TAG");
+  xml::AppendElement(tag, "TagName", TagNameOf(unit));
+  const xml::Node owner = xml::AppendElement(tag, "Project");
   owner.SetAttribute("ProjectID", project);
-  const xml::Node property = owner.Append(answer.CreateElement("Property"));
+  const xml::Node property = xml::AppendElement(owner, "Property");
   property.SetAttribute("name", "proj_name");
-  AddText(property, "Value", project);
+  xml::AppendElement(property, "Value", project);
   if (IsExtended(unit)) {
-    const xml::Node application = tag.Append(answer.CreateElement("Application"));
+    const xml::Node application = xml::AppendElement(tag, "Application");
     application.SetAttribute("PDSG", PdsgOf(unit));
   } else {
     tag.Append(xml::Document::Parse(TagDocumentOf(unit)).Root());
@@ -111,12 +104,12 @@ std::string GetTag(const Application& application, const xml::Document& request)
 }
 
 std::string GetTagEx(const Application& application, const xml::Document& request) {
-  CheckParameter(request, "pdsg", kOwnGroup);
+  CheckParameter(request, "pdsg", kLegacyPdsg);
   return FetchTag(application, request, "pdsgFilter");
 }
 
 std::string RenameTagEx(const Application& application, const xml::Document& request) {
-  CheckParameter(request, "pdsg", kOwnGroup);
+  CheckParameter(request, "pdsg", kLegacyPdsg);
   CheckParameter(request, "tableName", kTagTable);
   const ProjectStore store(application);
   const std::string project = NeedParameter(request, "projectName");
@@ -151,7 +144,7 @@ std::string CopyTagEx(const Application& application, const xml::Document& reque
 xml::Node NeedInTagList(const xml::Document& request, const std::string& path) {
   const xml::Node node = request.First("/COMMAND/PARAMETER[NAME='tagList']/VALUE/" + path);
   if (!node) {
-    Refuse("tagList has no " + path);
+    RefuseRequest("tagList has no " + path);
   }
   return node;
 }
@@ -169,7 +162,7 @@ std::string CopyTagsToProject(const Application& application, const xml::Documen
 }
 
 std::string DeleteTagEx(const Application& application, const xml::Document& request) {
-  CheckParameter(request, "pdsg", kOwnGroup);
+  CheckParameter(request, "pdsg", kLegacyPdsg);
   const ProjectStore store(application);
   const std::string project = NeedParameter(request, "projectName");
   const std::string pdsg = NeedInTagList(request, "TAGS/TAG/PDSG").Text();
@@ -178,7 +171,7 @@ std::string DeleteTagEx(const Application& application, const xml::Document& req
   std::vector<Unit> units = store.ReadUnits(project);
   const Unit deleted = NeedTag(units, project, pdsg, name);
   if (!number.empty() && number != std::to_string(deleted.tagId)) {
-    Refuse("tag \"" + name + "\" has the number " + std::to_string(deleted.tagId) + " and not " + number);
+    RefuseRequest("tag \"" + name + "\" has the number " + std::to_string(deleted.tagId) + " and not " + number);
   }
   units.erase(FindTag(units, pdsg, name));
   store.WriteUnits(project, units);

@@ -14,20 +14,14 @@
 namespace parvex::cli {
 namespace {
 
-xml::Node AppendText(const xml::Node& parent, std::string_view name, std::string_view text) {
-  const xml::Node element = parent.Append(parent.Owner().CreateElement(name));
-  element.SetText(text);
-  return element;
-}
-
 // A selection of the tags named, of all when none is.
 xml::Node MakeSelection(const std::vector<std::string>& tags) {
   const xml::Node selection =
       xml::Document::Parse("<UserSelectionTransfer><ProjectName/></UserSelectionTransfer>").Root();
   if (!tags.empty()) {
-    const xml::Node names = AppendText(selection, "TagNames", "");
+    const xml::Node names = xml::AppendElement(selection, "TagNames");
     for (const std::string& tag : tags) {
-      AppendText(names, "TagName", tag);
+      xml::AppendElement(names, "TagName", tag);
     }
   }
   return selection;
@@ -48,7 +42,7 @@ xml::Node ReadSelection(const std::string& file) {
 void SetProject(const xml::Node& selection, const std::string& project, const std::string& file) {
   const xml::Node name = selection.Descendant("ProjectName");
   if (!name) {
-    AppendText(selection, "ProjectName", project);
+    xml::AppendElement(selection, "ProjectName", project);
   } else if (const std::string named = name.Text(); named.empty()) {
     name.SetText(project);
   } else if (named != project) {

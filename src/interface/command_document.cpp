@@ -72,8 +72,8 @@ bool SetParamValue(const xml::Document& command, std::string_view name, std::str
 xml::Node MakeParameterElement(std::string_view name, std::string_view value) {
   const xml::Document scratch = xml::Document::New();
   const xml::Node parameter = scratch.CreateElement("PARAMETER");
-  parameter.Append(scratch.CreateElement("NAME")).SetText(name);
-  parameter.Append(scratch.CreateElement("VALUE")).SetText(value);
+  xml::AppendElement(parameter, "NAME", name);
+  xml::AppendElement(parameter, "VALUE", value);
   return parameter;
 }
 
@@ -85,6 +85,13 @@ void AddParameters(const xml::Document& command, Parameters parameters) {
   for (const auto& [name, value] : parameters) {
     AddParameter(command, name, value);
   }
+}
+
+xml::Document MakeCommandDocument(std::string_view name, Parameters parameters) {
+  const xml::Document command = xml::Document::Parse("<COMMAND/>");
+  xml::AppendElement(command.Root(), "NAME", name);
+  AddParameters(command, parameters);
+  return command;
 }
 
 void SetCommandName(const xml::Document& command, std::string_view name) {

@@ -36,6 +36,9 @@ using Parameters = std::initializer_list<std::pair<std::string_view, std::string
 /// Appends parameters in the order given.
 void AddParameters(const xml::Document& command, Parameters parameters);
 
+/// A new command document with this name and these parameters.
+xml::Document MakeCommandDocument(std::string_view name, Parameters parameters = {});
+
 /// Replaces the text of the first COMMAND/NAME ("object not set" when there is none).
 void SetCommandName(const xml::Document& command, std::string_view name);
 

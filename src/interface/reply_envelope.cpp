@@ -4,8 +4,8 @@ namespace parvex {
 
 xml::Document MakeReplyEnvelope() {
   const xml::Document reply = xml::Document::Parse("<LegacyORLA/>");
-  reply.Append(reply.CreateElement("returnError")).SetText("0");
-  reply.Append(reply.CreateElement("errorMessage"));
+  xml::AppendElement(reply.Root(), "returnError", "0");
+  xml::AppendElement(reply.Root(), "errorMessage");
   return reply;
 }
 

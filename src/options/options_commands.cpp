@@ -73,7 +73,7 @@ void WriteOptions(const LegacyLink& link, const xml::Document& command) {
 }  // namespace
 
 xml::Document GetOptions(LegacyLink& link, const xml::Document&) {
-  const xml::Document reply = xml::Document::Parse("<COMMAND><NAME>setOptions</NAME></COMMAND>");
+  const xml::Document reply = MakeCommandDocument("setOptions");
   const xml::Document options = LoadFromProgramFolder(link.platform, "Options.xml");
   if (options.IsEmpty()) {
     return reply;

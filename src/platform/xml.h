@@ -147,4 +147,11 @@ class Document {
   Node node_;
 };
 
+/// Appends a new element that holds one text (nothing for an empty text), and returns it.
+inline Node AppendElement(const Node& parent, std::string_view name, std::string_view text = {}) {
+  const Node element = parent.Append(parent.Owner().CreateElement(name));
+  element.SetText(text);
+  return element;
+}
+
 }  // namespace parvex::xml

@@ -8,13 +8,6 @@
 
 namespace parvex {
 
-xml::Document MakeRequest(std::string_view name, Parameters parameters) {
-  const xml::Document request = xml::Document::Parse("<COMMAND><NAME/></COMMAND>");
-  SetCommandName(request, name);
-  AddParameters(request, parameters);
-  return request;
-}
-
 bool Ask(const LegacyLink& link, const xml::Document& request, xml::Document& answer) {
   std::string text;
   const bool carriedOut = link.SendRequestMessage(request.Xml(), text);

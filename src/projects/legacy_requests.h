@@ -12,9 +12,6 @@ namespace parvex {
 // Requests to the legacy application are command documents. Most are the front end's own document, changed in place: a
 // new name where the legacy command has another, and parameters appended behind the front end's own.
 
-/// A request of this system's own: COMMAND with this name and these parameters.
-xml::Document MakeRequest(std::string_view name, Parameters parameters);
-
 /// Sends a request and loads the answer. False when the router refuses; the answer is then a null document.
 bool Ask(const LegacyLink& link, const xml::Document& request, xml::Document& answer);
 

@@ -36,7 +36,7 @@ bool AskStatus(const LegacyLink& link, const xml::Document& question, std::strin
 }
 
 bool ProjectExists(const LegacyLink& link, std::string_view projectName) {
-  return AskStatus(link, MakeRequest("projectExist", {{"projectName", projectName}, {"pdsg", kLegacyPdsg}}),
+  return AskStatus(link, MakeCommandDocument("projectExist", {{"projectName", projectName}, {"pdsg", kLegacyPdsg}}),
                    "//STATUS");
 }
 
@@ -119,14 +119,15 @@ xml::Document ArchiveProject(LegacyLink& link, const xml::Document& command) {
 xml::Document RetrieveProject(LegacyLink& link, const xml::Document& command) {
   const std::string archiveFile = GetParamFromCmdDoc(command, "fileSpec");
   xml::Document contents;
-  if (!Ask(link, MakeRequest("getArchiveContents", {{"pdsg", kLegacyPdsg}, {"archiveFile", archiveFile}}), contents)) {
+  if (!Ask(link, MakeCommandDocument("getArchiveContents", {{"pdsg", kLegacyPdsg}, {"archiveFile", archiveFile}}),
+           contents)) {
     return MakeFailedReply();
   }
   const std::string applications = ApplicationList(contents);
-  const xml::Document question = MakeRequest("doesProjectExistInFolder",
-                                             {{"pdsg", kLegacyPdsg},
-                                              {"projectName", GetParamFromCmdDoc(command, "projectName")},
-                                              {"projectPath", GetParamFromCmdDoc(command, "FOLDER")}});
+  const xml::Document question =
+      MakeCommandDocument("doesProjectExistInFolder", {{"pdsg", kLegacyPdsg},
+                                                       {"projectName", GetParamFromCmdDoc(command, "projectName")},
+                                                       {"projectPath", GetParamFromCmdDoc(command, "FOLDER")}});
   if (!AskStatus(link, question, "//STATUS/CODE")) {
     SetCommandName(command, "addProject");
     AddProject(link, command);  // what comes of it shows in the restoring

@@ -52,7 +52,7 @@ xml::Document GetProjectProperties(LegacyLink& link, const xml::Document& comman
   const ProjectContact contact = ReadProjectConfig(link.platform, folder);
   const xml::Node properties = RequiredInAnswer(answer, "//PROPERTIES");
   for (const ContactProperty& property : kContactProperties) {
-    properties.Append(answer.CreateElement(property.element)).SetText(contact.*property.member);
+    xml::AppendElement(properties, property.element, contact.*property.member);
   }
   return answer;
 }
@@ -75,8 +75,8 @@ xml::Document SetProjectProperties(LegacyLink& link, const xml::Document& comman
 std::string GetProjectFolder(const LegacyLink& link, std::string_view projectName) {
   // Whether the router agreed is not asked: an answer without FOLDER says it.
   std::string text;
-  link.SendRequestMessage(MakeRequest("getProjectEx", {{"pdsg", kLegacyPdsg}, {"projectName", projectName}}).Xml(),
-                          text);
+  link.SendRequestMessage(
+      MakeCommandDocument("getProjectEx", {{"pdsg", kLegacyPdsg}, {"projectName", projectName}}).Xml(), text);
   return RequiredInAnswer(xml::Document::Parse(text), "//FOLDER").Text();
 }
 

@@ -30,7 +30,7 @@ void EmbedImages(const Platform& platform, const xml::Document& report, std::str
     const std::string fileName = image.Text();
     image.SetText("");
     image.Append(report.CreateCData(EncodedDrawing(platform, fileName, folder)));
-    image.Append(report.CreateElement("filename")).SetText(fileName);
+    xml::AppendElement(image, "filename", fileName);
   }
 }
 

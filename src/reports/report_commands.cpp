@@ -278,7 +278,7 @@ xml::Document GetSubmittal(LegacyLink& link, const xml::Document& command) {
     AddTag(platform, server, tag);
     AddReport(server, templatePath, reportName, tag);
     MakeReport(server);
-    reply.Append(reply.CreateElement("TAG")).Append(LoadSubmittal(platform, pdsg).Clone());
+    xml::AppendElement(reply.Root(), "TAG").Append(LoadSubmittal(platform, pdsg).Clone());
   }
   DeleteTemporaryReports(platform);
   return reply;

@@ -57,10 +57,10 @@ void AddNewTagNameWhenMissing(const xml::Document& command, std::string_view new
 }
 
 void AddTagToCopy(const xml::Document& command) {
-  const xml::Node data = AddEmptyParameter(command, "tagList").Append(command.CreateElement("DATA"));
-  const xml::Node group = data.Append(command.CreateElement("PDSG"));
+  const xml::Node data = xml::AppendElement(AddEmptyParameter(command, "tagList"), "DATA");
+  const xml::Node group = xml::AppendElement(data, "PDSG");
   group.SetAttribute("Value", GetParamFromCmdDoc(command, "PDSG"));
-  const xml::Node tag = group.Append(command.CreateElement("TAG"));
+  const xml::Node tag = xml::AppendElement(group, "TAG");
   tag.SetAttribute("Name", GetParamFromCmdDoc(command, "tagName"));
   tag.SetAttribute("DataType", GetParamFromCmdDoc(command, "dataType"));
   tag.SetAttribute("ID", "0");
@@ -106,18 +106,16 @@ xml::Document CopyTag(LegacyLink& link, const xml::Document& command) {
 }
 
 xml::Document DeleteTag(LegacyLink& link, const xml::Document& command) {
-  const xml::Document request = xml::Document::Parse("<COMMAND><NAME>deleteTagEx</NAME></COMMAND>");
-  AddParameters(request, {{"pdsg", kLegacyPdsg}, {"projectName", GetParamFromCmdDoc(command, "projectName")}});
-  const xml::Node tag = AddEmptyParameter(request, "tagList")
-                            .Append(request.CreateElement("TAGS"))
-                            .Append(request.CreateElement("TAG"));
+  const xml::Document request = MakeCommandDocument(
+      "deleteTagEx", {{"pdsg", kLegacyPdsg}, {"projectName", GetParamFromCmdDoc(command, "projectName")}});
+  const xml::Node tag = xml::AppendElement(xml::AppendElement(AddEmptyParameter(request, "tagList"), "TAGS"), "TAG");
   for (const auto& [element, parameter] : {std::pair{"DATATYPE", "DATATYPE"}, std::pair{"PDSG", "PDSG"},
                                            std::pair{"NAME", "tagName"}, std::pair{"TAGINDEXID", "TAGINDEXID"},
                                            std::pair{"ID", "ID"}}) {
-    tag.Append(request.CreateElement(element)).SetText(GetParamFromCmdDoc(command, parameter));
+    xml::AppendElement(tag, element, GetParamFromCmdDoc(command, parameter));
   }
   const bool isOrdinary = GetParamFromCmdDoc(command, "DATATYPE") == "0";
-  tag.Append(request.CreateElement("TABLENAME")).SetText(isOrdinary ? kTagTable : "");
+  xml::AppendElement(tag, "TABLENAME", isOrdinary ? kTagTable : "");
   return ForwardAndAcknowledge(link, request);
 }
 

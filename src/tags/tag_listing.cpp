@@ -41,12 +41,10 @@ TagEntry ReadEntry(const xml::Node& tag) {
 
 xml::Document MakeTagRequest(const TagEntry& tag, std::string_view projectName) {
   if (tag.isExtended) {
-    const xml::Document request = xml::Document::Parse("<COMMAND><NAME>getTagEx</NAME></COMMAND>");
-    AddParameters(request, {{"projectName", projectName},
-                            {"pdsg", kLegacyPdsg},
-                            {"pdsgFilter", tag.pdsg},
-                            {"tagName", tag.name}});
-    return request;
+    return MakeCommandDocument("getTagEx", {{"projectName", projectName},
+                                            {"pdsg", kLegacyPdsg},
+                                            {"pdsgFilter", tag.pdsg},
+                                            {"tagName", tag.name}});
   }
   const xml::Document request = xml::Document::Parse(
       "<COMMAND><NAME>getTag</NAME><PARAMETER><NAME>pdsgFilter</NAME><VALUE></VALUE></PARAMETER></COMMAND>");
@@ -108,7 +106,7 @@ void MarkUpToDate(const xml::Document& tagList, const xml::Document& tools) {
     if (found != versions.end()) {
       current = found->second;
     }
-    tag.Append(tagList.CreateElement("UPTODATE")).SetText(version == current ? "-1" : "0");
+    xml::AppendElement(tag, "UPTODATE", version == current ? "-1" : "0");
   }
 }
 
@@ -116,7 +114,7 @@ xml::Document GetTags(LegacyLink& link, const xml::Document& command) {
   const xml::Document reply = xml::Document::Parse("<TagData/>");
   const std::string projectName = GetParamFromCmdDoc(command, "projectName");
   const xml::Node project = reply.CreateElement("PROJECT");
-  project.Append(reply.CreateElement("projectName")).SetText(projectName);
+  xml::AppendElement(project, "projectName", projectName);
   for (const xml::Node& entry : command.All("//TAG")) {
     if (const xml::Node tag = FetchTag(link, ReadEntry(entry), projectName)) {
       project.Append(tag);
@@ -127,8 +125,7 @@ xml::Document GetTags(LegacyLink& link, const xml::Document& command) {
 }
 
 void LookUpTagProducts(LegacyLink& link, std::string_view projectName, const xml::Document& tags) {
-  const xml::Document command = xml::Document::Parse("<COMMAND><NAME>getTags</NAME></COMMAND>");
-  AddParameter(command, "projectName", projectName);
+  const xml::Document command = MakeCommandDocument("getTags", {{"projectName", projectName}});
   const xml::Node data = command.Append(MakeParameterElement("data", "")).Child("VALUE");
   const std::vector<xml::Node> entries = tags.All("//TAG");
   for (const xml::Node& tag : entries) {
@@ -145,7 +142,7 @@ void LookUpTagProducts(LegacyLink& link, std::string_view projectName, const xml
     const xml::Node product = found == products.end() ? xml::Node() : found->second;
     for (const auto& [element, attribute] : {std::pair{"QUANTITY", "Quantity"}, std::pair{"SIZE", "UnitSize"},
                                              std::pair{"PARTNUMBER", "PartNumber"}, std::pair{"MODEL", "Model"}}) {
-      tag.Append(tags.CreateElement(element)).SetText(product ? product.Attribute(attribute).value_or("") : "");
+      xml::AppendElement(tag, element, product ? product.Attribute(attribute).value_or("") : "");
     }
   }
 }

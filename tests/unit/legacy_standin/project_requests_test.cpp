@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "interface/command_document.h"
 #include "legacy_standin/project_archive.h"
 #include "legacy_standin/project_store.h"
 #include "legacy_standin/zip_writer.h"
@@ -24,16 +25,11 @@ class ProjectRequestsTest : public testing::Test, protected StandinMachine {
  protected:
   /// Sends a request of the application's own group.
   bool Send(const std::string& name, const Given& parameters = {}) {
-    const xml::Document request = xml::Document::Parse("<COMMAND><NAME>" + name + "</NAME></COMMAND>");
-    const auto add = [&](const std::string& parameterName, const std::string& value) {
-      const xml::Node parameter = request.Append(request.CreateElement("PARAMETER"));
-      parameter.Append(request.CreateElement("NAME")).SetText(parameterName);
-      parameter.Append(request.CreateElement("VALUE")).SetText(value);
-    };
+    const xml::Document request = MakeCommandDocument(name);
     for (const auto& [parameterName, value] : parameters) {
-      add(parameterName, value);
+      AddParameter(request, parameterName, value);
     }
-    add("pdsg", "KDQ47");
+    AddParameter(request, "pdsg", "KDQ47");
     return Router(application, requests).SendRequestMessage(request.Xml(), answer);
   }
 

@@ -58,10 +58,10 @@ std::string TagFileBeside(std::string_view blobPath) {
   return EqualIgnoringCase(tagFile, blobPath) ? std::string() : tagFile;
 }
 
-// The bytes of a file "Tag" that an earlier run left beside the blob, which is deleted; empty when there is none.
-std::string TakeTagFile(const Platform& platform, const std::string& tagFile) {
+// The bytes of a file "Tag" that an earlier run left beside the blob, which is deleted; null when there is none.
+std::optional<std::string> TakeTagFile(const Platform& platform, const std::string& tagFile) {
   if (tagFile.empty() || !platform.files.IsFile(tagFile)) {
-    return {};
+    return std::nullopt;
   }
   std::string bytes = platform.files.ReadAll(tagFile);
   platform.files.Remove(tagFile);
@@ -90,13 +90,31 @@ const PackedEntry* OnlyFile(const std::vector<PackedEntry>& entries) {
   return only ? &*first : nullptr;
 }
 
+// The text and its status, from the archive's own file "Tag", the one that was left beside it, and the other entries.
+StoredTagText TextAmong(CodePage& codePage, const std::optional<PackedEntry>& tag,
+                        const std::optional<std::string>& left, const std::vector<PackedEntry>& others) {
+  const std::string_view lines = tag ? tag->bytes : left ? *left : std::string_view();
+  if (std::string text = WithUniformLineEnds(TextOf(codePage, lines)); !text.empty()) {
+    return {std::move(text), true, {}};
+  }
+  if (tag) {
+    return {};  // it was the only entry, or there are several
+  }
+  if (const PackedEntry* file = OnlyFile(others)) {
+    if (std::string text = TextOf(codePage, file->bytes); text.find("SAPDATA") != std::string::npos) {
+      return {std::move(text), false, {}};
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
 StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileName) {
   if (fileName.empty() || !platform.files.IsFile(fileName)) {
     return {};
   }
-  const std::string archive = platform.files.ReadAll(fileName);
+  std::string archive = platform.files.ReadAll(fileName);
   if (archive.empty()) {
     return {};
   }
@@ -104,19 +122,12 @@ StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileN
   const std::string tagFile = TagFileBeside(fileName);
   const std::optional<PackedEntry> tag = tagFile.empty() ? std::nullopt : TakeTagEntry(entries);
   ExtractBesideBlob(platform.files, entries, fileName);
-  const std::string left = TakeTagFile(platform, tagFile);
-  if (std::string text = WithUniformLineEnds(TextOf(platform.codePage, tag ? tag->bytes : left)); !text.empty()) {
-    return {std::move(text), true};
+  const std::optional<std::string> left = TakeTagFile(platform, tagFile);
+  StoredTagText read = TextAmong(platform.codePage, tag, left, entries);
+  if (entries.empty() && !left) {
+    read.archive = std::move(archive);
   }
-  if (tag) {
-    return {};  // it was the only entry, or there are several
-  }
-  if (const PackedEntry* file = OnlyFile(entries)) {
-    if (std::string text = TextOf(platform.codePage, file->bytes); text.find("SAPDATA") != std::string::npos) {
-      return {std::move(text), false};
-    }
-  }
-  return {};
+  return read;
 }
 
 }  // namespace parvex

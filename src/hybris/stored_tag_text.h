@@ -11,6 +11,9 @@ struct StoredTagText {
   std::string text;
   /// False exactly when the text was found by the second way of reading.
   bool status = true;
+  /// What the archive's file holds. Empty also where reading the text wrote or deleted other files of the folder: by a
+  /// link, one of them may be the archive itself, which then has to be read again.
+  std::string archive;
 };
 
 /// The text that the legacy application stored for a tag or an accessory in the archive `fileName` (its blob).

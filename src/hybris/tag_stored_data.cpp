@@ -92,9 +92,9 @@ std::string WithUpperCaseSapData(std::string text) {
 }
 
 /// The SAP configuration in a text that was found by the second way of reading: an SAP document of its own.
-std::string SapFromText(const std::string& text, const xml::Document& stored) {
+std::string SapFromText(std::string_view text, const xml::Document& stored) {
   const xml::Node sapData = stored.First("descendant::SAPDATA");
-  return sapData ? sapData.Xml() : text;
+  return sapData ? sapData.Xml() : std::string(text);
 }
 
 /// The SAP configuration within the stored document of a tag, empty when there is none.
@@ -106,9 +106,11 @@ std::string SapFromStoredDocument(const xml::Document& stored) {
   return sapData ? WithUpperCaseSapData(sapData.Xml()) : std::string();
 }
 
+/// `bytes` of the blob, empty when they have to be read.
 void AppendBlob(const Platform& platform, const xml::Document& document, const xml::Node& blobElement,
-                std::string_view blobFileName) {
-  const std::string blob = EncodeFileBase64(platform, blobFileName);
+                std::string_view blobFileName, std::string_view bytes) {
+  const std::string blob = bytes.empty() ? EncodeFileBase64(platform, blobFileName)
+                                         : EncodeFileBase64(platform, blobFileName, bytes);
   if (!blob.empty()) {
     blobElement.Append(document.CreateCData(blob));
   }
@@ -119,7 +121,7 @@ void AppendBlob(const Platform& platform, const xml::Document& document, const x
 TagStoredData ReadTagStoredData(const Platform& platform, const xml::Document& document, const TagElement& tag,
                                 std::string_view blobFileName, std::string_view brandCode, bool isLastTag) {
   const StoredTagText read = ReadStoredTagText(platform, blobFileName);
-  const std::string text = read.text.empty() ? "<Empty />" : read.text;
+  const std::string_view text = read.text.empty() ? "<Empty />" : std::string_view(read.text);
   const xml::Document stored = NewXPathDocument(text);
 
   TagStoredData data;
@@ -127,7 +129,7 @@ TagStoredData ReadTagStoredData(const Platform& platform, const xml::Document& d
   if (isLastTag) {
     LookUpTagIds(platform, document, data.legacyTagId);
   }
-  if (!read.status && text.find("SAPDATA") != std::string::npos) {
+  if (!read.status && text.find("SAPDATA") != std::string_view::npos) {
     data.sapXml = SapFromText(text, stored);
   }
   const bool isSapDocument = !stored.IsEmpty() && stored.Root().Name() == "SAPDATA";
@@ -136,7 +138,7 @@ TagStoredData ReadTagStoredData(const Platform& platform, const xml::Document& d
       data.sapXml = std::move(sapXml);
     }
   }
-  AppendBlob(platform, document, tag.blob, blobFileName);
+  AppendBlob(platform, document, tag.blob, blobFileName, read.archive);
   return data;
 }
 

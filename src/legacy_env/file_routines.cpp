@@ -33,6 +33,10 @@ void ReadFileBytes(const Platform& platform, std::string_view path, std::string&
 std::string EncodeFileBase64(const Platform& platform, std::string_view path) {
   std::string bytes;
   ReadFileBytes(platform, path, bytes);
+  return EncodeFileBase64(platform, path, bytes);
+}
+
+std::string EncodeFileBase64(const Platform& platform, std::string_view path, std::string_view bytes) {
   if (path.find("\\Temp") != std::string_view::npos && FileExists(platform, path)) {
     platform.files.Remove(path);
   }

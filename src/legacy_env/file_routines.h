@@ -18,6 +18,8 @@ void ReadFileBytes(const Platform& platform, std::string_view path, std::string&
 /// The file's bytes as Base64 text, empty for a file that is missing or empty. A file whose path holds "\Temp" (letter
 /// case counts) is deleted once it is read: files in a temporary folder are consumed by being encoded.
 std::string EncodeFileBase64(const Platform& platform, std::string_view path);
+/// The same for a file that has been read already: `bytes` is what it holds.
+std::string EncodeFileBase64(const Platform& platform, std::string_view path, std::string_view bytes);
 
 /// Where a report names a file: one with a backslash in it as it stands; one with ".rtf" in it in the folder GSpec
 /// beside the last component of `folder`; any other in `folder`.

@@ -121,6 +121,17 @@ TEST_F(StoredText, TakesATagFileThatWasThereBefore) {
   EXPECT_FALSE(machine_.Exists(kTagFile));
 }
 
+TEST_F(StoredText, ComesWithTheArchiveAsLongAsNoOtherFileWasTouched) {
+  WriteBlob({{"Tag", "text"}});
+  EXPECT_EQ(Read().archive, machine_.Read(kBlob));
+  machine_.Write(kTagFile, "");
+  EXPECT_EQ(Read().archive, "");
+  WriteBlob({{"Tag", "text"}, {"drawing.dat", "lines"}});
+  EXPECT_EQ(Read().archive, "");
+  machine_.Write(kBlob, "no archive");
+  EXPECT_EQ(Read().archive, "no archive");
+}
+
 // --- The second way ---
 
 TEST_F(StoredText, IsTheOnlyFileOfTheArchiveWhenItHoldsSapData) {

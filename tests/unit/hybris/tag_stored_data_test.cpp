@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <thread>
 
@@ -115,6 +116,15 @@ TEST_F(StoredData, ABlobInATempFolderIsReadBeforeItIsConsumed) {
   EXPECT_EQ(Read(tag, "38A", false, path).buildVersion, "5");
   EXPECT_EQ(tag.blob.Text(), EncodeBase64(bytes));
   EXPECT_FALSE(export_.machine.Exists(path));
+}
+
+TEST_F(StoredData, TheBlobIsWhatItsOwnArchiveMadeOfIt) {
+  // Through a link, an archive can replace itself while it is unpacked.
+  export_.WriteBlob("C:\\blobs\\real.blb", "real.blb", "unpacked");
+  std::filesystem::create_symlink("real.blb", export_.machine.folder.Path() / "drive_c" / "blobs" / "unit.blb");
+  const TagElement tag = AddTag("38A", "m");
+  Read(tag);
+  EXPECT_EQ(tag.blob.Text(), EncodeBase64("unpacked"));
 }
 
 TEST_F(StoredData, ABlobElsewhereIsKept) {

@@ -1,6 +1,9 @@
 #include "hybris/selection_section.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstddef>
+#include <limits>
 
 namespace parvex {
 namespace {
@@ -22,9 +25,11 @@ std::int32_t SelectionSection::Integer(std::string_view key, std::int32_t fallba
 }
 
 std::string SelectionSection::Numbered(std::string_view prefix, std::int32_t number) {
-  key_ = prefix;
-  key_ += std::to_string(number);
-  return Text(key_);
+  constexpr std::size_t kMostDigits = std::numeric_limits<std::int32_t>::digits10 + 2;  // sign included
+  key_.resize(std::max(key_.size(), prefix.size() + kMostDigits));
+  char* const digits = std::copy(prefix.begin(), prefix.end(), key_.data());
+  const char* const end = std::to_chars(digits, digits + kMostDigits, number).ptr;
+  return Text({key_.data(), end});
 }
 
 }  // namespace parvex

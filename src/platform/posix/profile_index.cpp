@@ -148,9 +148,12 @@ const ProfileIndex::Section* ProfileIndex::FindSection(std::string_view name) co
 }
 
 std::optional<std::string_view> ProfileIndex::FindValue(const Section& section, std::string_view key) const {
-  const auto place = Find(section.keys_, file_.HashOfName(key),
-                          [&](std::uint32_t candidate) { return file_.SameName(KeyNameAt(candidate), key); });
-  return place ? KeyValue(LineAt(*place)) : std::nullopt;
+  std::string_view line;
+  const auto place = Find(section.keys_, file_.HashOfName(key), [&](std::uint32_t candidate) {
+    line = LineAt(candidate);
+    return IsKeyOf(line, key);
+  });
+  return place ? KeyValue(line) : std::nullopt;
 }
 
 void ProfileIndex::AddSection(std::uint32_t header, const std::vector<Slot>& keys) {
@@ -197,6 +200,12 @@ std::optional<std::uint32_t> ProfileIndex::Find(const Table& table, std::uint32_
 std::string_view ProfileIndex::LineAt(std::uint32_t place) const {
   const ProfileLine line = ProfileLineAt(text_, place);
   return text_.substr(line.begin, line.end - line.begin);
+}
+
+// Nearly always the key stands right in front of the line's sign, the same but for the letter case of A to Z.
+bool ProfileIndex::IsKeyOf(std::string_view line, std::string_view key) const {
+  const std::string_view upToSign = line.substr(0, line.find('='));
+  return EqualIgnoringAsciiCase(upToSign, key) || file_.SameName(KeyName(line), key);
 }
 
 // Does not look at the value.

@@ -245,18 +245,4 @@ std::string_view WithoutQuotes(std::string_view text) {
   return quoted ? text.substr(1, text.size() - 2) : text;
 }
 
-bool IsAsciiText(std::string_view text) {
-  std::uint64_t all = 0;
-  std::size_t i = 0;
-  for (; i + sizeof all <= text.size(); i += sizeof all) {
-    std::uint64_t word;
-    std::memcpy(&word, text.data() + i, sizeof word);
-    all |= word;
-  }
-  for (; i < text.size(); ++i) {
-    all |= static_cast<unsigned char>(text[i]);
-  }
-  return (all & 0x8080808080808080u) == 0;
-}
-
 }  // namespace parvex::posix

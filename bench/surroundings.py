@@ -61,5 +61,5 @@ def of_software(build):
 
 def commit_of(source):
     commit = said_by("git", "-C", source, "rev-parse", "--short=12", "HEAD")
-    changed = said_by("git", "-C", source, "status", "--porcelain", "--untracked-files=no", "--", "src", "bench")
+    changed = said_by("git", "-C", source, "status", "--porcelain", "--untracked-files=no", "--", ":/src", ":/bench")
     return commit + (" with changes that are not committed" if changed else "")

@@ -22,8 +22,9 @@ bool LeadsSomewhere(const std::string& host) {
 
 }  // namespace
 
-std::optional<std::string> FolderNames::Find(const std::string& folder, const std::string& name) {
-  const Listing* listing = Current(folder);
+std::optional<std::string> FolderNames::Find(const std::string& folder, const struct stat& status,
+                                             const std::string& name) {
+  const Listing* listing = Current(folder, VersionIn(status));
   if (listing == nullptr) {
     return std::nullopt;
   }
@@ -66,7 +67,11 @@ std::optional<FolderNames::Version> FolderNames::VersionOf(const std::string& fo
   if (stat(folder.c_str(), &status) != 0) {
     return std::nullopt;
   }
-  return Version{status.st_dev, status.st_ino, status.st_mtim.tv_sec * 1'000'000'000ll + status.st_mtim.tv_nsec};
+  return VersionIn(status);
+}
+
+FolderNames::Version FolderNames::VersionIn(const struct stat& status) {
+  return {status.st_dev, status.st_ino, status.st_mtim.tv_sec * 1'000'000'000ll + status.st_mtim.tv_nsec};
 }
 
 bool FolderNames::IsSettled(const Version& version) {
@@ -74,16 +79,11 @@ bool FolderNames::IsSettled(const Version& version) {
   return now - std::chrono::nanoseconds(version.modifiedNanoseconds) > kSettled;
 }
 
-// The listing that holds for the folder as it is now; null when it cannot be read.
-const FolderNames::Listing* FolderNames::Current(const std::string& folder) {
-  const std::optional<Version> version = VersionOf(folder);
-  if (!version) {
-    listings_.erase(folder);
-    return nullptr;
-  }
-  const bool isSettled = IsSettled(*version);
+// The listing that holds for this version of the folder; null when it cannot be read.
+const FolderNames::Listing* FolderNames::Current(const std::string& folder, const Version& version) {
+  const bool isSettled = IsSettled(version);
   const auto known = listings_.find(folder);
-  if (known != listings_.end() && known->second.version == *version &&
+  if (known != listings_.end() && known->second.version == version &&
       (known->second.isExact || (known->second.isOurs && !isSettled))) {
     return &known->second;
   }
@@ -91,7 +91,7 @@ const FolderNames::Listing* FolderNames::Current(const std::string& folder) {
   if (!reading) {
     return nullptr;
   }
-  Listing listing{*version, isSettled, false, {}};
+  Listing listing{version, isSettled, false, {}};
   while (const dirent* entry = readdir(reading.get())) {
     listing.names[FoldName(entry->d_name)].emplace_back(entry->d_name);
   }

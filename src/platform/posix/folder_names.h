@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstdint>
@@ -18,8 +19,9 @@ namespace parvex::posix {
 /// moves in steps, and within one step the two cannot be told apart.
 class FolderNames {
  public:
-  /// The first name in `folder`, in the order of the bytes, that is `name` in any letter case and leads somewhere.
-  std::optional<std::string> Find(const std::string& folder, const std::string& name);
+  /// The first name in `folder`, in the order of the bytes, that is `name` in any letter case and leads somewhere. `status`
+  /// is the folder's of this moment.
+  std::optional<std::string> Find(const std::string& folder, const struct stat& status, const std::string& name);
 
   /// Called around a change that this program makes in a folder: before it, and with the name that came or went after it.
   void BeforeChange(const std::string& folder);
@@ -45,7 +47,8 @@ class FolderNames {
 
   static std::optional<Version> VersionOf(const std::string& folder);
   static bool IsSettled(const Version& version);
-  const Listing* Current(const std::string& folder);
+  static Version VersionIn(const struct stat& status);
+  const Listing* Current(const std::string& folder, const Version& version);
   Listing* Noted(const std::string& folder);
 
   std::unordered_map<std::string, Listing> listings_;

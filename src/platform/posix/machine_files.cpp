@@ -85,9 +85,9 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
   return Matches(ToUtf16(FoldName(name)), ToUtf16(FoldName(pattern)));
 }
 
-bool MachineFiles::IsFile(std::string_view path) { return Is(Kind::File, folder_.Resolve(path)); }
+bool MachineFiles::IsFile(std::string_view path) { return folder_.IsFile(path); }
 
-bool MachineFiles::IsFolder(std::string_view path) { return Is(Kind::Folder, folder_.Resolve(path)); }
+bool MachineFiles::IsFolder(std::string_view path) { return folder_.IsFolder(path); }
 
 std::vector<std::string> MachineFiles::ListFiles(std::string_view pattern) {
   std::size_t split = pattern.find_last_of("\\/:");

@@ -61,12 +61,7 @@ bool AppendComponent(std::vector<std::string>& names, std::string_view component
   return true;
 }
 
-bool Exists(const std::string& host) {
-  struct stat status;
-  return stat(host.c_str(), &status) == 0;
-}
-
-bool IsFolder(const std::string& host) {
+bool IsHostFolder(const std::string& host) {
   struct stat status;
   return stat(host.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
@@ -140,7 +135,7 @@ MachineFolder::MachineFolder(const std::filesystem::path& root) : root_(std::fil
   if (!root_.has_filename()) {
     root_ = root_.parent_path();
   }
-  if (!IsFolder(root_.string())) {
+  if (!IsHostFolder(root_.string())) {
     throw MakeRuntimeError(RuntimeError::PathNotFound, "the machine folder " + root.string() + " does not exist");
   }
 }
@@ -151,11 +146,20 @@ std::optional<std::filesystem::path> MachineFolder::Resolve(std::string_view pat
 }
 
 std::optional<std::filesystem::path> MachineFolder::Resolve(const MachinePath& path) {
-  const std::optional<std::string> host = Find(path, path.names.size());
-  if (!host || (path.endsInSeparator && !IsFolder(*host))) {
-    return std::nullopt;
-  }
-  return *host;
+  const std::optional<Found> found = Find(path);
+  return found ? std::optional<std::filesystem::path>(found->host) : std::nullopt;
+}
+
+bool MachineFolder::IsFile(std::string_view path) {
+  const std::optional<MachinePath> parsed = MachinePath::Parse(path);
+  const std::optional<Found> found = parsed ? Find(*parsed) : std::nullopt;
+  return found && S_ISREG(found->status.st_mode);
+}
+
+bool MachineFolder::IsFolder(std::string_view path) {
+  const std::optional<MachinePath> parsed = MachinePath::Parse(path);
+  const std::optional<Found> found = parsed ? Find(*parsed) : std::nullopt;
+  return found && found->IsFolder();
 }
 
 std::filesystem::path MachineFolder::Target(std::string_view path) {
@@ -171,12 +175,12 @@ std::filesystem::path MachineFolder::Target(const MachinePath& path) {
   if (!folder) {
     throw MakeRuntimeError(RuntimeError::PathNotFound, "the folder of " + path.Text() + " does not exist");
   }
-  const std::optional<std::string> existing = Find(path, path.names.size());
-  if (path.endsInSeparator || path.names.empty() || (existing && IsFolder(*existing))) {
+  const std::optional<Found> existing = Find(path, path.names.size());
+  if (path.endsInSeparator || path.names.empty() || (existing && existing->IsFolder())) {
     throw MakeRuntimeError(RuntimeError::PathFileAccess, path.Text() + " is a folder");
   }
-  RefuseOutsideOfDrive(path, existing ? std::filesystem::path(*existing) : *folder);
-  return existing ? std::filesystem::path(*existing) : *folder / path.names.back();
+  RefuseOutsideOfDrive(path, existing ? std::filesystem::path(existing->host) : *folder);
+  return existing ? std::filesystem::path(existing->host) : *folder / path.names.back();
 }
 
 void MachineFolder::Changing(const std::filesystem::path& host) {
@@ -227,33 +231,43 @@ std::string MachineFolder::DriveFolder(char drive) const {
   return root_.string() + "/drive_" + static_cast<char>(drive | 0x20);
 }
 
+// What all of a path means; a final separator asks for a folder.
+std::optional<MachineFolder::Found> MachineFolder::Find(const MachinePath& path) {
+  std::optional<Found> found = Find(path, path.names.size());
+  return path.endsInSeparator && found && !found->IsFolder() ? std::nullopt : std::move(found);
+}
+
 // The first `depth` names of a path.
-std::optional<std::string> MachineFolder::Find(const MachinePath& path, std::size_t depth) {
+std::optional<MachineFolder::Found> MachineFolder::Find(const MachinePath& path, std::size_t depth) {
   std::string exact = DriveFolder(path.drive);
   for (std::size_t i = 0; i < depth; ++i) {
     exact.append("/").append(path.names[i]);
   }
-  if (Exists(exact)) {
-    return exact;
+  struct stat status;
+  if (stat(exact.c_str(), &status) == 0) {
+    return Found{std::move(exact), status};
   }
   if (depth == 0) {
     return std::nullopt;
   }
   if (const auto known = found_.find(exact); known != found_.end()) {
-    if (Exists(known->second)) {
-      return known->second;
+    if (stat(known->second.c_str(), &status) == 0) {
+      return Found{known->second, status};
     }
     found_.erase(known);
   }
-  const std::optional<std::string> folder = Find(path, depth - 1);
-  const std::optional<std::string> name = folder ? folderNames_.Find(*folder, path.names[depth - 1]) : std::nullopt;
-  if (!name) {
+  const std::optional<Found> folder = Find(path, depth - 1);
+  const std::optional<std::string> name =
+      folder ? folderNames_.Find(folder->host, folder->status, path.names[depth - 1]) : std::nullopt;
+  std::string host = name ? folder->host + "/" + *name : std::string();
+  if (!name || stat(host.c_str(), &status) != 0) {
     return std::nullopt;
   }
   if (found_.size() >= kMostFoundPaths) {
     found_.clear();
   }
-  return found_.emplace(std::move(exact), *folder + "/" + *name).first->second;
+  found_.insert_or_assign(std::move(exact), host);
+  return Found{std::move(host), status};
 }
 
 }  // namespace parvex::posix

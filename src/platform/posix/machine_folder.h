@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstddef>
@@ -59,6 +60,10 @@ class MachineFolder {
   std::optional<std::filesystem::path> Resolve(std::string_view path);
   std::optional<std::filesystem::path> Resolve(const MachinePath& path);
 
+  /// Whether a path means a file, and whether a folder; looked at in the same step.
+  bool IsFile(std::string_view path);
+  bool IsFolder(std::string_view path);
+
   /// Where a file is to be written: the existing file, else the name as given in its existing folder. AutomationErrors:
   /// the folder does not exist (76); the path is a folder, cannot be a file's, or leads out of its drive by a link
   /// (75).
@@ -81,11 +86,18 @@ class MachineFolder {
     ino_t inode;
     bool operator==(const FolderIdentity&) const = default;
   };
+  /// What a path means, as it was a moment ago.
+  struct Found {
+    std::string host;
+    struct stat status;
+    bool IsFolder() const { return S_ISDIR(status.st_mode); }
+  };
   static std::optional<FolderIdentity> IdentityOf(const std::string& folder);
 
   std::string DriveFolder(char drive) const;
   void RefuseRealPathOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host) const;
-  std::optional<std::string> Find(const MachinePath& path, std::size_t depth);
+  std::optional<Found> Find(const MachinePath& path);
+  std::optional<Found> Find(const MachinePath& path, std::size_t depth);
 
   std::filesystem::path root_;
   // The spelling of a host path as asked for, to the existing one that was found for it. Every use checks that it still

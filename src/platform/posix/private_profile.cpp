@@ -106,7 +106,7 @@ class ProfileFiles::FileSection : public ProfileSection {
     if (const std::optional<std::string_view> value = Find(key)) {
       return parsed_->text.Read(WithoutQuotes(*value), most);
     }
-    return CutToAnsi(AsValue(fallback), most);
+    return fallback.empty() ? std::string() : CutToAnsi(AsValue(fallback), most);
   }
 
   std::int32_t ReadInteger(std::string_view key, std::int32_t fallback) override {

@@ -238,6 +238,47 @@ TEST(XmlDepth, OfABuiltTreeIsNoDanger) {
   EXPECT_EQ(node.Text(), "x");
 }
 
+// Nodes that went into another document lie in memory that both use.
+TEST(XmlMemory, OfNodesThatMovedOutlivesTheirFirstDocument) {
+  Document target = Document::Parse("<t/>");
+  Node held;
+  {
+    const Document source = Document::Parse("<s><a b=\"1\" xmlns:p=\"u\"><p:c>text<!-- note --><?i do?></p:c></a><d/></s>");
+    held = target.Append(source.First("//a"));
+    EXPECT_EQ(source.Xml(), "<s><d/></s>\r\n");
+  }
+  const std::string markup = "<a xmlns:p=\"u\" b=\"1\"><p:c>text<!-- note --><?i do?></p:c></a>";
+  EXPECT_EQ(target.Root().Xml(), "<t>" + markup + "</t>");
+  target = Document();
+  EXPECT_EQ(held.Xml(), markup);
+}
+
+TEST(XmlMemory, OfADocumentOutlivesOnesThatTookNodesFromIt) {
+  const Document source = Document::Parse("<s/>");
+  for (int i = 0; i < 1000; ++i) {
+    const Node leaf = source.CreateElement("leaf");
+    leaf.SetText(std::string(static_cast<std::size_t>(i), 'x'));
+    leaf.SetAttribute("k", std::to_string(i));
+    const Document target = Document::Parse("<t><u>v</u></t>");
+    target.Append(leaf);
+    ASSERT_EQ(target.First("//leaf").Text().size(), static_cast<std::size_t>(i));
+  }
+  EXPECT_EQ(source.Xml(), "<s/>\r\n");
+}
+
+TEST(XmlMemory, OfTextsThatAreReplacedIsUsedAgain) {
+  const Document document = Document::Parse("<a b=\"\"><![CDATA[x]]></a>");
+  const Node root = document.Root();
+  const Node section = root.FirstChild();
+  for (const std::size_t size : {0u, 1u, 7u, 8u, 255u, 256u, 70'000u, 3u, 0u}) {
+    const std::string text(size, 'y');
+    section.SetText(text);
+    root.SetAttribute("b", text);
+    ASSERT_EQ(section.Text(), text);
+    ASSERT_EQ(root.Attribute("b"), text);
+  }
+}
+
 TEST(XmlGrowth, IsLinearInNeighbouringSectionsAndReferences) {
   constexpr std::size_t kCount = 400'000;
   const Document sections = Document::Parse("<a>" + Repeated("<![CDATA[0123456789]]>", kCount) + "</a>");

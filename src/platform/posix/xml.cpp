@@ -144,10 +144,8 @@ xmlAttr* NewAttribute(xmlNode* element, std::string_view name) {
       Refuse("The prefix of the attribute " + Quoted(name) + " is not declared at " + NameOf(element) + ".");
     }
   }
-  constexpr std::size_t kQuotesAndSign = 4;  // blank, =, ""
-  StateOf(element->doc).markupGuess += name.size() + kQuotesAndSign;
   StateOf(element->doc).usesSpaceAttribute |= name == "xml:space";
-  return xmlNewNsProp(element, space, Chars(std::string(local).c_str()), nullptr);
+  return AppendAttribute(element, LastAttribute(element), space, local);
 }
 
 bool IsMovable(const xmlNode* node) {

@@ -10,6 +10,7 @@
 #include <emmintrin.h>
 #endif
 
+#include "platform/posix/large_pages.h"
 #include "platform/xml_characters.h"
 
 namespace parvex::xml {
@@ -56,7 +57,10 @@ std::size_t RunLength(const char* text, std::size_t size) {
 class Sink {
  public:
   // A little more room than expected, since a string that has to grow at the end is copied as a whole.
-  void Expect(std::size_t size) { text_.reserve(size + size / 16); }
+  void Expect(std::size_t size) {
+    text_.reserve(size + size / 16);
+    posix::PreferLargePages(text_.data(), text_.capacity());
+  }
 
   void Add(std::string_view piece) {
     if (piece.size() > kRoom - used_) {
@@ -419,7 +423,7 @@ struct JoinedText {
   }
 
   void AddBlankFor(const xmlNode* node, unsigned short where) {
-    if ((node->extra & where) != 0) {
+    if ((BlanksAt(node) & where) != 0) {
       text += ' ';
     }
   }

@@ -5,9 +5,12 @@
 #include <libxml/parserInternals.h>
 #include <libxml/valid.h>
 
+#include <algorithm>
 #include <climits>
 #include <memory>
 #include <new>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/xml_characters.h"
@@ -16,17 +19,21 @@
 namespace parvex::xml {
 namespace {
 
-constexpr int kDeepestElement = 10'000;
+constexpr std::size_t kDeepestElement = 10'000;
 
 // Bytes that expanded entities and attributes defaulted by a DOCTYPE may add to a document, all together. The library's
 // own guard is off for large documents.
 constexpr std::size_t kMostExpansion = 1'000'000;
 
-// What the parser's callbacks know beyond the library's context.
+// What the parser's callbacks know beyond the library's context. They build the tree themselves: white space between
+// elements never becomes a node, and neighbouring pieces of a text are joined once.
 struct Parsing {
   std::size_t expanded = 0;
   std::string error;         // the first one
   bool outOfMemory = false;  // an exception must not pass through the library
+  xmlNode* open = nullptr;   // the innermost element that is open, or the document
+  std::vector<bool> keepsBlanks{false};  // of the elements that are open, and outside of them
+  std::string text;          // since the last tag, section, comment or instruction
 };
 
 Parsing& ParsingOf(void* context) { return *static_cast<Parsing*>(static_cast<xmlParserCtxt*>(context)->_private); }
@@ -125,33 +132,159 @@ xmlParserInputPtr OnResolve(void*, const xmlChar*, const xmlChar*) { return null
 
 void OnExternalSubset(void*, const xmlChar*, const xmlChar*, const xmlChar*) {}
 
+// Does what a callback has to do; no exception may pass through the library.
+template <typename Work>
+void Carefully(void* context, Work work) noexcept {
+  try {
+    work(ParsingOf(context));
+  } catch (const std::bad_alloc&) {
+    ParsingOf(context).outOfMemory = true;
+    xmlStopParser(static_cast<xmlParserCtxt*>(context));
+  }
+}
+
+bool IsBlankText(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return IsBlank(c); });
+}
+
+// What was read as text since the last node becomes one, or is remembered as dropped white space.
+void EndText(Parsing& parsing) {
+  if (parsing.text.empty()) {
+    return;
+  }
+  xmlNode* parent = parsing.open;
+  if (parsing.keepsBlanks.back() || !IsBlankText(parsing.text)) {
+    AppendText(parent, parsing.text);
+  } else if (parent->last != nullptr) {
+    parent->last->extra |= kBlankAfter;
+  } else {
+    parent->extra |= kBlankInside;
+  }
+  parsing.text.clear();
+}
+
+void OnStartDocument(void* context) {
+  Carefully(context, [&](Parsing& parsing) {
+    xmlSAX2StartDocument(context);
+    xmlDoc* document = static_cast<xmlParserCtxt*>(context)->myDoc;
+    if (document == nullptr) {
+      throw std::bad_alloc();
+    }
+    TakeIn(document);
+    parsing.open = AsNode(document);
+  });
+}
+
+std::string_view Between(const xmlChar* begin, const xmlChar* end) {
+  return {reinterpret_cast<const char*>(begin), static_cast<std::size_t>(end - begin)};
+}
+
+// The document's namespace of that prefix and name; null for no name.
+xmlNs* NamespaceFor(xmlDoc* document, const xmlChar* prefix, const xmlChar* uri) {
+  if (uri == nullptr) {
+    return nullptr;
+  }
+  xmlNs wanted{};
+  wanted.prefix = prefix;
+  wanted.href = uri;
+  return OwnNamespace(document, &wanted);
+}
+
+// An attribute as the parser tells it.
+struct ReadAttribute {
+  const xmlChar* name;
+  const xmlChar* prefix;
+  const xmlChar* uri;
+  const xmlChar* begin;
+  const xmlChar* end;
+};
+
+// Whether white space counts in an element that has this attribute; `outside` when the attribute does not say it.
+bool KeepsBlanks(const ReadAttribute& attribute, bool outside, xmlDoc* document) {
+  if (View(attribute.prefix) != "xml" || View(attribute.name) != "space") {
+    return outside;
+  }
+  StateOf(document).usesSpaceAttribute = true;
+  return Between(attribute.begin, attribute.end) == "preserve";
+}
+
 void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaceCount,
                     const xmlChar** namespaces, int attributeCount, int defaultedCount, const xmlChar** attributes) {
-  constexpr int kFields = 5;  // name, prefix, namespace, value, end of value
-  if (static_cast<xmlParserCtxt*>(context)->nodeNr >= kDeepestElement) {
+  if (ParsingOf(context).keepsBlanks.size() > kDeepestElement) {
     Refuse(context, "elements are nested more deeply than ", std::to_string(kDeepestElement));
     return;
   }
-  for (int i = attributeCount - defaultedCount; i < attributeCount; ++i) {
-    const xmlChar** attribute = attributes + static_cast<std::ptrdiff_t>(i) * kFields;
-    if (!CountExpansion(context, static_cast<std::size_t>(attribute[4] - attribute[3]))) {
+  const auto* read = reinterpret_cast<const ReadAttribute*>(attributes);
+  const int written = attributeCount - defaultedCount;
+  for (int i = written; i < attributeCount; ++i) {
+    if (!CountExpansion(context, Between(read[i].begin, read[i].end).size())) {
       return;
     }
   }
-  xmlSAX2StartElementNs(context, name, prefix, uri, namespaceCount, namespaces, attributeCount, defaultedCount,
-                        attributes);
+  Carefully(context, [&](Parsing& parsing) {
+    EndText(parsing);
+    xmlDoc* document = parsing.open->doc;
+    xmlNode* element = AppendElement(parsing.open, View(name));
+    for (int i = 0; i < namespaceCount; ++i) {
+      AppendDeclaration(element, View(namespaces[2 * i]), View(namespaces[2 * i + 1]));
+    }
+    element->ns = NamespaceFor(document, prefix, uri);
+    bool keepsBlanks = parsing.keepsBlanks.back();
+    xmlAttr* last = nullptr;
+    // Attributes that only a DOCTYPE gives are left out.
+    for (int i = 0; i < written; ++i) {
+      last = AppendAttribute(element, last, NamespaceFor(document, read[i].prefix, read[i].uri), View(read[i].name));
+      if (read[i].begin != read[i].end) {
+        AppendText(AsNode(last), Between(read[i].begin, read[i].end));
+      }
+      keepsBlanks = KeepsBlanks(read[i], keepsBlanks, document);
+    }
+    parsing.keepsBlanks.push_back(keepsBlanks);
+    parsing.open = element;
+  });
 }
 
-// The library would merge neighbouring sections, at the cost of their length each time.
+void OnEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
+  Carefully(context, [](Parsing& parsing) {
+    EndText(parsing);
+    parsing.open = parsing.open->parent;
+    parsing.keepsBlanks.pop_back();
+  });
+}
+
+void OnCharacters(void* context, const xmlChar* text, int length) {
+  Carefully(context, [&](Parsing& parsing) { parsing.text.append(Between(text, text + length)); });
+}
+
 void OnCData(void* context, const xmlChar* text, int length) {
-  auto* parser = static_cast<xmlParserCtxt*>(context);
-  xmlNode* section = xmlNewCDataBlock(parser->myDoc, text, length);
-  if (section != nullptr && section->content == nullptr) {
-    section->content = xmlStrdup(Chars(""));
+  Carefully(context, [&](Parsing& parsing) {
+    EndText(parsing);
+    AppendLeaf(parsing.open, XML_CDATA_SECTION_NODE, Between(text, text + length));
+  });
+}
+
+// Comments and instructions in a DOCTYPE belong to it, and so to the library.
+
+void OnComment(void* context, const xmlChar* text) {
+  if (static_cast<xmlParserCtxt*>(context)->inSubset != 0) {
+    xmlSAX2Comment(context, text);
+    return;
   }
-  if (section == nullptr || xmlAddChild(parser->node, section) == nullptr) {
-    Refuse(context, "out of memory");
+  Carefully(context, [&](Parsing& parsing) {
+    EndText(parsing);
+    AppendLeaf(parsing.open, XML_COMMENT_NODE, View(text));
+  });
+}
+
+void OnProcessingInstruction(void* context, const xmlChar* target, const xmlChar* text) {
+  if (static_cast<xmlParserCtxt*>(context)->inSubset != 0) {
+    xmlSAX2ProcessingInstruction(context, target, text);
+    return;
   }
+  Carefully(context, [&](Parsing& parsing) {
+    EndText(parsing);
+    AppendLeaf(parsing.open, XML_PI_NODE, View(text), View(target));
+  });
 }
 
 struct FreeParser {
@@ -176,9 +309,32 @@ Parser NewParser(Parsing& parsing) {
   handler.getParameterEntity = OnParameterEntity;
   handler.resolveEntity = OnResolve;
   handler.externalSubset = OnExternalSubset;
+  handler.startDocument = OnStartDocument;
   handler.startElementNs = OnStartElement;
+  handler.endElementNs = OnEndElement;
+  handler.characters = OnCharacters;
+  handler.ignorableWhitespace = OnCharacters;  // the same one, or the parser would tell them apart
   handler.cdataBlock = OnCData;
+  handler.comment = OnComment;
+  handler.processingInstruction = OnProcessingInstruction;
   return parser;
+}
+
+// The library's own ways of reading a text free the tree of one that does not parse, which is not theirs to free.
+void GiveText(xmlParserCtxt* parser, std::string_view text) {
+  constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC;
+  xmlCtxtUseOptions(parser, kOptions);
+  xmlParserInputBuffer* buffer = xmlParserInputBufferCreateMem(text.empty() ? "" : text.data(),
+                                                               static_cast<int>(text.size()), XML_CHAR_ENCODING_NONE);
+  if (buffer == nullptr) {
+    throw std::bad_alloc();
+  }
+  xmlParserInput* input = xmlNewIOInputStream(parser, buffer, XML_CHAR_ENCODING_NONE);
+  if (input == nullptr) {
+    xmlFreeParserInputBuffer(buffer);
+    throw std::bad_alloc();
+  }
+  inputPush(parser, input);
 }
 
 // The tables of identifiers point to attributes and know nothing of their later fate, so nothing may look into them.
@@ -198,66 +354,6 @@ void RestoreEntities(xmlDoc* document) {
     if (node->type == XML_ENTITY_DECL) {
       reinterpret_cast<xmlEntity*>(node)->etype = XML_INTERNAL_GENERAL_ENTITY;
     }
-  }
-}
-
-// Whether white space counts in an element whose parent says `outside`.
-bool KeepsBlanks(const xmlNode* element, bool outside) {
-  for (const xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
-    if (attribute->ns != nullptr && View(attribute->ns->prefix) == "xml" && View(attribute->name) == "space") {
-      StateOf(element->doc).usesSpaceAttribute = true;
-      return ValueOf(attribute) == "preserve";
-    }
-  }
-  return outside;
-}
-
-void DropBlank(xmlNode* text) {
-  if (text->prev != nullptr) {
-    text->prev->extra |= kBlankAfter;
-  } else {
-    text->parent->extra |= kBlankInside;
-  }
-  xmlUnlinkNode(text);
-  xmlFreeNode(text);
-}
-
-void OwnNamespaces(xmlNode* element) {
-  if (element->ns != nullptr) {
-    element->ns = OwnNamespace(element->doc, element->ns);
-  }
-  for (xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
-    if (attribute->ns != nullptr) {
-      attribute->ns = OwnNamespace(element->doc, attribute->ns);
-    }
-  }
-}
-
-// One walk over a document just parsed: drops white space between elements and makes the namespaces the document's own.
-void Settle(xmlDoc* document) {
-  std::vector<bool> keepsBlanks{false};  // of the elements that are open
-  xmlNode* node = document->children;
-  while (node != nullptr) {
-    if (IsElement(node)) {
-      OwnNamespaces(node);
-      const bool keeps = KeepsBlanks(node, keepsBlanks.back());
-      if (node->children != nullptr) {
-        keepsBlanks.push_back(keeps);
-        node = node->children;
-        continue;
-      }
-    }
-    xmlNode* next = node->next;
-    xmlNode* parent = node->parent;
-    if (node->type == XML_TEXT_NODE && !keepsBlanks.back() && IsBlank(reinterpret_cast<const char*>(node->content))) {
-      DropBlank(node);
-    }
-    while (next == nullptr && !IsDocument(parent)) {
-      keepsBlanks.pop_back();
-      next = parent->next;
-      parent = parent->parent;
-    }
-    node = next;
   }
 }
 
@@ -288,12 +384,9 @@ UnheldDocument ParseText(std::string_view text) {
   const Quiet quiet;
   Parsing parsing;
   const Parser parser = NewParser(parsing);
-  constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC;
-  xmlDoc* parsed = xmlCtxtReadMemory(parser.get(), text.empty() ? "" : text.data(), static_cast<int>(text.size()),
-                                     nullptr, nullptr, kOptions);
-  if (parsed != nullptr) {
-    parsed->_private = nullptr;
-  }
+  GiveText(parser.get(), text);
+  xmlParseDocument(parser.get());
+  xmlDoc* parsed = std::exchange(parser->myDoc, nullptr);
   UnheldDocument document(parsed);
   if (parsing.outOfMemory) {
     throw std::bad_alloc();
@@ -307,12 +400,10 @@ UnheldDocument ParseText(std::string_view text) {
   if (!parsing.error.empty() || parser->wellFormed == 0 || parser->nsWellFormed == 0) {
     return FailedDocument(parsing.error.empty() ? At(1, 1) + "the text does not parse" : parsing.error);
   }
-  TakeIn(parsed);
   StateOf(parsed).markupGuess = text.size();
   StateOf(parsed).encoding = DeclaredEncoding(text);
   DropIdentifiers(parsed);
   RestoreEntities(parsed);
-  Settle(parsed);
   return document;
 }
 

@@ -2,8 +2,12 @@
 
 #include <libxml/dict.h>
 #include <libxml/globals.h>
+#include <libxml/parserInternals.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <new>
 
 namespace parvex::xml {
@@ -58,10 +62,71 @@ bool IsHeldInside(xmlNode* top) {
   return false;
 }
 
+NodeArena& ArenaOf(const xmlDoc* document) { return *StateOf(document).arena; }
+
+// A copy in the document's memory that ends with a zero, as the library's texts do.
+xmlChar* NewChars(xmlDoc* document, std::string_view text) {
+  auto* copy = static_cast<xmlChar*>(ArenaOf(document).Allocate(text.size() + 1));
+  std::copy(text.begin(), text.end(), copy);
+  copy[text.size()] = 0;
+  return copy;
+}
+
+void FreeChars(NodeArena& arena, const xmlChar* text) noexcept {
+  if (text != nullptr) {
+    arena.Free(const_cast<xmlChar*>(text), View(text).size() + 1);
+  }
+}
+
+// A node of a document, with all else empty.
+xmlNode* NewNode(xmlDoc* document, xmlElementType type, const xmlChar* name = nullptr) {
+  auto* node = new (ArenaOf(document).Allocate(sizeof(xmlNode))) xmlNode{};
+  node->type = type;
+  node->name = name;
+  node->doc = document;
+  return node;
+}
+
+// What a text node has of a node.
+constexpr std::size_t kTextNode = offsetof(xmlNode, properties);
+static_assert(kTextNode % NodeArena::kGrain == 0);
+
+xmlChar* BehindTextNode(xmlNode* text) { return reinterpret_cast<xmlChar*>(text) + kTextNode; }
+
+xmlNode* NewTextNode(xmlDoc* document, std::string_view content) {
+  const bool isShort = kTextNode + content.size() + 1 <= NodeArena::kLargestSmall;
+  xmlChar* apart = isShort ? nullptr : NewChars(document, content);
+  auto* text = static_cast<xmlNode*>(ArenaOf(document).Allocate(kTextNode + (isShort ? content.size() + 1 : 0)));
+  std::memset(static_cast<void*>(text), 0, kTextNode);
+  text->type = XML_TEXT_NODE;
+  text->name = xmlStringText;
+  text->doc = document;
+  text->content = isShort ? BehindTextNode(text) : apart;
+  if (isShort) {
+    std::copy(content.begin(), content.end(), text->content);
+    text->content[content.size()] = 0;
+  }
+  return text;
+}
+
+xmlNode* NewLeaf(xmlDoc* document, xmlElementType type, const xmlChar* name, std::string_view content) {
+  if (type == XML_TEXT_NODE) {
+    return NewTextNode(document, content);
+  }
+  xmlChar* chars = NewChars(document, content);
+  xmlNode* leaf = NewNode(document, type, name);
+  leaf->content = chars;
+  return leaf;
+}
+
+const xmlChar* Interned(xmlDoc* document, std::string_view name) {
+  return Made(xmlDictLookup(document->dict, Chars(name.data()), static_cast<int>(name.size())));
+}
+
 xmlNode* Limbo(xmlDoc* document) {
   DocumentState& state = StateOf(document);
   if (state.limbo == nullptr) {
-    state.limbo = Made(xmlNewDocFragment(document));
+    state.limbo = NewNode(document, XML_DOCUMENT_FRAG_NODE);
   }
   return state.limbo;
 }
@@ -80,13 +145,71 @@ void LinkLast(xmlNode* node, xmlNode* parent) {
   parent->last = node;
 }
 
-void Free(xmlNode* node) {
-  CutOut(node);
-  node->parent = node->prev = node->next = nullptr;
-  xmlFreeNode(node);
+void FreeLeaf(NodeArena& arena, xmlNode* leaf) noexcept {
+  // A short text goes as the tail of its node's piece.
+  FreeChars(arena, leaf->content);
+  arena.Free(leaf, leaf->type == XML_TEXT_NODE ? kTextNode : sizeof(xmlNode));
 }
 
-// A text that lives in the dictionary of the old document gets a copy of its own or one of the new dictionary.
+void FreeAttribute(NodeArena& arena, xmlAttr* attribute) noexcept {
+  for (xmlNode* text = attribute->children; text != nullptr;) {
+    FreeLeaf(arena, std::exchange(text, text->next));
+  }
+  arena.Free(attribute, sizeof(xmlAttr));
+}
+
+// An element's children are freed before it; other nodes have none.
+void FreeOne(NodeArena& arena, xmlNode* node) noexcept {
+  if (!IsElement(node)) {
+    FreeLeaf(arena, node);
+    return;
+  }
+  for (xmlAttr* attribute = node->properties; attribute != nullptr;) {
+    FreeAttribute(arena, std::exchange(attribute, attribute->next));
+  }
+  for (xmlNs* space = node->nsDef; space != nullptr;) {
+    FreeChars(arena, space->prefix);
+    FreeChars(arena, space->href);
+    arena.Free(std::exchange(space, space->next), sizeof(xmlNs));
+  }
+  arena.Free(node, sizeof(xmlNode));
+}
+
+// Frees a tree that hangs nowhere, from its leaves up, without recursion: trees may be deep.
+void FreeTree(xmlNode* top) noexcept {
+  NodeArena& arena = ArenaOf(top->doc);
+  for (xmlNode* node = top;;) {
+    if (node->children != nullptr) {
+      node = node->children;
+      continue;
+    }
+    xmlNode* next = node->next;
+    xmlNode* parent = node->parent;
+    const bool isTop = node == top;
+    FreeOne(arena, node);
+    if (isTop) {
+      return;
+    }
+    if (next == nullptr) {
+      parent->children = nullptr;
+    }
+    node = next == nullptr ? parent : next;
+  }
+}
+
+// What was dropped behind a node stays behind when it leaves its place.
+void KeepBlankInside(xmlNode* node) {
+  if (BlanksAt(node) != 0) {
+    node->extra &= kBlankInside;
+  }
+}
+
+void Free(xmlNode* node) noexcept {
+  CutOut(node);
+  FreeTree(node);
+}
+
+// A name that lives in the dictionary of the old document gets one of the new dictionary.
 void Rename(const xmlChar*& name, xmlDict* from, xmlDict* to) {
   if (name != nullptr && xmlDictOwns(from, name) != 0) {
     name = Made(xmlDictLookup(to, name, -1));
@@ -117,8 +240,6 @@ void AdoptOne(xmlNode* node, xmlDoc* from, xmlDoc* to, const OwnNamespaces& owne
   node->doc = to;
   if (xmlNs** place = NamespaceOf(node)) {
     *place = *place == nullptr ? nullptr : owned.find(*place)->second;
-  } else if (from->dict != to->dict && node->content != nullptr && xmlDictOwns(from->dict, node->content) != 0) {
-    node->content = Made(xmlStrdup(node->content));
   }
   if (from->dict != to->dict) {
     Rename(node->name, from->dict, to->dict);
@@ -135,6 +256,7 @@ void Adopt(xmlNode* top, xmlDoc* to, const OwnNamespaces& owned) {
       AdoptOne(each, from, to, owned);
     });
   }
+  StateOf(to).arena.JoinWith(StateOf(from).arena);
   StateOf(to).handles += handles;
   StateOf(to).usesSpaceAttribute |= StateOf(from).usesSpaceAttribute;
   StateOf(from).handles -= handles;
@@ -145,27 +267,23 @@ void Adopt(xmlNode* top, xmlDoc* to, const OwnNamespaces& owned) {
 }
 
 xmlNode* Copied(const xmlNode* original) {
-  xmlDoc* document = original->doc;
-  switch (original->type) {
-    case XML_ELEMENT_NODE:
-      return Made(xmlNewDocNode(document, original->ns, original->name, nullptr));
-    case XML_TEXT_NODE:
-      return Made(xmlNewDocText(document, original->content));
-    case XML_CDATA_SECTION_NODE:
-      return Made(xmlNewCDataBlock(document, original->content, static_cast<int>(View(original->content).size())));
-    case XML_COMMENT_NODE:
-      return Made(xmlNewDocComment(document, original->content));
-    default:
-      return Made(xmlNewDocPI(document, original->name, original->content));
+  if (!IsElement(original)) {
+    return NewLeaf(original->doc, original->type, original->name, View(original->content));
   }
+  xmlNode* copy = NewNode(original->doc, XML_ELEMENT_NODE, original->name);
+  copy->ns = original->ns;
+  return copy;
 }
 
 void CopyAttributes(const xmlNode* original, xmlNode* copy) {
-  copy->nsDef = original->nsDef == nullptr ? nullptr : Made(xmlCopyNamespaceList(original->nsDef));
+  for (const xmlNs* space = original->nsDef; space != nullptr; space = space->next) {
+    AppendDeclaration(copy, View(space->prefix), View(space->href));
+  }
+  xmlAttr* last = nullptr;
   for (const xmlAttr* attribute = original->properties; attribute != nullptr; attribute = attribute->next) {
-    xmlAttr* made = Made(xmlNewNsProp(copy, attribute->ns, attribute->name, nullptr));
+    last = AppendAttribute(copy, last, attribute->ns, View(attribute->name));
     for (const xmlNode* text = attribute->children; text != nullptr; text = text->next) {
-      AppendText(AsNode(made), View(text->content));
+      AppendText(AsNode(last), View(text->content));
     }
   }
 }
@@ -214,9 +332,21 @@ void FreeDocument(xmlDoc* document) noexcept {
     xmlFreeDoc(document);
     return;
   }
-  if (state->limbo != nullptr) {
-    xmlFreeNode(state->limbo);
+  // The library frees what it made, the document type.
+  if (document->intSubset != nullptr) {
+    xmlNode* doctype = reinterpret_cast<xmlNode*>(document->intSubset);
+    CutOut(doctype);
+    doctype->parent = doctype->prev = doctype->next = nullptr;
   }
+  if (state->arena.IsShared()) {
+    while (document->children != nullptr) {
+      Free(document->children);
+    }
+    if (state->limbo != nullptr) {
+      FreeTree(state->limbo);
+    }
+  }
+  document->children = document->last = nullptr;
   xmlFreeDoc(document);
   for (const auto& [key, space] : state->namespaces) {
     xmlFreeNs(space);
@@ -249,22 +379,69 @@ void Release(xmlNode* node) noexcept {
 
 xmlNode* NewElement(xmlDoc* document, std::string_view name) {
   xmlNode* limbo = Limbo(document);
-  constexpr std::size_t kBothTags = 5;  // < > </ >
-  StateOf(document).markupGuess += 2 * name.size() + kBothTags;
-  xmlNode* node = Made(xmlNewDocNode(document, nullptr, Chars(std::string(name).c_str()), nullptr));
-  LinkLast(node, limbo);
-  return node;
+  return AppendElement(limbo, name);
 }
 
 xmlNode* NewCData(xmlDoc* document, std::string_view text) {
   xmlNode* limbo = Limbo(document);
-  StateOf(document).markupGuess += text.size();
-  xmlNode* node = Made(xmlNewCDataBlock(document, Chars(text.data()), static_cast<int>(text.size())));
-  if (node->content == nullptr) {
-    node->content = Made(xmlStrdup(Chars("")));
+  return AppendLeaf(limbo, XML_CDATA_SECTION_NODE, text);
+}
+
+xmlNode* AppendElement(xmlNode* parent, std::string_view name) {
+  constexpr std::size_t kBothTags = 5;  // < > </ >
+  StateOf(parent->doc).markupGuess += 2 * name.size() + kBothTags;
+  xmlNode* element = NewNode(parent->doc, XML_ELEMENT_NODE, Interned(parent->doc, name));
+  LinkLast(element, parent);
+  return element;
+}
+
+xmlNode* AppendLeaf(xmlNode* parent, xmlElementType type, std::string_view content, std::string_view name) {
+  StateOf(parent->doc).markupGuess += content.size();
+  const xmlChar* known = type == XML_COMMENT_NODE ? xmlStringComment
+                         : name.empty()           ? nullptr
+                                                  : Interned(parent->doc, name);
+  xmlNode* leaf = NewLeaf(parent->doc, type, known, content);
+  LinkLast(leaf, parent);
+  return leaf;
+}
+
+void AppendText(xmlNode* parent, std::string_view text) { AppendLeaf(parent, XML_TEXT_NODE, text); }
+
+xmlAttr* LastAttribute(const xmlNode* element) {
+  xmlAttr* last = element->properties;
+  while (last != nullptr && last->next != nullptr) {
+    last = last->next;
   }
-  LinkLast(node, limbo);
-  return node;
+  return last;
+}
+
+xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, xmlNs* space, std::string_view name) {
+  constexpr std::size_t kQuotesAndSign = 4;  // blank, =, ""
+  StateOf(element->doc).markupGuess += name.size() + kQuotesAndSign;
+  const xmlChar* interned = Interned(element->doc, name);
+  auto* attribute = new (ArenaOf(element->doc).Allocate(sizeof(xmlAttr))) xmlAttr{};
+  attribute->type = XML_ATTRIBUTE_NODE;
+  attribute->name = interned;
+  attribute->ns = space;
+  attribute->doc = element->doc;
+  attribute->parent = element;
+  attribute->prev = last;
+  (last == nullptr ? element->properties : last->next) = attribute;
+  return attribute;
+}
+
+void AppendDeclaration(xmlNode* element, std::string_view prefix, std::string_view uri) {
+  xmlDoc* document = element->doc;
+  auto* space = new (ArenaOf(document).Allocate(sizeof(xmlNs))) xmlNs{};
+  space->type = XML_LOCAL_NAMESPACE;
+  space->context = document;
+  xmlNs** end = &element->nsDef;
+  while (*end != nullptr) {
+    end = &(*end)->next;
+  }
+  *end = space;
+  space->prefix = prefix.empty() ? nullptr : NewChars(document, prefix);
+  space->href = NewChars(document, uri);
 }
 
 xmlNode* NewClone(xmlNode* original) {
@@ -272,7 +449,9 @@ xmlNode* NewClone(xmlNode* original) {
   xmlNode* top = nullptr;
   for (xmlNode* node = original;;) {
     xmlNode* copy = Copied(node);
-    copy->extra = node == original ? node->extra & kBlankInside : node->extra;
+    if (const unsigned short blanks = BlanksAt(node); blanks != 0) {
+      copy->extra = node == original ? blanks & kBlankInside : blanks;
+    }
     LinkLast(copy, parent);
     top = top == nullptr ? copy : top;
     if (IsElement(node)) {
@@ -327,7 +506,7 @@ xmlNode* NextInTree(xmlNode* node, const xmlNode* top) {
 void Unlink(xmlNode* node) {
   xmlNode* limbo = Limbo(node->doc);
   CutOut(node);
-  node->extra &= kBlankInside;
+  KeepBlankInside(node);
   LinkLast(node, limbo);
 }
 
@@ -336,7 +515,7 @@ void Move(xmlNode* node, xmlNode* parent) {
   const bool isForeign = node->doc != parent->doc;
   const OwnNamespaces owned = isForeign ? NamespacesIn(node, parent->doc) : OwnNamespaces();
   CutOut(node);
-  node->extra &= kBlankInside;
+  KeepBlankInside(node);
   LinkLast(node, parent);
   if (isForeign) {
     Adopt(node, parent->doc, owned);
@@ -353,16 +532,9 @@ void ClearChildren(xmlNode* parent) {
   }
 }
 
-void AppendText(xmlNode* parent, std::string_view text) {
-  StateOf(parent->doc).markupGuess += text.size();
-  LinkLast(Made(xmlNewDocTextLen(parent->doc, Chars(text.data()), static_cast<int>(text.size()))), parent);
-}
-
 void SetContent(xmlNode* leaf, std::string_view text) {
-  xmlChar* content = Made(xmlStrndup(Chars(text.empty() ? "" : text.data()), static_cast<int>(text.size())));
-  if (leaf->content != nullptr && xmlDictOwns(leaf->doc->dict, leaf->content) == 0) {
-    xmlFree(leaf->content);
-  }
+  xmlChar* content = NewChars(leaf->doc, text);
+  FreeChars(ArenaOf(leaf->doc), leaf->content);
   leaf->content = content;
 }
 

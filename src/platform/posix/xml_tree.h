@@ -10,6 +10,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/posix/node_arena.h"
+
 // The trees behind the handles of platform/xml.h, and who owns what in them.
 //
 // - A handle is a pointer to a node of the tree. `_private` of a node counts the handles on it; `_private` of a
@@ -21,6 +23,9 @@
 //   which only an inner node was held stays in limbo until the document goes.)
 // - Namespaces that nodes refer to belong to the document, not to the element that declares them, so a node can leave
 //   its ancestors without dangling. Declarations on elements are kept beside, as what was written.
+// - All nodes but the DOCTYPE, and the texts in them, lie in the document's arena. None of them may be given to the
+//   library to be freed. A document that takes nodes from another shares its arena from then on.
+// - A text node ends before the fields that only elements have; a short text stands in their place.
 // - Element and attribute names are interned in a dictionary that the documents of a thread share. Nodes of documents
 //   with different dictionaries get their names copied when they move.
 
@@ -31,6 +36,7 @@ struct DocumentState {
 
   std::size_t handles = 0;
   xmlNode* limbo = nullptr;
+  SharedArena arena;
   std::map<Prefixed, xmlNs*> namespaces;
   /// About how long the document's markup is: what was put into it so far. Room is taken for that much at once.
   std::size_t markupGuess = 0;
@@ -54,6 +60,9 @@ inline xmlNode* AsNode(xmlDoc* document) { return reinterpret_cast<xmlNode*>(doc
 inline xmlNode* AsNode(xmlAttr* attribute) { return reinterpret_cast<xmlNode*>(attribute); }
 inline const xmlAttr* AsAttribute(const xmlNode* node) { return reinterpret_cast<const xmlAttr*>(node); }
 inline DocumentState& StateOf(const xmlDoc* document) { return *static_cast<DocumentState*>(document->_private); }
+
+/// The marks of a node. A text never carries one: the next white space is part of it, or was dropped behind another node.
+inline unsigned short BlanksAt(const xmlNode* node) { return node->type == XML_TEXT_NODE ? 0 : node->extra; }
 
 inline bool IsDocument(const xmlNode* node) { return node->type == XML_DOCUMENT_NODE; }
 inline bool IsElement(const xmlNode* node) { return node->type == XML_ELEMENT_NODE; }
@@ -90,7 +99,7 @@ using UnheldDocument = std::unique_ptr<xmlDoc, FreeUnheld>;
 
 /// A new, empty document.
 UnheldDocument NewDocument();
-/// Gives a document that the parser made what NewDocument gives its own.
+/// Gives an empty document that the parser made what NewDocument gives its own.
 void TakeIn(xmlDoc* document);
 
 void Hold(xmlNode* node) noexcept;
@@ -100,6 +109,19 @@ void Release(xmlNode* node) noexcept;
 xmlNode* NewElement(xmlDoc* document, std::string_view name);
 xmlNode* NewCData(xmlDoc* document, std::string_view text);
 xmlNode* NewClone(xmlNode* original);
+
+/// New nodes behind the last child of their parent. A leaf is a text, a CDATA section, a comment or a processing
+/// instruction; the last has a name.
+xmlNode* AppendElement(xmlNode* parent, std::string_view name);
+xmlNode* AppendLeaf(xmlNode* parent, xmlElementType type, std::string_view content, std::string_view name = {});
+void AppendText(xmlNode* parent, std::string_view text);
+
+/// The last attribute of an element; null when it has none.
+xmlAttr* LastAttribute(const xmlNode* element);
+/// A new attribute without a value behind the last one of its element; `space` is null or the document's own.
+xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, xmlNs* space, std::string_view name);
+/// Writes down that an element declares a namespace; `prefix` empty for the default one.
+void AppendDeclaration(xmlNode* element, std::string_view prefix, std::string_view uri);
 
 /// The document's own copy of a namespace.
 xmlNs* OwnNamespace(xmlDoc* document, const xmlNs* original);
@@ -113,8 +135,6 @@ void Unlink(xmlNode* node);
 void Move(xmlNode* node, xmlNode* parent);
 /// Removes all children, freeing those that nobody holds.
 void ClearChildren(xmlNode* parent);
-/// Puts a new text node behind the last child.
-void AppendText(xmlNode* parent, std::string_view text);
 /// Replaces the content of a text or CDATA section.
 void SetContent(xmlNode* leaf, std::string_view text);
 

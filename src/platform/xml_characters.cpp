@@ -5,6 +5,10 @@
 #include <cstring>
 #include <iterator>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace parvex::xml {
 namespace {
 
@@ -17,6 +21,26 @@ bool NeedsALook(const char* bytes) {
   constexpr std::uint64_t kHigh = 0x8080808080808080u;
   constexpr std::uint64_t kBlank = 0x2020202020202020u;
   return ((word | (word - kBlank)) & kHigh) != 0;
+}
+
+// The same of a longer block.
+constexpr std::size_t kBlock = 64;
+
+bool BlockNeedsALook(const char* bytes) {
+#ifdef __SSE2__
+  __m128i hits = _mm_setzero_si128();
+  for (std::size_t i = 0; i < kBlock; i += 16) {
+    const __m128i part = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
+    hits = _mm_or_si128(hits, _mm_cmplt_epi8(part, _mm_set1_epi8(0x20)));  // signed: bytes above 0x7F are negative
+  }
+  return _mm_movemask_epi8(hits) != 0;
+#else
+  bool hit = false;
+  for (std::size_t i = 0; i < kBlock; i += 8) {
+    hit |= NeedsALook(bytes + i);
+  }
+  return hit;
+#endif
 }
 
 // Bytes of the allowed character beyond ASCII that begins at `p`; 0 when there is none.
@@ -78,6 +102,9 @@ std::size_t FindForbidden(std::string_view text) {
   while (pos < text.size()) {
     if (pos + 8 <= text.size() && !NeedsALook(text.data() + pos)) {
       pos += 8;
+      while (pos + kBlock <= text.size() && !BlockNeedsALook(text.data() + pos)) {
+        pos += kBlock;
+      }
       continue;
     }
     const auto c = static_cast<unsigned char>(text[pos]);

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -277,6 +278,34 @@ TEST(XmlMemory, OfTextsThatAreReplacedIsUsedAgain) {
     ASSERT_EQ(section.Text(), text);
     ASSERT_EQ(root.Attribute("b"), text);
   }
+}
+
+// In a document that lives long texts and elements come and go.
+TEST(XmlMemory, OfADocumentDoesNotGrowWithItsChanges) {
+  const Document document = Document::Parse("<a/>");
+  const Node root = document.Root();
+  const auto change = [&](int i) {
+    root.SetText(std::string(static_cast<std::size_t>(i % 300), 'x') + "y");
+    root.FirstChild().SetText(std::string(static_cast<std::size_t>(i % 70), 'z'));
+    root.SetAttribute("k", std::to_string(i));
+    root.SetText("");
+    const Node child = root.Append(document.CreateElement("c"));
+    child.Append(document.CreateCData(std::string(static_cast<std::size_t>(i % 5000), 'd')));
+    const Document other = Document::Parse("<o><p q=\"r\">s</p></o>");
+    other.Append(child);
+    root.Append(other.Root().FirstChild());
+    root.SetText("");
+  };
+  const auto bytesInUse = [] { return mallinfo2().uordblks + mallinfo2().hblkhd; };
+  constexpr int kRound = 5000;
+  for (int i = 0; i < kRound; ++i) {
+    change(i);
+  }
+  const std::size_t before = bytesInUse();
+  for (int i = 0; i < 10 * kRound; ++i) {
+    change(i);
+  }
+  EXPECT_LE(bytesInUse(), before + before / 4 + 100'000);
 }
 
 TEST(XmlGrowth, IsLinearInNeighbouringSectionsAndReferences) {

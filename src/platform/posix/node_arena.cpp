@@ -180,6 +180,17 @@ void NodeArena::Release(Chunk* chunk) noexcept {
   }
 }
 
+SharedArena::SharedArena() : group_(LastJoined().lock()) {
+  if (group_ == nullptr) {
+    group_ = std::make_shared<Group>();
+  }
+}
+
+std::weak_ptr<SharedArena::Group>& SharedArena::LastJoined() noexcept {
+  thread_local std::weak_ptr<Group> joined;
+  return joined;
+}
+
 bool SharedArena::IsShared() noexcept {
   Joined();
   return group_.use_count() > 1;
@@ -201,6 +212,7 @@ void SharedArena::JoinWith(SharedArena& other) noexcept {
   kept->memory.Absorb(absorbed->memory);
   absorbed->joined = kept;
   group_ = other.group_ = kept;
+  LastJoined() = kept;
 }
 
 }  // namespace parvex::xml

@@ -19,14 +19,14 @@ class NodeArena {
 
   /// Memory for `size` bytes (at least one), aligned for pointers. Throws std::bad_alloc.
   void* Allocate(std::size_t size);
-  /// Takes back a piece that was allocated here, or in an arena that was absorbed, with that size. The tail of a piece
-  /// may be freed apart from its head, when the head is a multiple of `kGrain` and the whole is at most `kLargestSmall`.
+  /// Takes back a piece that was allocated here, or in an arena that was absorbed, with that size or another that is the
+  /// same number of grains.
   void Free(void* piece, std::size_t size) noexcept;
   /// Takes over all that another arena holds; it is empty afterwards. The cost does not depend on how much that is.
   void Absorb(NodeArena& other) noexcept;
 
-  static constexpr std::size_t kGrain = 8;
-  static constexpr std::size_t kLargestSmall = 256;
+  static constexpr std::size_t kGrain = 8;           ///< small pieces take a multiple of it
+  static constexpr std::size_t kLargestSmall = 256;  ///< larger pieces take up to a quarter more than their size
 
  private:
   static constexpr std::size_t kFirstChunk = 1024;
@@ -76,10 +76,11 @@ class NodeArena {
 };
 
 /// The arena of a document. Documents that have exchanged nodes use one and the same, which lives as long as any of
-/// them.
+/// them. New documents of the thread begin with the one that was joined last, as long as it lives: otherwise a document
+/// that takes from one short-lived document after another would gather their arenas.
 class SharedArena {
  public:
-  SharedArena() : group_(std::make_shared<Group>()) {}
+  SharedArena();
 
   NodeArena& operator*() noexcept { return Joined().memory; }
   NodeArena* operator->() noexcept { return &Joined().memory; }
@@ -101,6 +102,8 @@ class SharedArena {
     }
     return *group_;
   }
+
+  static std::weak_ptr<Group>& LastJoined() noexcept;
 
   std::shared_ptr<Group> group_;
 };

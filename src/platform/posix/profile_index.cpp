@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "platform/posix/large_pages.h"
 #include "platform/posix/profile_names.h"
 
 #ifdef __SSE2__
@@ -105,6 +106,7 @@ void ForEachLine(std::string_view text, Visit visit) {
 
 ProfileIndex::ProfileIndex(const ProfileText& file) : file_(file), text_(file.Text()) {
   slots_.reserve(SlotsFor(EstimatedLines(text_)));
+  PreferLargePages(slots_.data(), slots_.capacity() * sizeof(Slot));
   std::vector<Slot> keys;
   keys.reserve(EstimatedLines(text_));
   std::vector<Slot> headers{{file_.HashOfName({}), 1}};

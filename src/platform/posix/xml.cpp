@@ -132,9 +132,11 @@ xmlNs* NamespaceOf(xmlNode* element, std::string_view prefix) {
   return nullptr;
 }
 
+// An attribute whose name has a prefix; the name may turn out to be none.
 xmlAttr* NewAttribute(xmlNode* element, std::string_view name) {
   const auto [prefix, local] = Split(name);
-  if (!IsPlainName(local) || (local.size() != name.size() && !IsPlainName(prefix))) {
+  const xmlChar* interned = PlainName(element->doc, local);
+  if (interned == nullptr || (local.size() != name.size() && !IsPlainName(prefix))) {
     Refuse(Quoted(name) + " cannot be the name of an attribute of " + NameOf(element) + ".");
   }
   xmlNs* space = nullptr;
@@ -145,7 +147,25 @@ xmlAttr* NewAttribute(xmlNode* element, std::string_view name) {
     }
   }
   StateOf(element->doc).usesSpaceAttribute |= name == "xml:space";
-  return AppendAttribute(element, LastAttribute(element), space, local);
+  return AppendAttribute(element, LastAttribute(element), space, interned);
+}
+
+// The attribute of that name, a new one when the element has none. Names stand once in a dictionary, so most are known
+// by their place.
+xmlAttr* AttributeFor(xmlNode* element, std::string_view name) {
+  if (const xmlChar* plain = PlainName(element->doc, name)) {
+    xmlAttr* last = nullptr;
+    for (xmlAttr* each = element->properties; each != nullptr; each = each->next) {
+      if (each->name == plain && each->ns == nullptr) {
+        return each;
+      }
+      last = each;
+    }
+    return AppendAttribute(element, last, nullptr, plain);
+  }
+  const auto [prefix, local] = Split(name);
+  xmlAttr* found = FindAttribute(element, prefix, local);
+  return found == nullptr ? NewAttribute(element, name) : found;
 }
 
 bool IsMovable(const xmlNode* node) {
@@ -288,13 +308,8 @@ void Node::SetAttribute(std::string_view name, std::string_view value) const {
   if (!CanCarry(value)) {
     RefuseText(value, "the attribute " + Quoted(name) + " of " + NameOf(element));
   }
-  const auto [prefix, local] = Split(name);
-  xmlAttr* attribute = FindAttribute(element, prefix, local);
-  if (attribute == nullptr) {
-    attribute = NewAttribute(element, name);
-  } else {
-    ClearChildren(AsNode(attribute));
-  }
+  xmlAttr* attribute = AttributeFor(element, name);
+  ClearChildren(AsNode(attribute));
   if (!value.empty()) {
     AppendText(AsNode(attribute), value);
   }
@@ -402,10 +417,11 @@ Node Document::Root() const { return Adapter::HandleOn(RootOf(Adapter::Tree(*thi
 
 Node Document::CreateElement(std::string_view name) const {
   xmlDoc* document = Adapter::Tree(*this, "CreateElement");
-  if (!IsPlainName(name)) {
+  const xmlChar* interned = PlainName(document, name);
+  if (interned == nullptr) {
     Refuse(Quoted(name) + " cannot be the name of an element.");
   }
-  return Adapter::HandleOn(NewElement(document, name));
+  return Adapter::HandleOn(NewElement(document, interned));
 }
 
 Node Document::CreateCData(std::string_view text) const {

@@ -128,6 +128,7 @@ class Writer {
   // Adds the markup of everything from `top` down, without recursion: documents may be deep.
   void AddTree(xmlNode* top) {
     for (xmlNode* node = top;;) {
+      PrepareBehind(node);
       if (IsElement(node)) {
         AddStartTag(node);
         if (node->children != nullptr) {
@@ -195,6 +196,14 @@ class Writer {
     std::string_view uri;
   };
 
+  // Nodes mostly lie in the order in which they are written, so what comes soon is some way behind in memory; waiting for
+  // it took half of the time.
+  static void PrepareBehind(const void* node) {
+    constexpr std::size_t kAhead = 768;
+    __builtin_prefetch(static_cast<const char*>(node) + kAhead);
+    __builtin_prefetch(static_cast<const char*>(node) + kAhead + 64);
+  }
+
   void AddName(const xmlNs* space, const xmlChar* name) {
     if (space != nullptr && space->prefix != nullptr) {
       sink_.Add(View(space->prefix));
@@ -242,6 +251,7 @@ class Writer {
       Need(element, {}, {});
     }
     for (const xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
+      PrepareBehind(attribute);
       if (attribute->ns != nullptr) {
         Need(element, View(attribute->ns->prefix), View(attribute->ns->href));
       }

@@ -167,7 +167,8 @@ void OnStartDocument(void* context) {
   Carefully(context, [&](Parsing& parsing) {
     xmlSAX2StartDocument(context);
     xmlDoc* document = static_cast<xmlParserCtxt*>(context)->myDoc;
-    if (document == nullptr) {
+    // Both use one dictionary, so names that the parser tells are the document's.
+    if (document == nullptr || document->dict != static_cast<xmlParserCtxt*>(context)->dict) {
       throw std::bad_alloc();
     }
     TakeIn(document);
@@ -224,7 +225,7 @@ void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, c
   Carefully(context, [&](Parsing& parsing) {
     EndText(parsing);
     xmlDoc* document = parsing.open->doc;
-    xmlNode* element = AppendElement(parsing.open, View(name));
+    xmlNode* element = AppendElement(parsing.open, name);
     for (int i = 0; i < namespaceCount; ++i) {
       AppendDeclaration(element, View(namespaces[2 * i]), View(namespaces[2 * i + 1]));
     }
@@ -233,7 +234,7 @@ void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, c
     xmlAttr* last = nullptr;
     // Attributes that only a DOCTYPE gives are left out.
     for (int i = 0; i < written; ++i) {
-      last = AppendAttribute(element, last, NamespaceFor(document, read[i].prefix, read[i].uri), View(read[i].name));
+      last = AppendAttribute(element, last, NamespaceFor(document, read[i].prefix, read[i].uri), read[i].name);
       if (read[i].begin != read[i].end) {
         AppendText(AsNode(last), Between(read[i].begin, read[i].end));
       }
@@ -283,7 +284,7 @@ void OnProcessingInstruction(void* context, const xmlChar* target, const xmlChar
   }
   Carefully(context, [&](Parsing& parsing) {
     EndText(parsing);
-    AppendLeaf(parsing.open, XML_PI_NODE, View(text), View(target));
+    AppendLeaf(parsing.open, XML_PI_NODE, View(text), target);
   });
 }
 

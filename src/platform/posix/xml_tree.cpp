@@ -5,10 +5,13 @@
 #include <libxml/parserInternals.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <new>
+
+#include "platform/xml_characters.h"
 
 namespace parvex::xml {
 namespace {
@@ -64,11 +67,17 @@ bool IsHeldInside(xmlNode* top) {
 
 NodeArena& ArenaOf(const xmlDoc* document) { return *StateOf(document).arena; }
 
+void PutChars(xmlChar* place, std::string_view text) {
+  if (!text.empty()) {
+    std::memcpy(place, text.data(), text.size());
+  }
+  place[text.size()] = 0;
+}
+
 // A copy in the document's memory that ends with a zero, as the library's texts do.
 xmlChar* NewChars(xmlDoc* document, std::string_view text) {
   auto* copy = static_cast<xmlChar*>(ArenaOf(document).Allocate(text.size() + 1));
-  std::copy(text.begin(), text.end(), copy);
-  copy[text.size()] = 0;
+  PutChars(copy, text);
   return copy;
 }
 
@@ -87,24 +96,46 @@ xmlNode* NewNode(xmlDoc* document, xmlElementType type, const xmlChar* name = nu
   return node;
 }
 
-// What a text node has of a node.
+// What a text node has of a node. Behind it stands a short text, or the size of that place when the text stands apart.
 constexpr std::size_t kTextNode = offsetof(xmlNode, properties);
-static_assert(kTextNode % NodeArena::kGrain == 0);
+static_assert(kTextNode % alignof(std::size_t) == 0 && NodeArena::kGrain >= sizeof(std::size_t));
 
 xmlChar* BehindTextNode(xmlNode* text) { return reinterpret_cast<xmlChar*>(text) + kTextNode; }
+bool StandsApart(xmlNode* text) { return text->content != BehindTextNode(text); }
+
+std::size_t RoomFor(std::string_view text) {
+  return (text.size() + NodeArena::kGrain) / NodeArena::kGrain * NodeArena::kGrain;  // with its zero
+}
+
+void SetApart(xmlNode* text, xmlChar* content, std::size_t room) {
+  text->content = content;
+  std::memcpy(BehindTextNode(text), &room, sizeof room);
+}
+
+std::size_t RoomBehind(xmlNode* text) {
+  std::size_t room = 0;
+  if (StandsApart(text)) {
+    std::memcpy(&room, BehindTextNode(text), sizeof room);
+  } else {
+    room = RoomFor(View(text->content));
+  }
+  return room;
+}
 
 xmlNode* NewTextNode(xmlDoc* document, std::string_view content) {
-  const bool isShort = kTextNode + content.size() + 1 <= NodeArena::kLargestSmall;
+  const bool isShort = kTextNode + content.size() < NodeArena::kLargestSmall;
+  const std::size_t room = isShort ? RoomFor(content) : sizeof(std::size_t);
   xmlChar* apart = isShort ? nullptr : NewChars(document, content);
-  auto* text = static_cast<xmlNode*>(ArenaOf(document).Allocate(kTextNode + (isShort ? content.size() + 1 : 0)));
+  auto* text = static_cast<xmlNode*>(ArenaOf(document).Allocate(kTextNode + room));
   std::memset(static_cast<void*>(text), 0, kTextNode);
   text->type = XML_TEXT_NODE;
   text->name = xmlStringText;
   text->doc = document;
-  text->content = isShort ? BehindTextNode(text) : apart;
   if (isShort) {
-    std::copy(content.begin(), content.end(), text->content);
-    text->content[content.size()] = 0;
+    text->content = BehindTextNode(text);
+    PutChars(text->content, content);
+  } else {
+    SetApart(text, apart, room);
   }
   return text;
 }
@@ -119,9 +150,59 @@ xmlNode* NewLeaf(xmlDoc* document, xmlElementType type, const xmlChar* name, std
   return leaf;
 }
 
-const xmlChar* Interned(xmlDoc* document, std::string_view name) {
-  return Made(xmlDictLookup(document->dict, Chars(name.data()), static_cast<int>(name.size())));
-}
+xmlDict* NewDictionary() { return Made(xmlDictCreate()); }
+
+// The dictionary for the names of a thread's documents, and names lately found in it.
+class Names {
+ public:
+  Names() = default;
+  ~Names() { xmlDictFree(dictionary_); }
+  Names(const Names&) = delete;
+  Names& operator=(const Names&) = delete;
+
+  xmlDict* Dictionary() {
+    if (dictionary_ != nullptr &&
+        (xmlDictSize(dictionary_) > kMostNames || xmlDictGetUsage(dictionary_) > kMostNameBytes)) {
+      xmlDictFree(std::exchange(dictionary_, nullptr));
+      known_ = {};
+    }
+    if (dictionary_ == nullptr) {
+      dictionary_ = NewDictionary();
+    }
+    return dictionary_;
+  }
+
+  const xmlChar* FindPlain(xmlDict* dictionary, std::string_view name) {
+    if (name.empty() || dictionary != dictionary_) {
+      return LookUpPlain(dictionary, name);
+    }
+    std::string_view& known = known_[PlaceOf(name)];
+    if (known != name) {
+      const xmlChar* found = LookUpPlain(dictionary, name);
+      if (found == nullptr) {
+        return nullptr;
+      }
+      known = View(found);
+    }
+    return reinterpret_cast<const xmlChar*>(known.data());
+  }
+
+ private:
+  static const xmlChar* LookUpPlain(xmlDict* dictionary, std::string_view name) {
+    return IsPlainName(name) ? Made(xmlDictLookup(dictionary, Chars(name.data()), static_cast<int>(name.size())))
+                             : nullptr;
+  }
+
+  std::size_t PlaceOf(std::string_view name) const {
+    const auto at = [&](std::size_t pos) { return static_cast<std::size_t>(static_cast<unsigned char>(name[pos])); };
+    return (name.size() * 37 + at(0) * 3 + at(name.size() / 2) * 11 + at(name.size() - 1) * 7) % known_.size();
+  }
+
+  xmlDict* dictionary_ = nullptr;
+  std::array<std::string_view, 256> known_{};
+};
+
+thread_local Names names;
 
 xmlNode* Limbo(xmlDoc* document) {
   DocumentState& state = StateOf(document);
@@ -146,9 +227,16 @@ void LinkLast(xmlNode* node, xmlNode* parent) {
 }
 
 void FreeLeaf(NodeArena& arena, xmlNode* leaf) noexcept {
-  // A short text goes as the tail of its node's piece.
-  FreeChars(arena, leaf->content);
-  arena.Free(leaf, leaf->type == XML_TEXT_NODE ? kTextNode : sizeof(xmlNode));
+  if (leaf->type != XML_TEXT_NODE) {
+    FreeChars(arena, leaf->content);
+    arena.Free(leaf, sizeof(xmlNode));
+    return;
+  }
+  const std::size_t room = RoomBehind(leaf);
+  if (StandsApart(leaf)) {
+    FreeChars(arena, leaf->content);
+  }
+  arena.Free(leaf, kTextNode + room);
 }
 
 void FreeAttribute(NodeArena& arena, xmlAttr* attribute) noexcept {
@@ -281,7 +369,7 @@ void CopyAttributes(const xmlNode* original, xmlNode* copy) {
   }
   xmlAttr* last = nullptr;
   for (const xmlAttr* attribute = original->properties; attribute != nullptr; attribute = attribute->next) {
-    last = AppendAttribute(copy, last, attribute->ns, View(attribute->name));
+    last = AppendAttribute(copy, last, attribute->ns, attribute->name);
     for (const xmlNode* text = attribute->children; text != nullptr; text = text->next) {
       AppendText(AsNode(last), View(text->content));
     }
@@ -298,22 +386,9 @@ Quiet::Quiet() : before_(xmlGenericError), contextBefore_(xmlGenericErrorContext
 
 Quiet::~Quiet() { xmlSetGenericErrorFunc(contextBefore_, before_); }
 
-xmlDict* SharedNames() {
-  struct Owner {
-    ~Owner() { xmlDictFree(names); }
-    xmlDict* names = nullptr;
-  };
-  thread_local Owner owner;
-  if (owner.names != nullptr &&
-      (xmlDictSize(owner.names) > kMostNames || xmlDictGetUsage(owner.names) > kMostNameBytes)) {
-    xmlDictFree(owner.names);
-    owner.names = nullptr;
-  }
-  if (owner.names == nullptr) {
-    owner.names = Made(xmlDictCreate());
-  }
-  return owner.names;
-}
+xmlDict* SharedNames() { return names.Dictionary(); }
+
+const xmlChar* PlainName(xmlDoc* document, std::string_view name) { return names.FindPlain(document->dict, name); }
 
 UnheldDocument NewDocument() {
   UnheldDocument document(Made(xmlNewDoc(Chars("1.0"))));
@@ -377,7 +452,7 @@ void Release(xmlNode* node) noexcept {
   }
 }
 
-xmlNode* NewElement(xmlDoc* document, std::string_view name) {
+xmlNode* NewElement(xmlDoc* document, const xmlChar* name) {
   xmlNode* limbo = Limbo(document);
   return AppendElement(limbo, name);
 }
@@ -387,20 +462,17 @@ xmlNode* NewCData(xmlDoc* document, std::string_view text) {
   return AppendLeaf(limbo, XML_CDATA_SECTION_NODE, text);
 }
 
-xmlNode* AppendElement(xmlNode* parent, std::string_view name) {
+xmlNode* AppendElement(xmlNode* parent, const xmlChar* name) {
   constexpr std::size_t kBothTags = 5;  // < > </ >
-  StateOf(parent->doc).markupGuess += 2 * name.size() + kBothTags;
-  xmlNode* element = NewNode(parent->doc, XML_ELEMENT_NODE, Interned(parent->doc, name));
+  StateOf(parent->doc).markupGuess += 2 * View(name).size() + kBothTags;
+  xmlNode* element = NewNode(parent->doc, XML_ELEMENT_NODE, name);
   LinkLast(element, parent);
   return element;
 }
 
-xmlNode* AppendLeaf(xmlNode* parent, xmlElementType type, std::string_view content, std::string_view name) {
+xmlNode* AppendLeaf(xmlNode* parent, xmlElementType type, std::string_view content, const xmlChar* name) {
   StateOf(parent->doc).markupGuess += content.size();
-  const xmlChar* known = type == XML_COMMENT_NODE ? xmlStringComment
-                         : name.empty()           ? nullptr
-                                                  : Interned(parent->doc, name);
-  xmlNode* leaf = NewLeaf(parent->doc, type, known, content);
+  xmlNode* leaf = NewLeaf(parent->doc, type, type == XML_COMMENT_NODE ? xmlStringComment : name, content);
   LinkLast(leaf, parent);
   return leaf;
 }
@@ -415,13 +487,12 @@ xmlAttr* LastAttribute(const xmlNode* element) {
   return last;
 }
 
-xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, xmlNs* space, std::string_view name) {
+xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, xmlNs* space, const xmlChar* name) {
   constexpr std::size_t kQuotesAndSign = 4;  // blank, =, ""
-  StateOf(element->doc).markupGuess += name.size() + kQuotesAndSign;
-  const xmlChar* interned = Interned(element->doc, name);
+  StateOf(element->doc).markupGuess += View(name).size() + kQuotesAndSign;
   auto* attribute = new (ArenaOf(element->doc).Allocate(sizeof(xmlAttr))) xmlAttr{};
   attribute->type = XML_ATTRIBUTE_NODE;
-  attribute->name = interned;
+  attribute->name = name;
   attribute->ns = space;
   attribute->doc = element->doc;
   attribute->parent = element;
@@ -534,6 +605,10 @@ void ClearChildren(xmlNode* parent) {
 
 void SetContent(xmlNode* leaf, std::string_view text) {
   xmlChar* content = NewChars(leaf->doc, text);
+  if (leaf->type == XML_TEXT_NODE && !StandsApart(leaf)) {
+    SetApart(leaf, content, RoomBehind(leaf));
+    return;
+  }
   FreeChars(ArenaOf(leaf->doc), leaf->content);
   leaf->content = content;
 }

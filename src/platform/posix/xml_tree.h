@@ -88,6 +88,9 @@ class Quiet {
 /// The dictionary for the names of new documents of this thread.
 xmlDict* SharedNames();
 
+/// A name without colon in the document's dictionary, where each name stands once; null when it is no such name.
+const xmlChar* PlainName(xmlDoc* document, std::string_view name);
+
 /// Frees a document that nobody holds, whether it was taken in or not.
 void FreeDocument(xmlDoc* document) noexcept;
 
@@ -105,21 +108,21 @@ void TakeIn(xmlDoc* document);
 void Hold(xmlNode* node) noexcept;
 void Release(xmlNode* node) noexcept;
 
-/// New nodes in limbo. The names have been checked.
-xmlNode* NewElement(xmlDoc* document, std::string_view name);
+/// New nodes in limbo. Names come from the document's dictionary.
+xmlNode* NewElement(xmlDoc* document, const xmlChar* name);
 xmlNode* NewCData(xmlDoc* document, std::string_view text);
 xmlNode* NewClone(xmlNode* original);
 
 /// New nodes behind the last child of their parent. A leaf is a text, a CDATA section, a comment or a processing
 /// instruction; the last has a name.
-xmlNode* AppendElement(xmlNode* parent, std::string_view name);
-xmlNode* AppendLeaf(xmlNode* parent, xmlElementType type, std::string_view content, std::string_view name = {});
+xmlNode* AppendElement(xmlNode* parent, const xmlChar* name);
+xmlNode* AppendLeaf(xmlNode* parent, xmlElementType type, std::string_view content, const xmlChar* name = nullptr);
 void AppendText(xmlNode* parent, std::string_view text);
 
 /// The last attribute of an element; null when it has none.
 xmlAttr* LastAttribute(const xmlNode* element);
 /// A new attribute without a value behind the last one of its element; `space` is null or the document's own.
-xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, xmlNs* space, std::string_view name);
+xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, xmlNs* space, const xmlChar* name);
 /// Writes down that an element declares a namespace; `prefix` empty for the default one.
 void AppendDeclaration(xmlNode* element, std::string_view prefix, std::string_view uri);
 

@@ -123,20 +123,34 @@ TEST(SharedArena, IsOneForAllThatJoinedOverOthers) {
 }
 
 TEST(SharedArena, OfALongRowOfDocumentsIsFoundAndFreedWithoutRecursion) {
-  SharedArena asleep;
-  {
-    SharedArena first;
-    asleep.JoinWith(first);
-  }
-  for (int i = 0; i < 100'000; ++i) {
-    SharedArena next;
-    next.JoinWith(asleep);
-  }
   std::vector<SharedArena> row(20'000);
   for (std::size_t i = 1; i < row.size(); ++i) {
     row[i].JoinWith(row[i - 1]);
   }
   EXPECT_EQ(&*row.front(), &*row.back());
+  std::vector<SharedArena> pairs(20'000);
+  row.clear();
+  for (std::size_t step = 1; step < pairs.size(); step *= 2) {
+    for (std::size_t i = 0; i + step < pairs.size(); i += 2 * step) {
+      pairs[i + step].JoinWith(pairs[i]);
+    }
+  }
+  EXPECT_EQ(&*pairs.front(), &*pairs.back());
+}
+
+TEST(SharedArena, IsTheOneOfLaterDocumentsWhileItLives) {
+  NodeArena* joined = nullptr;
+  {
+    SharedArena one;
+    SharedArena two;
+    one.JoinWith(two);
+    joined = &*one;
+    SharedArena later;
+    EXPECT_EQ(&*later, joined);
+    EXPECT_TRUE(later.IsShared());
+  }
+  SharedArena fresh;
+  EXPECT_FALSE(fresh.IsShared());
 }
 
 }  // namespace

@@ -111,7 +111,7 @@ def export_rows(build, work):
     parvex, limit = f"{build}/bin/parvex", f"{build}/bench/export_limit"
     ms = lambda run, whose="": Figure(run.seconds * 1e3, "ms", whose)
     rows = []
-    for tags, rounds, promise in ((200, 9, Promise("peer", 2.5, 4)), (1000, 7, Promise("limit", 3, 2))):
+    for tags, rounds, promise in ((200, 21, Promise("peer", 2.5, 4)), (1000, 21, Promise("limit", 3, 2))):
         compared = measure.beside_peer_and_limit(parvex, limit, work, tags, rounds)
         rows.append(Row(f"export of {tags:,} tags with 30 accessories and a 20 KB blob", ms(compared.own),
                         ms(compared.peer, "Python with lxml"), ms(compared.limit, "read, encode, append, write"), promise))

@@ -145,11 +145,8 @@ bool IsPlainName(std::string_view text) {
   return true;
 }
 
-bool IsBlank(const char* text) {
-  while (IsBlank(*text)) {
-    ++text;
-  }
-  return *text == '\0';
+bool IsBlank(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return IsBlank(c); });
 }
 
 char32_t NextCodePoint(std::string_view text, std::size_t& pos) {

@@ -15,7 +15,7 @@ bool IsPlainName(std::string_view text);
 
 /// White space as XML knows it.
 inline bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-bool IsBlank(const char* text);
+bool IsBlank(std::string_view text);
 
 /// Code point of the sequence of valid UTF-8 that begins at `pos`; `pos` is moved behind it.
 char32_t NextCodePoint(std::string_view text, std::size_t& pos);

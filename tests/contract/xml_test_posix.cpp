@@ -212,6 +212,29 @@ TEST(XmlNames, AreCopiedBetweenDocumentsOfDifferentDictionaries) {
   EXPECT_EQ(held.Xml(), "<early k=\"y\"><inner>\"</inner></early>");
 }
 
+TEST(XmlNames, OfOneDictionaryAreNotTakenForThoseOfTheNext) {
+  Document before = Document::Parse("<r/>");
+  before.Root().SetAttribute("key", "1");
+  before.Root().Append(before.CreateElement("child"));
+  std::string many = "<m>";
+  for (int i = 0; i < 60'000; ++i) {
+    many += "<o" + std::to_string(i) + "/>";
+  }
+  EXPECT_FALSE(Document::Parse(many + "</m>").IsEmpty());
+  const Document after = Document::Parse("<s key=\"2\"/>");
+  after.Root().SetAttribute("key", "3");
+  after.Append(after.CreateElement("child"));
+  before = Document();
+  EXPECT_EQ(after.Root().Xml(), "<s key=\"3\"><child/></s>");
+}
+
+TEST(XmlNames, OfAttributesWithoutPrefixAreOthersThanThoseWithOne) {
+  const Document document = Document::Parse("<a xmlns:p=\"u\" p:b=\"1\"/>");
+  document.Root().SetAttribute("b", "2");
+  document.Root().SetAttribute("p:b", "3");
+  EXPECT_EQ(document.Root().Xml(), "<a xmlns:p=\"u\" p:b=\"3\" b=\"2\"/>");
+}
+
 TEST(XmlIds, AreNotSelectedSoThatNothingPointsToNodesThatAreGone) {
   const Document document =
       Document::Parse("<!DOCTYPE a [<!ATTLIST b i ID #IMPLIED>]><a><b i=\"x\"/><b xml:id=\"y\"/></a>");

@@ -5,7 +5,6 @@
 #include <libxml/parserInternals.h>
 #include <libxml/valid.h>
 
-#include <algorithm>
 #include <climits>
 #include <memory>
 #include <new>
@@ -143,17 +142,13 @@ void Carefully(void* context, Work work) noexcept {
   }
 }
 
-bool IsBlankText(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return IsBlank(c); });
-}
-
 // What was read as text since the last node becomes one, or is remembered as dropped white space.
 void EndText(Parsing& parsing) {
   if (parsing.text.empty()) {
     return;
   }
   xmlNode* parent = parsing.open;
-  if (parsing.keepsBlanks.back() || !IsBlankText(parsing.text)) {
+  if (parsing.keepsBlanks.back() || !IsBlank(parsing.text)) {
     AppendText(parent, parsing.text);
   } else if (parent->last != nullptr) {
     parent->last->extra |= kBlankAfter;

@@ -150,8 +150,6 @@ xmlNode* NewLeaf(xmlDoc* document, xmlElementType type, const xmlChar* name, std
   return leaf;
 }
 
-xmlDict* NewDictionary() { return Made(xmlDictCreate()); }
-
 // The dictionary for the names of a thread's documents, and names lately found in it.
 class Names {
  public:
@@ -167,7 +165,7 @@ class Names {
       known_ = {};
     }
     if (dictionary_ == nullptr) {
-      dictionary_ = NewDictionary();
+      dictionary_ = Made(xmlDictCreate());
     }
     return dictionary_;
   }
@@ -453,13 +451,11 @@ void Release(xmlNode* node) noexcept {
 }
 
 xmlNode* NewElement(xmlDoc* document, const xmlChar* name) {
-  xmlNode* limbo = Limbo(document);
-  return AppendElement(limbo, name);
+  return AppendElement(Limbo(document), name);
 }
 
 xmlNode* NewCData(xmlDoc* document, std::string_view text) {
-  xmlNode* limbo = Limbo(document);
-  return AppendLeaf(limbo, XML_CDATA_SECTION_NODE, text);
+  return AppendLeaf(Limbo(document), XML_CDATA_SECTION_NODE, text);
 }
 
 xmlNode* AppendElement(xmlNode* parent, const xmlChar* name) {

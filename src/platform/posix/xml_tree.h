@@ -62,7 +62,10 @@ inline const xmlAttr* AsAttribute(const xmlNode* node) { return reinterpret_cast
 inline DocumentState& StateOf(const xmlDoc* document) { return *static_cast<DocumentState*>(document->_private); }
 
 /// The marks of a node. A text never carries one: the next white space is part of it, or was dropped behind another node.
-inline unsigned short BlanksAt(const xmlNode* node) { return node->type == XML_TEXT_NODE ? 0 : node->extra; }
+/// Neither a text nor a DOCTYPE has the field.
+inline unsigned short BlanksAt(const xmlNode* node) {
+  return node->type == XML_TEXT_NODE || node->type == XML_DTD_NODE ? 0 : node->extra;
+}
 
 inline bool IsDocument(const xmlNode* node) { return node->type == XML_DOCUMENT_NODE; }
 inline bool IsElement(const xmlNode* node) { return node->type == XML_ELEMENT_NODE; }

@@ -15,10 +15,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/host_file.h"
-#include "platform/posix/machine.h"
-#include "platform/posix/profile_index.h"
-#include "platform/posix/windows_1252.h"
+#include "adapters/posix/host_file.h"
+#include "adapters/posix/machine.h"
+#include "formats/ini/profile_index.h"
+#include "formats/text/windows_1252.h"
 
 namespace {
 

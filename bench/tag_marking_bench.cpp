@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/xml.h"
+#include "seams/xml.h"
 #include "tags/tag_listing.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "interface/legacy_link.h"
-#include "platform/posix/machine.h"
+#include "protocol/legacy_link.h"
+#include "adapters/posix/machine.h"
 #include "tags/tag_names.h"
 
 namespace {

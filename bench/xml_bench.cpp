@@ -14,7 +14,7 @@
 #include <ctime>
 #include <string>
 
-#include "platform/xml.h"
+#include "seams/xml.h"
 
 namespace {
 

@@ -1,13 +1,28 @@
-# A folder is a module: every .cpp directly in FOLDER belongs to the static library NAME.
+# A folder is a module: every .cpp directly in FOLDER, those left out whose path matches EXCLUDE or whose name ends in the
+# name of the other platform, belongs to the static library NAME.
 #
-#   parvex_module(NAME FOLDER DEPENDS library...)
+#   parvex_module(NAME FOLDER [EXCLUDE regex] [DEPENDS library...])
 function(parvex_module name folder)
-  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "" "EXCLUDE" "DEPENDS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp)
+  parvex_without_other_platform(sources)
+  if(ARG_EXCLUDE)
+    list(FILTER sources EXCLUDE REGEX ${ARG_EXCLUDE})
+  endif()
   parvex_library(${name} SOURCES ${sources} DEPENDS ${ARG_DEPENDS})
 endfunction()
 
-# The same with the sources named one by one, for a folder that holds two modules.
+# Takes sources of the platform that is not built out of the list named VARIABLE.
+function(parvex_without_other_platform variable)
+  if(WIN32)
+    list(FILTER ${variable} EXCLUDE REGEX "_(posix|libxml2)\\.cpp$")
+  else()
+    list(FILTER ${variable} EXCLUDE REGEX "_(windows|msxml)\\.cpp$")
+  endif()
+  set(${variable} ${${variable}} PARENT_SCOPE)
+endfunction()
+
+# The same with the sources named one by one.
 #
 #   parvex_library(NAME SOURCES file... DEPENDS library...)
 function(parvex_library name)
@@ -24,13 +39,14 @@ function(parvex_library name)
   target_link_libraries(${name} ${scope} ${ARG_DEPENDS})
 endfunction()
 
-# One test program for the .cpp files of FOLDER, those left out whose path matches EXCLUDE; each of its tests is a ctest
-# test of its own.
+# One test program for the .cpp files of FOLDER and of the folders in it, those of the other platform left out; each of
+# its tests is a ctest test of its own.
 #
 #   parvex_test(NAME FOLDER DEPENDS library... [EXCLUDE regex] [PROPERTIES of the ctest tests])
 function(parvex_test name folder)
   cmake_parse_arguments(ARG "" "EXCLUDE" "DEPENDS;PROPERTIES" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folder}/*.cpp)
+  parvex_without_other_platform(sources)
   if(ARG_EXCLUDE)
     list(FILTER sources EXCLUDE REGEX ${ARG_EXCLUDE})
   endif()

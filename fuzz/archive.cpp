@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "fuzz/fuzz_input.h"
-#include "hybris/packing.h"
-#include "platform/automation_error.h"
-#include "platform/posix/windows_1252.h"
+#include "formats/zip/zip_reader.h"
+#include "seams/automation_error.h"
+#include "formats/text/windows_1252.h"
 
 // An archive is unpacked into a folder of which every path is looked at. The input: the archive's bytes.
 

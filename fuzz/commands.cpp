@@ -4,7 +4,7 @@
 #include "fuzz/fuzz_input.h"
 #include "interface/legacy_orla_pull.h"
 #include "journal/replay_routers.h"
-#include "legacy_standin/project_store.h"
+#include "legacy_standin/projects/project_store.h"
 #include "legacy_standin/standin.h"
 #include "tests/support/fake_platform.h"
 

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::fuzz {
 

@@ -4,10 +4,10 @@
 #include <vector>
 
 #include "fuzz/fuzz_input.h"
-#include "legacy_standin/jet_writer.h"
-#include "platform/jet_decoder.h"
-#include "platform/jet_format.h"
-#include "platform/posix/jet_databases.h"
+#include "formats/jet/writer.h"
+#include "formats/jet/decoder.h"
+#include "formats/jet/format.h"
+#include "adapters/posix/jet_databases.h"
 #include "tests/support/one_file.h"
 
 // A damaged database is read by both readers and changed. Damage is small, so the input tells what to do to a sound

@@ -3,9 +3,9 @@
 #include <string_view>
 
 #include "fuzz/fuzz_input.h"
-#include "platform/posix/profile_index.h"
-#include "platform/posix/profile_text.h"
-#include "platform/posix/windows_1252.h"
+#include "formats/ini/profile_index.h"
+#include "formats/ini/profile_text.h"
+#include "formats/text/windows_1252.h"
 
 // A profile file, looked up by the index and line by line; then a value is set and read back. The input: a section, a
 // key, another key and a value, each up to a line feed, and the file's bytes.

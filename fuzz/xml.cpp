@@ -1,10 +1,10 @@
-#include "platform/xml.h"
+#include "seams/xml.h"
 
 #include <string>
 #include <string_view>
 
 #include "fuzz/fuzz_input.h"
-#include "platform/text.h"
+#include "formats/text/text.h"
 
 // A document is loaded, serialised and loaded again: from the second time on nothing changes any more but line ends. (A
 // CR LF that references put into a text is written as it is, and reads as a LF.) The input: an

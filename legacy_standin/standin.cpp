@@ -3,11 +3,11 @@
 #include <memory>
 #include <utility>
 
-#include "legacy_standin/builder.h"
-#include "legacy_standin/project_requests.h"
-#include "legacy_standin/report_server.h"
-#include "legacy_standin/schedule_request.h"
-#include "legacy_standin/tag_requests.h"
+#include "legacy_standin/builder/builder.h"
+#include "legacy_standin/router/project_requests.h"
+#include "legacy_standin/reports/report_server.h"
+#include "legacy_standin/reports/schedule_request.h"
+#include "legacy_standin/router/tag_requests.h"
 
 namespace parvex::standin {
 namespace {

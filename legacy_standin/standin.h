@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "legacy_standin/application.h"
-#include "legacy_standin/router.h"
-#include "platform/automation.h"
-#include "platform/message_router.h"
+#include "legacy_standin/installation/application.h"
+#include "legacy_standin/router/router.h"
+#include "seams/automation.h"
+#include "seams/message_router.h"
 
 namespace parvex::standin {
 

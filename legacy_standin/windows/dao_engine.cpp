@@ -1,15 +1,15 @@
 // The substitute for the database engine as an in-process server. It is for machines without the real engine, whose
 // place in the registry it never takes; the manifests beside it offer it without any registration.
 
-#include "legacy_standin/dao_engine.h"
+#include "legacy_standin/database_engine/dao_engine.h"
 
 #include <array>
 
-#include "com/server.h"
-#include "platform/automation_error.h"
-#include "platform/windows/automation.h"
-#include "platform/windows/files.h"
-#include "platform/windows/wide_text.h"
+#include "com_server/server.h"
+#include "seams/automation_error.h"
+#include "adapters/windows/system_automation.h"
+#include "adapters/windows/system_files.h"
+#include "adapters/windows/wide_text.h"
 
 namespace parvex::standin {
 namespace {

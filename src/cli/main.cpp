@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "cli/command_line.h"
-#include "cli/exit_status.h"
-#include "cli/host.h"
-#include "cli/replies.h"
-#include "cli/standard_streams.h"
-#include "platform/automation_error.h"
+#include "cli/command_line/command_line.h"
+#include "cli/host/exit_status.h"
+#include "cli/host/host.h"
+#include "cli/session/replies.h"
+#include "cli/terminal/standard_streams.h"
+#include "seams/automation_error.h"
 
 namespace parvex::cli {
 namespace {

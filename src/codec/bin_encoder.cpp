@@ -1,7 +1,7 @@
 #include "codec/bin_encoder.h"
 
 #include "codec/base64_kernels.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 namespace {

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/code_page.h"
-#include "platform/files.h"
+#include "seams/code_page.h"
+#include "seams/files.h"
 
 namespace parvex {
 

@@ -3,10 +3,10 @@
 #include <optional>
 
 #include "codec/bin_encoder.h"
-#include "com/dual_object.h"
+#include "com_server/dual_object.h"
 #include "parvex_idl.h"
-#include "platform/windows/ansi_text.h"
-#include "platform/windows/files.h"
+#include "adapters/windows/ansi_text.h"
+#include "adapters/windows/system_files.h"
 
 namespace parvex::com {
 

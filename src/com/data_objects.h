@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "com/dual_object.h"
+#include "com_server/dual_object.h"
 #include "com/values.h"
 #include "hybris/unit_model.h"
 #include "parvex_idl.h"

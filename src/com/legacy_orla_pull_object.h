@@ -2,10 +2,10 @@
 
 #include <optional>
 
-#include "com/dual_object.h"
+#include "com_server/dual_object.h"
 #include "interface/legacy_orla_pull.h"
 #include "parvex_idl.h"
-#include "platform/windows/machine.h"
+#include "adapters/windows/machine.h"
 
 namespace parvex::com {
 

@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "com/class_factory.h"
+#include "com_server/class_factory.h"
 
 namespace parvex::com {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/windows/com_pointer.h"
+#include "adapters/windows/com_pointer.h"
 
 namespace parvex::com {
 

@@ -6,8 +6,8 @@
 #include "hybris/hybris_document.h"
 #include "hybris/leading_number.h"
 #include "hybris/selection_section.h"
-#include "platform/automation_error.h"
-#include "platform/text.h"
+#include "seams/automation_error.h"
+#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

@@ -7,8 +7,8 @@
 
 #include "hybris/counter16.h"
 #include "hybris/unit_model.h"
-#include "platform/platform.h"
-#include "platform/xml.h"
+#include "seams/platform.h"
+#include "seams/xml.h"
 
 namespace parvex {
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "hybris/unit_model.h"
-#include "platform/platform.h"
+#include "seams/platform.h"
 
 namespace parvex {
 

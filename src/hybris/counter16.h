@@ -4,7 +4,7 @@
 #include <limits>
 #include <string>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 

@@ -11,9 +11,9 @@
 #include "hybris/selected_items.h"
 #include "hybris/selection_section.h"
 #include "hybris/tag_stored_data.h"
-#include "interface/reply_envelope.h"
+#include "protocol/reply_envelope.h"
 #include "legacy_env/install_paths.h"
-#include "platform/text.h"
+#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

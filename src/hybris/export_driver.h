@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-#include "interface/legacy_link.h"
-#include "platform/platform.h"
-#include "platform/xml.h"
+#include "protocol/legacy_link.h"
+#include "seams/platform.h"
+#include "seams/xml.h"
 
 namespace parvex {
 

@@ -1,7 +1,7 @@
 #include "hybris/hybris_document.h"
 
-#include "interface/required_node.h"
-#include "platform/text.h"
+#include "protocol/required_node.h"
+#include "formats/text/text.h"
 
 namespace parvex {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/xml.h"
+#include "seams/xml.h"
 
 namespace parvex {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <system_error>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "interface/legacy_link.h"
-#include "platform/xml.h"
+#include "protocol/legacy_link.h"
+#include "seams/xml.h"
 
 namespace parvex {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "hybris/unit_model.h"
-#include "platform/platform.h"
+#include "seams/platform.h"
 
 namespace parvex {
 

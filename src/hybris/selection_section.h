@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "hybris/counter16.h"
-#include "platform/platform.h"
+#include "seams/platform.h"
 
 namespace parvex {
 

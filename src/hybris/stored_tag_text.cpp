@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "hybris/packing.h"
-#include "platform/text.h"
+#include "formats/zip/zip_reader.h"
+#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "hybris/stored_tag_text.h"
-#include "interface/required_node.h"
+#include "protocol/required_node.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/install_paths.h"
-#include "platform/automation_error.h"
-#include "platform/text.h"
+#include "seams/automation_error.h"
+#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

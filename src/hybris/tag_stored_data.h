@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "hybris/hybris_document.h"
-#include "platform/platform.h"
-#include "platform/xml.h"
+#include "seams/platform.h"
+#include "seams/xml.h"
 
 namespace parvex {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <span>
 
-#include "interface/command_document.h"
+#include "protocol/command_document.h"
 #include "interface/command_table.h"
-#include "interface/reply_envelope.h"
+#include "protocol/reply_envelope.h"
 
 namespace parvex {
 namespace {

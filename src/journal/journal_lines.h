@@ -3,8 +3,8 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "platform/automation.h"
-#include "platform/automation_error.h"
+#include "seams/automation.h"
+#include "seams/automation_error.h"
 
 namespace parvex::journal {
 

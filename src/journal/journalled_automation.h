@@ -6,7 +6,7 @@
 #include <ostream>
 #include <string>
 
-#include "platform/automation.h"
+#include "seams/automation.h"
 
 namespace parvex::journal {
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <ostream>
 
-#include "platform/platform.h"
+#include "seams/platform.h"
 
 namespace parvex::journal {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "journal/journal_lines.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::journal {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/message_router.h"
+#include "seams/message_router.h"
 
 namespace parvex::journal {
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "codec/bin_encoder.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 

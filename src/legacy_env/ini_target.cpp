@@ -3,7 +3,7 @@
 #include <memory>
 #include <optional>
 
-#include "platform/text.h"
+#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

@@ -4,8 +4,8 @@
 #include <optional>
 
 #include "legacy_env/ui_settings.h"
-#include "platform/automation_error.h"
-#include "platform/text.h"
+#include "seams/automation_error.h"
+#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <memory>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 namespace {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/platform.h"
+#include "seams/platform.h"
 
 namespace parvex {
 

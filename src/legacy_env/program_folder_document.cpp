@@ -3,7 +3,7 @@
 #include <string>
 
 #include "legacy_env/install_paths.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "platform/platform.h"
-#include "platform/xml.h"
+#include "seams/platform.h"
+#include "seams/xml.h"
 
 namespace parvex {
 

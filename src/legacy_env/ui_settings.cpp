@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "legacy_env/install_paths.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 namespace {

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/automation_error.h"
-#include "platform/platform.h"
+#include "seams/automation_error.h"
+#include "seams/platform.h"
 
 namespace parvex {
 

@@ -4,12 +4,12 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "interface/command_document.h"
-#include "interface/reply_envelope.h"
-#include "interface/required_node.h"
+#include "protocol/command_document.h"
+#include "protocol/reply_envelope.h"
+#include "protocol/required_node.h"
 #include "legacy_env/install_paths.h"
 #include "legacy_env/program_folder_document.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 namespace {

@@ -3,11 +3,11 @@
 #include <string>
 #include <string_view>
 
-#include "interface/command_document.h"
-#include "interface/reply_envelope.h"
-#include "interface/required_node.h"
+#include "protocol/command_document.h"
+#include "protocol/reply_envelope.h"
+#include "protocol/required_node.h"
 #include "legacy_env/install_paths.h"
-#include "projects/legacy_requests.h"
+#include "protocol/legacy_requests.h"
 
 namespace parvex {
 namespace {

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "interface/legacy_link.h"
-#include "platform/xml.h"
+#include "protocol/legacy_link.h"
+#include "seams/xml.h"
 
 namespace parvex {
 

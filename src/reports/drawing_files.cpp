@@ -3,7 +3,7 @@
 #include <string>
 
 #include "legacy_env/file_routines.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 #include "reports/report_catalogue.h"
 
 namespace parvex {

@@ -1,10 +1,10 @@
 #include "reports/report_catalogue.h"
 
-#include "interface/command_document.h"
+#include "protocol/command_document.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/install_paths.h"
 #include "legacy_env/program_folder_document.h"
-#include "platform/text.h"
+#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

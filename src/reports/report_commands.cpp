@@ -5,14 +5,14 @@
 #include <string_view>
 #include <vector>
 
-#include "interface/command_document.h"
-#include "interface/reply_envelope.h"
-#include "interface/required_node.h"
+#include "protocol/command_document.h"
+#include "protocol/reply_envelope.h"
+#include "protocol/required_node.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/install_paths.h"
-#include "legacy_env/legacy_names.h"
-#include "platform/automation_error.h"
-#include "platform/text.h"
+#include "protocol/legacy_names.h"
+#include "seams/automation_error.h"
+#include "formats/text/text.h"
 #include "reports/drawing_files.h"
 #include "reports/report_catalogue.h"
 #include "tags/tag_listing.h"

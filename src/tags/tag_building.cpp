@@ -5,11 +5,11 @@
 #include <string_view>
 #include <utility>
 
-#include "interface/command_document.h"
-#include "interface/reply_envelope.h"
-#include "legacy_env/legacy_names.h"
+#include "protocol/command_document.h"
+#include "protocol/reply_envelope.h"
+#include "protocol/legacy_names.h"
 #include "legacy_env/ui_settings.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 namespace {

@@ -3,9 +3,9 @@
 #include <string>
 #include <unordered_map>
 
-#include "interface/command_document.h"
-#include "interface/reply_envelope.h"
-#include "interface/required_node.h"
+#include "protocol/command_document.h"
+#include "protocol/reply_envelope.h"
+#include "protocol/required_node.h"
 #include "legacy_env/install_paths.h"
 #include "legacy_env/program_folder_document.h"
 

@@ -4,8 +4,8 @@
 #include <unordered_set>
 #include <utility>
 
-#include "interface/required_node.h"
-#include "platform/automation_error.h"
+#include "protocol/required_node.h"
+#include "seams/automation_error.h"
 #include "tags/tag_listing.h"
 
 namespace parvex {

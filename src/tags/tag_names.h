@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "interface/legacy_link.h"
+#include "protocol/legacy_link.h"
 
 namespace parvex {
 

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/xml.h"
+#include "seams/xml.h"
 #include "tests/cli/program.h"
 #include "tests/cli/sample_walk.h"
 

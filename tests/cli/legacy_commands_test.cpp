@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "platform/xml.h"
+#include "seams/xml.h"
 #include "tests/cli/program.h"
 
 namespace parvex::test {

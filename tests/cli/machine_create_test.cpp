@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/xml.h"
+#include "seams/xml.h"
 #include "tests/cli/program.h"
 
 namespace parvex::test {

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "platform/text.h"
+#include "formats/text/text.h"
 
 namespace parvex::test {
 namespace {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/xml.h"
+#include "seams/xml.h"
 #include "tests/cli/program.h"
 #include "tests/support/jet_readers.h"
 

@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "codec/bin_encoder.h"
-#include "legacy_standin/bitmap.h"
-#include "platform/text.h"
-#include "platform/xml.h"
+#include "legacy_standin/reports/bitmap.h"
+#include "formats/text/text.h"
+#include "seams/xml.h"
 #include "tests/cli/sample_walk.h"
 
 namespace parvex::test {

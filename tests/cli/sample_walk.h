@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "legacy_standin/json_members.h"
+#include "legacy_standin/installation/json_members.h"
 #include "tests/cli/program.h"
 
 namespace parvex::test {

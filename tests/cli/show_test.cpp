@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/text.h"
+#include "formats/text/text.h"
 #include "tests/cli/program.h"
 
 namespace parvex::test {

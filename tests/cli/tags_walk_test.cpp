@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <sstream>
 
-#include "legacy_standin/json_members.h"
-#include "platform/xml.h"
+#include "legacy_standin/installation/json_members.h"
+#include "seams/xml.h"
 #include "tests/cli/program.h"
 #include "tests/support/command_texts.h"
 

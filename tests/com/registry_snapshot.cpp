@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "platform/windows/wide_text.h"
+#include "adapters/windows/wide_text.h"
 
 namespace parvex::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/automation.h"
+#include "seams/automation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,10 +1,10 @@
-#include "platform/windows/automation.h"
+#include "adapters/windows/system_automation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/automation_error.h"
-#include "platform/windows/com_object.h"
+#include "seams/automation_error.h"
+#include "adapters/windows/com_object.h"
 
 // Objects of this system driven from outside, and outer objects driven from here: one drives the other through
 // IDispatch, as a script and the report server would.

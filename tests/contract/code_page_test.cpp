@@ -1,4 +1,4 @@
-#include "platform/code_page.h"
+#include "seams/code_page.h"
 
 #include <gtest/gtest.h>
 

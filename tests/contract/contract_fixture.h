@@ -6,15 +6,15 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/automation.h"
-#include "platform/code_page.h"
-#include "platform/files.h"
-#include "platform/message_box.h"
-#include "platform/message_pump.h"
-#include "platform/private_profile.h"
-#include "platform/processes.h"
-#include "platform/project_database.h"
-#include "platform/registry.h"
+#include "seams/automation.h"
+#include "seams/code_page.h"
+#include "seams/files.h"
+#include "seams/message_boxes.h"
+#include "seams/message_pump.h"
+#include "seams/private_profile.h"
+#include "seams/processes.h"
+#include "seams/project_database.h"
+#include "seams/registry.h"
 #include "tests/support/raised_by.h"
 
 namespace parvex::test {

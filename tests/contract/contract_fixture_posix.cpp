@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "platform/posix/machine.h"
-#include "platform/posix/machine_folder.h"
+#include "adapters/posix/machine.h"
+#include "adapters/posix/machine_folder.h"
 #include "tests/contract/contract_fixture.h"
 #include "tests/support/fake_platform.h"
 

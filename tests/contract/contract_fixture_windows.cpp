@@ -3,9 +3,9 @@
 
 #include <thread>
 
-#include "platform/windows/ansi_text.h"
-#include "platform/windows/machine.h"
-#include "platform/windows/wide_text.h"
+#include "adapters/windows/ansi_text.h"
+#include "adapters/windows/machine.h"
+#include "adapters/windows/wide_text.h"
 #include "tests/contract/contract_fixture.h"
 #include "tests/contract/substitute_engine_windows.h"
 #include "tests/support/own_boxes_windows.h"

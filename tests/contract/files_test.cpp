@@ -1,4 +1,4 @@
-#include "platform/files.h"
+#include "seams/files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

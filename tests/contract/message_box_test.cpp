@@ -1,4 +1,4 @@
-#include "platform/message_box.h"
+#include "seams/message_boxes.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/message_pump.h"
+#include "seams/message_pump.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

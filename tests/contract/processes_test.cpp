@@ -1,4 +1,4 @@
-#include "platform/processes.h"
+#include "seams/processes.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

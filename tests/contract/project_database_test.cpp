@@ -1,11 +1,11 @@
-#include "platform/project_database.h"
+#include "seams/project_database.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
 
-#include "legacy_standin/jet_writer.h"
+#include "formats/jet/writer.h"
 #include "tests/contract/contract_fixture.h"
 
 namespace parvex::test {

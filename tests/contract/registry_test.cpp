@@ -1,8 +1,8 @@
-#include "platform/registry.h"
+#include "seams/registry.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/text.h"
+#include "formats/text/text.h"
 #include "tests/contract/contract_fixture.h"
 
 namespace parvex::test {

@@ -1,10 +1,10 @@
-#include "platform/windows/wide_text.h"
+#include "adapters/windows/wide_text.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "platform/windows/com_pointer.h"
+#include "adapters/windows/com_pointer.h"
 
 namespace parvex::windows {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/xml.h"
+#include "seams/xml.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 #include "tests/contract/contract_fixture.h"
 #include "tests/support/same_node.h"
 

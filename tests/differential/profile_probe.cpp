@@ -21,7 +21,7 @@
 #ifdef _WIN32
 #include <windows.h>
 #else
-#include "platform/posix/machine.h"
+#include "adapters/posix/machine.h"
 #endif
 
 namespace {

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "hybris/packing.h"
+#include "formats/zip/zip_reader.h"
 #include "hybris/stored_tag_text.h"
-#include "legacy_standin/zip_writer.h"
+#include "formats/zip/zip_writer.h"
 #include "tests/faults/limited_child.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/zip_patch.h"

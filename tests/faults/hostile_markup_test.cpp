@@ -6,8 +6,8 @@
 #include <functional>
 #include <string>
 
-#include "platform/text.h"
-#include "platform/xml.h"
+#include "formats/text/text.h"
+#include "seams/xml.h"
 #include "tests/faults/limited_child.h"
 #include "tests/support/fake_platform.h"
 

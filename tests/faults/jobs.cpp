@@ -7,9 +7,9 @@
 #include "hybris/tag_stored_data.h"
 #include "interface/legacy_orla_pull.h"
 #include "legacy_env/ui_settings.h"
-#include "legacy_standin/jet_writer.h"
-#include "legacy_standin/zip_writer.h"
-#include "platform/automation_error.h"
+#include "formats/jet/writer.h"
+#include "formats/zip/zip_writer.h"
+#include "seams/automation_error.h"
 #include "tests/faults/fault_injection.h"
 #include "tests/support/command_texts.h"
 

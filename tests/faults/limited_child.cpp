@@ -8,7 +8,7 @@
 #include <array>
 #include <new>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::test {
 namespace {

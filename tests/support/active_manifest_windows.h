@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "platform/windows/wide_text.h"
+#include "adapters/windows/wide_text.h"
 
 namespace parvex::test {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/xml.h"
+#include "seams/xml.h"
 
 namespace parvex::test {
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/automation.h"
+#include "seams/automation.h"
 
 namespace parvex::test {
 

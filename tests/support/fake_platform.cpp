@@ -8,7 +8,7 @@
 
 #include "legacy_env/ini_target.h"
 #include "legacy_env/install_paths.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::test {
 namespace {

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/platform.h"
-#include "platform/posix/machine.h"
+#include "seams/platform.h"
+#include "adapters/posix/machine.h"
 #include "tests/support/fake_automation.h"
 
 namespace parvex::test {

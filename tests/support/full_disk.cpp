@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::test {
 namespace {

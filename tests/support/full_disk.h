@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "platform/platform.h"
-#include "platform/posix/jet_databases.h"
+#include "seams/platform.h"
+#include "adapters/posix/jet_databases.h"
 
 namespace parvex::test {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/xml.h"
+#include "seams/xml.h"
 
 namespace parvex::test {
 

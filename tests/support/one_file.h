@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/automation_error.h"
-#include "platform/files.h"
+#include "seams/automation_error.h"
+#include "seams/files.h"
 
 namespace parvex::test {
 

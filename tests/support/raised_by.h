@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::test {
 

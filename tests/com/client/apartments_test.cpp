@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "parvex_idl.h"
-#include "platform/windows/apartment.h"
+#include "adapters/windows/apartment.h"
 #include "tests/com/com_session.h"
 
 // Threads: an instance for each, calls from one apartment into another, the module's stay in memory.

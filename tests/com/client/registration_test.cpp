@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "parvex_idl.h"
-#include "platform/windows/apartment.h"
+#include "adapters/windows/apartment.h"
 #include "tests/com/com_session.h"
 #include "tests/com/public_classes.h"
 #include "tests/com/registry_snapshot.h"

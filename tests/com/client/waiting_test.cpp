@@ -4,9 +4,9 @@
 #include <thread>
 
 #include "parvex_idl.h"
-#include "platform/automation_error.h"
-#include "platform/windows/automation.h"
-#include "platform/windows/com_object.h"
+#include "seams/automation_error.h"
+#include "adapters/windows/system_automation.h"
+#include "adapters/windows/com_object.h"
 #include "tests/com/com_session.h"
 #include "tests/support/own_boxes_windows.h"
 

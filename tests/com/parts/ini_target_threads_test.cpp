@@ -4,8 +4,8 @@
 #include <thread>
 
 #include "legacy_env/ini_target.h"
-#include "platform/windows/machine.h"
-#include "platform/windows/wide_text.h"
+#include "adapters/windows/machine.h"
+#include "adapters/windows/wide_text.h"
 #include "tests/com/com_session.h"
 #include "tests/support/own_boxes_windows.h"
 

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "com/parvex_classes.h"
-#include "com/registration.h"
-#include "com/type_library.h"
+#include "com_server/registration.h"
+#include "com_server/type_library.h"
 #include "parvex_idl.h"
-#include "platform/automation_error.h"
-#include "platform/windows/wide_text.h"
+#include "seams/automation_error.h"
+#include "adapters/windows/wide_text.h"
 #include "tests/com/registry_snapshot.h"
 
 // Registering that fails on the way: the first failure is reported, and what was written is undone.

@@ -7,7 +7,7 @@
 
 #include "codec/base64_kernels.h"
 #include "codec/bin_encoder.h"
-#include "platform/text.h"
+#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

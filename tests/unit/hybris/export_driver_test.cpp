@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "codec/bin_encoder.h"
-#include "interface/reply_envelope.h"
-#include "platform/text.h"
+#include "protocol/reply_envelope.h"
+#include "formats/text/text.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "hybris/tag_stored_data.h"
-#include "legacy_standin/zip_writer.h"
-#include "platform/automation_error.h"
+#include "formats/zip/zip_writer.h"
+#include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex::test {

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "legacy_standin/zip_writer.h"
-#include "platform/automation_error.h"
+#include "formats/zip/zip_writer.h"
+#include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex {

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "interface/command_table.h"
-#include "interface/reply_envelope.h"
-#include "platform/automation_error.h"
+#include "protocol/reply_envelope.h"
+#include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex {

@@ -6,7 +6,7 @@
 #include <limits>
 #include <sstream>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::journal {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex::journal {

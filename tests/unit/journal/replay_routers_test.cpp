@@ -7,7 +7,7 @@
 #include <string>
 
 #include "journal/journalled_platform.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex::journal {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex {

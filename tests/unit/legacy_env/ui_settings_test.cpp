@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex {

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::standin {
 

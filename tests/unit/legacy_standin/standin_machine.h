@@ -1,6 +1,6 @@
 #pragma once
 
-#include "legacy_standin/application.h"
+#include "legacy_standin/installation/application.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex::standin {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "legacy_standin/project_store.h"
-#include "legacy_standin/sample_project.h"
+#include "legacy_standin/projects/project_store.h"
+#include "legacy_standin/sample/sample_project.h"
 #include "tests/unit/legacy_standin/standin_machine.h"
 
 namespace parvex::standin {

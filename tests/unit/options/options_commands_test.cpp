@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "interface/command_document.h"
-#include "interface/reply_envelope.h"
+#include "protocol/command_document.h"
+#include "protocol/reply_envelope.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/full_disk.h"
 #include "tests/support/raised_by.h"

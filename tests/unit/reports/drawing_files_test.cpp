@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "codec/bin_encoder.h"
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/raised_by.h"
 

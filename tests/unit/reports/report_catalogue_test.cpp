@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "interface/command_document.h"
+#include "protocol/command_document.h"
 #include "tests/support/command_texts.h"
 #include "tests/support/fake_platform.h"
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/automation_error.h"
+#include "seams/automation_error.h"
 #include "tags/tag_building.h"
 #include "tests/support/raised_by.h"
 #include "tests/unit/reports/report_machine.h"

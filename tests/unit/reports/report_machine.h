@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "interface/legacy_link.h"
+#include "protocol/legacy_link.h"
 #include "tests/support/command_texts.h"
 #include "tests/support/fake_automation.h"
 #include "tests/support/fake_platform.h"

@@ -8,8 +8,8 @@
 #include <map>
 
 
-#include "interface/legacy_link.h"
-#include "platform/automation_error.h"
+#include "protocol/legacy_link.h"
+#include "seams/automation_error.h"
 #include "tests/support/command_texts.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/raised_by.h"

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "interface/command_document.h"
-#include "platform/automation_error.h"
+#include "protocol/command_document.h"
+#include "seams/automation_error.h"
 #include "tests/unit/tags/tag_machine.h"
 
 namespace parvex {

@@ -5,7 +5,7 @@
 
 #include <random>
 
-#include "interface/command_document.h"
+#include "protocol/command_document.h"
 #include "tests/support/raised_by.h"
 #include "tests/unit/tags/tag_machine.h"
 

@@ -1,0 +1,48 @@
+#include "legacy_standin/late_bound/late_bound_members.h"
+
+#include "seams/automation_error.h"
+
+namespace parvex::standin {
+namespace {
+
+constexpr std::uint32_t kNoSuchMember = 0x800A0000u + 438u;
+constexpr std::uint32_t kToldToFail = kObjectErrorBase + 1u;
+
+std::string PathOf(const automation::Object& object, std::string_view member) {
+  return object.Name() + "." + std::string(member);
+}
+
+}  // namespace
+
+void RefuseMember(const automation::Object& object, std::string_view member) {
+  throw AutomationError(kNoSuchMember, object.Name(), PathOf(object, member) + ": the object has no such member");
+}
+
+void RefuseValue(const automation::Object& object, std::string_view member, const std::string& reason) {
+  throw MakeRuntimeError(RuntimeError::InvalidCall, PathOf(object, member) + ": " + reason);
+}
+
+void FailWhereTold(std::string_view failAt, const automation::Object& object, std::string_view member) {
+  if (failAt == member) {
+    throw AutomationError(kToldToFail, object.Name(), PathOf(object, member) + ": told to fail");
+  }
+}
+
+std::vector<std::string> TextArguments(const automation::Object& object, std::string_view member,
+                                       std::span<const automation::Argument> arguments, std::size_t count) {
+  if (arguments.size() != count) {
+    RefuseValue(object, member,
+                std::to_string(count) + " arguments are wanted, not " + std::to_string(arguments.size()));
+  }
+  std::vector<std::string> texts;
+  for (const automation::Argument& argument : arguments) {
+    const auto* text = std::get_if<std::string>(&argument.value);
+    if (text == nullptr) {
+      RefuseValue(object, member, "argument " + std::to_string(texts.size() + 1) + " is no text");
+    }
+    texts.push_back(*text);
+  }
+  return texts;
+}
+
+}  // namespace parvex::standin

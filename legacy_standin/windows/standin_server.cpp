@@ -1,0 +1,107 @@
+// The substitute legacy application as an in-process server: its message router, and its late-bound classes behind
+// dispatch interfaces.
+
+#include "com_server/server.h"
+
+#include <array>
+#include <deque>
+#include <filesystem>
+#include <mutex>
+
+#include "com_server/failures.h"
+#include "legacy_standin/standin.h"
+#include "adapters/windows/com_object.h"
+#include "adapters/windows/machine.h"
+#include "adapters/windows/wide_text.h"
+#include "standin_idl.h"
+
+namespace parvex::standin {
+namespace {
+
+using com::ComClass;
+using windows::Bstr;
+using windows::ComPointer;
+
+// The application as it is installed at the moment, misbehaving as the standin.json in its root says.
+struct Installation {
+  windows::Machine machine;
+  Standin standin{MakeApplication()};
+
+  Application MakeApplication() {
+    Application application = {
+        machine.GetRegistry(), machine.GetFiles(), machine.GetProjectDatabases(), machine.GetCodePage(), {}};
+    application.settings = ReadStandinSettings(std::filesystem::path(windows::Widen(application.Root())));
+    return application;
+  }
+};
+
+// Its objects use it for as long as they live, which is not known here: it is kept until the server is unloaded.
+// Objects are made on many threads.
+Installation& MakeInstallation() {
+  static std::mutex mutex;
+  static std::deque<Installation> installations;
+  const std::lock_guard lock(mutex);
+  return installations.emplace_back();
+}
+
+// Late binding reaches the default interface only, which has no members.
+class RouterObject : public windows::ComObject<IMessageRouter, IRequestRouter> {
+ public:
+  RouterObject() : router_(MakeInstallation().standin.Routers().Create()) {}
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    *count = 0;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return DISP_E_BADINDEX; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+    return DISP_E_UNKNOWNNAME;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
+    return DISP_E_MEMBERNOTFOUND;
+  }
+
+  HRESULT STDMETHODCALLTYPE SendRequestMessage(BSTR* request, BSTR* response, VARIANT_BOOL* result) override {
+    return com::Guarded(__uuidof(IRequestRouter), [&] {
+      std::string answer;
+      *result = router_->SendRequestMessage(windows::TextOf(*request), answer) ? VARIANT_TRUE : VARIANT_FALSE;
+      SysFreeString(*response);
+      *response = Bstr(answer).Detach();
+    });
+  }
+
+ private:
+  std::unique_ptr<MessageRouter> router_;
+};
+
+ComPointer<IUnknown> MakeRouter() { return windows::MakeCom<RouterObject>().As<IUnknown>(IID_IUnknown); }
+
+ComPointer<IUnknown> MakeLateBound(const std::string& programmaticId) {
+  for (const LateBoundClass& offered : MakeInstallation().standin.Classes()) {
+    if (offered.programmaticId == programmaticId) {
+      return windows::ExposeObject(offered.create()).As<IUnknown>(IID_IUnknown);
+    }
+  }
+  return {};
+}
+
+ComClass LateBound(const CLSID& id, const std::string& programmaticId) {
+  return {id, windows::Widen(programmaticId), L"Substitute legacy application",
+          [programmaticId] { return MakeLateBound(programmaticId); }};
+}
+
+std::span<const ComClass> Classes() {
+  static const std::array kClasses = {
+      ComClass{CLSID_MessageRouter, L"KorvaneSubstitute.MessageRouter", L"Substitute message router", MakeRouter},
+      LateBound({0x6ce356ae, 0x63b2, 0x4098, {0xa2, 0xec, 0x54, 0x6e, 0xac, 0x16, 0x57, 0x4f}}, "KDQU470.CKDBuilder"),
+      LateBound({0x797820b4, 0xea78, 0x469b, {0x83, 0x1d, 0x3e, 0xe5, 0x79, 0x2c, 0x9f, 0xc9}},
+                "KDQU470.CKDScheduleRequest"),
+      LateBound({0xd103e052, 0x4bdb, 0x47d5, {0xa0, 0x73, 0x66, 0xd4, 0x96, 0x50, 0xc9, 0xf6}},
+                "KDRPTSV47.CRemoteInterface")};
+  return kClasses;
+}
+
+}  // namespace
+}  // namespace parvex::standin
+
+parvex::com::Server parvex::com::ThisServer() { return {standin::Classes(), &LIBID_KorvaneSubstitute}; }

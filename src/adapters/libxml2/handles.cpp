@@ -1,0 +1,457 @@
+#include "seams/xml.h"
+
+#include <climits>
+#include <utility>
+
+#include "seams/automation_error.h"
+#include "formats/text/xml_characters.h"
+#include "adapters/libxml2/encoding.h"
+#include "adapters/libxml2/markup.h"
+#include "adapters/libxml2/parse.h"
+#include "adapters/libxml2/select.h"
+#include "adapters/libxml2/tree.h"
+
+namespace parvex::xml {
+
+// The one door between handles and trees.
+struct Adapter {
+  static Node HandleOn(xmlNode* node) {
+    Node handle;
+    if (node != nullptr) {
+      Hold(node);
+      handle.handle_ = node;
+    }
+    return handle;
+  }
+
+  static Document HandleOn(UnheldDocument document) {
+    return HandleOn(document.release());
+  }
+  static Document HandleOn(xmlDoc* document) {
+    Document handle;
+    handle.node_ = HandleOn(AsNode(document));
+    return handle;
+  }
+
+  static xmlNode* Tree(const Node& node, const char* asked) {
+    if (!node) {
+      throw MakeRuntimeError(RuntimeError::ObjectNotSet, std::string(asked) + " was asked of a missing XML node.");
+    }
+    return static_cast<xmlNode*>(node.handle_);
+  }
+
+  static xmlDoc* Tree(const Document& document, const char* asked) {
+    if (!document) {
+      throw MakeRuntimeError(RuntimeError::ObjectNotSet, std::string(asked) + " was asked of a missing XML document.");
+    }
+    return static_cast<xmlNode*>(document.node_.handle_)->doc;
+  }
+};
+
+namespace {
+
+[[noreturn]] void Refuse(const std::string& description) {
+  throw MakeRuntimeError(RuntimeError::InvalidCall, description);
+}
+
+std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+std::string NameOf(const xmlNode* node) {
+  switch (node->type) {
+    case XML_TEXT_NODE:
+      return "#text";
+    case XML_CDATA_SECTION_NODE:
+      return "#cdata-section";
+    case XML_COMMENT_NODE:
+      return "#comment";
+    case XML_DOCUMENT_NODE:
+      return "#document";
+    default:
+      break;
+  }
+  const xmlNs* space = nullptr;
+  if (IsElement(node)) {
+    space = node->ns;
+  } else if (IsAttribute(node)) {
+    space = AsAttribute(node)->ns;
+  }
+  const std::string_view prefix = space == nullptr ? std::string_view{} : View(space->prefix);
+  return (prefix.empty() ? "" : std::string(prefix) + ":") + std::string(View(node->name));
+}
+
+bool CanCarry(std::string_view text) { return text.size() < INT_MAX && FindForbidden(text) == std::string_view::npos; }
+
+// `place` says where the text, which XML cannot carry, was to go.
+[[noreturn]] void RefuseText(std::string_view text, const std::string& place) {
+  if (text.size() >= INT_MAX) {
+    Refuse("The text for " + place + " is longer than 2 GB.");
+  }
+  const std::size_t bad = FindForbidden(text);
+  Refuse("The text for " + place + " holds what XML cannot carry: the byte value " +
+         std::to_string(static_cast<unsigned char>(text[bad])) + " at byte " + std::to_string(bad + 1) + ".");
+}
+
+struct SplitName {
+  std::string_view prefix;
+  std::string_view local;
+};
+
+SplitName Split(std::string_view name) {
+  const std::size_t colon = name.find(':');
+  return colon == std::string_view::npos ? SplitName{{}, name}
+                                         : SplitName{name.substr(0, colon), name.substr(colon + 1)};
+}
+
+bool IsDeclarationName(std::string_view name) { return name == "xmlns" || name.starts_with("xmlns:"); }
+
+const xmlNs* FindDeclaration(const xmlNode* element, std::string_view prefix) {
+  for (const xmlNs* space = element->nsDef; space != nullptr; space = space->next) {
+    if (View(space->prefix) == prefix) {
+      return space;
+    }
+  }
+  return nullptr;
+}
+
+// The namespace that a prefix means at an element.
+xmlNs* NamespaceOf(xmlNode* element, std::string_view prefix) {
+  if (prefix == "xml") {
+    xmlNs xmlSpace{};
+    xmlSpace.prefix = Chars("xml");
+    xmlSpace.href = XML_XML_NAMESPACE;
+    return OwnNamespace(element->doc, &xmlSpace);
+  }
+  for (const xmlNode* node = element; IsElement(node); node = node->parent) {
+    if (const xmlNs* declared = FindDeclaration(node, prefix)) {
+      return OwnNamespace(element->doc, declared);
+    }
+    if (node->ns != nullptr && View(node->ns->prefix) == prefix) {
+      return node->ns;
+    }
+  }
+  return nullptr;
+}
+
+// An attribute whose name has a prefix; the name may turn out to be none.
+xmlAttr* NewAttribute(xmlNode* element, std::string_view name) {
+  const auto [prefix, local] = Split(name);
+  const xmlChar* interned = PlainName(element->doc, local);
+  if (interned == nullptr || (local.size() != name.size() && !IsPlainName(prefix))) {
+    Refuse(Quoted(name) + " cannot be the name of an attribute of " + NameOf(element) + ".");
+  }
+  xmlNs* space = nullptr;
+  if (!prefix.empty()) {
+    space = NamespaceOf(element, prefix);
+    if (space == nullptr) {
+      Refuse("The prefix of the attribute " + Quoted(name) + " is not declared at " + NameOf(element) + ".");
+    }
+  }
+  StateOf(element->doc).usesSpaceAttribute |= name == "xml:space";
+  return AppendAttribute(element, LastAttribute(element), space, interned);
+}
+
+// The attribute of that name, a new one when the element has none. Names stand once in a dictionary, so most are known
+// by their place.
+xmlAttr* AttributeFor(xmlNode* element, std::string_view name) {
+  if (const xmlChar* plain = PlainName(element->doc, name)) {
+    xmlAttr* last = nullptr;
+    for (xmlAttr* each = element->properties; each != nullptr; each = each->next) {
+      if (each->name == plain && each->ns == nullptr) {
+        return each;
+      }
+      last = each;
+    }
+    return AppendAttribute(element, last, nullptr, plain);
+  }
+  const auto [prefix, local] = Split(name);
+  xmlAttr* found = FindAttribute(element, prefix, local);
+  return found == nullptr ? NewAttribute(element, name) : found;
+}
+
+bool IsMovable(const xmlNode* node) {
+  return IsElement(node) || node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE ||
+         node->type == XML_COMMENT_NODE || node->type == XML_PI_NODE;
+}
+
+xmlNode* RootOf(const xmlDoc* document) {
+  xmlNode* node = document->children;
+  while (node != nullptr && !IsElement(node)) {
+    node = node->next;
+  }
+  return node;
+}
+
+bool IsInside(const xmlNode* node, const xmlNode* tree) {
+  if (tree->children == nullptr) {
+    return node == tree;
+  }
+  while (node != nullptr && node != tree) {
+    node = node->parent;
+  }
+  return node == tree;
+}
+
+[[noreturn]] void RefuseAppend(const xmlNode* child, const xmlNode* parent, const std::string& reason) {
+  Refuse("The node " + NameOf(child) + " cannot be appended to " + NameOf(parent) + ": " + reason + ".");
+}
+
+void CheckAppend(const xmlNode* child, const xmlNode* parent) {
+  if (!IsMovable(child)) {
+    RefuseAppend(child, parent, "only elements, texts, CDATA sections, comments and processing instructions can be");
+  }
+  if (!IsElement(parent) && !IsDocument(parent)) {
+    RefuseAppend(child, parent, "only elements and documents have children");
+  }
+  if (IsDocument(parent)) {
+    if (child->type == XML_TEXT_NODE || child->type == XML_CDATA_SECTION_NODE) {
+      RefuseAppend(child, parent, "text stands in elements only");
+    }
+    const xmlNode* root = RootOf(parent->doc);
+    if (IsElement(child) && root != nullptr && root != child) {
+      RefuseAppend(child, parent, "it has the root " + NameOf(root));
+    }
+  }
+  if (IsInside(parent, child)) {
+    RefuseAppend(child, parent, "the one is a part of the other");
+  }
+}
+
+xmlNode* FirstNamed(xmlNode* node, std::string_view name) {
+  const auto [prefix, local] = Split(name);
+  for (; node != nullptr; node = node->next) {
+    if (IsElement(node) && View(node->name) == local &&
+        (node->ns == nullptr ? std::string_view{} : View(node->ns->prefix)) == prefix) {
+      return node;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+Node::Node(const Node& other) noexcept : handle_(other.handle_) {
+  if (handle_ != nullptr) {
+    Hold(static_cast<xmlNode*>(handle_));
+  }
+}
+
+Node::Node(Node&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+
+Node& Node::operator=(const Node& other) noexcept {
+  Node copy(other);
+  std::swap(handle_, copy.handle_);
+  return *this;
+}
+
+Node& Node::operator=(Node&& other) noexcept {
+  Node moved(std::move(other));
+  std::swap(handle_, moved.handle_);
+  return *this;
+}
+
+Node::~Node() {
+  if (handle_ != nullptr) {
+    Release(static_cast<xmlNode*>(handle_));
+  }
+}
+
+bool Node::IsElement() const { return xml::IsElement(Adapter::Tree(*this, "IsElement")); }
+
+std::string Node::Name() const { return NameOf(Adapter::Tree(*this, "Name")); }
+
+std::string Node::Text() const { return TextOf(Adapter::Tree(*this, "Text")); }
+
+void Node::SetText(std::string_view text) const {
+  xmlNode* node = Adapter::Tree(*this, "SetText");
+  if (!CanCarry(text)) {
+    RefuseText(text, NameOf(node));
+  }
+  switch (node->type) {
+    case XML_ELEMENT_NODE:
+    case XML_ATTRIBUTE_NODE:
+      ClearChildren(node);
+      if (!text.empty()) {
+        AppendText(node, text);
+      }
+      break;
+    case XML_TEXT_NODE:
+    case XML_CDATA_SECTION_NODE:
+      SetContent(node, text);
+      break;
+    default:
+      Refuse("The text of " + NameOf(node) + " cannot be set.");
+  }
+}
+
+std::optional<std::string> Node::Attribute(std::string_view name) const {
+  const xmlNode* element = Adapter::Tree(*this, "Attribute");
+  if (!xml::IsElement(element)) {
+    return std::nullopt;
+  }
+  const auto [prefix, local] = Split(name);
+  if (IsDeclarationName(name)) {
+    const xmlNs* space = FindDeclaration(element, prefix.empty() ? std::string_view{} : local);
+    return space == nullptr ? std::nullopt : std::optional<std::string>(View(space->href));
+  }
+  const xmlAttr* attribute = FindAttribute(element, prefix, local);
+  return attribute == nullptr ? std::nullopt : std::optional<std::string>(ValueOf(attribute));
+}
+
+void Node::SetAttribute(std::string_view name, std::string_view value) const {
+  xmlNode* element = Adapter::Tree(*this, "SetAttribute");
+  if (!xml::IsElement(element)) {
+    Refuse("The node " + NameOf(element) + " cannot have the attribute " + Quoted(name) + ".");
+  }
+  if (IsDeclarationName(name)) {
+    Refuse("The namespace declaration " + Quoted(name) + " cannot be set at " + NameOf(element) + ".");
+  }
+  if (!CanCarry(value)) {
+    RefuseText(value, "the attribute " + Quoted(name) + " of " + NameOf(element));
+  }
+  xmlAttr* attribute = AttributeFor(element, name);
+  ClearChildren(AsNode(attribute));
+  if (!value.empty()) {
+    AppendText(AsNode(attribute), value);
+  }
+}
+
+std::string Node::Xml() const { return MarkupOf(Adapter::Tree(*this, "Xml")); }
+
+Node Node::First(std::string_view xpath) const {
+  const std::vector<xmlNode*> found = Select(Adapter::Tree(*this, "First"), xpath);
+  return found.empty() ? Node() : Adapter::HandleOn(found.front());
+}
+
+std::vector<Node> Node::All(std::string_view xpath) const {
+  const std::vector<xmlNode*> found = Select(Adapter::Tree(*this, "All"), xpath);
+  std::vector<Node> nodes;
+  nodes.reserve(found.size());
+  for (xmlNode* node : found) {
+    nodes.push_back(Adapter::HandleOn(node));
+  }
+  return nodes;
+}
+
+Node Node::Parent() const {
+  xmlNode* node = Adapter::Tree(*this, "Parent");
+  const bool hasNone = IsDocument(node) || IsAttribute(node) || IsParentless(node);
+  return hasNone ? Node() : Adapter::HandleOn(node->parent);
+}
+
+Node Node::FirstChild() const {
+  xmlNode* node = Adapter::Tree(*this, "FirstChild");
+  const bool canHave = xml::IsElement(node) || IsDocument(node) || IsAttribute(node);
+  return canHave ? Adapter::HandleOn(node->children) : Node();
+}
+
+Node Node::NextSibling() const {
+  xmlNode* node = Adapter::Tree(*this, "NextSibling");
+  const bool hasNone = IsDocument(node) || IsAttribute(node) || IsParentless(node);
+  return hasNone ? Node() : Adapter::HandleOn(node->next);
+}
+
+Node Node::Child(std::string_view name) const {
+  xmlNode* node = Adapter::Tree(*this, "Child");
+  const bool canHave = xml::IsElement(node) || IsDocument(node);
+  return canHave ? Adapter::HandleOn(FirstNamed(node->children, name)) : Node();
+}
+
+Node Node::Next(std::string_view name) const {
+  xmlNode* node = Adapter::Tree(*this, "Next");
+  const bool hasNone = IsDocument(node) || IsAttribute(node) || IsParentless(node);
+  return hasNone ? Node() : Adapter::HandleOn(FirstNamed(node->next, name));
+}
+
+Node Node::Descendant(std::string_view name) const {
+  xmlNode* top = Adapter::Tree(*this, "Descendant");
+  for (xmlNode* node = NextInTree(top, top); node != nullptr; node = NextInTree(node, top)) {
+    if (xml::IsElement(node) && node->ns == nullptr && View(node->name) == name) {
+      return Adapter::HandleOn(node);
+    }
+  }
+  return Node();
+}
+
+Node Node::Append(const Node& child) const {
+  xmlNode* parent = Adapter::Tree(*this, "Append");
+  xmlNode* node = Adapter::Tree(child, "Being appended");
+  CheckAppend(node, parent);
+  Move(node, parent);
+  return child;
+}
+
+void Node::Remove() const {
+  xmlNode* node = Adapter::Tree(*this, "Remove");
+  if (!IsMovable(node)) {
+    Refuse("The node " + NameOf(node) + " cannot be removed.");
+  }
+  if (!IsParentless(node)) {
+    Unlink(node);
+  }
+}
+
+Node Node::Clone() const {
+  xmlNode* node = Adapter::Tree(*this, "Clone");
+  if (!IsMovable(node)) {
+    Refuse("The node " + NameOf(node) + " cannot be cloned.");
+  }
+  return Adapter::HandleOn(NewClone(node));
+}
+
+Document Node::Owner() const { return Adapter::HandleOn(Adapter::Tree(*this, "Owner")->doc); }
+
+Document Document::New() { return Adapter::HandleOn(NewDocument()); }
+
+Document Document::Parse(std::string_view text) { return Adapter::HandleOn(ParseText(text)); }
+
+Document Document::Load(std::string_view bytes) {
+  const Decoded decoded = Decode(bytes);
+  return Adapter::HandleOn(decoded.error.empty() ? ParseText(decoded.text) : FailedDocument(decoded.error));
+}
+
+std::string Document::ParseError() const { return StateOf(Adapter::Tree(*this, "ParseError")).parseError; }
+
+bool Document::IsEmpty() const { return RootOf(Adapter::Tree(*this, "IsEmpty")) == nullptr; }
+
+Node Document::Root() const { return Adapter::HandleOn(RootOf(Adapter::Tree(*this, "Root"))); }
+
+Node Document::CreateElement(std::string_view name) const {
+  xmlDoc* document = Adapter::Tree(*this, "CreateElement");
+  const xmlChar* interned = PlainName(document, name);
+  if (interned == nullptr) {
+    Refuse(Quoted(name) + " cannot be the name of an element.");
+  }
+  return Adapter::HandleOn(NewElement(document, interned));
+}
+
+Node Document::CreateCData(std::string_view text) const {
+  xmlDoc* document = Adapter::Tree(*this, "CreateCData");
+  if (!CanCarry(text)) {
+    RefuseText(text, "a CDATA section");
+  }
+  return Adapter::HandleOn(NewCData(document, text));
+}
+
+Node Document::Append(const Node& child) const {
+  xmlDoc* document = Adapter::Tree(*this, "Append");
+  xmlNode* root = RootOf(document);
+  return root == nullptr ? node_.Append(child) : Adapter::HandleOn(root).Append(child);
+}
+
+std::string Document::Bytes() const {
+  xmlDoc* document = Adapter::Tree(*this, "Bytes");
+  const std::string& declared = StateOf(document).encoding;
+  std::unique_ptr<Encoding> encoding = Encoding::Named(declared);
+  const bool isKnown = encoding != nullptr;
+  if (!isKnown) {
+    encoding = Encoding::Named("UTF-8");
+  }
+  std::optional<std::string> bytes = encoding->Encode(MarkupFor(document, *encoding, isKnown ? declared : "UTF-8"));
+  if (!bytes) {
+    Refuse("A name, comment or processing instruction of the document cannot be written in the encoding " +
+           Quoted(declared) + ".");
+  }
+  return *std::move(bytes);
+}
+
+}  // namespace parvex::xml

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "adapters/libxml2/encoding.h"
+#include "adapters/libxml2/tree.h"
+
+namespace parvex::xml {
+
+/// The markup of a node on one line: `<A/>` for an empty element; CR LF behind a document that has a root; the
+/// declaration without encoding.
+std::string MarkupOf(xmlNode* node);
+
+/// The document's markup with an encoding in its declaration (none when `encodingName` is empty), in UTF-8, for
+/// `encoding`: characters that it lacks are references in texts, CDATA sections and attribute values.
+std::string MarkupFor(xmlDoc* document, Encoding& encoding, const std::string& encodingName);
+
+/// The text of a node as Node::Text means it.
+std::string TextOf(xmlNode* node);
+
+}  // namespace parvex::xml

@@ -1,0 +1,412 @@
+#include "adapters/libxml2/parse.h"
+
+#include <libxml/SAX2.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
+#include <libxml/valid.h>
+
+#include <climits>
+#include <memory>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "formats/text/xml_characters.h"
+#include "adapters/libxml2/encoding.h"
+
+namespace parvex::xml {
+namespace {
+
+constexpr std::size_t kDeepestElement = 10'000;
+
+// Bytes that expanded entities and attributes defaulted by a DOCTYPE may add to a document, all together. The library's
+// own guard is off for large documents.
+constexpr std::size_t kMostExpansion = 1'000'000;
+
+// What the parser's callbacks know beyond the library's context. They build the tree themselves: white space between
+// elements never becomes a node, and neighbouring pieces of a text are joined once.
+struct Parsing {
+  std::size_t expanded = 0;
+  std::string error;         // the first one
+  bool outOfMemory = false;  // an exception must not pass through the library
+  xmlNode* open = nullptr;   // the innermost element that is open, or the document
+  std::vector<bool> keepsBlanks{false};  // of the elements that are open, and outside of them
+  std::string text;          // since the last tag, section, comment or instruction
+};
+
+Parsing& ParsingOf(void* context) { return *static_cast<Parsing*>(static_cast<xmlParserCtxt*>(context)->_private); }
+
+std::string At(long line, long column) {
+  return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": ";
+}
+
+// Records why the text is refused, the first time.
+template <typename MakeReason>
+void Record(Parsing& parsing, MakeReason makeReason) noexcept {
+  try {
+    if (parsing.error.empty()) {
+      parsing.error = makeReason();
+    }
+  } catch (const std::bad_alloc&) {
+    parsing.outOfMemory = true;
+  }
+}
+
+// Records the reason, told in pieces, and ends the parse.
+template <typename... Pieces>
+void Refuse(void* context, const Pieces&... pieces) noexcept {
+  auto* parser = static_cast<xmlParserCtxt*>(context);
+  Record(ParsingOf(context),
+         [&] { return (At(parser->input->line, parser->input->col) + ... + std::string(pieces)); });
+  xmlStopParser(parser);
+}
+
+// False when the bound is passed; the parse is over then.
+bool CountExpansion(void* context, std::size_t bytes) {
+  Parsing& parsing = ParsingOf(context);
+  parsing.expanded += bytes;
+  if (parsing.expanded > kMostExpansion) {
+    Refuse(context, "entities and defaulted attributes expand to more than ", std::to_string(kMostExpansion), " bytes");
+    return false;
+  }
+  return true;
+}
+
+void OnProblem(void* context, xmlErrorPtr problem) {
+  Parsing& parsing = ParsingOf(context);
+  const bool counts =
+      problem->level == XML_ERR_FATAL || (problem->level == XML_ERR_ERROR && problem->domain == XML_FROM_NAMESPACE);
+  if (!counts) {
+    return;
+  }
+  Record(parsing, [&] {
+    std::string reason = problem->message == nullptr ? "the text does not parse" : problem->message;
+    while (!reason.empty() && IsBlank(reason.back())) {
+      reason.pop_back();
+    }
+    return At(problem->line, problem->int2) + reason;
+  });
+}
+
+bool IsPlainText(std::string_view replacement) { return replacement.find_first_of("&<") == std::string_view::npos; }
+
+// Only entities that are plain text become known; a reference to any other meets none of its name.
+void OnEntityDeclaration(void* context, const xmlChar* name, int type, const xmlChar* publicId, const xmlChar* systemId,
+                         xmlChar* content) {
+  if (type == XML_INTERNAL_GENERAL_ENTITY && IsPlainText(View(content))) {
+    xmlSAX2EntityDecl(context, name, type, publicId, systemId, content);
+  }
+}
+
+// An entity that is no text at all: its reference is to meet none of its name either.
+void OnUnparsedEntity(void*, const xmlChar*, const xmlChar*, const xmlChar*, const xmlChar*) {}
+
+xmlEntity* OnEntity(void* context, const xmlChar* name) {
+  const auto* parser = static_cast<xmlParserCtxt*>(context);
+  const bool inAttribute = parser->instate == XML_PARSER_ATTRIBUTE_VALUE;
+  xmlEntity* entity = xmlSAX2GetEntity(context, name);
+  if (parser->inSubset != 0 && !inAttribute) {
+    return entity;  // no reference: the parser looks at the declaration it has just read
+  }
+  if (entity == nullptr) {
+    Refuse(context, "the entity '", View(name), "' is not declared as plain text");
+    return nullptr;
+  }
+  if (!CountExpansion(context, View(entity->content).size())) {
+    return nullptr;
+  }
+  // In content the parser copies an ordinary entity as a node and merges that with its neighbours, which costs the
+  // length of the text each time; the text of a predefined one it just reads on.
+  entity->etype = inAttribute ? XML_INTERNAL_GENERAL_ENTITY : XML_INTERNAL_PREDEFINED_ENTITY;
+  return entity;
+}
+
+xmlEntity* OnParameterEntity(void* context, const xmlChar* name) {
+  Refuse(context, "the parameter entity '", View(name), "' is not expanded");
+  return nullptr;
+}
+
+xmlParserInputPtr OnResolve(void*, const xmlChar*, const xmlChar*) { return nullptr; }
+
+void OnExternalSubset(void*, const xmlChar*, const xmlChar*, const xmlChar*) {}
+
+// Does what a callback has to do; no exception may pass through the library.
+template <typename Work>
+void Carefully(void* context, Work work) noexcept {
+  try {
+    work(ParsingOf(context));
+  } catch (const std::bad_alloc&) {
+    ParsingOf(context).outOfMemory = true;
+    xmlStopParser(static_cast<xmlParserCtxt*>(context));
+  }
+}
+
+// What was read as text since the last node becomes one, or is remembered as dropped white space.
+void EndText(Parsing& parsing) {
+  if (parsing.text.empty()) {
+    return;
+  }
+  xmlNode* parent = parsing.open;
+  if (parsing.keepsBlanks.back() || !IsBlank(parsing.text)) {
+    AppendText(parent, parsing.text);
+  } else if (parent->last != nullptr) {
+    parent->last->extra |= kBlankAfter;
+  } else {
+    parent->extra |= kBlankInside;
+  }
+  parsing.text.clear();
+}
+
+void OnStartDocument(void* context) {
+  Carefully(context, [&](Parsing& parsing) {
+    xmlSAX2StartDocument(context);
+    xmlDoc* document = static_cast<xmlParserCtxt*>(context)->myDoc;
+    // Both use one dictionary, so names that the parser tells are the document's.
+    if (document == nullptr || document->dict != static_cast<xmlParserCtxt*>(context)->dict) {
+      throw std::bad_alloc();
+    }
+    TakeIn(document);
+    parsing.open = AsNode(document);
+  });
+}
+
+std::string_view Between(const xmlChar* begin, const xmlChar* end) {
+  return {reinterpret_cast<const char*>(begin), static_cast<std::size_t>(end - begin)};
+}
+
+// The document's namespace of that prefix and name; null for no name.
+xmlNs* NamespaceFor(xmlDoc* document, const xmlChar* prefix, const xmlChar* uri) {
+  if (uri == nullptr) {
+    return nullptr;
+  }
+  xmlNs wanted{};
+  wanted.prefix = prefix;
+  wanted.href = uri;
+  return OwnNamespace(document, &wanted);
+}
+
+// An attribute as the parser tells it.
+struct ReadAttribute {
+  const xmlChar* name;
+  const xmlChar* prefix;
+  const xmlChar* uri;
+  const xmlChar* begin;
+  const xmlChar* end;
+};
+
+// Whether white space counts in an element that has this attribute; `outside` when the attribute does not say it.
+bool KeepsBlanks(const ReadAttribute& attribute, bool outside, xmlDoc* document) {
+  if (View(attribute.prefix) != "xml" || View(attribute.name) != "space") {
+    return outside;
+  }
+  StateOf(document).usesSpaceAttribute = true;
+  return Between(attribute.begin, attribute.end) == "preserve";
+}
+
+void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaceCount,
+                    const xmlChar** namespaces, int attributeCount, int defaultedCount, const xmlChar** attributes) {
+  if (ParsingOf(context).keepsBlanks.size() > kDeepestElement) {
+    Refuse(context, "elements are nested more deeply than ", std::to_string(kDeepestElement));
+    return;
+  }
+  const auto* read = reinterpret_cast<const ReadAttribute*>(attributes);
+  const int written = attributeCount - defaultedCount;
+  for (int i = written; i < attributeCount; ++i) {
+    if (!CountExpansion(context, Between(read[i].begin, read[i].end).size())) {
+      return;
+    }
+  }
+  Carefully(context, [&](Parsing& parsing) {
+    EndText(parsing);
+    xmlDoc* document = parsing.open->doc;
+    xmlNode* element = AppendElement(parsing.open, name);
+    for (int i = 0; i < namespaceCount; ++i) {
+      AppendDeclaration(element, View(namespaces[2 * i]), View(namespaces[2 * i + 1]));
+    }
+    element->ns = NamespaceFor(document, prefix, uri);
+    bool keepsBlanks = parsing.keepsBlanks.back();
+    xmlAttr* last = nullptr;
+    // Attributes that only a DOCTYPE gives are left out.
+    for (int i = 0; i < written; ++i) {
+      last = AppendAttribute(element, last, NamespaceFor(document, read[i].prefix, read[i].uri), read[i].name);
+      if (read[i].begin != read[i].end) {
+        AppendText(AsNode(last), Between(read[i].begin, read[i].end));
+      }
+      keepsBlanks = KeepsBlanks(read[i], keepsBlanks, document);
+    }
+    parsing.keepsBlanks.push_back(keepsBlanks);
+    parsing.open = element;
+  });
+}
+
+void OnEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
+  Carefully(context, [](Parsing& parsing) {
+    EndText(parsing);
+    parsing.open = parsing.open->parent;
+    parsing.keepsBlanks.pop_back();
+  });
+}
+
+void OnCharacters(void* context, const xmlChar* text, int length) {
+  Carefully(context, [&](Parsing& parsing) { parsing.text.append(Between(text, text + length)); });
+}
+
+void OnCData(void* context, const xmlChar* text, int length) {
+  Carefully(context, [&](Parsing& parsing) {
+    EndText(parsing);
+    AppendLeaf(parsing.open, XML_CDATA_SECTION_NODE, Between(text, text + length));
+  });
+}
+
+// Comments and instructions in a DOCTYPE belong to it, and so to the library.
+
+void OnComment(void* context, const xmlChar* text) {
+  if (static_cast<xmlParserCtxt*>(context)->inSubset != 0) {
+    xmlSAX2Comment(context, text);
+    return;
+  }
+  Carefully(context, [&](Parsing& parsing) {
+    EndText(parsing);
+    AppendLeaf(parsing.open, XML_COMMENT_NODE, View(text));
+  });
+}
+
+void OnProcessingInstruction(void* context, const xmlChar* target, const xmlChar* text) {
+  if (static_cast<xmlParserCtxt*>(context)->inSubset != 0) {
+    xmlSAX2ProcessingInstruction(context, target, text);
+    return;
+  }
+  Carefully(context, [&](Parsing& parsing) {
+    EndText(parsing);
+    AppendLeaf(parsing.open, XML_PI_NODE, View(text), target);
+  });
+}
+
+struct FreeParser {
+  void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
+};
+using Parser = std::unique_ptr<xmlParserCtxt, FreeParser>;
+
+Parser NewParser(Parsing& parsing) {
+  Parser parser(xmlNewParserCtxt());
+  if (parser == nullptr) {
+    throw std::bad_alloc();
+  }
+  parser->_private = &parsing;
+  xmlDictFree(parser->dict);
+  parser->dict = SharedNames();
+  xmlDictReference(parser->dict);
+  xmlSAXHandler& handler = *parser->sax;
+  handler.serror = OnProblem;
+  handler.entityDecl = OnEntityDeclaration;
+  handler.unparsedEntityDecl = OnUnparsedEntity;
+  handler.getEntity = OnEntity;
+  handler.getParameterEntity = OnParameterEntity;
+  handler.resolveEntity = OnResolve;
+  handler.externalSubset = OnExternalSubset;
+  handler.startDocument = OnStartDocument;
+  handler.startElementNs = OnStartElement;
+  handler.endElementNs = OnEndElement;
+  handler.characters = OnCharacters;
+  handler.ignorableWhitespace = OnCharacters;  // the same one, or the parser would tell them apart
+  handler.cdataBlock = OnCData;
+  handler.comment = OnComment;
+  handler.processingInstruction = OnProcessingInstruction;
+  return parser;
+}
+
+// The library's own ways of reading a text free the tree of one that does not parse, which is not theirs to free.
+void GiveText(xmlParserCtxt* parser, std::string_view text) {
+  constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC;
+  xmlCtxtUseOptions(parser, kOptions);
+  xmlParserInputBuffer* buffer = xmlParserInputBufferCreateMem(text.empty() ? "" : text.data(),
+                                                               static_cast<int>(text.size()), XML_CHAR_ENCODING_NONE);
+  if (buffer == nullptr) {
+    throw std::bad_alloc();
+  }
+  xmlParserInput* input = xmlNewIOInputStream(parser, buffer, XML_CHAR_ENCODING_NONE);
+  if (input == nullptr) {
+    xmlFreeParserInputBuffer(buffer);
+    throw std::bad_alloc();
+  }
+  inputPush(parser, input);
+}
+
+// The tables of identifiers point to attributes and know nothing of their later fate, so nothing may look into them.
+void DropIdentifiers(xmlDoc* document) {
+  xmlFreeIDTable(static_cast<xmlIDTable*>(document->ids));
+  xmlFreeRefTable(static_cast<xmlRefTable*>(document->refs));
+  document->ids = nullptr;
+  document->refs = nullptr;
+}
+
+// Undoes what OnEntity did for the parser's sake.
+void RestoreEntities(xmlDoc* document) {
+  if (document->intSubset == nullptr) {
+    return;
+  }
+  for (xmlNode* node = document->intSubset->children; node != nullptr; node = node->next) {
+    if (node->type == XML_ENTITY_DECL) {
+      reinterpret_cast<xmlEntity*>(node)->etype = XML_INTERNAL_GENERAL_ENTITY;
+    }
+  }
+}
+
+// Why a text cannot be given to the parser; empty when it can.
+std::string Objection(std::string_view text) {
+  if (text.size() >= INT_MAX) {
+    return "the text is longer than 2 GB";
+  }
+  if (const std::size_t bad = FindForbidden(text); bad != std::string_view::npos) {
+    return PlaceOf(text, bad) + ": not a character of XML, or not in the encoding";
+  }
+  // The parser guesses at encodings from the first bytes. A text that begins like this leaves it nothing to guess.
+  if (!text.empty() && text[0] != '<' && !IsBlank(text[0])) {
+    return At(1, 1) + "the document does not begin with '<'";
+  }
+  return "";
+}
+
+}  // namespace
+
+UnheldDocument ParseText(std::string_view text) {
+  if (text.starts_with("\xEF\xBB\xBF")) {
+    text.remove_prefix(3);
+  }
+  if (const std::string objection = Objection(text); !objection.empty()) {
+    return FailedDocument(objection);
+  }
+  const Quiet quiet;
+  Parsing parsing;
+  const Parser parser = NewParser(parsing);
+  GiveText(parser.get(), text);
+  xmlParseDocument(parser.get());
+  xmlDoc* parsed = std::exchange(parser->myDoc, nullptr);
+  UnheldDocument document(parsed);
+  if (parsing.outOfMemory) {
+    throw std::bad_alloc();
+  }
+  if (document == nullptr) {
+    return FailedDocument(parsing.error.empty() ? At(1, 1) + "the document is empty" : parsing.error);
+  }
+  if (parsing.error.empty() && View(document->version) != "1.0") {
+    parsing.error = At(1, 1) + "the version '" + std::string(View(document->version)) + "' is not 1.0";
+  }
+  if (!parsing.error.empty() || parser->wellFormed == 0 || parser->nsWellFormed == 0) {
+    return FailedDocument(parsing.error.empty() ? At(1, 1) + "the text does not parse" : parsing.error);
+  }
+  StateOf(parsed).markupGuess = text.size();
+  StateOf(parsed).encoding = DeclaredEncoding(text);
+  DropIdentifiers(parsed);
+  RestoreEntities(parsed);
+  return document;
+}
+
+UnheldDocument FailedDocument(const std::string& error) {
+  UnheldDocument document = NewDocument();
+  StateOf(document.get()).parseError = error;
+  return document;
+}
+
+}  // namespace parvex::xml

@@ -1,0 +1,146 @@
+#include "adapters/libxml2/select.h"
+
+#include <libxml/xpath.h>
+
+#include <memory>
+#include <new>
+#include <string>
+#include <unordered_map>
+
+#include "seams/automation_error.h"
+#include "formats/text/xml_characters.h"
+
+namespace parvex::xml {
+namespace {
+
+constexpr std::size_t kMostCompiled = 256;
+constexpr std::size_t kLongestExpression = 1'000'000;
+
+struct Freed {
+  void operator()(xmlXPathContext* context) const { xmlXPathFreeContext(context); }
+  void operator()(xmlXPathCompExpr* compiled) const { xmlXPathFreeCompExpr(compiled); }
+  void operator()(xmlXPathObject* value) const { xmlXPathFreeObject(value); }
+};
+using Compiled = std::unique_ptr<xmlXPathCompExpr, Freed>;
+using Value = std::unique_ptr<xmlXPathObject, Freed>;
+
+[[noreturn]] void Refuse(std::string_view expression, const std::string& reason) {
+  throw MakeRuntimeError(RuntimeError::InvalidCall,
+                         "The XPath expression \"" + std::string(expression) + "\" " + reason + ".");
+}
+
+// The reason is read from the context, where the library leaves it as well.
+void Keep(void*, xmlErrorPtr) {}
+
+// What a thread keeps between selections.
+class Selector {
+ public:
+  Selector() : context_(xmlXPathNewContext(nullptr)) {
+    if (context_ == nullptr) {
+      throw std::bad_alloc();
+    }
+    context_->error = Keep;
+  }
+
+  Value Evaluate(xmlNode* start, std::string_view expression) {
+    xmlXPathCompExpr* compiled = Compile(expression);
+    context_->doc = start->doc;
+    context_->node = start;
+    context_->depth = 0;  // the library does not count back after an error
+    Value value(xmlXPathCompiledEval(compiled, context_.get()));
+    context_->doc = nullptr;
+    context_->node = nullptr;
+    if (value == nullptr) {
+      Refuse(expression, "cannot be evaluated" + Reason());
+    }
+    return value;
+  }
+
+ private:
+  xmlXPathCompExpr* Compile(std::string_view expression) {
+    const std::string key(expression);
+    if (const auto found = compiled_.find(key); found != compiled_.end()) {
+      return found->second.get();
+    }
+    if (FindForbidden(expression) != std::string_view::npos || expression.size() > kLongestExpression) {
+      Refuse(expression, "is not valid");
+    }
+    context_->depth = 0;
+    Compiled compiled(xmlXPathCtxtCompile(context_.get(), Chars(key.c_str())));
+    if (compiled == nullptr) {
+      Refuse(expression, "is not valid" + Reason());
+    }
+    if (compiled_.size() >= kMostCompiled) {
+      compiled_.clear();
+    }
+    return compiled_.emplace(key, std::move(compiled)).first->second.get();
+  }
+
+  std::string Reason() const {
+    std::string reason = context_->lastError.message == nullptr ? "" : context_->lastError.message;
+    while (!reason.empty() && IsBlank(reason.back())) {
+      reason.pop_back();
+    }
+    return reason.empty() ? "" : ": " + reason;
+  }
+
+  std::unique_ptr<xmlXPathContext, Freed> context_;
+  std::unordered_map<std::string, Compiled> compiled_;
+};
+
+// While a selection from a node without parent runs, its tree stands alone: what else hangs in limbo is none of its
+// siblings.
+class Alone {
+ public:
+  explicit Alone(xmlNode* start) {
+    xmlNode* top = start;
+    while (!IsDocument(top) && !IsParentless(top)) {
+      top = top->parent;
+    }
+    if (!IsDocument(top)) {
+      top_ = top;
+      parent_ = top->parent;
+      prev_ = top->prev;
+      next_ = top->next;
+      top->parent = top->prev = top->next = nullptr;
+    }
+  }
+  ~Alone() {
+    if (top_ != nullptr) {
+      top_->parent = parent_;
+      top_->prev = prev_;
+      top_->next = next_;
+    }
+  }
+  Alone(const Alone&) = delete;
+  Alone& operator=(const Alone&) = delete;
+
+ private:
+  xmlNode* top_ = nullptr;
+  xmlNode* parent_ = nullptr;
+  xmlNode* prev_ = nullptr;
+  xmlNode* next_ = nullptr;
+};
+
+}  // namespace
+
+std::vector<xmlNode*> Select(xmlNode* start, std::string_view expression) {
+  thread_local Selector selector;
+  const Quiet quiet;
+  const Alone alone(start);
+  const Value value = selector.Evaluate(start, expression);
+  if (value->type != XPATH_NODESET) {
+    Refuse(expression, "does not select nodes");
+  }
+  std::vector<xmlNode*> nodes;
+  const xmlNodeSet* set = value->nodesetval;
+  for (int i = 0; set != nullptr && i < set->nodeNr; ++i) {
+    if (set->nodeTab[i]->type == XML_NAMESPACE_DECL) {
+      Refuse(expression, "selects namespace declarations");
+    }
+    nodes.push_back(set->nodeTab[i]);
+  }
+  return nodes;
+}
+
+}  // namespace parvex::xml

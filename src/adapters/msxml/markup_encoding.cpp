@@ -1,0 +1,287 @@
+#include "adapters/msxml/markup_encoding.h"
+
+#include <windows.h>
+
+#include <optional>
+
+#include "formats/text/text.h"
+#include "adapters/windows/wide_text.h"
+#include "formats/text/xml_characters.h"
+
+namespace parvex::windows {
+namespace {
+
+constexpr UINT kUtf8 = 65001;
+constexpr UINT kUtf16 = 1200;
+
+// Bytes that expanded entities and attributes defaulted by a DOCTYPE may add to a document.
+constexpr std::size_t kMostExpansion = 1'000'000;
+
+// The component walks its trees on the caller's stack, whose size is the host's affair.
+constexpr std::size_t kDeepestElement = 1'000;
+
+struct KnownEncoding {
+  std::string_view name;
+  UINT codePage;
+};
+
+constexpr KnownEncoding kEncodings[] = {
+    {"UTF-8", kUtf8},         {"UTF-16", kUtf16},      {"US-ASCII", 20127},     {"WINDOWS-1250", 1250},
+    {"WINDOWS-1251", 1251},   {"WINDOWS-1252", 1252},  {"WINDOWS-1253", 1253},  {"WINDOWS-1254", 1254},
+    {"WINDOWS-1257", 1257},   {"ISO-8859-1", 28591},   {"ISO-8859-2", 28592},   {"ISO-8859-15", 28605},
+};
+
+std::optional<UINT> CodePageOf(std::string_view name) {
+  const std::string upper = ToUpper(name);
+  for (const KnownEncoding& known : kEncodings) {
+    if (known.name == upper) {
+      return known.codePage;
+    }
+  }
+  return std::nullopt;
+}
+
+/// The value of a pseudo-attribute in a declaration's content; empty when it has none.
+std::string PseudoAttribute(std::string_view declaration, std::string_view name) {
+  for (std::size_t pos = declaration.find(name); pos != std::string_view::npos; pos = declaration.find(name, pos + 1)) {
+    std::size_t at = pos + name.size();
+    while (at < declaration.size() && (declaration[at] == ' ' || declaration[at] == '=')) {
+      ++at;
+    }
+    if (at < declaration.size() && (declaration[at] == '"' || declaration[at] == '\'')) {
+      const std::size_t end = declaration.find(declaration[at], at + 1);
+      if (end != std::string_view::npos) {
+        return std::string(declaration.substr(at + 1, end - at - 1));
+      }
+    }
+  }
+  return {};
+}
+
+/// What stands between "<?xml" and "?>" at the head of a text; empty when there is no declaration.
+std::string_view DeclarationIn(std::string_view text) {
+  if (!text.starts_with("<?xml ")) {
+    return {};
+  }
+  const std::size_t end = text.find("?>");
+  return end == std::string_view::npos ? std::string_view() : text.substr(5, end - 5);
+}
+
+std::string FromUtf16(std::string_view bytes, bool bigEndian) {
+  std::wstring wide;
+  wide.reserve(bytes.size() / 2);
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    const auto first = static_cast<unsigned char>(bytes[i]);
+    const auto second = static_cast<unsigned char>(bytes[i + 1]);
+    wide.push_back(static_cast<wchar_t>(bigEndian ? first * 256 + second : second * 256 + first));
+  }
+  return Narrow(wide);
+}
+
+/// Nothing when the bytes are not valid in the code page.
+std::optional<std::string> FromCodePage(std::string_view bytes, UINT codePage) {
+  if (bytes.empty()) {
+    return std::string();
+  }
+  const int count = static_cast<int>(bytes.size());
+  const int units = MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, bytes.data(), count, nullptr, 0);
+  if (units == 0) {
+    return std::nullopt;
+  }
+  std::wstring wide(static_cast<std::size_t>(units), L'\0');
+  MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, bytes.data(), count, wide.data(), units);
+  return Narrow(wide);
+}
+
+/// The bytes of one character, nothing when the code page lacks it.
+std::optional<std::string> InCodePage(std::string_view character, UINT codePage) {
+  const std::wstring wide = Widen(character);
+  char bytes[8];
+  BOOL replaced = FALSE;
+  const int count = WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, wide.data(), static_cast<int>(wide.size()),
+                                        bytes, sizeof bytes, nullptr, &replaced);
+  return count == 0 || replaced ? std::nullopt : std::optional(std::string(bytes, static_cast<std::size_t>(count)));
+}
+
+std::string ToUtf16(std::string_view text) {
+  std::string bytes = "\xFF\xFE";
+  for (const wchar_t unit : Widen(text)) {
+    bytes.push_back(static_cast<char>(unit & 0xFF));
+    bytes.push_back(static_cast<char>((unit >> 8) & 0xFF));
+  }
+  return bytes;
+}
+
+/// Markup in a single-byte code page.
+std::string ToCodePage(std::string_view markup, UINT codePage) {
+  std::string bytes;
+  bytes.reserve(markup.size());
+  bool inSection = false;
+  for (std::size_t pos = 0; pos < markup.size();) {
+    const std::string_view rest = markup.substr(pos);
+    if (!inSection && rest.starts_with("<![CDATA[")) {
+      inSection = true;
+    } else if (inSection && rest.starts_with("]]>")) {
+      inSection = false;
+    }
+    const std::size_t from = pos;
+    const char32_t code = xml::NextCodePoint(markup, pos);
+    const std::string_view character = markup.substr(from, pos - from);
+    if (code < 0x80) {
+      bytes.append(character);
+    } else if (const auto known = InCodePage(character, codePage)) {
+      bytes.append(*known);
+    } else {
+      const std::string reference = "&#" + std::to_string(static_cast<std::uint32_t>(code)) + ";";
+      bytes.append(inSection ? "]]>" + reference + "<![CDATA[" : reference);
+    }
+  }
+  return bytes;
+}
+
+/// The replacement text of an entity declaration that begins at `text`; nothing when it names anything but a literal.
+std::optional<std::string_view> EntityLiteral(std::string_view text) {
+  const std::size_t end = text.find('>');
+  const std::size_t quote = text.find_first_of("\"'");
+  const std::string_view head = text.substr(0, quote == std::string_view::npos ? end : quote);
+  if (quote == std::string_view::npos || head.find("SYSTEM") != std::string_view::npos ||
+      head.find("PUBLIC") != std::string_view::npos || head.find('%') != std::string_view::npos) {
+    return std::nullopt;
+  }
+  const std::size_t close = text.find(text[quote], quote + 1);
+  return close == std::string_view::npos ? std::nullopt : std::optional(text.substr(quote + 1, close - quote - 1));
+}
+
+/// Where a tag or declaration that begins at `from` ends: at its ">" outside of quotes, or at the end of the text.
+std::size_t EndOfTag(std::string_view text, std::size_t from) {
+  char quote = '\0';
+  for (std::size_t at = from; at < text.size(); ++at) {
+    const char c = text[at];
+    if (quote != '\0') {
+      quote = c == quote ? '\0' : quote;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (c == '>') {
+      return at;
+    }
+  }
+  return text.size();
+}
+
+/// Where what begins at `from` and runs up to `mark` ends.
+std::size_t EndAtMark(std::string_view text, std::size_t from, std::string_view mark) {
+  const std::size_t at = text.find(mark, from);
+  return at == std::string_view::npos ? text.size() : at + mark.size();
+}
+
+/// How many elements are open at once where most are. Of markup that does not parse it is some number.
+std::size_t DeepestElement(std::string_view text) {
+  std::size_t open = 0;
+  std::size_t deepest = 0;
+  for (std::size_t at = text.find('<'); at < text.size(); at = text.find('<', at)) {
+    const std::string_view rest = text.substr(at);
+    if (rest.starts_with("<!--")) {
+      at = EndAtMark(text, at + 4, "-->");
+    } else if (rest.starts_with("<![CDATA[")) {
+      at = EndAtMark(text, at, "]]>");
+    } else if (rest.starts_with("<?")) {
+      at = EndAtMark(text, at, "?>");
+    } else if (rest.starts_with("<!")) {
+      at += 2;
+    } else if (rest.starts_with("</")) {
+      open -= open > 0;
+      at += 2;
+    } else {
+      at = EndOfTag(text, at);
+      open += at >= text.size() || text[at - 1] != '/';
+      deepest = open > deepest ? open : deepest;
+    }
+  }
+  return deepest;
+}
+
+/// What is wrong with the DOCTYPE's entities and defaulted attributes; empty when nothing is, or there is none.
+std::string RefusedEntities(std::string_view text) {
+  const std::size_t doctype = text.find("<!DOCTYPE");
+  if (doctype == std::string_view::npos) {
+    return {};
+  }
+  std::size_t longestEntity = 0;
+  for (std::size_t at = text.find("<!ENTITY", doctype); at != std::string_view::npos;
+       at = text.find("<!ENTITY", at + 1)) {
+    const auto literal = EntityLiteral(text.substr(at + 8));
+    if (!literal || literal->find_first_of("&%<") != std::string_view::npos) {
+      return "a DOCTYPE with entities that are more than plain text";
+    }
+    longestEntity = literal->size() > longestEntity ? literal->size() : longestEntity;
+  }
+  std::size_t defaults = 0;
+  for (std::size_t at = text.find("<!ATTLIST", doctype); at != std::string_view::npos;
+       at = text.find("<!ATTLIST", at + 1)) {
+    defaults += EndOfTag(text, at) - at;
+  }
+  std::size_t references = 0;
+  std::size_t tags = 0;
+  for (const char c : text) {
+    references += c == '&';
+    tags += c == '<';
+  }
+  return references * longestEntity > kMostExpansion || tags * defaults > kMostExpansion
+             ? "entities and defaulted attributes may expand to more than " + std::to_string(kMostExpansion) + " bytes"
+             : "";
+}
+
+}  // namespace
+
+std::string DecodeMarkup(std::string_view bytes, std::string& refusal) {
+  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
+    return FromUtf16(bytes.substr(2), bytes.starts_with("\xFE\xFF"));
+  }
+  const bool hasMark = bytes.starts_with("\xEF\xBB\xBF");
+  const std::string_view content = hasMark ? bytes.substr(3) : bytes;
+  const std::string name = hasMark ? "UTF-8" : PseudoAttribute(DeclarationIn(content), "encoding");
+  const std::optional<UINT> codePage = name.empty() ? kUtf8 : CodePageOf(name);
+  if (!codePage || *codePage == kUtf16) {
+    refusal = "the encoding \"" + name + "\" cannot be read";
+    return {};
+  }
+  const std::optional<std::string> text = FromCodePage(content, *codePage);
+  if (!text) {
+    refusal = "bytes that are not valid in the encoding \"" + (name.empty() ? "UTF-8" : name) + "\"";
+  }
+  return text.value_or("");
+}
+
+std::string EncodeMarkup(std::string_view markup, std::string_view declaration) {
+  if (declaration.empty()) {
+    return std::string(markup);
+  }
+  const std::string version = PseudoAttribute(declaration, "version");
+  const std::string standalone = PseudoAttribute(declaration, "standalone");
+  std::string name = PseudoAttribute(declaration, "encoding");
+  const UINT codePage = name.empty() ? kUtf8 : CodePageOf(name).value_or(0);
+  if (codePage == 0) {
+    name = "UTF-8";
+  }
+  std::string text = "<?xml version=\"" + (version.empty() ? "1.0" : version) + "\"";
+  text += name.empty() ? "" : " encoding=\"" + name + "\"";
+  text += standalone.empty() ? "" : " standalone=\"" + standalone + "\"";
+  text += "?>";
+  text.append(DeclarationIn(markup).empty() ? markup : markup.substr(markup.find("?>") + 2));
+  if (codePage == kUtf16) {
+    return ToUtf16(text);
+  }
+  return codePage == kUtf8 || codePage == 0 ? text : ToCodePage(text, codePage);
+}
+
+std::string RefusedMarkup(std::string_view text) {
+  const std::string entities = RefusedEntities(text);
+  if (!entities.empty()) {
+    return entities;
+  }
+  return DeepestElement(text) > kDeepestElement
+             ? "elements are nested more deeply than " + std::to_string(kDeepestElement)
+             : "";
+}
+
+}  // namespace parvex::windows

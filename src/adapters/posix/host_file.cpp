@@ -1,0 +1,210 @@
+#include "adapters/posix/host_file.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <system_error>
+
+#include "seams/automation_error.h"
+#include "adapters/libxml2/large_pages.h"
+
+namespace parvex::posix {
+namespace {
+
+constexpr std::int64_t kLongestClockStep = 50'000'000;  // nanoseconds; usual are 1 to 10 ms
+
+constexpr mode_t kWriteBits = S_IWUSR | S_IWGRP | S_IWOTH;
+
+RuntimeError RuntimeErrorOf(int code) {
+  switch (code) {
+    case ENOENT:
+      return RuntimeError::FileNotFound;
+    case EEXIST:
+      return RuntimeError::FileExists;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return RuntimeError::DiskFull;
+    case ENOTDIR:
+      return RuntimeError::PathNotFound;
+    default:
+      return RuntimeError::PathFileAccess;
+  }
+}
+
+// An open file that is closed at the end.
+class OpenFile {
+ public:
+  OpenFile(const std::filesystem::path& path, int flags, mode_t mode = 0)
+      : descriptor_(open(path.c_str(), flags | O_CLOEXEC, mode)) {}
+  ~OpenFile() {
+    if (descriptor_ >= 0) {
+      close(descriptor_);
+    }
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  int Descriptor() const { return descriptor_; }
+  explicit operator bool() const { return descriptor_ >= 0; }
+
+ private:
+  int descriptor_;
+};
+
+// 0, or the error number that the write failed with.
+int WriteAll(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+    if (written < 0 && errno != EINTR) {
+      return errno;
+    }
+    bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+  }
+  return 0;
+}
+
+// The new file beside the one that it is to become; removed at the end unless it took the name.
+class NewFile {
+ public:
+  explicit NewFile(const std::filesystem::path& target) : target_(target) {
+    static std::atomic<unsigned> count = 0;
+    path_ = target.parent_path() / ("~parvex-" + std::to_string(getpid()) + "-" + std::to_string(++count) + ".tmp");
+  }
+  ~NewFile() {
+    if (made_) {
+      unlink(path_.c_str());
+    }
+  }
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  // 0 or an error number.
+  int Fill(std::string_view bytes, const struct stat* replaced) {
+    const OpenFile file(path_, O_WRONLY | O_CREAT | O_EXCL, 0666);
+    if (!file) {
+      return errno;
+    }
+    made_ = true;
+    if (const int failed = WriteAll(file.Descriptor(), bytes); failed != 0) {
+      return failed;
+    }
+    return replaced == nullptr || fchmod(file.Descriptor(), replaced->st_mode & 07777) == 0 ? 0 : errno;
+  }
+
+  // 0 or an error number.
+  int TakeName(IfPresent ifPresent) {
+    const bool refuse = ifPresent == IfPresent::Refuse;
+    if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target_.c_str(), refuse ? RENAME_NOREPLACE : 0) == 0) {
+      made_ = false;
+      return 0;
+    }
+    // Network file systems cannot rename without replacing, but a second name is refused where one is taken.
+    const bool unsupported = refuse && errno == EINVAL;
+    return unsupported && link(path_.c_str(), target_.c_str()) == 0 ? 0 : errno;
+  }
+
+ private:
+  std::filesystem::path target_;
+  std::filesystem::path path_;
+  bool made_ = false;
+};
+
+void RefuseReadOnly(const struct stat& status, std::string_view shownPath) {
+  if ((status.st_mode & kWriteBits) == 0) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(shownPath) + " is read-only");
+  }
+}
+
+std::int64_t Nanoseconds(const timespec& time) { return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
+
+}  // namespace
+
+std::optional<FileVersion> VersionOf(const std::filesystem::path& host) {
+  struct stat status;
+  if (stat(host.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return std::nullopt;
+  }
+  return FileVersion{status.st_dev, status.st_ino, status.st_size, Nanoseconds(status.st_mtim),
+                     Nanoseconds(status.st_ctim)};
+}
+
+bool IsSettled(const FileVersion& version) {
+  timespec now;
+  clock_gettime(CLOCK_REALTIME, &now);
+  return Nanoseconds(now) - version.changedNanoseconds > kLongestClockStep;
+}
+
+std::string ReadHostFile(const std::filesystem::path& host, std::string_view shownPath) {
+  const OpenFile file(host, O_RDONLY | O_NONBLOCK);  // a pipe must not be waited for
+  struct stat status;
+  if (!file || fstat(file.Descriptor(), &status) != 0) {
+    RaiseSystemError(errno, "cannot read", shownPath);
+  }
+  if (!S_ISREG(status.st_mode)) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(shownPath) + " is not a file");
+  }
+  // One byte more than the file has, so that its end is seen without growing the text.
+  std::string bytes;
+  bytes.reserve(static_cast<std::size_t>(status.st_size) + 1);
+  PreferLargePages(bytes.data(), bytes.capacity());
+  bytes.resize(static_cast<std::size_t>(status.st_size) + 1);
+  std::size_t size = 0;
+  for (;;) {
+    const ssize_t got = read(file.Descriptor(), bytes.data() + size, bytes.size() - size);
+    if (got == 0) {
+      break;
+    }
+    if (got < 0 && errno != EINTR) {
+      RaiseSystemError(errno, "cannot read", shownPath);
+    }
+    size += got < 0 ? 0 : static_cast<std::size_t>(got);
+    if (size == bytes.size()) {
+      bytes.resize(2 * size);
+    }
+  }
+  bytes.resize(size);
+  return bytes;
+}
+
+void WriteHostFile(const std::filesystem::path& host, std::string_view bytes, IfPresent ifPresent,
+                   std::string_view shownPath) {
+  struct stat status;
+  const bool present = stat(host.c_str(), &status) == 0;
+  if (present && ifPresent == IfPresent::Refuse) {
+    RaiseSystemError(EEXIST, "cannot make", shownPath);
+  }
+  if (present) {
+    RefuseReadOnly(status, shownPath);
+  }
+  NewFile file(host);
+  if (const int failed = file.Fill(bytes, present ? &status : nullptr); failed != 0) {
+    RaiseSystemError(failed, "cannot write", shownPath);
+  }
+  if (const int failed = file.TakeName(ifPresent); failed != 0) {
+    RaiseSystemError(failed, "cannot write", shownPath);
+  }
+}
+
+void RemoveHostFile(const std::filesystem::path& host, std::string_view shownPath) {
+  struct stat status;
+  if (lstat(host.c_str(), &status) != 0) {
+    RaiseSystemError(errno, "cannot remove", shownPath);
+  }
+  RefuseReadOnly(status, shownPath);
+  if (unlink(host.c_str()) != 0) {
+    RaiseSystemError(errno, "cannot remove", shownPath);
+  }
+}
+
+void RaiseSystemError(int code, std::string_view what, std::string_view shownPath) {
+  throw MakeRuntimeError(RuntimeErrorOf(code), std::string(what) + " " + std::string(shownPath) + ": " +
+                                                   std::generic_category().message(code));
+}
+
+}  // namespace parvex::posix

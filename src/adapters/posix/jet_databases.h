@@ -1,0 +1,14 @@
+#pragma once
+
+#include "formats/jet/databases.h"
+#include "adapters/posix/libmdb_table.h"
+
+namespace parvex::posix {
+
+/// Jet databases of the machine, read by libmdb.
+class JetDatabases : public jet::Databases {
+ public:
+  explicit JetDatabases(Files& files) : jet::Databases(files, ReadTableByLibmdb) {}
+};
+
+}  // namespace parvex::posix

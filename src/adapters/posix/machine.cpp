@@ -1,0 +1,52 @@
+#include "adapters/posix/machine.h"
+
+#include <utility>
+
+#include "adapters/posix/child_processes.h"
+#include "adapters/posix/class_table.h"
+#include "adapters/posix/sleeping_pump.h"
+#include "adapters/posix/jet_databases.h"
+#include "adapters/posix/machine_files.h"
+#include "adapters/posix/machine_folder.h"
+#include "adapters/posix/profile_files.h"
+#include "adapters/posix/registry_file.h"
+#include "formats/text/windows_1252.h"
+#include "seams/written_boxes.h"
+
+namespace parvex::posix {
+
+struct Machine::Parts {
+  explicit Parts(const std::filesystem::path& root) : folder(root) {}
+
+  MachineFolder folder;
+  Windows1252 codePage;
+  RegistryFile registry{folder, codePage};
+  ProfileFiles privateProfile{folder, codePage};
+  MachineFiles files{folder};
+  ChildProcesses processes{folder};
+  SleepingPump messagePump;
+  WrittenBoxes messageBoxes;
+  JetDatabases projectDatabases{files};
+  ClassTable classes;
+};
+
+Machine::Machine(std::filesystem::path root) : parts_(std::make_unique<Parts>(root)) {}
+Machine::~Machine() = default;
+
+const std::filesystem::path& Machine::Root() const { return parts_->folder.Root(); }
+
+Registry& Machine::GetRegistry() { return parts_->registry; }
+PrivateProfile& Machine::GetPrivateProfile() { return parts_->privateProfile; }
+Files& Machine::GetFiles() { return parts_->files; }
+Processes& Machine::GetProcesses() { return parts_->processes; }
+MessagePump& Machine::GetMessagePump() { return parts_->messagePump; }
+MessageBoxes& Machine::GetMessageBoxes() { return parts_->messageBoxes; }
+ProjectDatabases& Machine::GetProjectDatabases() { return parts_->projectDatabases; }
+CodePage& Machine::GetCodePage() { return parts_->codePage; }
+automation::Automation& Machine::GetAutomation() { return parts_->classes; }
+
+void Machine::RegisterClass(const std::string& programmaticId, std::function<automation::ObjectRef()> factory) {
+  parts_->classes.Register(programmaticId, std::move(factory));
+}
+
+}  // namespace parvex::posix

@@ -1,0 +1,188 @@
+#include "adapters/posix/machine_files.h"
+
+#include <errno.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "seams/automation_error.h"
+#include "adapters/posix/host_file.h"
+#include "formats/text/text.h"
+
+namespace parvex::posix {
+namespace {
+
+enum class Kind { File, Folder };
+
+bool Is(Kind kind, const std::filesystem::path& host) {
+  struct stat status;
+  return stat(host.c_str(), &status) == 0 && (kind == Kind::File ? S_ISREG(status.st_mode) : S_ISDIR(status.st_mode));
+}
+
+bool Is(Kind kind, const std::optional<std::filesystem::path>& host) { return host && Is(kind, *host); }
+
+// Matches from the last * on, as far as needed: no recursion, so that no pattern is slow.
+bool Matches(std::u16string_view name, std::u16string_view pattern) {
+  std::size_t n = 0;
+  std::size_t p = 0;
+  std::size_t star = std::u16string_view::npos;
+  std::size_t starName = 0;
+  for (;;) {
+    const bool nameEnds = n == name.size();
+    if (p < pattern.size() && pattern[p] == u'*') {
+      star = p++;
+      starName = n;
+    } else if (nameEnds && (p == pattern.size() || pattern.substr(p) == u".*")) {
+      return true;
+    } else if (p < pattern.size() && pattern[p] == u'?') {
+      n += nameEnds || name[n] == u'.' ? 0 : 1;
+      ++p;
+    } else if (!nameEnds && p < pattern.size() && pattern[p] == name[n]) {
+      ++n;
+      ++p;
+    } else if (star != std::u16string_view::npos && starName < name.size()) {
+      n = ++starName;
+      p = star + 1;
+    } else {
+      return false;
+    }
+  }
+}
+
+// The names that the machine sees in a folder, in the order of their upper-cased form. A name that a file of the
+// machine cannot have is not seen; of names that differ in letter case only, the first is.
+std::vector<std::string> List(const std::filesystem::path& folder, Kind kind, std::u16string_view foldedPattern) {
+  std::vector<std::pair<std::string, std::string>> found;  // folded, as written
+  std::error_code ended;
+  for (std::filesystem::directory_iterator entry(folder, ended), end; !ended && entry != end; entry.increment(ended)) {
+    std::string name = entry->path().filename().string();
+    std::error_code unreadable;
+    const bool wanted = kind == Kind::File ? entry->is_regular_file(unreadable) : entry->is_directory(unreadable);
+    if (!wanted || !IsFileName(name)) {
+      continue;
+    }
+    std::string folded = FoldName(name);
+    if (Matches(ToUtf16(folded), foldedPattern)) {
+      found.emplace_back(std::move(folded), std::move(name));
+    }
+  }
+  std::sort(found.begin(), found.end());
+  found.erase(std::unique(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first == b.first; }),
+              found.end());
+  std::vector<std::string> names;
+  names.reserve(found.size());
+  for (auto& [folded, name] : found) {
+    names.push_back(std::move(name));
+  }
+  return names;
+}
+
+}  // namespace
+
+bool MatchesPattern(std::string_view name, std::string_view pattern) {
+  return Matches(ToUtf16(FoldName(name)), ToUtf16(FoldName(pattern)));
+}
+
+bool MachineFiles::IsFile(std::string_view path) { return folder_.IsFile(path); }
+
+bool MachineFiles::IsFolder(std::string_view path) { return folder_.IsFolder(path); }
+
+std::vector<std::string> MachineFiles::ListFiles(std::string_view pattern) {
+  std::size_t split = pattern.find_last_of("\\/:");
+  split = split == std::string_view::npos ? 0 : split + 1;
+  const std::string_view last = pattern.substr(split);
+  if (!last.empty() && last.find_first_of("*?") == std::string_view::npos) {
+    const std::optional<std::filesystem::path> host = folder_.Resolve(pattern);
+    return Is(Kind::File, host) ? std::vector<std::string>{host->filename().string()} : std::vector<std::string>{};
+  }
+  const std::string_view folder = split == 0 ? "." : pattern.substr(0, split);
+  const std::optional<std::filesystem::path> host = pattern.empty() ? std::nullopt : folder_.Resolve(folder);
+  return host ? List(*host, Kind::File, last.empty() ? u"*" : ToUtf16(FoldName(last))) : std::vector<std::string>{};
+}
+
+std::vector<std::string> MachineFiles::ListFolders(std::string_view folder) {
+  const std::optional<std::filesystem::path> host = folder_.Resolve(folder);
+  return host ? List(*host, Kind::Folder, u"*") : std::vector<std::string>{};
+}
+
+std::string MachineFiles::ReadAll(std::string_view path) { return ReadHostFile(Existing(path), path); }
+
+void MachineFiles::Replace(std::string_view path, std::string_view bytes) {
+  Write(path, bytes, IfPresent::Replace);
+}
+
+void MachineFiles::CreateNew(std::string_view path, std::string_view bytes) {
+  Write(path, bytes, IfPresent::Refuse);
+}
+
+void MachineFiles::Remove(std::string_view path) {
+  Existing(path);
+  const std::filesystem::path host = folder_.Target(path);
+  folder_.Changing(host);
+  RemoveHostFile(host, path);
+  folder_.Removed(host);
+}
+
+void MachineFiles::CreateFolder(std::string_view path) {
+  std::optional<MachinePath> parsed = MachinePath::Parse(path);
+  if (!parsed) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(path) + " cannot be the path of a folder");
+  }
+  parsed->endsInSeparator = false;
+  const std::optional<std::filesystem::path> host = folder_.Resolve(*parsed);
+  if (Is(Kind::Folder, host)) {
+    return;
+  }
+  if (host) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, parsed->Text() + " is a file");
+  }
+  if (parsed->names.empty()) {
+    throw MakeRuntimeError(RuntimeError::PathNotFound, "the machine has no drive " + parsed->Text());
+  }
+  CreateFolder(parsed->Parent().Text());
+  const std::filesystem::path target = folder_.Target(*parsed);
+  std::error_code failed;
+  if (!std::filesystem::create_directory(target, failed) && failed) {
+    RaiseSystemError(failed.value(), "cannot make the folder", path);
+  }
+}
+
+void MachineFiles::RemoveFolder(std::string_view path) {
+  std::optional<MachinePath> parsed = MachinePath::Parse(path);
+  const std::optional<std::filesystem::path> host = parsed ? folder_.Resolve(*parsed) : std::nullopt;
+  if (!host) {
+    throw MakeRuntimeError(RuntimeError::PathNotFound, "the folder " + std::string(path) + " does not exist");
+  }
+  if (!Is(Kind::Folder, *host) || parsed->names.empty()) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(path) + " is not a folder that can be removed");
+  }
+  folder_.RefuseOutsideOfDrive(*parsed, host->parent_path());
+  std::error_code failed;
+  std::filesystem::remove_all(*host, failed);
+  if (failed) {
+    RaiseSystemError(failed.value(), "cannot remove the folder", path);
+  }
+}
+
+void MachineFiles::Write(std::string_view path, std::string_view bytes, IfPresent ifPresent) {
+  const std::filesystem::path host = folder_.Target(path);
+  folder_.Changing(host);
+  WriteHostFile(host, bytes, ifPresent, path);
+  folder_.Added(host);
+}
+
+// The host path of what exists; not found (53), or path not found (76) when its folder does not exist either.
+std::filesystem::path MachineFiles::Existing(std::string_view path) {
+  const std::optional<MachinePath> parsed = MachinePath::Parse(path);
+  const std::optional<std::filesystem::path> host = parsed ? folder_.Resolve(*parsed) : std::nullopt;
+  if (host) {
+    return *host;
+  }
+  const bool folderExists = !parsed || folder_.Resolve(parsed->Parent());
+  throw MakeRuntimeError(folderExists ? RuntimeError::FileNotFound : RuntimeError::PathNotFound,
+                         std::string(path) + " does not exist");
+}
+
+}  // namespace parvex::posix

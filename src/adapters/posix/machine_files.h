@@ -1,0 +1,37 @@
+#pragma once
+
+#include "seams/files.h"
+#include "adapters/posix/host_file.h"
+#include "adapters/posix/machine_folder.h"
+
+namespace parvex::posix {
+
+/// The files of a machine folder. A file without any write permission is read-only: it is neither replaced nor removed.
+/// A path that no file can have is one that does not exist.
+class MachineFiles : public Files {
+ public:
+  explicit MachineFiles(MachineFolder& folder) : folder_(folder) {}
+
+  bool IsFile(std::string_view path) override;
+  bool IsFolder(std::string_view path) override;
+  std::vector<std::string> ListFiles(std::string_view pattern) override;
+  std::vector<std::string> ListFolders(std::string_view folder) override;
+  std::string ReadAll(std::string_view path) override;
+  void Replace(std::string_view path, std::string_view bytes) override;
+  void CreateNew(std::string_view path, std::string_view bytes) override;
+  void Remove(std::string_view path) override;
+  void CreateFolder(std::string_view path) override;
+  void RemoveFolder(std::string_view path) override;
+
+ private:
+  void Write(std::string_view path, std::string_view bytes, IfPresent ifPresent);
+  std::filesystem::path Existing(std::string_view path);
+
+  MachineFolder& folder_;
+};
+
+/// Whether a name matches a directory pattern, letter case ignored: * is any run of characters; ? is one character, or
+/// none before a dot and at the name's end; ".*" at the pattern's end also matches a name without extension.
+bool MatchesPattern(std::string_view name, std::string_view pattern);
+
+}  // namespace parvex::posix

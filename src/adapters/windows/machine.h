@@ -1,0 +1,52 @@
+#pragma once
+
+#include "seams/platform.h"
+#include "adapters/windows/ansi_text.h"
+#include "adapters/windows/system_automation.h"
+#include "adapters/windows/dao_databases.h"
+#include "adapters/windows/system_files.h"
+#include "adapters/windows/system_message_pump.h"
+#include "adapters/windows/system_message_router.h"
+#include "adapters/windows/system_private_profile.h"
+#include "adapters/windows/system_processes.h"
+#include "adapters/windows/system_registry.h"
+
+namespace parvex::windows {
+
+/// The seams of this Windows. COM has to be initialised on the threads that use it.
+class Machine {
+ public:
+  Machine() = default;
+  Machine(const Machine&) = delete;
+  Machine& operator=(const Machine&) = delete;
+
+  Registry& GetRegistry() { return registry_; }
+  PrivateProfile& GetPrivateProfile() { return privateProfile_; }
+  Files& GetFiles() { return files_; }
+  Processes& GetProcesses() { return processes_; }
+  MessagePump& GetMessagePump() { return messagePump_; }
+  MessageBoxes& GetMessageBoxes() { return messageBoxes_; }
+  MessageRouters& GetMessageRouters() { return messageRouters_; }
+  automation::Automation& GetAutomation() { return automation_; }
+  ProjectDatabases& GetProjectDatabases() { return databases_; }
+  CodePage& GetCodePage() { return codePage_; }
+
+  Platform AsPlatform() {
+    return {registry_,       privateProfile_, files_,     processes_, messagePump_, messageBoxes_,
+            messageRouters_, automation_,     databases_, codePage_};
+  }
+
+ private:
+  SystemRegistry registry_;
+  SystemPrivateProfile privateProfile_;
+  SystemFiles files_;
+  SystemProcesses processes_;
+  SystemMessagePump messagePump_;
+  SystemMessageBoxes messageBoxes_;
+  SystemMessageRouters messageRouters_;
+  SystemAutomation automation_;
+  DaoDatabases databases_{automation_};
+  SystemCodePage codePage_;
+};
+
+}  // namespace parvex::windows

@@ -1,0 +1,217 @@
+#include "adapters/windows/system_files.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+#include "formats/text/text.h"
+#include "adapters/windows/system_error.h"
+#include "adapters/windows/wide_text.h"
+
+namespace parvex::windows {
+namespace {
+
+constexpr std::size_t kWriteChunk = 1u << 20;
+
+class FileHandle {
+ public:
+  explicit FileHandle(HANDLE handle) : handle_(handle) {}
+  ~FileHandle() { Close(); }
+  FileHandle(const FileHandle&) = delete;
+  FileHandle& operator=(const FileHandle&) = delete;
+  bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
+  HANDLE Get() const { return handle_; }
+  void Close() {
+    if (IsOpen()) {
+      CloseHandle(handle_);
+      handle_ = INVALID_HANDLE_VALUE;
+    }
+  }
+
+ private:
+  HANDLE handle_;
+};
+
+DWORD Attributes(std::string_view path) {
+  return path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(Widen(path).c_str());
+}
+
+// Names in a listing of `pattern` that are folders, or that are not, in the order of their upper-cased names.
+std::vector<std::string> Listed(const std::wstring& pattern, bool folders) {
+  std::vector<std::pair<std::string, std::string>> found;
+  WIN32_FIND_DATAW entry;
+  const HANDLE search = FindFirstFileW(pattern.c_str(), &entry);
+  if (search == INVALID_HANDLE_VALUE) {
+    return {};
+  }
+  do {
+    const std::wstring_view name = entry.cFileName;
+    const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    if (isFolder == folders && name != L"." && name != L"..") {
+      const std::string narrow = Narrow(name);
+      found.emplace_back(ToUpper(narrow), narrow);
+    }
+  } while (FindNextFileW(search, &entry));
+  FindClose(search);
+  std::sort(found.begin(), found.end());
+  std::vector<std::string> names;
+  for (auto& [upper, name] : found) {
+    names.push_back(std::move(name));
+  }
+  return names;
+}
+
+void WriteWhole(HANDLE file, std::string_view bytes, std::string_view path) {
+  for (std::size_t done = 0; done < bytes.size();) {
+    const auto wanted = static_cast<DWORD>(std::min(bytes.size() - done, kWriteChunk));
+    DWORD written = 0;
+    if (!WriteFile(file, bytes.data() + done, wanted, &written, nullptr) || written == 0) {
+      throw FileError(GetLastError(), "write", path);
+    }
+    done += written;
+  }
+}
+
+// Writes `bytes` to a new file beside `path` and moves it there; the file beside is gone whatever happens.
+void WriteBeside(std::string_view path, std::string_view bytes, DWORD moveFlags) {
+  const std::wstring target = Widen(path);
+  static thread_local unsigned counter = 0;
+  const std::wstring beside = target + L"." + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                              std::to_wstring(GetCurrentThreadId()) + L"-" + std::to_wstring(++counter) + L".new";
+  FileHandle file(CreateFileW(beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!file.IsOpen()) {
+    throw FileError(GetLastError(), "write", path);
+  }
+  try {
+    WriteWhole(file.Get(), bytes, path);
+    file.Close();
+    if (!MoveFileExW(beside.c_str(), target.c_str(), moveFlags)) {
+      throw FileError(GetLastError(), "replace", path);
+    }
+  } catch (...) {
+    file.Close();
+    DeleteFileW(beside.c_str());
+    throw;
+  }
+}
+
+void RefuseFolder(std::string_view path) {
+  const DWORD attributes = Attributes(path);
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    throw FileError(ERROR_ACCESS_DENIED, "write", path);
+  }
+}
+
+}  // namespace
+
+bool SystemFiles::IsFile(std::string_view path) {
+  const DWORD attributes = Attributes(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+bool SystemFiles::IsFolder(std::string_view path) {
+  const DWORD attributes = Attributes(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+std::vector<std::string> SystemFiles::ListFiles(std::string_view pattern) {
+  if (pattern.empty()) {
+    return {};
+  }
+  std::wstring wide = Widen(pattern);
+  if (wide.back() == L'\\' || wide.back() == L'/') {
+    wide += L"*";
+  }
+  return Listed(wide, false);
+}
+
+std::vector<std::string> SystemFiles::ListFolders(std::string_view folder) {
+  return Listed(Widen(folder) + L"\\*", true);
+}
+
+std::string SystemFiles::ReadAll(std::string_view path) {
+  const FileHandle file(CreateFileW(Widen(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!file.IsOpen()) {
+    throw FileError(GetLastError(), "read", path);
+  }
+  LARGE_INTEGER size = {};
+  if (!GetFileSizeEx(file.Get(), &size)) {
+    throw FileError(GetLastError(), "read", path);
+  }
+  std::string bytes(static_cast<std::size_t>(size.QuadPart), '\0');
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const auto wanted = static_cast<DWORD>(std::min(bytes.size() - done, kWriteChunk));
+    DWORD got = 0;
+    if (!ReadFile(file.Get(), bytes.data() + done, wanted, &got, nullptr)) {
+      throw FileError(GetLastError(), "read", path);
+    }
+    if (got == 0) {
+      break;
+    }
+    done += got;
+  }
+  bytes.resize(done);
+  return bytes;
+}
+
+void SystemFiles::Replace(std::string_view path, std::string_view bytes) {
+  RefuseFolder(path);
+  const DWORD attributes = Attributes(path);
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    throw FileError(ERROR_ACCESS_DENIED, "replace", path);
+  }
+  WriteBeside(path, bytes, MOVEFILE_REPLACE_EXISTING);
+}
+
+void SystemFiles::CreateNew(std::string_view path, std::string_view bytes) {
+  if (Attributes(path) != INVALID_FILE_ATTRIBUTES) {
+    throw FileError(ERROR_FILE_EXISTS, "create", path);
+  }
+  WriteBeside(path, bytes, 0);
+}
+
+void SystemFiles::Remove(std::string_view path) {
+  if (!DeleteFileW(Widen(path).c_str())) {
+    throw FileError(GetLastError(), "delete", path);
+  }
+}
+
+void SystemFiles::CreateFolder(std::string_view path) {
+  if (IsFolder(path)) {
+    return;
+  }
+  while (!path.empty() && (path.back() == '\\' || path.back() == '/')) {
+    path.remove_suffix(1);
+  }
+  const std::size_t cut = path.find_last_of("\\/");
+  if (cut != std::string_view::npos && cut > 2) {
+    CreateFolder(path.substr(0, cut));
+  }
+  if (!CreateDirectoryW(Widen(path).c_str(), nullptr) && !IsFolder(path)) {
+    throw FileError(GetLastError(), "make the folder", path);
+  }
+}
+
+void SystemFiles::RemoveFolder(std::string_view path) {
+  const std::string inside = std::string(path) + "\\";
+  const DWORD attributes = Attributes(path);
+  if (attributes == INVALID_FILE_ATTRIBUTES) {
+    throw FileError(ERROR_PATH_NOT_FOUND, "remove the folder", path);
+  }
+  // A link to a folder is removed as a link; what it leads to is not this folder's.
+  if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+    for (const std::string& name : ListFiles(inside)) {
+      Remove(inside + name);
+    }
+    for (const std::string& name : ListFolders(path)) {
+      RemoveFolder(inside + name);
+    }
+  }
+  if (!RemoveDirectoryW(Widen(path).c_str())) {
+    throw FileError(GetLastError(), "remove the folder", path);
+  }
+}
+
+}  // namespace parvex::windows

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "seams/files.h"
+
+namespace parvex::windows {
+
+class SystemFiles : public Files {
+ public:
+  bool IsFile(std::string_view path) override;
+  bool IsFolder(std::string_view path) override;
+  std::vector<std::string> ListFiles(std::string_view pattern) override;
+  std::vector<std::string> ListFolders(std::string_view folder) override;
+  std::string ReadAll(std::string_view path) override;
+  void Replace(std::string_view path, std::string_view bytes) override;
+  void CreateNew(std::string_view path, std::string_view bytes) override;
+  void Remove(std::string_view path) override;
+  void CreateFolder(std::string_view path) override;
+  void RemoveFolder(std::string_view path) override;
+};
+
+}  // namespace parvex::windows

@@ -1,0 +1,59 @@
+#include "adapters/windows/system_processes.h"
+
+#include <windows.h>
+
+#include "seams/automation_error.h"
+#include "adapters/windows/wide_text.h"
+
+namespace parvex::windows {
+namespace {
+
+class SystemProcess : public Process {
+ public:
+  explicit SystemProcess(HANDLE handle) : handle_(handle) {}
+  ~SystemProcess() override { CloseHandle(handle_); }
+  SystemProcess(const SystemProcess&) = delete;
+  SystemProcess& operator=(const SystemProcess&) = delete;
+
+  std::uint32_t ExitCode() override {
+    DWORD code = 0;
+    if (!GetExitCodeProcess(handle_, &code)) {
+      throw MakeRuntimeError(RuntimeError::InvalidCall,
+                             "cannot read the exit code of a program: system error " + std::to_string(GetLastError()));
+    }
+    return code;
+  }
+
+ private:
+  HANDLE handle_;
+};
+
+}  // namespace
+
+std::unique_ptr<Process> SystemProcesses::Start(std::string_view commandLine, int windowStyle) {
+  std::wstring line = Widen(commandLine);  // CreateProcess may write into it
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESHOWWINDOW;
+  // The legacy runtime's window styles are the system's show commands.
+  startup.wShowWindow = static_cast<WORD>(windowStyle);
+  PROCESS_INFORMATION started = {};
+  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &started)) {
+    const DWORD code = GetLastError();
+    const bool missing = code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND || code == ERROR_DIRECTORY;
+    throw MakeRuntimeError(missing ? RuntimeError::FileNotFound : RuntimeError::InvalidCall,
+                           "cannot start \"" + std::string(commandLine) + "\": system error " + std::to_string(code));
+  }
+  // The handle for polling is opened by the process's id with query rights only, before the creation's own handles are
+  // closed, so the id cannot meanwhile belong to another process.
+  HANDLE query = OpenProcess(PROCESS_QUERY_INFORMATION, FALSE, started.dwProcessId);
+  CloseHandle(started.hThread);
+  if (query == nullptr) {
+    query = started.hProcess;
+  } else {
+    CloseHandle(started.hProcess);
+  }
+  return std::make_unique<SystemProcess>(query);
+}
+
+}  // namespace parvex::windows

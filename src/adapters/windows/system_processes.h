@@ -1,0 +1,12 @@
+#pragma once
+
+#include "seams/processes.h"
+
+namespace parvex::windows {
+
+class SystemProcesses : public Processes {
+ public:
+  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) override;
+};
+
+}  // namespace parvex::windows

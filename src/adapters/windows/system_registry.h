@@ -1,0 +1,14 @@
+#pragma once
+
+#include "seams/registry.h"
+
+namespace parvex::windows {
+
+/// The registry of this Windows. A 64-bit process looks in its own view first and then in the 32-bit one, since the
+/// setup of the legacy application, a 32-bit program, writes there.
+class SystemRegistry : public Registry {
+ public:
+  std::optional<std::string> LocalMachineString(std::string_view key, std::string_view valueName) override;
+};
+
+}  // namespace parvex::windows

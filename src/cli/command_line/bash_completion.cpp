@@ -1,0 +1,118 @@
+#include "cli/command_line/bash_completion.h"
+
+#include <set>
+
+#include "cli/command_line/command_tree.h"
+
+namespace parvex::cli {
+namespace {
+
+std::vector<std::string> NamesOf(const CLI::Option& option) {
+  std::vector<std::string> names;
+  for (const std::string& name : option.get_snames()) {
+    names.push_back("-" + name);
+  }
+  for (const std::string& name : option.get_lnames()) {
+    names.push_back("--" + name);
+  }
+  return names;
+}
+
+void Append(std::string& list, const std::string& separator, const std::string& item) {
+  list += (list.empty() ? "" : separator) + item;
+}
+
+// What an option's value or an argument is: the switch of compgen that lists candidates, empty where nothing can be.
+std::string CandidatesOf(const std::string& kind) {
+  return kind == "FILE" || kind == "TYPELIB" ? "-f" : kind == "DIR" ? "-d" : "";
+}
+
+// The patterns of the options whose values are of one kind, over all commands.
+std::string OptionPatterns(const CLI::App& program, const std::string& candidates) {
+  std::set<std::string> names;
+  for (const CommandPath& node : NodesOf(program)) {
+    for (const CLI::Option* option : OptionsOf(*node.command)) {
+      if (PositionalName(*option).empty() && TakesValue(*option) &&
+          CandidatesOf(option->get_type_name()) == candidates) {
+        for (const std::string& name : NamesOf(*option)) {
+          names.insert(name);
+        }
+      }
+    }
+  }
+  std::string patterns;
+  for (const std::string& name : names) {
+    Append(patterns, "|", name);
+  }
+  return patterns;
+}
+
+// One branch of the last case: what may stand behind a command.
+std::string Branch(const CommandPath& node) {
+  std::string words;
+  std::string candidates;
+  for (const CLI::App* child : node.command->get_subcommands(nullptr)) {
+    Append(words, " ", child->get_name());
+  }
+  for (const CLI::Option* option : OptionsOf(*node.command)) {
+    const std::string positional = PositionalName(*option);
+    if (!positional.empty()) {
+      candidates = CandidatesOf(positional);
+    }
+    for (const std::string& name : NamesOf(*option)) {
+      Append(words, " ", name);
+    }
+  }
+  return "    '" + node.words + "') words='" + words + "' candidates='" + candidates + "' ;;\n";
+}
+
+}  // namespace
+
+std::string BashCompletion(const CLI::App& program) {
+  const std::string files = OptionPatterns(program, "-f");
+  const std::string folders = OptionPatterns(program, "-d");
+  const std::string others = OptionPatterns(program, "");
+  std::string paths;
+  std::string branches;
+  for (const CommandPath& node : NodesOf(program)) {
+    if (!node.words.empty()) {
+      Append(paths, "|", "'" + node.words + "'");
+    }
+    branches += Branch(node);
+  }
+  return "# Completion of parvex for bash, as \"parvex completion\" prints it.\n"
+         "_parvex() {\n"
+         "  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}\n"
+         "  local command='' words='' candidates='' i\n"
+         "  for ((i = 1; i < COMP_CWORD; i++)); do\n"
+         "    case ${COMP_WORDS[i]} in\n"
+         "      " +
+         files + "|" + folders + "|" + others +
+         ") ((i++)) ;;\n"
+         "      *) case \"$command ${COMP_WORDS[i]}\" in\n"
+         "        " +
+         paths +
+         ") command+=\" ${COMP_WORDS[i]}\" ;;\n"
+         "      esac ;;\n"
+         "    esac\n"
+         "  done\n"
+         "  case $before in\n"
+         "    " +
+         files +
+         ") mapfile -t COMPREPLY < <(compgen -f -- \"$word\"); return ;;\n"
+         "    " +
+         folders +
+         ") mapfile -t COMPREPLY < <(compgen -d -- \"$word\"); return ;;\n"
+         "    " +
+         others +
+         ") COMPREPLY=(); return ;;\n"
+         "  esac\n"
+         "  case $command in\n" +
+         branches +
+         "  esac\n"
+         "  mapfile -t COMPREPLY < <(compgen $candidates -W \"$words\" -- \"$word\")\n"
+         "}\n"
+         "complete -o filenames -F _parvex parvex\n";
+}
+
+}  // namespace parvex::cli

@@ -1,0 +1,158 @@
+#include "cli/command_line/command_line.h"
+
+#include <algorithm>
+
+#include "cli/commands/base64_command.h"
+#include "cli/command_line/bash_completion.h"
+#include "cli/command_line/commands_listing.h"
+#include "cli/commands/doctor_command.h"
+#include "cli/host/host.h"
+#include "cli/command_line/manual_page.h"
+#include "cli/commands/pull_command.h"
+#include "cli/terminal/standard_streams.h"
+#include "version.h"
+
+namespace parvex::cli {
+namespace {
+
+constexpr const char* kExitStatusText =
+    "Exit status: 0 a reply; 1 the last reply is a failed one; 2 wrong usage, nothing was sent; 3 a call failed.\n"
+    "doctor ends with 1 when a check failed, show when two documents differ.";
+
+}  // namespace
+
+CommandLine::CommandLine()
+    : app_("Lets commands of a newer front end work with the projects of an installed legacy selection application.",
+           "parvex") {
+  app_.set_version_flag("--version", "parvex " PARVEX_VERSION);
+  app_.require_subcommand(1);
+  app_.fallthrough();
+  app_.allow_windows_style_options(false);  // the same command line on every platform
+  app_.footer(kExitStatusText);
+  app_.add_option("--machine", session_.machine, "The folder that stands for the machine")
+      ->type_name("DIR")
+      ->envname("PARVEX_MACHINE");
+  app_.add_option("--journal", session_.journal, "Write down everything that crosses to the outside")
+      ->type_name("FILE");
+  app_.add_option("--replay", session_.replay, "Answer router requests from such a journal")->type_name("FILE");
+
+  AddSending();
+  AddExport();
+  AddReturn();
+  AddShow();
+  AddDoctor();
+  AddBase64();
+  AddMachines();
+  Add(app_, "router-ids", "Read a type library for the identifiers by which a build finds the message router",
+      [this] {
+        WriteOutput(RouterIdsIn(typeLibrary_));
+        return kReply;
+      })
+      ->add_option("TYPELIB", typeLibrary_, "A type library, or a program or DLL that has one in it")
+      ->required();
+  AddReferences();
+}
+
+void CommandLine::Parse(std::vector<std::string> arguments) {
+  std::ranges::reverse(arguments);  // as the parser takes them
+  app_.parse(std::move(arguments));
+}
+
+CLI::App* CommandLine::Add(CLI::App& parent, const std::string& name, const std::string& description, Action action) {
+  CLI::App* command = parent.add_subcommand(name, description);
+  command->callback([this, action = std::move(action)] { action_ = action; });
+  return command;
+}
+
+void CommandLine::AddSending() {
+  const auto add = [this](const std::string& name, const std::string& entryPoint, std::span<const CommandEntry> table,
+                          Action action) {
+    CLI::App* command =
+        Add(app_, name, "Send command documents to one instance, through " + entryPoint, std::move(action));
+    command->add_option("FILE", files_, "Command documents, sent in this order; - for standard input")
+        ->required()
+        ->type_name("");
+    command->footer("Commands:\n" + ListCommands(table) + "\n" + kExitStatusText);
+  };
+  add("pull", "Pull", PullCommands(), [this] { return SendThroughPull(session_, files_); });
+  add("pull-ngorla", "PullNGORLA", PullNgorlaCommands(), [this] { return SendThroughPullNgorla(session_, files_); });
+}
+
+void CommandLine::AddExport() {
+  CLI::App* command = Add(app_, "export", "Export units of a project as a Hybris document",
+                          [this] { return Export(session_, export_); });
+  command->add_option("--project", export_.project, "The project's name")->required()->type_name("NAME");
+  CLI::Option* tags = command->add_option("--tags", export_.tags, "Names of the tags to export; all when none is named")
+                          ->type_name("NAME");
+  command->add_option("--selection", export_.selection, "A file with the selection (UserSelectionTransfer) instead")
+      ->type_name("FILE")
+      ->excludes(tags);
+  command->add_option("-o,--output", export_.output, "Where to write the document; standard output when not given")
+      ->type_name("FILE");
+}
+
+void CommandLine::AddReturn() {
+  CLI::App* command = Add(app_, "return", "Bring a tag of a Hybris document back to the legacy application",
+                          [this] { return Return(session_, return_); });
+  command->add_option("FILE", return_.file, "The Hybris document; - for standard input")->required()->type_name("");
+  command->add_option("--tag", return_.tag, "Which of several tags, from 1")->type_name("NUMBER");
+}
+
+void CommandLine::AddShow() {
+  CLI::App* command = Add(app_, "show", "Show a Hybris document, or what differs between an earlier and a later one",
+                          [this] { return Show(show_); });
+  command->add_option("FILE", show_.files, "The Hybris document; - for standard input")
+      ->required()
+      ->expected(1, 2)
+      ->type_name("");
+  command->add_option("--html", show_.html, "Write one page for a browser instead")->type_name("FILE");
+}
+
+void CommandLine::AddDoctor() {
+  Add(app_, "doctor", "Find out whether the machine has everything that commands need", [this] {
+    return Doctor(session_, doctorAsJson_);
+  })->add_flag("--json", doctorAsJson_, "Write what was found as JSON");
+}
+
+void CommandLine::AddBase64() {
+  CLI::App* base64 = app_.add_subcommand("base64", "Encode or decode Base64");
+  base64->require_subcommand(1);
+  const auto add = [&](const std::string& name, const std::string& description,
+                       void (*carryOut)(const std::string& fileName)) {
+    Add(*base64, name, description,
+        [this, carryOut] {
+          carryOut(base64File_);
+          return kReply;
+        })
+        ->add_option("FILE", base64File_, "The file to read; standard input when none is named")
+        ->type_name("");
+  };
+  add("encode", "Bytes to Base64 text, one line feed behind it", EncodeToOutput);
+  add("decode", "Base64 text, read as it stands, to bytes", DecodeToOutput);
+}
+
+void CommandLine::AddMachines() {
+  CLI::App* machine = app_.add_subcommand("machine", "Machine folders");
+  machine->require_subcommand(1);
+  Add(*machine, "create", "Make a sample machine with a substitute legacy application in it",
+      [this] {
+        CreateMachine(PathOf(newMachine_));
+        return kReply;
+      })
+      ->add_option("DIR", newMachine_, "The folder to make")
+      ->required();
+}
+
+void CommandLine::AddReferences() {
+  const auto add = [this](const std::string& name, const std::string& description, std::function<std::string()> text) {
+    Add(app_, name, description, [text = std::move(text)] {
+      WriteOutput(text());
+      return kReply;
+    });
+  };
+  add("commands", "List the commands that each entry point serves", ListEntryPoints);
+  add("completion", "Print a script that completes this command line in bash", [this] { return BashCompletion(app_); });
+  add("manual", "Print the manual page, for man -l", [this] { return ManualPage(app_); });
+}
+
+}  // namespace parvex::cli

@@ -1,0 +1,91 @@
+#include "cli/commands/pull_command.h"
+
+#include <cstddef>
+
+#include "cli/session/consumer.h"
+#include "cli/session/replies.h"
+#include "cli/terminal/standard_streams.h"
+#include "interface/legacy_orla_pull.h"
+#include "protocol/reply_envelope.h"
+#include "seams/automation_error.h"
+#include "formats/text/text.h"
+
+namespace parvex::cli {
+namespace {
+
+// Sends the content of one command file, writes the reply, and tells whether it is the failed reply.
+using SendOne = bool (*)(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage);
+
+bool SendDocument(LegacyORLAPull& pull, const std::string& bytes, CodePage&) {
+  const xml::Document reply = pull.Pull(xml::Document::Load(bytes));
+  if (reply) {
+    WriteOutput(reply.Xml());
+  }
+  return IsFailedReply(reply);
+}
+
+// The text that a file's bytes are: UTF-16 or UTF-8 as its byte order mark says, else UTF-8 when it is well-formed,
+// else text of the machine's ANSI code page.
+std::string DecodeText(std::string_view bytes, CodePage& codePage) {
+  const bool isLittleEndian = bytes.starts_with("\xFF\xFE");
+  if (isLittleEndian || bytes.starts_with("\xFE\xFF")) {
+    std::u16string units;
+    for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+      const auto low = static_cast<unsigned char>(bytes[isLittleEndian ? i : i + 1]);
+      const auto high = static_cast<unsigned char>(bytes[isLittleEndian ? i + 1 : i]);
+      units.push_back(static_cast<char16_t>(high << 8 | low));
+    }
+    return FromUtf16(units);
+  }
+  if (bytes.starts_with("\xEF\xBB\xBF")) {
+    return std::string(bytes.substr(3));
+  }
+  const bool isUtf8 = FromUtf16(ToUtf16(bytes)) == bytes;
+  return isUtf8 ? std::string(bytes) : codePage.FromAnsi(bytes);
+}
+
+bool SendText(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage) {
+  const std::string reply = pull.PullNGORLA(DecodeText(bytes, codePage));
+  WriteOutput(reply);
+  return FailureIn(reply).has_value();
+}
+
+ExitStatus SendAll(const Platform& platform, const std::vector<std::string>& names,
+                   const std::vector<std::string>& contents, SendOne sendOne) {
+  LegacyORLAPull pull(platform);
+  pull.SetConsumer(MakeConsumer());
+  ExitStatus status = kReply;
+  bool anyCallFailed = false;
+  for (std::size_t i = 0; i < contents.size(); ++i) {
+    try {
+      status = sendOne(pull, contents[i], platform.codePage) ? kFailedReply : kReply;
+    } catch (const AutomationError& error) {
+      ReportError(names[i], error);
+      anyCallFailed = true;
+    }
+  }
+  return anyCallFailed ? kFailedCall : status;
+}
+
+ExitStatus Send(const SessionOptions& options, const std::vector<std::string>& files, SendOne sendOne) {
+  std::vector<std::string> contents;
+  for (const std::string& file : files) {
+    contents.push_back(ReadInput(file));
+  }
+  Session session(options);
+  const ExitStatus status = SendAll(session.Platform(), files, contents, sendOne);
+  session.Close();
+  return status;
+}
+
+}  // namespace
+
+ExitStatus SendThroughPull(const SessionOptions& options, const std::vector<std::string>& files) {
+  return Send(options, files, SendDocument);
+}
+
+ExitStatus SendThroughPullNgorla(const SessionOptions& options, const std::vector<std::string>& files) {
+  return Send(options, files, SendText);
+}
+
+}  // namespace parvex::cli

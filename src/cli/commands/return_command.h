@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "cli/host/exit_status.h"
+#include "cli/session/session.h"
+
+namespace parvex::cli {
+
+struct ReturnOptions {
+  std::string file;                ///< a Hybris document, "-" for standard input
+  std::optional<std::size_t> tag;  ///< the tag's place among those of the document, from 1; needed when it has several
+};
+
+/// Brings a tag of a Hybris document back to the legacy application, by the command RebuildTag, which takes one tag. A
+/// refusal is told and is kFailedReply.
+///
+/// The tag is sent without its base units: what is brought back lies in its attributes, and RebuildTag shows a message
+/// box for every component that it is given.
+ExitStatus Return(const SessionOptions& sessionOptions, const ReturnOptions& options);
+
+}  // namespace parvex::cli

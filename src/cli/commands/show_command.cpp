@@ -1,0 +1,32 @@
+#include "cli/commands/show_command.h"
+
+#include <optional>
+
+#include "cli/terminal/colours.h"
+#include "cli/terminal/output_file.h"
+#include "cli/quote/quote.h"
+#include "cli/quote/quote_differences.h"
+#include "cli/quote/quote_file.h"
+#include "cli/quote/quote_page.h"
+#include "cli/quote/quote_text.h"
+
+namespace parvex::cli {
+
+ExitStatus Show(const ShowOptions& options) {
+  const std::string& lastName = options.files.back();
+  const Quote last = ReadQuote(ReadQuoteDocument(lastName));
+  const bool isPage = !options.html.empty();
+  if (options.files.size() == 1) {
+    const std::string shown = isPage ? QuotePage(last, lastName) : QuoteAsText(last, TakesColours(stdout));
+    OutputFile(isPage ? options.html : "-").Write(shown);
+    return kReply;
+  }
+  const std::string& firstName = options.files.front();
+  const std::vector<Difference> differences = Compare(ReadQuote(ReadQuoteDocument(firstName)), last);
+  const std::string shown = isPage ? ComparisonPage(last, differences, firstName, lastName)
+                                   : DifferencesAsText(differences, TakesColours(stdout));
+  OutputFile(isPage ? options.html : "-").Write(shown);
+  return differences.empty() ? kReply : kFailedReply;
+}
+
+}  // namespace parvex::cli

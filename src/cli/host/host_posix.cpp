@@ -1,0 +1,101 @@
+#include <fcntl.h>
+#include <malloc.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include "cli/host/exit_status.h"
+#include "cli/host/host.h"
+#include "legacy_standin/sample/sample_machine.h"
+#include "legacy_standin/standin.h"
+#include "adapters/posix/machine.h"
+
+namespace parvex::cli {
+namespace {
+
+std::filesystem::path WorkflowProgram() {
+  const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const std::filesystem::path beside = folder / "kdwfm470";
+  const std::filesystem::path installed = folder.parent_path() / "libexec" / "parvex" / "kdwfm470";
+  return std::filesystem::exists(beside) ? beside : installed;
+}
+
+void DoNothing(int) {}
+
+// A closed descriptor would be given to the next file that is opened, and that file get our output. What takes its
+// place refuses to be read or written.
+void KeepTaken(int descriptor, int mode) {
+  if (fcntl(descriptor, F_GETFD) == -1) {
+    const int opened = open("/dev/null", mode);
+    if (opened != -1 && opened != descriptor) {
+      dup2(opened, descriptor);
+      close(opened);
+    }
+  }
+}
+
+}  // namespace
+
+struct Host::Parts {
+  explicit Parts(const std::filesystem::path& folder)
+      : machine(folder),
+        standin({machine.GetRegistry(), machine.GetFiles(), machine.GetProjectDatabases(), machine.GetCodePage(),
+                 standin::ReadStandinSettings(folder)}) {
+    for (const standin::LateBoundClass& offered : standin.Classes()) {
+      machine.RegisterClass(offered.programmaticId, offered.create);
+    }
+  }
+  posix::Machine machine;
+  standin::Standin standin;
+};
+
+Host::Host(const std::string& machineFolder) {
+  if (machineFolder.empty()) {
+    throw UsageError("no machine folder: name one with --machine DIR or in the environment variable PARVEX_MACHINE");
+  }
+  parts_ = std::make_unique<Parts>(machineFolder);
+}
+
+Host::~Host() = default;
+
+parvex::Platform Host::Platform() {
+  posix::Machine& machine = parts_->machine;
+  return {machine.GetRegistry(),     machine.GetPrivateProfile(), machine.GetFiles(),
+          machine.GetProcesses(),    machine.GetMessagePump(),    machine.GetMessageBoxes(),
+          parts_->standin.Routers(), machine.GetAutomation(),     machine.GetProjectDatabases(),
+          machine.GetCodePage()};
+}
+
+HostFacts Host::Facts() {
+  return {.program = std::to_string(8 * sizeof(void*)) + "-bit program on a machine folder, which has no bitness",
+          .xmlEngine = "libxml2",
+          .databaseEngine = "libmdb",
+          .codePage = "1252",
+          .runsWindowsPrograms = false};
+}
+
+std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv + 1, argv + argc}; }
+
+void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }
+
+std::string RouterIdsIn(const std::string&) {
+  throw UsageError("type libraries can be read by parvex on Windows (or under Wine) only");
+}
+
+void PrepareStandardStreams() {
+  KeepTaken(STDIN_FILENO, O_WRONLY);
+  KeepTaken(STDOUT_FILENO, O_RDONLY);
+  KeepTaken(STDERR_FILENO, O_WRONLY);
+  // A handler instead of SIG_IGN: started programs get the default back, as they expect.
+  signal(SIGPIPE, DoNothing);
+}
+
+std::shared_ptr<void> EnterPlatform() {
+  // Freed pieces of documents join their neighbours at once. Kept apart, as by default, each large text that is freed
+  // makes the allocator go through all of them: a fifth of the time of an export of 1,000 units.
+  mallopt(M_MXFAST, 0);
+  return nullptr;
+}
+
+bool IsTerminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
+
+}  // namespace parvex::cli

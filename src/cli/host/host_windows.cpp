@@ -1,0 +1,77 @@
+#include <fcntl.h>
+#include <io.h>
+#include <stdio.h>
+#include <windows.h>
+
+#include "cli/host/exit_status.h"
+#include "cli/host/host.h"
+#include "com_server/router_ids.h"
+#include "legacy_standin/sample/sample_machine.h"
+#include "adapters/windows/apartment.h"
+#include "adapters/windows/machine.h"
+#include "adapters/windows/this_program.h"
+#include "seams/written_boxes.h"
+
+namespace parvex::cli {
+namespace {
+
+std::filesystem::path WorkflowProgram() {
+  return std::filesystem::path(windows::ProgramPath()).parent_path() / "kdwfm470.exe";
+}
+
+}  // namespace
+
+struct Host::Parts {
+  windows::Machine machine;
+  WrittenBoxes messageBoxes;
+};
+
+Host::Host(const std::string& machineFolder) : parts_(std::make_unique<Parts>()) {
+  if (!machineFolder.empty()) {
+    throw UsageError("the machine is this one: no folder (" + machineFolder + ") can stand for it here");
+  }
+}
+
+Host::~Host() = default;
+
+parvex::Platform Host::Platform() {
+  windows::Machine& machine = parts_->machine;
+  return {machine.GetRegistry(),       machine.GetPrivateProfile(), machine.GetFiles(),
+          machine.GetProcesses(),      machine.GetMessagePump(),    parts_->messageBoxes,
+          machine.GetMessageRouters(), machine.GetAutomation(),     machine.GetProjectDatabases(),
+          machine.GetCodePage()};
+}
+
+HostFacts Host::Facts() {
+  return {.program = std::to_string(8 * sizeof(void*)) + "-bit Windows program",
+          .xmlEngine = "MSXML 3",
+          .databaseEngine = "DAO",
+          .codePage = std::to_string(GetACP()),
+          .runsWindowsPrograms = true};
+}
+
+std::vector<std::string> ProgramArguments(int, char**) { return windows::ProgramArguments(); }
+
+void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }
+
+std::string RouterIdsIn(const std::string& typeLibrary) {
+  const com::RouterIds ids = com::ReadRouterIds(std::filesystem::absolute(PathOf(typeLibrary)).wstring());
+  return "-DPARVEX_ROUTER_CLSID=" + ids.classId + "\n-DPARVEX_ROUTER_IID=" + ids.interfaceId + "\n";
+}
+
+void PrepareStandardStreams() {
+  for (std::FILE* stream : {stdin, stdout, stderr}) {
+    _setmode(_fileno(stream), _O_BINARY);
+  }
+}
+
+std::shared_ptr<void> EnterPlatform() { return std::make_shared<windows::Apartment>(); }
+
+bool IsTerminal(std::FILE* stream) {
+  const auto console = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+  DWORD mode = 0;
+  return _isatty(_fileno(stream)) != 0 && GetConsoleMode(console, &mode) != 0 &&
+         SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
+}  // namespace parvex::cli

@@ -1,0 +1,46 @@
+#include "cli/session/session.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "cli/host/exit_status.h"
+#include "cli/terminal/standard_streams.h"
+#include "seams/automation_error.h"
+
+namespace parvex::cli {
+
+Session::Session(const SessionOptions& options) : journalName_(options.journal) {
+  try {
+    if (!options.replay.empty()) {
+      replay_.emplace(ReadInput(options.replay), options.replay);
+    }
+    host_.emplace(options.machine);
+  } catch (const AutomationError& error) {
+    throw UsageError(error.Description());
+  }
+  if (!journalName_.empty()) {
+    journalFile_.open(PathOf(journalName_), std::ios::binary);
+    if (!journalFile_) {
+      throw UsageError("cannot write " + journalName_ + ": " + std::strerror(errno));
+    }
+    journalled_.emplace(Unjournalled(), journalFile_);
+  }
+}
+
+parvex::Platform Session::Platform() { return journalled_ ? journalled_->Platform() : Unjournalled(); }
+
+parvex::Platform Session::Unjournalled() {
+  const parvex::Platform own = host_->Platform();
+  MessageRouters& routers = replay_ ? static_cast<MessageRouters&>(*replay_) : own.messageRouters;
+  return {own.registry,   own.privateProfile,   own.files,   own.processes, own.messagePump, own.messageBoxes, routers,
+          own.automation, own.projectDatabases, own.codePage};
+}
+
+void Session::Close() {
+  journalled_.reset();
+  if (!journalFile_) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, "the journal " + journalName_ + " could not be written");
+  }
+}
+
+}  // namespace parvex::cli

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <fstream>
+#include <optional>
+#include <string>
+
+#include "cli/host/host.h"
+#include "journal/journalled_platform.h"
+#include "journal/replay_routers.h"
+#include "seams/platform.h"
+
+namespace parvex::cli {
+
+/// What can be said about every command that works on a machine.
+struct SessionOptions {
+  std::string machine;  ///< the machine folder; empty when none was named
+  std::string journal;  ///< the file to write the journal to; empty for none
+  std::string replay;   ///< the journal to answer router requests from; empty for none
+};
+
+/// The machine that the user named, with the journal and the replay that he asked for.
+class Session {
+ public:
+  /// A UsageError for a machine, a journal or a replay that is no use. An earlier journal is replaced only when all the
+  /// rest is in order.
+  explicit Session(const SessionOptions& options);
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  /// The members live until Close.
+  parvex::Platform Platform();
+
+  /// Ends the journal; an AutomationError (75) when it could not be written completely.
+  void Close();
+
+ private:
+  parvex::Platform Unjournalled();
+
+  std::string journalName_;
+  std::optional<journal::ReplayRouters> replay_;
+  std::optional<Host> host_;
+  std::ofstream journalFile_;
+  std::optional<journal::JournalledPlatform> journalled_;
+};
+
+}  // namespace parvex::cli

@@ -1,5 +1,0 @@
-#include "com/parvex_classes.h"
-#include "com/server.h"
-#include "parvex_idl.h"
-
-parvex::com::Server parvex::com::ThisServer() { return {ParvexClasses(), &LIBID_Parvex}; }

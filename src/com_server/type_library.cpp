@@ -1,0 +1,76 @@
+#include "com_server/type_library.h"
+
+#include <cstring>
+#include <map>
+#include <mutex>
+
+#include "seams/automation_error.h"
+#include "adapters/windows/system_error.h"
+
+namespace parvex::com {
+namespace {
+
+using windows::ComPointer;
+
+struct ById {
+  bool operator()(const IID& a, const IID& b) const { return std::memcmp(&a, &b, sizeof(IID)) < 0; }
+};
+
+std::mutex infosMutex;
+std::map<IID, ComPointer<ITypeInfo>, ById> infos;
+
+AutomationError NoTypeLibrary(const std::wstring& path, HRESULT result) {
+  return AutomationError(static_cast<std::uint32_t>(result), kErrorSource,
+                         "no type library can be read from " + windows::Narrow(path) + " (" +
+                             windows::Hex(static_cast<std::uint32_t>(result)) + ")");
+}
+
+}  // namespace
+
+HMODULE ThisModule() {
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                     reinterpret_cast<LPCWSTR>(&ThisModule), &module);
+  return module;
+}
+
+std::wstring ThisModulePath() {
+  std::wstring path(MAX_PATH, L'\0');
+  for (;;) {
+    const DWORD length = GetModuleFileNameW(ThisModule(), path.data(), static_cast<DWORD>(path.size()));
+    if (length < path.size()) {
+      path.resize(length);
+      return path;
+    }
+    path.resize(path.size() * 2);
+  }
+}
+
+ComPointer<ITypeLib> LoadTypeLibrary(const std::wstring& path) {
+  ComPointer<ITypeLib> library;
+  const HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, library.Out());
+  if (FAILED(result)) {
+    throw NoTypeLibrary(path, result);
+  }
+  return library;
+}
+
+ComPointer<ITypeInfo> TypeInfoOf(REFIID interfaceId) {
+  const std::lock_guard lock(infosMutex);
+  ComPointer<ITypeInfo>& info = infos[interfaceId];
+  if (!info) {
+    const std::wstring path = ThisModulePath();
+    const HRESULT result = LoadTypeLibrary(path)->GetTypeInfoOfGuid(interfaceId, info.Out());
+    if (FAILED(result)) {
+      throw NoTypeLibrary(path, result);
+    }
+  }
+  return info;
+}
+
+void DropTypeInfos() {
+  const std::lock_guard lock(infosMutex);
+  infos.clear();
+}
+
+}  // namespace parvex::com

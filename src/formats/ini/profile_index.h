@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "formats/ini/profile_text.h"
+
+namespace parvex::posix {
+
+/// Where the sections and keys of one profile text stand. Finding one costs the same however many there are; names of
+/// more than 4096 characters are not found. Every section has a hash table of its own, all of them in one array of
+/// eight-byte slots: a name's hash, and the place of its line, which is read again when it is asked for.
+class ProfileIndex {
+ public:
+  class Section;
+
+  /// Of a text of less than 4 GiB, which must outlive this.
+  explicit ProfileIndex(const ProfileText& file);
+
+  /// The first section of this name, null when there is none. Lines before the first header are the section with the
+  /// empty name. Names are pieces in the file's own encoding, without outer blanks.
+  const Section* FindSection(std::string_view name) const;
+
+  /// The value of the section's first line with this key, as it stands in the text; nothing when there is no such line,
+  /// or it has no value.
+  std::optional<std::string_view> FindValue(const Section& section, std::string_view key) const;
+
+ private:
+  struct Slot {
+    std::uint32_t hash = 0;
+    std::uint32_t placeAndOne = 0;  // 0: free
+  };
+  struct Table {
+    std::size_t firstSlot = 0;
+    std::uint32_t slots = 0;
+  };
+
+  void AddSection(std::uint32_t header, const std::vector<Slot>& keys);
+  template <typename NameAt>
+  Table MakeTable(const std::vector<Slot>& entries, NameAt nameAt);
+  template <typename Is>
+  std::optional<std::uint32_t> Find(const Table& table, std::uint32_t hash, Is is) const;
+  bool IsKeyOf(std::string_view line, std::string_view key) const;
+  std::string_view LineAt(std::uint32_t place) const;
+  std::string_view KeyNameAt(std::uint32_t place) const;
+  std::string_view SectionNameAt(std::uint32_t number) const;
+
+  const ProfileText& file_;
+  std::string_view text_;
+  std::vector<Slot> slots_;
+  std::vector<Section> sections_;
+  Table sectionTable_;
+};
+
+class ProfileIndex::Section {
+  friend ProfileIndex;
+  std::uint32_t header_;  // where its header stands
+  Table keys_;
+  Section(std::uint32_t header, Table keys) : header_(header), keys_(keys) {}
+};
+
+}  // namespace parvex::posix

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "seams/code_page.h"
+#include "formats/ini/profile_names.h"
+
+namespace parvex::posix {
+
+// The text of private profile (ini) files; docs/private-profile.md describes the format in prose.
+
+/// How a file's bytes stand for text. The byte order mark tells; a file without one is in the ANSI code page.
+enum class ProfileEncoding { Ansi, Utf8, Utf16Little, Utf16Big };
+
+/// A file's bytes, and the text in them. Pieces of the text are as the file has them: ANSI bytes in an ANSI file, UTF-8
+/// in any other.
+class ProfileText {
+ public:
+  ProfileText(std::string bytes, CodePage& codePage);
+
+  const std::string& Bytes() const { return bytes_; }
+  ProfileEncoding Encoding() const { return encoding_; }
+  /// Everything behind the byte order mark.
+  std::string_view Text() const;
+
+  /// A piece as the ANSI functions hand it out: at most `mostBytes` of its bytes in the code page.
+  std::string Read(std::string_view piece, std::size_t mostBytes) const;
+
+  /// The piece that ANSI bytes would be in this file.
+  std::string Piece(std::string_view ansi) const;
+
+  // Two pieces as names of sections or keys: letter case does not count, that of letters beyond ASCII neither.
+  bool SameName(std::string_view a, std::string_view b) const;
+  /// Equal for names that are the same.
+  std::uint32_t HashOfName(std::string_view name) const;
+
+  /// The file's bytes with `value` set; nothing when the file has exactly that value already. Every other line stays as
+  /// it is. The three texts are ANSI bytes without NUL; outer blanks of the names and leading ones of the value go.
+  std::optional<std::string> WithValue(std::string_view section, std::string_view key, std::string_view value) const;
+
+ private:
+  std::string Folded(std::string_view name) const;
+  std::string Splice(std::size_t begin, std::size_t end, std::string_view piece) const;
+
+  CodePage& codePage_;
+  std::string bytes_;
+  ProfileEncoding encoding_;
+  std::string converted_;  // the text of a UTF-16 file
+  std::uint64_t seed_ = NameHashSeed();
+};
+
+/// One line of a profile text: where its first character that is no blank stands, where the last one ends, and where
+/// the next line begins. A line ends with CR, LF or both.
+struct ProfileLine {
+  std::size_t begin;
+  std::size_t end;
+  std::size_t next;
+
+  bool IsBlank() const { return begin == end; }
+};
+
+/// The line that begins at `pos`.
+ProfileLine ProfileLineAt(std::string_view text, std::size_t pos);
+
+/// The name in a section's header, nothing when the line (without outer blanks) is none. What stands behind the last
+/// "]" is not looked at; without any, the line is a key's.
+std::optional<std::string_view> SectionName(std::string_view line);
+
+/// The name of a key's line, and its value as it stands, quotes included; no value without a "=".
+std::string_view KeyName(std::string_view line);
+std::optional<std::string_view> KeyValue(std::string_view line);
+
+/// White space, and the ^Z that ends a file of old.
+inline bool IsProfileBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r') || c == '\x1A'; }
+/// Without outer blanks.
+std::string_view TrimProfileBlanks(std::string_view text);
+/// The part of a text before its first NUL, which ends it for the platform.
+std::string_view UpToNul(std::string_view text);
+/// Without one pair of single or double quotes around it.
+std::string_view WithoutQuotes(std::string_view text);
+
+/// Inline, since every look-up asks it several times of some ten characters.
+inline bool IsAsciiText(std::string_view text) {
+  const auto load = [](const char* from) {
+    std::uint64_t word;
+    std::memcpy(&word, from, sizeof word);
+    return word;
+  };
+  std::uint64_t all = 0;
+  if (text.size() < sizeof all) {
+    for (const char c : text) {
+      all |= static_cast<unsigned char>(c);
+    }
+    return all < 0x80;
+  }
+  for (std::size_t i = 0; i + sizeof all <= text.size(); i += sizeof all) {
+    all |= load(text.data() + i);
+  }
+  all |= load(text.data() + text.size() - sizeof all);
+  return (all & 0x8080808080808080u) == 0;
+}
+
+}  // namespace parvex::posix

@@ -1,0 +1,194 @@
+#include "formats/jet/databases.h"
+
+#include <algorithm>
+#include <map>
+
+#include "formats/jet/file.h"
+#include "formats/jet/statement.h"
+
+namespace parvex::jet {
+
+namespace {
+
+/// An open database: its bytes as they were read or written last, and the tables that were asked for.
+class OpenFile {
+ public:
+  OpenFile(Files& files, TableReader reader, std::string_view path)
+      : files_(files), reader_(std::move(reader)), file_(Read(files, path)) {}
+
+  const std::string& Name() const { return file_.Name(); }
+
+  std::shared_ptr<Table> TableAt(std::uint32_t definitionPage) {
+    std::shared_ptr<Table>& table = tables_[definitionPage];
+    if (!table) table = std::make_shared<Table>(reader_(file_, definitionPage));
+    return table;
+  }
+
+  /// The definition page of a table by its name.
+  std::uint32_t FindTable(const std::string& name) {
+    constexpr std::uint32_t kPageOfId = 0x00FFFFFF;
+    constexpr int kTypeOfObject = 0x7F;
+    Table& catalogue = *TableAt(kCataloguePage);
+    const std::size_t id = Require(catalogue, "Id");
+    const std::size_t type = Require(catalogue, "Type");
+    for (const std::size_t row : catalogue.Find({{Require(catalogue, "Name"), name}})) {
+      const auto& values = catalogue.Rows()[row].stored.values;
+      if (!values[id] || !values[type]) continue;
+      if ((Get16(*values[type], 0) & kTypeOfObject) != kTableObject) continue;
+      return Get32(*values[id], 0) & kPageOfId;
+    }
+    Fail(EngineError::NoSuchTable, "No table '" + name + "' in '" + file_.Name() + "'");
+  }
+
+  /// Makes a change to the file as it stands now; nothing has changed when it fails.
+  template <typename Change>
+  void Save(Change change) {
+    File changed = Read(files_, file_.Name());
+    change(changed);
+    files_.Replace(changed.Name(), changed.Bytes());
+    file_ = std::move(changed);
+    tables_.clear();
+  }
+
+ private:
+  static File Read(Files& files, std::string_view path) { return {files.ReadAll(path), std::string(path)}; }
+
+  std::size_t Require(const Table& catalogue, std::string_view column) const {
+    const std::optional<std::size_t> found = catalogue.Definition().FindColumn(column);
+    if (!found) Fail(EngineError::UnrecognizedFormat, "The database has no catalogue: '" + file_.Name() + "'");
+    return *found;
+  }
+
+  Files& files_;
+  TableReader reader_;
+  File file_;
+  std::map<std::uint32_t, std::shared_ptr<Table>> tables_;
+};
+
+class JetRecordSet : public TypedRecordSet {
+ public:
+  JetRecordSet(std::shared_ptr<OpenFile> file, std::string tableName, TableDefinition table,
+               std::vector<TextRow> rows)
+      : file_(std::move(file)), tableName_(std::move(tableName)), table_(std::move(table)), rows_(std::move(rows)) {}
+
+  bool AtEnd() override { return current_ == rows_.size(); }
+
+  void MoveNext() override {
+    Current();
+    ++current_;
+    change_ = Change::None;
+  }
+
+  std::optional<std::string> Column(std::string_view name) override { return Current().texts[Find(name)]; }
+
+  ColumnType TypeOf(std::string_view name) const override { return table_.shape.columns[Find(name)].type; }
+
+  void AddNew() override {
+    values_.assign(table_.shape.columns.size(), std::nullopt);
+    change_ = Change::Add;
+  }
+
+  void Edit() override {
+    values_ = Current().stored.values;
+    change_ = Change::Edit;
+  }
+
+  void SetColumn(std::string_view name, std::string_view value) override {
+    RequireChange("SetColumn");
+    const std::size_t column = Find(name);
+    values_[column] = EncodeValue(table_.shape.columns[column], value);
+  }
+
+  void Update() override {
+    RequireChange("Update");
+    if (change_ == Change::Add) {
+      file_->Save([&](File& file) { file.AddRow(file.ReadTable(table_.page), values_); });
+    } else {
+      const RowPlace place = Current().stored.place;
+      file_->Save([&](File& file) { Replace(file); });
+      for (const TextRow& row : file_->TableAt(table_.page)->Rows()) {
+        if (row.stored.place == place) rows_[current_] = row;
+      }
+    }
+    change_ = Change::None;
+  }
+
+ private:
+  enum class Change { None, Add, Edit };
+
+  const TextRow& Current() const {
+    if (current_ == rows_.size()) Fail(EngineError::NoCurrentRecord, "No current row" + InTable());
+    return rows_[current_];
+  }
+
+  std::size_t Find(std::string_view name) const {
+    const std::optional<std::size_t> column = table_.FindColumn(name);
+    if (!column) Fail(EngineError::NoSuchColumn, "No column '" + std::string(name) + "'" + InTable());
+    return *column;
+  }
+
+  void RequireChange(const std::string& what) const {
+    if (change_ == Change::None) Fail(EngineError::NothingToUpdate, what + " without AddNew or Edit" + InTable());
+  }
+
+  std::string InTable() const { return " in table '" + tableName_ + "' of '" + file_->Name() + "'"; }
+
+  void Replace(File& file) const {
+    const TableDefinition table = file.ReadTable(table_.page);
+    const Row& known = Current().stored;
+    for (const Row& row : file.ReadRows(table)) {
+      if (row.place != known.place || row.values != known.values) continue;
+      file.ReplaceRow(table, row, values_);
+      return;
+    }
+    Fail(EngineError::ChangedMeanwhile, "The row was changed by somebody else" + InTable());
+  }
+
+  std::shared_ptr<OpenFile> file_;
+  std::string tableName_;
+  TableDefinition table_;
+  std::vector<TextRow> rows_;
+  std::size_t current_ = 0;
+  Change change_ = Change::None;
+  StoredValues values_;  ///< of the row that is being added or changed
+};
+
+class JetDatabase : public TypedDatabase {
+ public:
+  explicit JetDatabase(std::shared_ptr<OpenFile> file) : file_(std::move(file)) {}
+
+  std::unique_ptr<TypedRecordSet> OpenTyped(std::string_view sql) override {
+    const Statement statement = ParseStatement(sql);
+    const std::shared_ptr<Table> table = file_->TableAt(file_->FindTable(statement.table));
+    std::vector<std::pair<std::size_t, std::string>> conditions;
+    for (const Statement::Condition& condition : statement.conditions) {
+      conditions.emplace_back(FindTextColumn(*table, condition.column, sql), condition.text);
+    }
+    std::vector<TextRow> rows;
+    for (const std::size_t row : table->Find(conditions)) rows.push_back(table->Rows()[row]);
+    return std::make_unique<JetRecordSet>(file_, statement.table, table->Definition(), std::move(rows));
+  }
+
+ private:
+  static std::size_t FindTextColumn(const Table& table, const std::string& name, std::string_view sql) {
+    const std::optional<std::size_t> column = table.Definition().FindColumn(name);
+    if (!column) {
+      Fail(EngineError::TooFewParameters, "No column '" + name + "' for the statement: " + std::string(sql));
+    }
+    const ColumnType type = table.Definition().shape.columns[*column].type;
+    if (type != ColumnType::Text && type != ColumnType::Memo) {
+      Fail(EngineError::CriteriaMismatch, "Column '" + name + "' holds no text: " + std::string(sql));
+    }
+    return *column;
+  }
+
+  std::shared_ptr<OpenFile> file_;
+};
+
+}  // namespace
+
+std::unique_ptr<TypedDatabase> Databases::OpenTyped(std::string_view path) {
+  return std::make_unique<JetDatabase>(std::make_shared<OpenFile>(files_, reader_, path));
+}
+
+}  // namespace parvex::jet

@@ -1,0 +1,499 @@
+#include "formats/jet/file.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <map>
+
+#include "seams/automation_error.h"
+#include "formats/text/text.h"
+
+namespace parvex::jet {
+
+namespace {
+
+constexpr std::size_t kVersionAt = 0x14;
+constexpr char kJet4 = 1;
+constexpr std::size_t kEncryptionKeyAt = 0x3E;
+
+/// The usage map of the whole file: marked pages are free, and so is every page behind those that it covers.
+constexpr RowPlace kFreePages{1, 0};
+constexpr std::size_t kMapPagePrefix = 4;
+constexpr std::size_t kPagesPerMapPage = (kPageSize - kMapPagePrefix) * 8;
+
+constexpr std::size_t kFreeBytesAt = 2;
+
+constexpr std::size_t kMostColumns = 255;
+constexpr std::size_t kLongestDefinition = 256 * kPageSize;
+
+/// Reads the bytes of a table definition one after the other; behind their end it yields zeros and remembers that.
+class DefinitionReader {
+ public:
+  explicit DefinitionReader(std::string_view bytes) : bytes_(bytes) {}
+  std::size_t at = 0;
+  bool overrun = false;
+
+  std::string_view Take(std::size_t length) {
+    if (length > bytes_.size() - std::min(at, bytes_.size())) {
+      overrun = true;
+      return {};
+    }
+    at += length;
+    return bytes_.substr(at - length, length);
+  }
+  /// A name: its length in bytes, then UTF-16.
+  std::string TakeName() {
+    const std::string_view length = Take(2);
+    return overrun ? "" : Utf8FromUtf16Bytes(Take(Get16(length, 0)));
+  }
+
+ private:
+  std::string_view bytes_;
+};
+
+// Places in the first page of a table definition and the sizes of its lists.
+constexpr std::size_t kRowCountAt = 0x10;
+constexpr std::size_t kColumnCountWithDeletedAt = 0x29;
+constexpr std::size_t kVariableCountAt = 0x2B;
+constexpr std::size_t kColumnCountAt = 0x2D;
+constexpr std::size_t kIndexNameCountAt = 0x2F;
+constexpr std::size_t kIndexTreeCountAt = 0x33;
+constexpr std::size_t kOwnedPagesAt = 0x37;
+constexpr std::size_t kPagesWithRoomAt = 0x3B;
+constexpr std::size_t kListsAt = 0x3F;
+constexpr std::size_t kTreeCounterSize = 12;
+constexpr std::size_t kColumnSize = 25;
+constexpr std::size_t kTreeSize = 52;
+constexpr std::size_t kTreeColumns = 10;
+constexpr std::size_t kIndexNameSize = 28;
+
+Column DecodeColumn(std::string_view entry) {
+  constexpr int kFixed = 0x01;
+  constexpr int kAutonumber = 0x04 | 0x40;
+  constexpr int kCompressed = 0x01;
+  Column column;
+  column.type = static_cast<ColumnType>(entry[0]);
+  column.variableNumber = Get16(entry, 7);
+  column.number = Get16(entry, 5);
+  column.fixed = (entry[15] & kFixed) != 0;
+  column.autonumber = (entry[15] & kAutonumber) != 0;
+  column.compressed = (entry[16] & kCompressed) != 0;
+  column.fixedOffset = Get16(entry, 21);
+  column.size = Get16(entry, 23);
+  return column;
+}
+
+Index DecodeTree(std::string_view entry) {
+  constexpr std::uint16_t kNoColumn = 0xFFFF;
+  Index index;
+  for (std::size_t i = 0; i < kTreeColumns; ++i) {
+    const std::uint16_t number = Get16(entry, 4 + 3 * i);
+    if (number != kNoColumn) index.columnNumbers.push_back(number);
+  }
+  return index;
+}
+
+/// Bytes that a fixed column of a type takes; nothing for a type that has no fixed size.
+std::optional<std::size_t> FixedSize(ColumnType type) {
+  switch (type) {
+    case ColumnType::Byte: return 1;
+    case ColumnType::Integer: return 2;
+    case ColumnType::Long:
+    case ColumnType::Single: return 4;
+    case ColumnType::Currency:
+    case ColumnType::Double:
+    case ColumnType::DateTime: return 8;
+    case ColumnType::Guid: return 16;
+    case ColumnType::Decimal: return 17;
+    default: return std::nullopt;
+  }
+}
+
+/// The little-endian bytes of a number in decimal; nothing when the text is none or out of the type's range.
+template <typename Number>
+std::optional<std::string> NumberBytes(std::string_view text) {
+  Number number{};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  std::string bytes(sizeof number, '\0');
+  std::memcpy(bytes.data(), &number, sizeof number);
+  return bytes;
+}
+
+std::string EmptyMapPage(bool marked) {
+  std::string page(kPageSize, marked ? '\xFF' : '\0');
+  page.replace(0, kMapPagePrefix, std::string_view("\5\1\0\0", kMapPagePrefix));
+  return page;
+}
+
+bool SoundColumn(const Column& column, const RowShape& shape) {
+  const bool fitting = column.fixed ? column.fixedOffset + column.size < kPageSize
+                                    : column.variableNumber < shape.variableCount;
+  if (column.number >= shape.columnCount || !fitting) return false;
+  switch (column.type) {
+    case ColumnType::Text:
+    case ColumnType::Binary: return true;
+    case ColumnType::Memo:
+    case ColumnType::LongBinary: return !column.fixed;
+    case ColumnType::Boolean: return column.fixed;
+    default: return column.fixed && FixedSize(column.type) == column.size;
+  }
+}
+
+}  // namespace
+
+void Fail(EngineError error, const std::string& description) {
+  throw AutomationError(0x800A0000u + static_cast<std::uint16_t>(error), kErrorSource, description);
+}
+
+std::optional<std::string> EncodeValue(const Column& column, std::string_view text) {
+  std::optional<std::string> bytes;
+  switch (column.type) {
+    case ColumnType::Text:
+      if (LengthInUnits(text) * 2 > column.size) {
+        Fail(EngineError::FieldTooSmall, "Column '" + column.name + "' is too short for '" + std::string(text) + "'");
+      }
+      if (!column.fixed) return EncodeText(text, column.compressed);
+      bytes = Utf16Bytes(text);
+      while (bytes->size() < column.size) Append16(*bytes, u' ');
+      return bytes;
+    case ColumnType::Memo: return EncodeMemo(text, column.compressed);
+    case ColumnType::Boolean:
+      if (EqualIgnoringCase(text, "False") || text == "0") return std::nullopt;
+      if (EqualIgnoringCase(text, "True")) return "\1";
+      if (NumberBytes<std::int32_t>(text)) return "\1";
+      break;
+    case ColumnType::Byte: bytes = NumberBytes<std::uint8_t>(text); break;
+    case ColumnType::Integer: bytes = NumberBytes<std::int16_t>(text); break;
+    case ColumnType::Long: bytes = NumberBytes<std::int32_t>(text); break;
+    case ColumnType::Single: bytes = NumberBytes<float>(text); break;
+    case ColumnType::Double: bytes = NumberBytes<double>(text); break;
+    default: break;
+  }
+  if (!bytes) {
+    Fail(EngineError::DataTypeConversion, "Column '" + column.name + "' cannot hold '" + std::string(text) + "'");
+  }
+  return bytes;
+}
+
+bool Index::Covers(const Column& column) const {
+  return std::find(columnNumbers.begin(), columnNumbers.end(), column.number) != columnNumbers.end();
+}
+
+std::optional<std::size_t> TableDefinition::FindColumn(std::string_view name) const {
+  for (std::size_t i = 0; i < shape.columns.size(); ++i) {
+    if (EqualIgnoringCase(shape.columns[i].name, name)) return i;
+  }
+  return std::nullopt;
+}
+
+File::File(std::string bytes, std::string name) : bytes_(std::move(bytes)), name_(std::move(name)) {
+  if (!bytes_.starts_with(kFileStart)) Fail(EngineError::UnrecognizedFormat, "Not a Jet database: '" + name_ + "'");
+  if (bytes_.size() < kVersionAt + 1 || bytes_[kVersionAt] != kJet4) {
+    Fail(EngineError::UnrecognizedFormat, "A Jet database of another version than 4: '" + name_ + "'");
+  }
+  if (bytes_.size() % kPageSize != 0 || PageCount() <= kCataloguePage) Damaged("it does not end with a whole page");
+  std::string header(Page(0));
+  ToggleHeaderMask(header);
+  if (Get32(header, kEncryptionKeyAt) != 0) {
+    Fail(EngineError::UnrecognizedFormat, "An encrypted Jet database cannot be read: '" + name_ + "'");
+  }
+}
+
+TableDefinition File::ReadTable(std::uint32_t definitionPage) const {
+  const auto part = [&](std::uint32_t number) {
+    const std::string_view page = Page(number);
+    if (page[0] != static_cast<char>(PageType::TableDefinition)) {
+      Damaged("page " + std::to_string(number) + " is no table definition");
+    }
+    return page;
+  };
+  std::string bytes(part(definitionPage));
+  for (std::uint32_t next = Get32(bytes, 4); next != 0; next = Get32(part(next), 4)) {
+    bytes += part(next).substr(8);
+    if (bytes.size() > kLongestDefinition) Damaged("the definition of a table has no end");
+  }
+
+  TableDefinition table;
+  table.page = definitionPage;
+  table.shape.columnCount = Get16(bytes, kColumnCountWithDeletedAt);
+  table.shape.variableCount = Get16(bytes, kVariableCountAt);
+  table.ownedPages = GetPlace(bytes, kOwnedPagesAt);
+  table.pagesWithRoom = GetPlace(bytes, kPagesWithRoomAt);
+  const std::size_t columnCount = Get16(bytes, kColumnCountAt);
+  const std::size_t nameCount = Get32(bytes, kIndexNameCountAt);
+  const std::size_t treeCount = Get32(bytes, kIndexTreeCountAt);
+
+  if (columnCount > kMostColumns) Damaged("a table has too many columns");
+
+  DefinitionReader reader(bytes);
+  reader.Take(kListsAt);
+  reader.Take(std::min(treeCount, kLongestDefinition) * kTreeCounterSize);
+  for (std::size_t i = 0; i < columnCount && !reader.overrun; ++i) {
+    const std::string_view entry = reader.Take(kColumnSize);
+    if (!reader.overrun) table.shape.columns.push_back(DecodeColumn(entry));
+  }
+  for (Column& column : table.shape.columns) column.name = reader.TakeName();
+
+  for (std::size_t i = 0; i < treeCount && !reader.overrun; ++i) {
+    const std::string_view entry = reader.Take(kTreeSize);
+    if (!reader.overrun) table.indexes.push_back(DecodeTree(entry));
+  }
+  // Several names may stand for one index.
+  std::vector<std::size_t> namedTrees;
+  for (std::size_t i = 0; i < nameCount && !reader.overrun; ++i) {
+    const std::string_view entry = reader.Take(kIndexNameSize);
+    if (!reader.overrun) namedTrees.push_back(Get32(entry, 8));
+  }
+  for (const std::size_t tree : namedTrees) {
+    if (tree >= table.indexes.size()) Damaged("an index has no columns");
+    table.indexes[tree].name = reader.TakeName();
+  }
+
+  if (reader.overrun) Damaged("the definition of a table ends too early");
+  // Nothing here needs to know which pages have room, but whoever reads the table after this check looks at the map.
+  PagesInMap(table.pagesWithRoom);
+  std::sort(table.shape.columns.begin(), table.shape.columns.end(),
+            [](const Column& a, const Column& b) { return a.number < b.number; });
+  for (const Column& column : table.shape.columns) {
+    if (!SoundColumn(column, table.shape)) Damaged("column '" + column.name + "' contradicts its table");
+  }
+  return table;
+}
+
+std::vector<Row> File::ReadRows(const TableDefinition& table) const {
+  std::vector<Row> rows;
+  std::map<std::uint32_t, DataPage> pages;
+  const auto page = [&](std::uint32_t number) -> const DataPage& {
+    auto found = pages.find(number);
+    if (found == pages.end()) found = pages.emplace(number, ReadTablePage(table, number)).first;
+    return found->second;
+  };
+  for (const std::uint32_t number : PagesInMap(table.ownedPages)) {
+    const std::vector<DataPage::Slot>& slots = page(number).slots;
+    if (slots.size() > kMostRows + 1) Damaged("page " + std::to_string(number) + " has too many rows");
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+      if (slots[i].hidden) continue;
+      const RowPlace place{number, static_cast<std::uint8_t>(i)};
+      RowPlace stored = place;
+      const DataPage::Slot* slot = &slots[i];
+      if (slot->pointer) {
+        if (slot->bytes.size() < 4) Damaged("a moved row has no place");
+        stored = GetPlace(slot->bytes, 0);
+        const DataPage& target = page(stored.page);
+        if (stored.row >= target.slots.size() || target.slots[stored.row].pointer) Damaged("a moved row is missing");
+        slot = &target.slots[stored.row];
+      }
+      std::optional<StoredValues> values = DecodeRow(table.shape, slot->bytes);
+      if (!values) {
+        Damaged("row " + std::to_string(i) + " of page " + std::to_string(number) + " contradicts its table");
+      }
+      rows.push_back({.place = place, .stored = stored, .values = std::move(*values)});
+    }
+  }
+  return rows;
+}
+
+std::string File::ReadLongValue(const std::string& value) const {
+  constexpr std::size_t kHeaderSize = 12;
+  constexpr std::uint32_t kInsideRow = 0x80000000u;
+  constexpr std::uint32_t kOnOnePage = 0x40000000u;
+  if (value.size() < kHeaderSize) Damaged("a long value has no header");
+  const std::uint32_t flags = Get32(value, 0);
+  const std::size_t length = flags & 0x3FFFFFFFu;
+  if (length > bytes_.size()) Damaged("a long value is longer than the file");
+  std::string bytes;
+  if ((flags & kInsideRow) != 0) {
+    bytes = value.substr(kHeaderSize);
+  } else if ((flags & kOnOnePage) != 0) {
+    bytes = SlotBytes(GetPlace(value, 4));
+  } else {
+    std::size_t parts = 0;
+    for (RowPlace next = GetPlace(value, 4); next != RowPlace{} && bytes.size() < length;) {
+      const std::string part = SlotBytes(next);
+      if (part.size() <= 4 || ++parts > PageCount()) Damaged("the parts of a long value have no end");
+      bytes += part.substr(4);
+      next = GetPlace(part, 0);
+    }
+  }
+  if (bytes.size() < length) Damaged("a long value ends too early");
+  return bytes.substr(0, length);
+}
+
+void File::AddRow(const TableDefinition& table, const StoredValues& values) {
+  if (!table.indexes.empty()) RefuseIndexed(table.indexes.front());
+  for (const Column& column : table.shape.columns) {
+    if (!column.autonumber) continue;
+    Fail(EngineError::NotSupported, "A row cannot be added where column '" + column.name + "' counts: '" + name_ + "'");
+  }
+  StoreRow(table, EncodeRow(table.shape, values), false);
+  const std::size_t rowCountAt = table.page * kPageSize + kRowCountAt;
+  Put32(bytes_, rowCountAt, Get32(bytes_, rowCountAt) + 1);
+}
+
+void File::ReplaceRow(const TableDefinition& table, const Row& row, const StoredValues& values) {
+  for (const Index& index : table.indexes) {
+    for (std::size_t i = 0; i < table.shape.columns.size(); ++i) {
+      if (values[i] != row.values[i] && index.Covers(table.shape.columns[i])) RefuseIndexed(index);
+    }
+  }
+  std::string rowBytes = EncodeRow(table.shape, values);
+  DataPage current = ReadTablePage(table, row.stored.page);
+  DataPage::Slot& slot = current.slots.at(row.stored.row);
+  std::swap(slot.bytes, rowBytes);
+  if (current.FreeBytes() >= 0) {
+    WritePage(row.stored.page, EncodeDataPage(current));
+    return;
+  }
+  // The row has outgrown its page: it moves, and its old place points to the new one.
+  std::swap(slot.bytes, rowBytes);
+  if (row.stored != row.place) {
+    slot = {.hidden = true, .pointer = true, .bytes = ""};
+    WritePage(row.stored.page, EncodeDataPage(current));
+  }
+  const RowPlace moved = StoreRow(table, std::move(rowBytes), true);
+  DataPage home = ReadTablePage(table, row.place.page);
+  DataPage::Slot& place = home.slots.at(row.place.row);
+  place = {.hidden = false, .pointer = true, .bytes = std::string(4, '\0')};
+  PutPlace(place.bytes, 0, moved);
+  WritePage(row.place.page, EncodeDataPage(home));
+}
+
+void File::Damaged(const std::string& what) const {
+  Fail(EngineError::UnrecognizedFormat, "The database is damaged (" + what + "): '" + name_ + "'");
+}
+
+void File::RefuseIndexed(const Index& index) const {
+  Fail(EngineError::NotSupported, "Index '" + index.name + "' would have to change: '" + name_ + "'");
+}
+
+std::string_view File::Page(std::uint32_t number) const {
+  if (number >= PageCount()) Damaged("page " + std::to_string(number) + " is missing");
+  return std::string_view(bytes_).substr(number * kPageSize, kPageSize);
+}
+
+DataPage File::ReadDataPage(std::uint32_t number) const {
+  std::optional<DataPage> page = DecodeDataPage(Page(number));
+  if (!page) Damaged("page " + std::to_string(number) + " is no sound data page");
+  return std::move(*page);
+}
+
+DataPage File::ReadTablePage(const TableDefinition& table, std::uint32_t number) const {
+  DataPage page = ReadDataPage(number);
+  if (page.owner != table.page) Damaged("page " + std::to_string(number) + " belongs to another table");
+  return page;
+}
+
+void File::WritePage(std::uint32_t number, std::string_view bytes) {
+  bytes_.replace(number * kPageSize, kPageSize, bytes);
+}
+
+std::string File::SlotBytes(RowPlace place) const {
+  const DataPage page = ReadDataPage(place.page);
+  if (place.row >= page.slots.size() || page.slots[place.row].Deleted()) Damaged("a referenced record is missing");
+  return page.slots[place.row].bytes;
+}
+
+std::vector<std::uint32_t> File::PagesInMap(RowPlace map) const {
+  const std::string record = SlotBytes(map);
+  std::vector<std::uint32_t> pages;
+  const auto collect = [&](std::string_view bits, std::size_t first) {
+    for (std::size_t i = 0; i < bits.size() * 8; ++i) {
+      if ((bits[i / 8] >> i % 8 & 1) != 0) pages.push_back(static_cast<std::uint32_t>(first + i));
+    }
+  };
+  if (record.size() < 5) Damaged("a usage map is empty");
+  if (record[0] == 0) {
+    collect(std::string_view(record).substr(5), Get32(record, 1));
+  } else {
+    for (std::size_t i = 0; 1 + 4 * (i + 1) <= record.size(); ++i) {
+      const std::uint32_t number = Get32(record, 1 + 4 * i);
+      if (number == 0) continue;
+      const std::string_view page = Page(number);
+      if (page[0] != static_cast<char>(PageType::UsageMap)) Damaged("a usage map points at another page");
+      collect(page.substr(kMapPagePrefix), i * kPagesPerMapPage);
+    }
+  }
+  return pages;
+}
+
+void File::MarkInMap(RowPlace map, std::uint32_t page, bool mark, bool elsewhere) {
+  DataPage holder = ReadDataPage(map.page);
+  if (map.row >= holder.slots.size() || holder.slots[map.row].bytes.size() < 5) Damaged("a usage map is missing");
+  std::string& record = holder.slots[map.row].bytes;
+  const auto set = [mark](std::string& bytes, std::size_t bit, std::size_t from) {
+    const int flag = 1 << bit % 8;
+    char& byte = bytes[from + bit / 8];
+    byte = static_cast<char>(mark ? byte | flag : byte & ~flag);
+  };
+  if (record[0] == 0) {
+    const std::size_t first = Get32(record, 1);
+    if (page >= first && page - first < (record.size() - 5) * 8) {
+      set(record, page - first, 5);
+      WritePage(map.page, EncodeDataPage(holder));
+      return;
+    }
+    if (mark == elsewhere) return;
+    SpreadMap(map, elsewhere);
+    MarkInMap(map, page, mark, elsewhere);
+    return;
+  }
+  const std::size_t entry = 1 + 4 * (page / kPagesPerMapPage);
+  if (entry + 4 > record.size()) Fail(EngineError::NotSupported, "The database has become too large: '" + name_ + "'");
+  std::uint32_t number = Get32(record, entry);
+  if (number == 0) {
+    if (mark == elsewhere) return;
+    number = static_cast<std::uint32_t>(PageCount());
+    bytes_ += EmptyMapPage(elsewhere);
+    Put32(record, entry, number);
+    WritePage(map.page, EncodeDataPage(holder));
+    MarkInMap(kFreePages, number, false, true);
+  }
+  std::string mapPage(Page(number));
+  set(mapPage, page % kPagesPerMapPage, kMapPagePrefix);
+  WritePage(number, mapPage);
+}
+
+void File::SpreadMap(RowPlace map, bool elsewhere) {
+  DataPage holder = ReadDataPage(map.page);
+  std::string& record = holder.slots[map.row].bytes;
+  const std::string inlineMap = record;
+  record.assign(record.size(), '\0');
+  record[0] = 1;
+  WritePage(map.page, EncodeDataPage(holder));
+  const std::uint32_t first = Get32(inlineMap, 1);
+  for (std::uint32_t i = 0; i < (inlineMap.size() - 5) * 8; ++i) {
+    MarkInMap(map, first + i, (inlineMap[5 + i / 8] >> i % 8 & 1) != 0, elsewhere);
+  }
+}
+
+std::uint32_t File::AppendPage(std::string_view bytes) {
+  const std::uint32_t number = static_cast<std::uint32_t>(PageCount());
+  bytes_ += bytes;
+  MarkInMap(kFreePages, number, false, true);
+  return number;
+}
+
+RowPlace File::StoreRow(const TableDefinition& table, std::string rowBytes, bool hidden) {
+  if (rowBytes.size() > kLongestRow) {
+    Fail(EngineError::FieldTooSmall,
+         "A row of " + std::to_string(rowBytes.size()) + " bytes is too long: '" + name_ + "'");
+  }
+  const std::size_t needed = rowBytes.size() + 2;
+  DataPage::Slot slot{.hidden = hidden, .pointer = false, .bytes = std::move(rowBytes)};
+  std::vector<std::uint32_t> pages = PagesInMap(table.ownedPages);
+  for (auto number = pages.rbegin(); number != pages.rend(); ++number) {
+    if (Get16(Page(*number), kFreeBytesAt) < needed) continue;
+    DataPage page = ReadTablePage(table, *number);
+    if (!page.HasRoom(slot.bytes.size())) continue;
+    page.slots.push_back(std::move(slot));
+    WritePage(*number, EncodeDataPage(page));
+    return {*number, static_cast<std::uint8_t>(page.slots.size() - 1)};
+  }
+  const std::uint32_t number = AppendPage(EncodeDataPage({.owner = table.page, .slots = {std::move(slot)}}));
+  MarkInMap(table.ownedPages, number, true, false);
+  MarkInMap(table.pagesWithRoom, number, true, false);
+  return {number, 0};
+}
+
+}  // namespace parvex::jet

@@ -1,0 +1,344 @@
+#include "formats/jet/writer.h"
+
+#include <cstring>
+
+#include "formats/jet/file.h"
+
+namespace parvex::standin {
+
+namespace {
+
+using jet::ColumnType;
+using jet::StoredValues;
+
+/// Stands in table definitions and their columns for no known reason; the engine writes it too.
+constexpr std::uint32_t kDefinitionMark = 1625;
+/// English, the first version of its order.
+constexpr std::uint16_t kSortOrder = 0x0409;
+constexpr std::uint16_t kCodePage = 1252;
+/// 1 January 2003, counted in days from 30 December 1899.
+constexpr double kCreated = 37622.0;
+
+constexpr std::size_t kUsageMapSize = 69;
+
+// Object ids of the catalogue that are no page numbers.
+constexpr std::uint32_t kRootContainer = 0x0F000000;
+constexpr std::uint32_t kTablesContainer = 0x0F000001;
+constexpr std::uint32_t kDatabasesContainer = 0x0F000002;
+constexpr std::uint32_t kRelationshipsContainer = 0x0F000003;
+constexpr std::uint32_t kDatabaseObject = 0x10000000;
+
+constexpr std::int16_t kDatabaseType = 2;
+constexpr std::int16_t kContainerType = 3;
+constexpr std::uint32_t kSystemFlag = 0x80000000u;
+/// The owner that every database knows, and the right to do everything.
+constexpr std::string_view kOwner = "\xA6\x33";
+constexpr std::uint32_t kAllRights = 0x000FFFFF;
+
+struct NewColumn {
+  std::string name;
+  ColumnType type;
+  std::uint16_t size;      ///< bytes
+  bool compressed = true;  ///< of meaning for texts
+};
+
+bool IsLongValue(ColumnType type) { return type == ColumnType::Memo || type == ColumnType::LongBinary; }
+
+bool IsText(ColumnType type) { return type == ColumnType::Text || type == ColumnType::Memo; }
+
+bool IsFixed(ColumnType type) {
+  return type != ColumnType::Text && type != ColumnType::Binary && !IsLongValue(type);
+}
+
+jet::RowShape ShapeOf(const std::vector<NewColumn>& columns) {
+  jet::RowShape shape;
+  std::uint16_t fixedOffset = 0;
+  for (const NewColumn& added : columns) {
+    jet::Column column;
+    column.name = added.name;
+    column.type = added.type;
+    column.fixed = IsFixed(added.type);
+    column.compressed = added.compressed && IsText(added.type);
+    column.size = added.size;
+    column.number = shape.columnCount++;
+    column.fixedOffset = column.fixed ? fixedOffset : 0;
+    column.variableNumber = shape.variableCount;
+    if (!column.fixed) ++shape.variableCount;
+    if (column.fixed && column.type != ColumnType::Boolean) {
+      fixedOffset = static_cast<std::uint16_t>(fixedOffset + added.size);
+    }
+    shape.columns.push_back(std::move(column));
+  }
+  return shape;
+}
+
+std::string Bytes16(std::uint16_t value) {
+  std::string bytes;
+  jet::Append16(bytes, value);
+  return bytes;
+}
+
+std::string Bytes32(std::uint32_t value) {
+  std::string bytes;
+  jet::Append32(bytes, value);
+  return bytes;
+}
+
+std::string BytesOfDouble(double value) {
+  std::string bytes(sizeof value, '\0');
+  std::memcpy(bytes.data(), &value, sizeof value);
+  return bytes;
+}
+
+std::string HeaderPage() {
+  constexpr std::size_t kPasswordAt = 0x42;
+  constexpr std::size_t kPasswordLength = 40;
+  std::string page(jet::kFileStart);
+  page += '\1';
+  page.resize(jet::kPageSize);
+  jet::Put16(page, 0x3A, kSortOrder);
+  jet::Put16(page, 0x3C, kCodePage);
+  jet::Put32(page, 0x6E, kSortOrder);
+  page.replace(0x72, sizeof kCreated, BytesOfDouble(kCreated));
+  // The password is masked with the day of creation; none at all therefore looks like that day, repeated.
+  for (std::size_t i = 0; i < kPasswordLength; i += 4) {
+    jet::Put32(page, kPasswordAt + i, static_cast<std::uint32_t>(kCreated));
+  }
+  jet::ToggleHeaderMask(page);
+  return page;
+}
+
+/// A data page of usage maps that mark no page.
+std::string UsageMapPage(std::size_t count) {
+  jet::DataPage page;
+  page.slots.assign(count, {.hidden = false, .pointer = false, .bytes = std::string(kUsageMapSize, '\0')});
+  return jet::EncodeDataPage(page);
+}
+
+/// The map of the file's free pages: those that it does not have yet.
+std::string FreePagesPage(std::size_t usedPages) {
+  std::string record(kUsageMapSize, '\xFF');
+  record.replace(0, 5, 5, '\0');
+  for (std::size_t i = 0; i < usedPages; ++i) {
+    char& byte = record.at(5 + i / 8);
+    byte = static_cast<char>(byte & ~(1 << i % 8));
+  }
+  jet::DataPage page;
+  page.slots.push_back({.hidden = false, .pointer = false, .bytes = record});
+  return jet::EncodeDataPage(page);
+}
+
+std::string ColumnEntry(const jet::Column& column) {
+  constexpr char kFixed = 0x01;
+  constexpr char kMayBeNull = 0x02;
+  std::string entry(1, static_cast<char>(column.type));
+  jet::Append32(entry, kDefinitionMark);
+  jet::Append16(entry, column.number);
+  jet::Append16(entry, column.variableNumber);
+  jet::Append16(entry, column.number);
+  jet::Append16(entry, IsText(column.type) ? kSortOrder : 0);
+  jet::Append16(entry, 0);
+  entry += static_cast<char>(kMayBeNull | (column.fixed ? kFixed : 0));
+  entry += static_cast<char>(column.compressed ? 1 : 0);
+  jet::Append32(entry, 0);
+  jet::Append16(entry, column.fixedOffset);
+  jet::Append16(entry, column.size);
+  return entry;
+}
+
+/// The definition of a table without rows; its usage maps are the records of the page `maps`.
+std::string DefinitionPage(const jet::RowShape& shape, bool system, std::uint32_t maps) {
+  std::string page{"\2\1\0\0\0\0\0\0", 8};
+  jet::Append32(page, 0);  // the length, known at the end
+  jet::Append32(page, kDefinitionMark);
+  jet::Append32(page, 0);  // rows
+  jet::Append32(page, 0);  // last number counted
+  jet::Append32(page, 1);  // numbers are counted up
+  page.append(12, '\0');
+  page += system ? 'S' : 'N';
+  jet::Append16(page, shape.columnCount);
+  jet::Append16(page, shape.variableCount);
+  jet::Append16(page, shape.columnCount);
+  jet::Append32(page, 0);  // no index
+  jet::Append32(page, 0);
+  jet::Append32(page, maps << 8);
+  jet::Append32(page, maps << 8 | 1);
+  for (const jet::Column& column : shape.columns) page += ColumnEntry(column);
+  for (const jet::Column& column : shape.columns) {
+    const std::string name = jet::Utf16Bytes(column.name);
+    page += Bytes16(static_cast<std::uint16_t>(name.size())) + name;
+  }
+  std::uint32_t map = 2;
+  for (const jet::Column& column : shape.columns) {
+    if (!IsLongValue(column.type)) continue;
+    page += Bytes16(column.number) + Bytes32(maps << 8 | map) + Bytes32(maps << 8 | (map + 1));
+    map += 2;
+  }
+  jet::Append16(page, 0xFFFF);
+  if (page.size() > jet::kPageSize) jet::Fail(jet::EngineError::NotSupported, "A table has too many columns");
+  jet::Put32(page, 8, static_cast<std::uint32_t>(page.size() - 8));
+  jet::Put16(page, 2, static_cast<std::uint16_t>(jet::kPageSize - page.size()));
+  page.resize(jet::kPageSize);
+  return page;
+}
+
+const std::vector<NewColumn>& CatalogueColumns() {
+  static const std::vector<NewColumn> columns{{"Id", ColumnType::Long, 4},
+                                              {"ParentId", ColumnType::Long, 4},
+                                              {"Name", ColumnType::Text, 510},
+                                              {"Type", ColumnType::Integer, 2},
+                                              {"DateCreate", ColumnType::DateTime, 8},
+                                              {"DateUpdate", ColumnType::DateTime, 8},
+                                              {"Owner", ColumnType::Binary, 510},
+                                              {"Flags", ColumnType::Long, 4},
+                                              {"Database", ColumnType::Memo, 0},
+                                              {"Connect", ColumnType::Memo, 0},
+                                              {"ForeignName", ColumnType::Text, 510},
+                                              {"RmtInfoShort", ColumnType::Binary, 510},
+                                              {"RmtInfoLong", ColumnType::LongBinary, 0},
+                                              {"Lv", ColumnType::LongBinary, 0},
+                                              {"LvProp", ColumnType::LongBinary, 0},
+                                              {"LvModule", ColumnType::LongBinary, 0},
+                                              {"LvExtra", ColumnType::LongBinary, 0}};
+  return columns;
+}
+
+const std::vector<NewColumn>& RightsColumns() {
+  static const std::vector<NewColumn> columns{{"ObjectId", ColumnType::Long, 4},
+                                              {"SID", ColumnType::Binary, 510},
+                                              {"ACM", ColumnType::Long, 4},
+                                              {"FInheritable", ColumnType::Boolean, 1}};
+  return columns;
+}
+
+const std::vector<NewColumn>& QueryColumns() {
+  static const std::vector<NewColumn> columns{{"Attribute", ColumnType::Byte, 1},
+                                              {"Expression", ColumnType::Memo, 0},
+                                              {"Flag", ColumnType::Integer, 2},
+                                              {"LvExtra", ColumnType::LongBinary, 0},
+                                              {"Name1", ColumnType::Text, 510},
+                                              {"Name2", ColumnType::Text, 510},
+                                              {"ObjectId", ColumnType::Long, 4},
+                                              {"Order", ColumnType::Binary, 510}};
+  return columns;
+}
+
+const std::vector<NewColumn>& RelationshipColumns() {
+  static const std::vector<NewColumn> columns{{"ccolumn", ColumnType::Long, 4},
+                                              {"grbit", ColumnType::Long, 4},
+                                              {"icolumn", ColumnType::Long, 4},
+                                              {"szColumn", ColumnType::Text, 510},
+                                              {"szObject", ColumnType::Text, 510},
+                                              {"szReferencedColumn", ColumnType::Text, 510},
+                                              {"szReferencedObject", ColumnType::Text, 510},
+                                              {"szRelationship", ColumnType::Text, 510}};
+  return columns;
+}
+
+NewColumn ColumnOf(const JetColumn& column) {
+  using Type = JetColumn::Type;
+  switch (column.type) {
+    case Type::Text: break;
+    case Type::Memo: return {column.name, ColumnType::Memo, 0, column.compressed};
+    case Type::Boolean: return {column.name, ColumnType::Boolean, 1};
+    case Type::Byte: return {column.name, ColumnType::Byte, 1};
+    case Type::Integer: return {column.name, ColumnType::Integer, 2};
+    case Type::Long: return {column.name, ColumnType::Long, 4};
+    case Type::Single: return {column.name, ColumnType::Single, 4};
+    case Type::Double: return {column.name, ColumnType::Double, 8};
+  }
+  return {column.name, ColumnType::Text, static_cast<std::uint16_t>(2 * column.size), column.compressed};
+}
+
+/// An object of the catalogue: a table, a container of objects, the database itself.
+struct CatalogueEntry {
+  std::uint32_t id;
+  std::uint32_t parent;
+  std::string name;
+  std::int16_t type;
+  std::uint32_t flags;
+};
+
+StoredValues CatalogueRow(const CatalogueEntry& entry) {
+  StoredValues values(CatalogueColumns().size());
+  values[0] = Bytes32(entry.id);
+  values[1] = Bytes32(entry.parent);
+  values[2] = jet::EncodeText(entry.name, true);
+  values[3] = Bytes16(static_cast<std::uint16_t>(entry.type));
+  values[4] = values[5] = BytesOfDouble(kCreated);
+  values[6] = std::string(kOwner);
+  values[7] = Bytes32(entry.flags);
+  return values;
+}
+
+StoredValues RightsRow(const CatalogueEntry& entry) {
+  return {Bytes32(entry.id), std::string(kOwner), Bytes32(kAllRights), std::nullopt};
+}
+
+struct NewTable {
+  std::string name;
+  std::vector<NewColumn> columns;
+  bool system;
+};
+
+std::size_t UsageMapCount(const std::vector<NewColumn>& columns) {
+  std::size_t count = 2;
+  for (const NewColumn& column : columns) count += IsLongValue(column.type) ? 2 : 0;
+  return count;
+}
+
+}  // namespace
+
+std::string MakeJetDatabase(std::span<const JetTable> tables) {
+  // The definitions of the system tables have the pages that every Jet 4 database gives them.
+  std::vector<NewTable> all{{"MSysObjects", CatalogueColumns(), true},
+                            {"MSysACEs", RightsColumns(), true},
+                            {"MSysQueries", QueryColumns(), true},
+                            {"MSysRelationships", RelationshipColumns(), true}};
+  const std::size_t systemTables = all.size();
+  for (const JetTable& table : tables) {
+    std::vector<NewColumn> columns;
+    for (const JetColumn& column : table.columns) columns.push_back(ColumnOf(column));
+    all.push_back({table.name, columns, false});
+  }
+
+  std::vector<CatalogueEntry> entries{
+      {kTablesContainer, kRootContainer, "Tables", kContainerType, kSystemFlag},
+      {kDatabasesContainer, kRootContainer, "Databases", kContainerType, kSystemFlag},
+      {kRelationshipsContainer, kRootContainer, "Relationships", kContainerType, kSystemFlag},
+      {kDatabaseObject, kDatabasesContainer, "MSysDb", kDatabaseType, kSystemFlag}};
+  std::string definitions;
+  std::string maps;
+  const auto firstMapPage = static_cast<std::uint32_t>(jet::kCataloguePage + all.size());
+  for (std::uint32_t i = 0; i < all.size(); ++i) {
+    const NewTable& table = all[i];
+    definitions += DefinitionPage(ShapeOf(table.columns), table.system, firstMapPage + i);
+    maps += UsageMapPage(UsageMapCount(table.columns));
+    entries.push_back({jet::kCataloguePage + i, kTablesContainer, table.name, jet::kTableObject,
+                       table.system ? kSystemFlag : 0});
+  }
+  const std::size_t pages = jet::kCataloguePage + 2 * all.size();
+  jet::File file(HeaderPage() + FreePagesPage(pages) + definitions + maps, "a new database");
+
+  const jet::TableDefinition catalogue = file.ReadTable(jet::kCataloguePage);
+  const jet::TableDefinition rights = file.ReadTable(jet::kCataloguePage + 1);
+  for (const CatalogueEntry& entry : entries) {
+    file.AddRow(catalogue, CatalogueRow(entry));
+    file.AddRow(rights, RightsRow(entry));
+  }
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    const auto page = static_cast<std::uint32_t>(jet::kCataloguePage + systemTables + i);
+    const jet::TableDefinition table = file.ReadTable(page);
+    for (const auto& row : tables[i].rows) {
+      StoredValues values;
+      for (std::size_t column = 0; column < table.shape.columns.size(); ++column) {
+        const std::optional<std::string>& text = row.at(column);
+        values.push_back(text ? jet::EncodeValue(table.shape.columns[column], *text) : std::nullopt);
+      }
+      file.AddRow(table, values);
+    }
+  }
+  return file.Bytes();
+}
+
+}  // namespace parvex::standin

@@ -1,0 +1,85 @@
+#include "formats/zip/entry_names.h"
+
+#include <algorithm>
+#include <array>
+
+#include "formats/text/text.h"
+
+namespace parvex {
+namespace {
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Such names mean a device in every folder, also with an extension.
+bool IsDeviceName(std::string_view component) {
+  static constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
+  static constexpr std::array<std::string_view, 3> kSuperscripts = {"\xC2\xB9", "\xC2\xB2", "\xC2\xB3"};
+  const std::string stem = ToUpper(TrimBlanks(component.substr(0, component.find('.'))));
+  if (stem.starts_with("COM") || stem.starts_with("LPT")) {
+    const std::string_view port = std::string_view(stem).substr(3);
+    return (port.size() == 1 && IsDigit(port[0]) && port[0] != '0') ||
+           std::find(kSuperscripts.begin(), kSuperscripts.end(), port) != kSuperscripts.end();
+  }
+  return std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end();
+}
+
+// Windows keeps a second, short name for files ("TAGDAT~1.ZIP"): a name of that form can mean another file, the archive
+// itself among them.
+bool MayBeShortName(std::string_view component) {
+  const std::size_t tilde = component.find('~');
+  return tilde != std::string_view::npos && tilde + 1 < component.size() && IsDigit(component[tilde + 1]);
+}
+
+bool HasForbiddenCharacter(std::string_view component) {
+  return std::any_of(component.begin(), component.end(), [](char c) {
+    return static_cast<unsigned char>(c) < 0x20 || std::string_view("<>:\"|?*").find(c) != std::string_view::npos;
+  });
+}
+
+// Why a component of an entry's name is refused; nothing when it is not.
+std::optional<std::string> ProblemOfComponent(std::string_view component) {
+  if (component.empty()) {
+    return "is absolute or has an empty component in its name";
+  }
+  if (component == "." || component == "..") {
+    return "has '" + std::string(component) + "' in its name";
+  }
+  if (HasForbiddenCharacter(component)) {
+    return "has a colon or another character in its name that file names do not hold";
+  }
+  if (component.back() == '.' || component.back() == ' ') {
+    return "has a name component that ends with a dot or a blank";
+  }
+  if (IsDeviceName(component)) {
+    return "has the name of a device";
+  }
+  if (MayBeShortName(component)) {
+    return "has a name that may be the short name of another file";
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> ProblemOfPackedName(std::string_view name) {
+  constexpr std::size_t kLongestName = 255;
+  if (name.empty()) {
+    return "has no name";
+  }
+  if (FromUtf16(ToUtf16(name)) != name) {
+    return "has a name that is no valid UTF-8";
+  }
+  if (LengthInUnits(name) > kLongestName) {
+    return "has a name of more than " + std::to_string(kLongestName) + " characters";
+  }
+  while (!name.empty()) {
+    const std::size_t separator = name.find_first_of("/\\");
+    if (std::optional<std::string> problem = ProblemOfComponent(name.substr(0, separator))) {
+      return problem;
+    }
+    name.remove_prefix(separator == std::string_view::npos ? name.size() : separator + 1);
+  }
+  return std::nullopt;
+}
+
+}  // namespace parvex

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "seams/code_page.h"
+#include "seams/files.h"
+
+namespace parvex {
+
+// Archives in which the legacy application keeps a tag's data ("blobs"): ZIP archives with stored and deflated entries.
+// docs/stored-tag-data.md describes what is read and what is refused.
+
+/// What the entries of an archive may amount to when unpacked, each and all together.
+inline constexpr std::uint64_t kLargestPackedEntry = 64u << 20;
+inline constexpr std::uint64_t kLargestPackedTotal = 128u << 20;
+
+struct PackedEntry {
+  /// UTF-8, components separated by backslashes; every component is a name that Windows gives to files.
+  std::string name;
+  std::string bytes;
+  bool isFolder = false;
+};
+
+/// The unpacked entries of the archive that `archive` holds, in the archive's order; none when it is no archive. No two
+/// have the same name. An archive that is damaged, holds an entry with a hostile name or of a kind that is not read, or
+/// goes beyond the limits is refused as a whole: an AutomationError (5) that names `blobPath` and the entry.
+std::vector<PackedEntry> Unpack(CodePage& codePage, std::string_view archive, std::string_view blobPath);
+
+/// The path up to and including its last separator.
+std::string_view FolderOf(std::string_view path);
+
+/// Writes entries into the folder of the archive at `blobPath`, over files that exist, making the folders in their names.
+/// An entry that would lie on the archive itself is an AutomationError (5), and nothing is written then.
+void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, std::string_view blobPath);
+
+}  // namespace parvex

@@ -1,9 +1,0 @@
-#include "platform/posix/console.h"
-
-#include <thread>
-
-namespace parvex::posix {
-
-void SleepingPump::Sleep(std::chrono::milliseconds duration) { std::this_thread::sleep_for(duration); }
-
-}  // namespace parvex::posix

@@ -1,0 +1,180 @@
+#include "formats/ini/profile_text.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "formats/ini/profile_index.h"
+#include "formats/text/windows_1252.h"
+
+namespace parvex::posix {
+namespace {
+
+Windows1252 codePage;
+
+// A literal with the NUL bytes in it.
+template <std::size_t Size>
+std::string Raw(const char (&literal)[Size]) {
+  return std::string(literal, Size - 1);
+}
+
+// The file's bytes after a write; the same bytes when there was nothing to do.
+std::string Written(const std::string& bytes, std::string_view section, std::string_view key, std::string_view value) {
+  return ProfileText(bytes, codePage).WithValue(section, key, value).value_or(bytes);
+}
+
+std::string Found(const std::string& bytes, std::string_view section, std::string_view key) {
+  const ProfileText text(bytes, codePage);
+  const ProfileIndex index(text);
+  const ProfileIndex::Section* found = index.FindSection(section);
+  return found == nullptr ? "no section" : std::string(index.FindValue(*found, key).value_or("no value"));
+}
+
+TEST(ProfileWriting, EveryOtherLineStaysByteForByte) {
+  const std::string head = "\x1A garbage\n\n =\r[q\r\n[s] ; x\n\n; c\rA  = \"1\" \n  B=";
+  const std::string middle = Raw("\n\xE4\0=\r\n\n[t]\nB=");
+  EXPECT_EQ(Written(head + "2" + middle + "3", "s", "b", "x"), head + "x" + middle + "3");
+  EXPECT_EQ(Written(head + "2" + middle + "3", "t", "b", "x"), head + "2" + middle + "x");
+}
+
+TEST(ProfileWriting, ANewKeyGoesBeforeTheBlankLinesOfItsSection) {
+  EXPECT_EQ(Written("[s]\r\na=1\r\n\r\n \r\n[t]\r\n", "s", "k", "v"), "[s]\r\na=1\r\nk=v\r\n\r\n \r\n[t]\r\n");
+  EXPECT_EQ(Written("[s]\n\n[t]\n", "s", "k", "v"), "[s]\nk=v\r\n\n[t]\n");
+  EXPECT_EQ(Written("[s]\r\na=1\r\n; c\r\n\r\n[t]", "s", "k", "v"), "[s]\r\na=1\r\n; c\r\nk=v\r\n\r\n[t]");
+  EXPECT_EQ(Written("[s]\r\na=1\r\n\x1A", "s", "k", "v"), "[s]\r\na=1\r\nk=v\r\n\x1A");
+}
+
+TEST(ProfileWriting, ALastLineWithoutLineBreakGetsOne) {
+  EXPECT_EQ(Written("[s]\r\na=1", "s", "k", "v"), "[s]\r\na=1\r\nk=v\r\n");
+  EXPECT_EQ(Written("[s]\r\na=1", "t", "k", "v"), "[s]\r\na=1\r\n[t]\r\nk=v\r\n");
+  EXPECT_EQ(Written("[s]", "s", "k", "v"), "[s]\r\nk=v\r\n");
+  EXPECT_EQ(Written("[s]\r", "s", "k", "v"), "[s]\rk=v\r\n");
+}
+
+TEST(ProfileWriting, TheSectionOfNoNameIsBeforeTheFirstHeader) {
+  EXPECT_EQ(Written("[s]\n", "", "k", "v"), "k=v\r\n[s]\n");
+  EXPECT_EQ(Written("a=1\n\n[s]\n", "", "k", "v"), "a=1\nk=v\r\n\n[s]\n");
+  EXPECT_EQ(Written("\xEF\xBB\xBF[s]\n", "", "k", "v"), "\xEF\xBB\xBFk=v\r\n[s]\n");
+}
+
+TEST(ProfileWriting, AKeyWithoutValueGetsOne) { EXPECT_EQ(Written("[s]\nk\n", "s", "K", "v"), "[s]\nk=v\n"); }
+
+TEST(ProfileWriting, OnlyTheFirstOfTwoSectionsIsWrittenTo) {
+  EXPECT_EQ(Written("[s]\n[t]\n[s]\nk=2\n", "s", "k", "v"), "[s]\nk=v\r\n[t]\n[s]\nk=2\n");
+}
+
+TEST(ProfileWriting, TheSameValueChangesNothingButItsQuotesDo) {
+  EXPECT_FALSE(ProfileText("[s]\nk = \"1\" \n", codePage).WithValue("s", "k", "\"1\"").has_value());
+  EXPECT_EQ(Written("[s]\nk = \"1\"\n", "s", "k", "1"), "[s]\nk=1\n");
+}
+
+TEST(ProfileWriting, HalfOfASurrogatePairElsewhereStaysAsItIs) {
+  const std::string before = Raw("\xFF\xFE\x00\xD8=\0\x3D\xD8\x00\xDE\r\0\n\0[\0s\0]\0\n\0a\0=\0");
+  EXPECT_EQ(Written(before + Raw("b\0"), "s", "a", "c"), before + Raw("c\0"));
+}
+
+TEST(ProfileWriting, AnOddByteAtTheEndOfAUtf16FileIsNoCharacter) {
+  EXPECT_EQ(ProfileText(Raw("\xFF\xFE[\0s\0]\0k"), codePage).Text(), "[s]");
+  EXPECT_EQ(ProfileText("\xFF\xFE", codePage).Text(), "");
+}
+
+TEST(ProfileNames, LetterCaseBeyondAsciiDoesNotCount) {
+  EXPECT_EQ(Found("[\xC4]\nStra\xDF\x45\x8A=1\n", "\xE4", "STRA\xDF\x65\x9A"), "1");
+  EXPECT_EQ(Found("\xEF\xBB\xBF[Ä]\nÖŠ=1\n", "ä", "öš"), "1");
+  EXPECT_EQ(Found("[s]\n\xD7=1\n", "s", "\xF7"), "no value");  // signs, not letters
+}
+
+TEST(ProfileNames, OnlyLettersHaveCase) {
+  EXPECT_EQ(Found("[s]\n@[`{=1\n", "s", "`[`{"), "no value");
+  EXPECT_EQ(Found("[s]\nk[=1\n", "s", "k{"), "no value");
+  EXPECT_EQ(Found("[s]\nAZaz=1\n", "s", "azAZ"), "1");
+}
+
+// Lengths around the eight and sixteen characters that are compared at once; one wrong character anywhere is noticed.
+TEST(ProfileNames, EveryCharacterCounts) {
+  for (std::size_t length = 1; length < 70; ++length) {
+    const std::string name(length, 'k');
+    const std::string file = "[s]\n" + name + "=1\n";
+    EXPECT_EQ(Found(file, "s", std::string(length, 'K')), "1");
+    EXPECT_EQ(Found(file, "s", name + "k"), "no value");
+    for (std::size_t i = 0; i < length; ++i) {
+      std::string other = name;
+      other[i] = 'j';
+      EXPECT_EQ(Found(file, "s", other), "no value") << length << " " << i;
+    }
+  }
+}
+
+TEST(ProfileNames, NamesOfMoreThan4096CharactersAreNotFound) {
+  const std::string name(4096, 'k');
+  EXPECT_EQ(Found("[s]\n" + name + "=1\n", "s", name), "1");
+  EXPECT_EQ(Found("[s]\n" + name + "k=1\nl=2\n", "s", name + "k"), "no value");
+  EXPECT_EQ(Found("[s]\n" + name + "k=1\nl=2\n", "s", "l"), "2");
+  EXPECT_EQ(Found("[s]\nl=1\n[" + name + "]\nl=2\n[t]\nl=3\n", "t", "l"), "3");
+  EXPECT_EQ(Found("[s]\na=1\n[" + name + "]\nl=2\n", "s", "l"), "no value");
+}
+
+// The index looks at blocks of 64 bytes: the same answers wherever a line falls among them.
+TEST(ProfileIndexing, BlocksDoNotShow) {
+  for (std::size_t shift = 0; shift < 140; ++shift) {
+    for (const char* lineBreak : {"\r\n", "\n", "\r", "\n\r"}) {
+      const std::string filler = shift == 0 ? "" : ";" + std::string(shift - 1, 'x') + lineBreak;
+      std::string file = filler;
+      for (const char* line : {"[s]", "a = 1 ", "bare", " b=2=3", "[t", "=4", "c"}) {
+        file += std::string(line) + lineBreak;
+      }
+      file += "d=5";
+      EXPECT_EQ(Found(file, "s", "a"), "1") << shift;
+      EXPECT_EQ(Found(file, "s", "bare"), "no value") << shift;
+      EXPECT_EQ(Found(file, "s", "b"), "2=3") << shift;
+      EXPECT_EQ(Found(file, "s", "[t"), "no value") << shift;
+      EXPECT_EQ(Found(file, "s", ""), "4") << shift;
+      EXPECT_EQ(Found(file, "s", "d"), "5") << shift;
+    }
+  }
+}
+
+TEST(ProfileIndexing, FindsEveryOneOfManySectionsAndKeys) {
+  std::string file;
+  for (int s = 0; s < 300; ++s) {
+    file += "[Section" + std::to_string(s) + "]\r\n";
+    for (int k = 0; k < s; ++k) {
+      file += "Key" + std::to_string(k) + "=" + std::to_string(s * 1000 + k) + "\r\n";
+    }
+  }
+  const ProfileText text(file, codePage);
+  const ProfileIndex index(text);
+  for (int s = 0; s < 300; ++s) {
+    const ProfileIndex::Section* section = index.FindSection("SECTION" + std::to_string(s));
+    ASSERT_NE(section, nullptr);
+    for (int k = 0; k < s; ++k) {
+      EXPECT_EQ(index.FindValue(*section, "kEY" + std::to_string(k)), std::to_string(s * 1000 + k));
+    }
+    EXPECT_EQ(index.FindValue(*section, "Key" + std::to_string(s)), std::nullopt);
+  }
+}
+
+// Shapes that would make an index look through one part of the file again and again. Each takes milliseconds; one of
+// them taking its square would take minutes.
+TEST(ProfileIndexing, HostileFilesCostNoMoreThanTheirSize) {
+  const std::string monster(4'000'000, ' ');
+  std::string repeated;
+  for (int i = 0; i < 1'000'000; ++i) {
+    repeated += "k=\n";
+  }
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(Found("[s]\nk=" + monster + "x\n" + repeated, "s", "k"), "x");       // a long value
+  EXPECT_EQ(Found("[s]\nk" + monster + "=x\n" + repeated, "s", "k"), "");        // a long way to the "="
+  EXPECT_EQ(Found("[s]\n" + std::string(4'000'000, '\r') + repeated, "s", "k"), "");
+  std::string headers = "[s]" + monster + ";\n";
+  for (int i = 0; i < 500'000; ++i) {
+    headers += "[s]\n";
+  }
+  EXPECT_EQ(Found(headers + "k=1\n", "t", "k"), "no section");
+  EXPECT_EQ(Found(std::string(4'000'000, '['), "s", "k"), "no section");
+  EXPECT_EQ(Found(std::string(4'000'000, '='), "", ""), std::string(3'999'999, '='));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
+}
+
+}  // namespace
+}  // namespace parvex::posix

@@ -145,10 +145,11 @@ void Measure(const fs::path& folder, const Shape& shape) {
   if (total == 0) {
     std::abort();
   }
-  std::printf("%-16s %8.2f MB %8zu lines   read+line ends %7.2f ms   read+parse %7.2f ms (%.1f times)   "
-              "look-up in order %4.0f ns, at random %4.0f ns, with its section %5.0f ns\n",
-              shape.name, static_cast<double>(fs::file_size(host)) / 1e6, lines, scan / 1e6, parse / 1e6, parse / scan,
-              inOrder, atRandom, whole);
+  std::printf(
+      "%-16s %8.2f MB %8zu lines   read+line ends %7.2f ms   read+parse %7.2f ms (%.1f times)   "
+      "look-up in order %4.0f ns, at random %4.0f ns, with its section %5.0f ns\n",
+      shape.name, static_cast<double>(fs::file_size(host)) / 1e6, lines, scan / 1e6, parse / 1e6, parse / scan, inOrder,
+      atRandom, whole);
 }
 
 }  // namespace

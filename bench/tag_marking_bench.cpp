@@ -1,5 +1,5 @@
-// Marking the tags of a list as up to date, beside parsing that list and beside a walk over all tools for every tag. Every
-// measurement starts with a list of its own; compare within one run.
+// Marking the tags of a list as up to date, beside parsing that list and beside a walk over all tools for every tag.
+// Every measurement starts with a list of its own; compare within one run.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -24,8 +24,8 @@ std::string TagList(int tags) {
   std::string text = "<TAGLIST>";
   for (int i = 0; i < tags; ++i) {
     text += "<TAG><NAME>Unit " + std::to_string(i) + "</NAME><PDSG>" + Group(i * 7) +
-            "</PDSG><DATATYPE>0</DATATYPE><TAGVERSION>4.71." + std::to_string(i % 2) +
-            "</TAGVERSION><TAGINDEXID>" + std::to_string(i) + "</TAGINDEXID><ID>" + std::to_string(i) + "</ID></TAG>";
+            "</PDSG><DATATYPE>0</DATATYPE><TAGVERSION>4.71." + std::to_string(i % 2) + "</TAGVERSION><TAGINDEXID>" +
+            std::to_string(i) + "</TAGINDEXID><ID>" + std::to_string(i) + "</ID></TAG>";
   }
   return text + "</TAGLIST>";
 }
@@ -89,10 +89,17 @@ void Mark(benchmark::State& state) {
 BENCHMARK(Parse)->Arg(12'500)->Arg(25'000)->Arg(50'000)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(Mark<parvex::MarkUpToDate>)
     ->Name("MarkUpToDate")
-    ->Arg(12'500)->Arg(25'000)->Arg(50'000)->UseManualTime()->Unit(benchmark::kMillisecond);
+    ->Arg(12'500)
+    ->Arg(25'000)
+    ->Arg(50'000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(Mark<MarkByWalking>)
     ->Name("MarkByWalking")
-    ->Arg(12'500)->Arg(50'000)->UseManualTime()->Unit(benchmark::kMillisecond);
+    ->Arg(12'500)
+    ->Arg(50'000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

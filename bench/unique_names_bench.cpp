@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "protocol/legacy_link.h"
 #include "adapters/posix/machine.h"
+#include "protocol/legacy_link.h"
 #include "tags/tag_names.h"
 
 namespace {
@@ -83,10 +83,17 @@ void MakeUnique(benchmark::State& state) {
 
 BENCHMARK(MakeUnique<Instance>)
     ->Name("MakeUniqueTagName")
-    ->Arg(1250)->Arg(2500)->Arg(5000)->Arg(10'000)->Unit(benchmark::kMillisecond);
+    ->Arg(1250)
+    ->Arg(2500)
+    ->Arg(5000)
+    ->Arg(10'000)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(MakeUnique<PlainRecursion>)
     ->Name("PlainRecursion")
-    ->Arg(1250)->Arg(2500)->Arg(5000)->Unit(benchmark::kMillisecond);
+    ->Arg(1250)
+    ->Arg(2500)
+    ->Arg(5000)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

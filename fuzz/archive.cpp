@@ -3,10 +3,10 @@
 #include <string_view>
 #include <vector>
 
-#include "fuzz/fuzz_input.h"
-#include "formats/zip/zip_reader.h"
-#include "seams/automation_error.h"
 #include "formats/text/windows_1252.h"
+#include "formats/zip/zip_reader.h"
+#include "fuzz/fuzz_input.h"
+#include "seams/automation_error.h"
 
 // An archive is unpacked into a folder of which every path is looked at. The input: the archive's bytes.
 

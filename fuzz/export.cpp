@@ -1,10 +1,10 @@
 #include <string>
 #include <string_view>
 
+#include "formats/zip/zip_writer.h"
 #include "fuzz/fuzz_input.h"
 #include "interface/legacy_orla_pull.h"
 #include "legacy_standin/projects/project_store.h"
-#include "formats/zip/zip_writer.h"
 #include "tests/support/fake_platform.h"
 
 // A whole export. The input, each part up to a NUL: the project's name, what the quote builder leaves in QBOutput.ini,

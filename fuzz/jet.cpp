@@ -3,11 +3,11 @@
 #include <string_view>
 #include <vector>
 
-#include "fuzz/fuzz_input.h"
-#include "formats/jet/writer.h"
+#include "adapters/posix/jet_databases.h"
 #include "formats/jet/decoder.h"
 #include "formats/jet/format.h"
-#include "adapters/posix/jet_databases.h"
+#include "formats/jet/writer.h"
+#include "fuzz/fuzz_input.h"
 #include "tests/support/one_file.h"
 
 // A damaged database is read by both readers and changed. Damage is small, so the input tells what to do to a sound

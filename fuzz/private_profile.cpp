@@ -2,10 +2,10 @@
 #include <string>
 #include <string_view>
 
-#include "fuzz/fuzz_input.h"
 #include "formats/ini/profile_index.h"
 #include "formats/ini/profile_text.h"
 #include "formats/text/windows_1252.h"
+#include "fuzz/fuzz_input.h"
 
 // A profile file, looked up by the index and line by line; then a value is set and read back. The input: a section, a
 // key, another key and a value, each up to a line feed, and the file's bytes.

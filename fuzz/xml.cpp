@@ -3,12 +3,12 @@
 #include <string>
 #include <string_view>
 
-#include "fuzz/fuzz_input.h"
 #include "formats/text/text.h"
+#include "fuzz/fuzz_input.h"
 
 // A document is loaded, serialised and loaded again: from the second time on nothing changes any more but line ends. (A
-// CR LF that references put into a text is written as it is, and reads as a LF.) The input: an
-// expression to select by, up to a NUL, and the document.
+// CR LF that references put into a text is written as it is, and reads as a LF.) The input: an expression to select by,
+// up to a NUL, and the document.
 
 namespace parvex {
 namespace {

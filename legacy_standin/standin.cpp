@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "legacy_standin/builder/builder.h"
-#include "legacy_standin/router/project_requests.h"
 #include "legacy_standin/reports/report_server.h"
 #include "legacy_standin/reports/schedule_request.h"
+#include "legacy_standin/router/project_requests.h"
 #include "legacy_standin/router/tag_requests.h"
 
 namespace parvex::standin {

@@ -1,5 +1,5 @@
-// How fast the export could be at best: reads the same inputs, encodes the blobs, appends a text of the same length, writes
-// it. No parsing, no tree, no escaping, no unpacking.
+// How fast the export could be at best: reads the same inputs, encodes the blobs, appends a text of the same length,
+// writes it. No parsing, no tree, no escaping, no unpacking.
 //
 //   export_limit MACHINE_FOLDER REPLY OUTPUT     REPLY: what the export answered, for its length
 

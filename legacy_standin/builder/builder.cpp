@@ -2,10 +2,10 @@
 
 #include <memory>
 
-#include "protocol/legacy_names.h"
 #include "legacy_standin/builder/builder_workflow.h"
 #include "legacy_standin/late_bound/late_bound_members.h"
 #include "legacy_standin/late_bound/passed_collection.h"
+#include "protocol/legacy_names.h"
 
 namespace parvex::standin {
 namespace {

@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "formats/text/text.h"
 #include "legacy_standin/projects/project_store.h"
 #include "legacy_standin/projects/stored_tag.h"
 #include "seams/automation_error.h"
-#include "formats/text/text.h"
 #include "seams/xml.h"
 
 namespace parvex::standin {

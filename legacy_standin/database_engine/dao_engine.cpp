@@ -4,10 +4,10 @@
 #include <charconv>
 #include <memory>
 
-#include "legacy_standin/late_bound/late_bound_members.h"
 #include "formats/jet/databases.h"
 #include "formats/jet/decoder.h"
 #include "formats/text/text.h"
+#include "legacy_standin/late_bound/late_bound_members.h"
 
 namespace parvex::standin {
 
@@ -31,13 +31,17 @@ Value NumberIn(const std::string& text) {
 Value TypedValue(jet::ColumnType type, const std::optional<std::string>& text) {
   if (!text) return {};
   switch (type) {
-    case jet::ColumnType::Boolean: return *text == "True";
+    case jet::ColumnType::Boolean:
+      return *text == "True";
     case jet::ColumnType::Byte:
     case jet::ColumnType::Integer:
-    case jet::ColumnType::Long: return NumberIn<std::int32_t>(*text);
+    case jet::ColumnType::Long:
+      return NumberIn<std::int32_t>(*text);
     case jet::ColumnType::Single:
-    case jet::ColumnType::Double: return NumberIn<double>(*text);
-    default: return *text;
+    case jet::ColumnType::Double:
+      return NumberIn<double>(*text);
+    default:
+      return *text;
   }
 }
 

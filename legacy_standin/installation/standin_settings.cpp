@@ -15,7 +15,7 @@ constexpr std::string_view kReportMembers[] = {"Reset",      "action",    "Clien
                                                "OutputType", "Project",   "ProjectID",  "OutputUnits",
                                                "AddTag",     "AddReport", "MakeReport", "SendRequest"};
 
-constexpr std::string_view kBuilderMembers[] = {"standalone",    "View",       "UILoaded", "Framework",
+constexpr std::string_view kBuilderMembers[] = {"standalone",    "View",        "UILoaded", "Framework",
                                                 "ServiceBroker", "CallService", "Shutdown"};
 
 std::optional<int> TakeExitCode(JsonMembers& members) {

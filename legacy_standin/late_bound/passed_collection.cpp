@@ -1,7 +1,7 @@
 #include "legacy_standin/late_bound/passed_collection.h"
 
-#include "seams/automation_error.h"
 #include "formats/text/text.h"
+#include "seams/automation_error.h"
 
 namespace parvex::standin {
 

@@ -4,11 +4,11 @@
 #include <array>
 #include <utility>
 
-#include "formats/zip/entry_names.h"
 #include "formats/jet/writer.h"
+#include "formats/text/text.h"
+#include "formats/zip/entry_names.h"
 #include "legacy_standin/installation/json_members.h"
 #include "seams/automation_error.h"
-#include "formats/text/text.h"
 
 namespace parvex::standin {
 namespace {
@@ -18,8 +18,7 @@ constexpr const char* kUnits = "units.json";
 constexpr const char* kProperties = "properties.json";
 
 JetTable ConfigTable(const std::vector<ConfigRow>& config) {
-  JetTable table = {
-      "Config", {{.name = "sPdsg", .size = 10}, {.name = "sKey", .size = 50}, {.name = "sValue"}}, {}};
+  JetTable table = {"Config", {{.name = "sPdsg", .size = 10}, {.name = "sKey", .size = 50}, {.name = "sValue"}}, {}};
   for (const ConfigRow& row : config) {
     table.rows.push_back({row.pdsg, row.key, row.value});
   }

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "legacy_standin/reports/bitmap.h"
 #include "legacy_standin/late_bound/late_bound_members.h"
+#include "legacy_standin/reports/bitmap.h"
 #include "legacy_standin/reports/rtf_text.h"
 
 namespace parvex::standin {

@@ -4,11 +4,11 @@
 #include <unordered_set>
 #include <utility>
 
-#include "formats/zip/zip_reader.h"
-#include "protocol/command_document.h"
-#include "legacy_standin/router/router.h"
-#include "formats/zip/zip_writer.h"
 #include "formats/text/text.h"
+#include "formats/zip/zip_reader.h"
+#include "formats/zip/zip_writer.h"
+#include "legacy_standin/router/router.h"
+#include "protocol/command_document.h"
 
 namespace parvex::standin {
 namespace {

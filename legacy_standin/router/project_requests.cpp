@@ -5,11 +5,11 @@
 #include <string_view>
 #include <vector>
 
-#include "protocol/command_document.h"
-#include "legacy_standin/router/project_archive.h"
-#include "legacy_standin/projects/project_store.h"
-#include "seams/automation_error.h"
 #include "formats/text/text.h"
+#include "legacy_standin/projects/project_store.h"
+#include "legacy_standin/router/project_archive.h"
+#include "protocol/command_document.h"
+#include "seams/automation_error.h"
 
 namespace parvex::standin {
 namespace {

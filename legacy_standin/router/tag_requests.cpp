@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "protocol/command_document.h"
 #include "legacy_standin/projects/project_store.h"
 #include "legacy_standin/projects/stored_tag.h"
+#include "protocol/command_document.h"
 #include "seams/xml.h"
 
 namespace parvex::standin {
@@ -95,8 +95,8 @@ std::string FetchTag(const Application& application, const xml::Document& reques
   const ProjectStore store(application);
   const std::string project = store.NameOf(NeedParameter(request, "projectName"));
   std::vector<Unit> units = store.ReadUnits(project);
-  return TagAnswer(project, NeedTag(units, project, NeedParameter(request, groupParameter),
-                                    NeedParameter(request, "tagName")));
+  return TagAnswer(project,
+                   NeedTag(units, project, NeedParameter(request, groupParameter), NeedParameter(request, "tagName")));
 }
 
 std::string GetTag(const Application& application, const xml::Document& request) {
@@ -181,9 +181,8 @@ std::string DeleteTagEx(const Application& application, const xml::Document& req
 }  // namespace
 
 RequestTable TagRequests() {
-  return {{"getTagList", GetTagList},   {"getTag", GetTag},
-          {"getTagEx", GetTagEx},       {"renameTagEx", RenameTagEx},
-          {"CopyTagEx", CopyTagEx},     {"CopyTagsToProject", CopyTagsToProject},
+  return {{"getTagList", GetTagList},   {"getTag", GetTag},       {"getTagEx", GetTagEx},
+          {"renameTagEx", RenameTagEx}, {"CopyTagEx", CopyTagEx}, {"CopyTagsToProject", CopyTagsToProject},
           {"deleteTagEx", DeleteTagEx}};
 }
 

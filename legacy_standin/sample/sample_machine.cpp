@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-#include "protocol/command_document.h"
 #include "legacy_standin/projects/project_store.h"
+#include "legacy_standin/projects/units.h"
 #include "legacy_standin/sample/sample_project.h"
 #include "legacy_standin/sample/sample_reports.h"
-#include "legacy_standin/projects/units.h"
+#include "protocol/command_document.h"
 #include "seams/automation_error.h"
 #include "seams/xml.h"
 

@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "protocol/command_document.h"
 #include "legacy_standin/reports/bitmap.h"
 #include "legacy_standin/reports/rtf_text.h"
+#include "protocol/command_document.h"
 #include "seams/xml.h"
 
 namespace parvex::standin {

@@ -5,11 +5,11 @@
 
 #include <array>
 
-#include "com_server/server.h"
-#include "seams/automation_error.h"
 #include "adapters/windows/system_automation.h"
 #include "adapters/windows/system_files.h"
 #include "adapters/windows/wide_text.h"
+#include "com_server/server.h"
+#include "seams/automation_error.h"
 
 namespace parvex::standin {
 namespace {

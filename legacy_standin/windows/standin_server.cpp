@@ -1,18 +1,17 @@
 // The substitute legacy application as an in-process server: its message router, and its late-bound classes behind
 // dispatch interfaces.
 
-#include "com_server/server.h"
-
 #include <array>
 #include <deque>
 #include <filesystem>
 #include <mutex>
 
-#include "com_server/failures.h"
-#include "legacy_standin/standin.h"
 #include "adapters/windows/com_object.h"
 #include "adapters/windows/machine.h"
 #include "adapters/windows/wide_text.h"
+#include "com_server/failures.h"
+#include "com_server/server.h"
+#include "legacy_standin/standin.h"
 #include "standin_idl.h"
 
 namespace parvex::standin {

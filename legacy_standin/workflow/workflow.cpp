@@ -4,10 +4,10 @@
 #include <stdexcept>
 #include <vector>
 
-#include "legacy_standin/workflow/selection_file.h"
-#include "legacy_standin/projects/units.h"
-#include "formats/zip/zip_writer.h"
 #include "formats/text/text.h"
+#include "formats/zip/zip_writer.h"
+#include "legacy_standin/projects/units.h"
+#include "legacy_standin/workflow/selection_file.h"
 #include "seams/xml.h"
 
 namespace parvex::standin {

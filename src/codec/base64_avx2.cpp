@@ -52,7 +52,8 @@ PARVEX_AVX2 void Encode(std::string_view bytes, char* text) {
   while (bytes.size() >= kRead) {
     const auto* at = reinterpret_cast<const __m128i*>(bytes.data());
     const auto* second = reinterpret_cast<const __m128i*>(bytes.data() + kTaken / 2);
-    const __m256i block = _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(at)), _mm_loadu_si128(second), 1);
+    const __m256i block =
+        _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(at)), _mm_loadu_si128(second), 1);
     Store(text, CharactersOfValues(ValuesOfBytes(block)));
     bytes.remove_prefix(kTaken);
     text += kBlock;
@@ -67,14 +68,15 @@ struct ClassifiedBlock {
   std::uint32_t outside;  // one bit for each such byte
 };
 
-// A byte belongs to the alphabet when the set of its low half and the set of its high half share a bit: 1 stands for the
-// row of "+" and "/", 2 for the digits, 4 for "A" to "O" and "a" to "o", 8 for "P" to "Z" and "p" to "z".
+// A byte belongs to the alphabet when the set of its low half and the set of its high half share a bit: 1 stands for
+// the row of "+" and "/", 2 for the digits, 4 for "A" to "O" and "a" to "o", 8 for "P" to "Z" and "p" to "z".
 PARVEX_AVX2 inline ClassifiedBlock Classify(__m256i block) {
   const __m256i lowSets = Table({2 | 8, 2 | 4 | 8, 2 | 4 | 8, 2 | 4 | 8, 2 | 4 | 8, 2 | 4 | 8, 2 | 4 | 8, 2 | 4 | 8,
                                  2 | 4 | 8, 2 | 4 | 8, 4 | 8, 1 | 4, 4, 4, 4, 1 | 4});
   const __m256i highSets = Table({0, 0, 1, 2, 4, 8, 4, 8, 0, 0, 0, 0, 0, 0, 0, 0});
   // From a character to its value, by the high half; "/" borrows the entry below that of its row.
-  const __m256i distances = Table({0, 63 - '/', 62 - '+', 52 - '0', -'A', -'A', 26 - 'a', 26 - 'a', 0, 0, 0, 0, 0, 0, 0, 0});
+  const __m256i distances =
+      Table({0, 63 - '/', 62 - '+', 52 - '0', -'A', -'A', 26 - 'a', 26 - 'a', 0, 0, 0, 0, 0, 0, 0, 0});
 
   const __m256i high = _mm256_and_si256(_mm256_srli_epi16(block, 4), _mm256_set1_epi8(0x0F));
   const __m256i shared = _mm256_and_si256(_mm256_shuffle_epi8(lowSets, block), _mm256_shuffle_epi8(highSets, high));
@@ -120,8 +122,8 @@ PARVEX_AVX2 inline std::uint8_t* PutKept(__m256i values, std::uint32_t dropped, 
   return PutEight(_mm_srli_si128(high, 8), dropped >> 24, out);
 }
 
-// Stages blocks of ASCII characters until one holds others, the stage is full or less than a block and a byte is left: a CR
-// that ends the block may be half of a line break.
+// Stages blocks of ASCII characters until one holds others, the stage is full or less than a block and a byte is left:
+// a CR that ends the block may be half of a line break.
 PARVEX_AVX2 void StageAscii(std::string_view& text, Stage& stage) {
   const char* at = text.data();
   const char* const end = at + text.size();

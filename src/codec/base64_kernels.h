@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-// The machinery behind EncodeBase64 and DecodeBase64 (codec/bin_encoder.h), with a choice of the code that does the work.
-// Every choice gives the same results.
+// The machinery behind EncodeBase64 and DecodeBase64 (codec/bin_encoder.h), with a choice of the code that does the
+// work. Every choice gives the same results.
 //
 // Decoding has two steps that alternate over a piece of text small enough to stay in the processor's first cache: the
 // characters that count become 6-bit values, one a byte ("staging"), and the staged values become bytes ("packing").
@@ -32,8 +32,8 @@ struct Kernels {
   /// Writes the text of `bytes`, the padding of a last short group included, to `text`: four characters for every three
   /// bytes begun.
   void (*encode)(std::string_view bytes, char* text);
-  /// Takes characters off the front of `text` and adds their values to the stage, until the text is used up or the stage
-  /// holds kStageValues. Takes at least one character.
+  /// Takes characters off the front of `text` and adds their values to the stage, until the text is used up or the
+  /// stage holds kStageValues. Takes at least one character.
   void (*stageCharacters)(std::string_view& text, Stage& stage);
   /// Writes three bytes for every four of `count` values (a multiple of four).
   void (*pack)(const std::uint8_t* values, std::size_t count, char* bytes);

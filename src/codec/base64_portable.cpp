@@ -31,9 +31,7 @@ std::uint8_t Meaning(char byte) { return kMeanings[static_cast<unsigned char>(by
 
 // The value that a UTF-16 unit counts with: only the low 8 bits of its code are looked up. Codes beyond ASCII that end
 // like a letter count as that letter, and none of them is a line break or a padding.
-std::uint8_t ValueOfUnit(std::uint32_t unit) {
-  return kMeanings[unit & 0xFF] & kValueMask;
-}
+std::uint8_t ValueOfUnit(std::uint32_t unit) { return kMeanings[unit & 0xFF] & kValueMask; }
 
 bool BeginsSequence(char byte) { return static_cast<unsigned char>(byte) >= 0xC2; }
 
@@ -46,9 +44,9 @@ struct Position {
   std::uint8_t* out;
 };
 
-// Takes the character that a byte above 0xC1 begins and puts the values of its one or two units to `out`. As in all text
-// (platform/text.h), a byte that belongs to no UTF-8 sequence is a character of its own, and what is not well-formed is
-// U+FFFD, which has the value 0.
+// Takes the character that a byte above 0xC1 begins and puts the values of its one or two units to `out`. As in all
+// text (platform/text.h), a byte that belongs to no UTF-8 sequence is a character of its own, and what is not
+// well-formed is U+FFFD, which has the value 0.
 Position StageBeyondAscii(Position position, const char* textEnd) {
   const auto [at, out] = position;
   const auto lead = static_cast<unsigned char>(*at);

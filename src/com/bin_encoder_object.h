@@ -2,11 +2,11 @@
 
 #include <optional>
 
+#include "adapters/windows/ansi_text.h"
+#include "adapters/windows/system_files.h"
 #include "codec/bin_encoder.h"
 #include "com_server/dual_object.h"
 #include "parvex_idl.h"
-#include "adapters/windows/ansi_text.h"
-#include "adapters/windows/system_files.h"
 
 namespace parvex::com {
 

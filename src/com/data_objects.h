@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "com_server/dual_object.h"
 #include "com/values.h"
+#include "com_server/dual_object.h"
 #include "hybris/unit_model.h"
 #include "parvex_idl.h"
 

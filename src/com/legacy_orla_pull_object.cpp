@@ -1,8 +1,8 @@
 #include "com/legacy_orla_pull_object.h"
 
+#include "adapters/msxml/msxml_document.h"
 #include "com/values.h"
 #include "seams/automation_error.h"
-#include "adapters/msxml/msxml_document.h"
 
 namespace parvex::com {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <optional>
 
+#include "adapters/windows/machine.h"
 #include "com_server/dual_object.h"
 #include "interface/legacy_orla_pull.h"
 #include "parvex_idl.h"
-#include "adapters/windows/machine.h"
 
 namespace parvex::com {
 

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <new>
 
+#include "adapters/windows/system_error.h"
 #include "com_server/dual_object.h"
 #include "seams/automation_error.h"
-#include "adapters/windows/system_error.h"
 
 namespace parvex::com {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "adapters/windows/com_object.h"
 #include "com_server/failures.h"
 #include "com_server/type_library.h"
-#include "adapters/windows/com_object.h"
 
 // Destructors of thread-local objects are kept by the C runtime's own list, which lets them go with the thread or the
 // module, whichever goes first. The one of the C++ library would hold the module in memory for each of them, so that it

@@ -1,7 +1,7 @@
 #include "com_server/dual_object.h"
 
-#include "seams/automation_error.h"
 #include "adapters/windows/system_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::com {
 

@@ -5,10 +5,10 @@
 
 #include <optional>
 
-#include "com_server/failures.h"
-#include "com_server/type_library.h"
 #include "adapters/windows/com_object.h"
 #include "adapters/windows/com_pointer.h"
+#include "com_server/failures.h"
+#include "com_server/type_library.h"
 
 namespace parvex::com {
 

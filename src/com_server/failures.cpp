@@ -3,8 +3,8 @@
 #include <exception>
 #include <new>
 
-#include "seams/automation_error.h"
 #include "adapters/windows/com_pointer.h"
+#include "seams/automation_error.h"
 
 namespace parvex::com {
 

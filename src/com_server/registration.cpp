@@ -4,9 +4,9 @@
 #include <functional>
 #include <optional>
 
+#include "adapters/windows/system_error.h"
 #include "com_server/type_library.h"
 #include "seams/automation_error.h"
-#include "adapters/windows/system_error.h"
 
 namespace parvex::com {
 namespace {

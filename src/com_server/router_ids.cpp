@@ -45,8 +45,8 @@ std::optional<std::string> RequestInterfaceOf(ITypeInfo* classInfo, const TYPEAT
     INT flags = 0;
     ComPointer<ITypeInfo> info;
     if (FAILED(classInfo->GetRefTypeOfImplType(i, &reference)) ||
-        FAILED(classInfo->GetRefTypeInfo(reference, info.Out())) ||
-        FAILED(classInfo->GetImplTypeFlags(i, &flags)) || !HasRequestMethod(info.Get())) {
+        FAILED(classInfo->GetRefTypeInfo(reference, info.Out())) || FAILED(classInfo->GetImplTypeFlags(i, &flags)) ||
+        !HasRequestMethod(info.Get())) {
       continue;
     }
     const std::string id = IdText(Attributes(info.Get()).read->guid);

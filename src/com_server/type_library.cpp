@@ -4,8 +4,8 @@
 #include <map>
 #include <mutex>
 
-#include "seams/automation_error.h"
 #include "adapters/windows/system_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::com {
 namespace {

@@ -3,11 +3,11 @@
 #include <cmath>
 #include <limits>
 
+#include "formats/text/text.h"
 #include "hybris/hybris_document.h"
 #include "hybris/leading_number.h"
 #include "hybris/selection_section.h"
 #include "seams/automation_error.h"
-#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

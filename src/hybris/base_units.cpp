@@ -4,11 +4,11 @@
 #include <utility>
 #include <vector>
 
+#include "formats/text/text.h"
 #include "hybris/hybris_document.h"
 #include "hybris/leading_number.h"
 #include "hybris/stored_tag_text.h"
 #include "seams/automation_error.h"
-#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "formats/text/text.h"
 #include "hybris/base_unit_elements.h"
 #include "hybris/base_units.h"
 #include "hybris/hybris_document.h"
@@ -11,9 +12,8 @@
 #include "hybris/selected_items.h"
 #include "hybris/selection_section.h"
 #include "hybris/tag_stored_data.h"
-#include "protocol/reply_envelope.h"
 #include "legacy_env/install_paths.h"
-#include "formats/text/text.h"
+#include "protocol/reply_envelope.h"
 
 namespace parvex {
 namespace {

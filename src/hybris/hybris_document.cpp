@@ -1,7 +1,7 @@
 #include "hybris/hybris_document.h"
 
-#include "protocol/required_node.h"
 #include "formats/text/text.h"
+#include "protocol/required_node.h"
 
 namespace parvex {
 

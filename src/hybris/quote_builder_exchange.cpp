@@ -1,12 +1,12 @@
 #include "hybris/quote_builder_exchange.h"
 
-#include "protocol/required_node.h"
+#include "formats/text/text.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/ini_target.h"
 #include "legacy_env/install_paths.h"
 #include "legacy_env/process_runner.h"
+#include "protocol/required_node.h"
 #include "seams/automation_error.h"
-#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

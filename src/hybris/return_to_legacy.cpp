@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "codec/bin_encoder.h"
-#include "protocol/reply_envelope.h"
+#include "formats/text/text.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/ini_target.h"
 #include "legacy_env/install_paths.h"
+#include "protocol/reply_envelope.h"
 #include "seams/automation_error.h"
-#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

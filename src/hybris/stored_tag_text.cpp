@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "formats/zip/zip_reader.h"
 #include "formats/text/text.h"
+#include "formats/zip/zip_reader.h"
 
 namespace parvex {
 namespace {
@@ -35,8 +35,8 @@ std::string TextOf(CodePage& codePage, std::string_view bytes) {
   return codePage.FromAnsi(bytes);
 }
 
-// The lines of a text, each with CR LF behind it. CR LF, LF and CR end a line; what follows the last one is a line of its
-// own when it is not empty.
+// The lines of a text, each with CR LF behind it. CR LF, LF and CR end a line; what follows the last one is a line of
+// its own when it is not empty.
 std::string WithUniformLineEnds(std::string_view text) {
   std::string lines;
   lines.reserve(text.size() + 2);
@@ -68,8 +68,9 @@ std::optional<std::string> TakeTagFile(const Platform& platform, const std::stri
   return bytes;
 }
 
-// The archive's own file "Tag", taken out of the entries; null when it has none. The legacy application extracts it with the
-// others, reads it and deletes it; the same comes of never writing it, and of deleting one that an earlier run left.
+// The archive's own file "Tag", taken out of the entries; null when it has none. The legacy application extracts it
+// with the others, reads it and deletes it; the same comes of never writing it, and of deleting one that an earlier run
+// left.
 std::optional<PackedEntry> TakeTagEntry(std::vector<PackedEntry>& entries) {
   const auto tag = std::find_if(entries.begin(), entries.end(), [](const PackedEntry& entry) {
     return !entry.isFolder && EqualIgnoringCase(entry.name, kTagFile);

@@ -18,9 +18,9 @@ struct StoredTagText {
 
 /// The text that the legacy application stored for a tag or an accessory in the archive `fileName` (its blob).
 ///
-/// First the archive is unpacked into its folder; when a file named "Tag" is there then, its lines, each with a CR LF behind
-/// it, are the text, and that file is deleted. When this yields no text, the text is that of the archive's only file,
-/// provided that it holds "SAPDATA". A blob without a name, without content or that does not exist has no text.
+/// First the archive is unpacked into its folder; when a file named "Tag" is there then, its lines, each with a CR LF
+/// behind it, are the text, and that file is deleted. When this yields no text, the text is that of the archive's only
+/// file, provided that it holds "SAPDATA". A blob without a name, without content or that does not exist has no text.
 ///
 /// Texts are ANSI, or what a byte order mark in front says. A refused archive is the AutomationError of Unpack
 /// (hybris/packing.h), and nothing is written then.

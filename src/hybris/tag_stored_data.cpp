@@ -5,12 +5,12 @@
 #include <memory>
 #include <utility>
 
+#include "formats/text/text.h"
 #include "hybris/stored_tag_text.h"
-#include "protocol/required_node.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/install_paths.h"
+#include "protocol/required_node.h"
 #include "seams/automation_error.h"
-#include "formats/text/text.h"
 
 namespace parvex {
 namespace {
@@ -109,8 +109,8 @@ std::string SapFromStoredDocument(const xml::Document& stored) {
 /// `bytes` of the blob, empty when they have to be read.
 void AppendBlob(const Platform& platform, const xml::Document& document, const xml::Node& blobElement,
                 std::string_view blobFileName, std::string_view bytes) {
-  const std::string blob = bytes.empty() ? EncodeFileBase64(platform, blobFileName)
-                                         : EncodeFileBase64(platform, blobFileName, bytes);
+  const std::string blob =
+      bytes.empty() ? EncodeFileBase64(platform, blobFileName) : EncodeFileBase64(platform, blobFileName, bytes);
   if (!blob.empty()) {
     blobElement.Append(document.CreateCData(blob));
   }

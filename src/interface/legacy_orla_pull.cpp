@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <span>
 
-#include "protocol/command_document.h"
 #include "interface/command_table.h"
+#include "protocol/command_document.h"
 #include "protocol/reply_envelope.h"
 
 namespace parvex {

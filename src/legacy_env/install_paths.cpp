@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <optional>
 
+#include "formats/text/text.h"
 #include "legacy_env/ui_settings.h"
 #include "seams/automation_error.h"
-#include "formats/text/text.h"
 
 namespace parvex {
 namespace {

@@ -4,11 +4,11 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "legacy_env/install_paths.h"
+#include "legacy_env/program_folder_document.h"
 #include "protocol/command_document.h"
 #include "protocol/reply_envelope.h"
 #include "protocol/required_node.h"
-#include "legacy_env/install_paths.h"
-#include "legacy_env/program_folder_document.h"
 #include "seams/automation_error.h"
 
 namespace parvex {
@@ -20,8 +20,7 @@ std::string OptionsPath(const LegacyLink& link) { return GetBinPath(link.platfor
 
 /// The Option of tool SOV02 with that name; a null node when there is none.
 xml::Node GeneralOption(const xml::Document& options, std::string_view name) {
-  const xml::Node found =
-      options.First("//Tool[@ID='SOV02']/Option/Name[text()='" + std::string(name) + "']");
+  const xml::Node found = options.First("//Tool[@ID='SOV02']/Option/Name[text()='" + std::string(name) + "']");
   return found ? found.Parent() : xml::Node();
 }
 

@@ -3,11 +3,11 @@
 #include <string>
 #include <string_view>
 
+#include "legacy_env/install_paths.h"
 #include "protocol/command_document.h"
+#include "protocol/legacy_requests.h"
 #include "protocol/reply_envelope.h"
 #include "protocol/required_node.h"
-#include "legacy_env/install_paths.h"
-#include "protocol/legacy_requests.h"
 
 namespace parvex {
 namespace {

@@ -1,9 +1,9 @@
 #include "projects/project_properties.h"
 
 #include "protocol/command_document.h"
+#include "protocol/legacy_requests.h"
 #include "protocol/reply_envelope.h"
 #include "protocol/required_node.h"
-#include "protocol/legacy_requests.h"
 
 namespace parvex {
 namespace {

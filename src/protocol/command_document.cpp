@@ -1,7 +1,7 @@
 #include "protocol/command_document.h"
 
-#include "seams/automation_error.h"
 #include "formats/text/text.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 namespace {

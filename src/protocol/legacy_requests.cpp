@@ -3,8 +3,8 @@
 #include <charconv>
 #include <cmath>
 
-#include "seams/automation_error.h"
 #include "formats/text/text.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "legacy_env/file_routines.h"
-#include "seams/automation_error.h"
 #include "reports/report_catalogue.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 namespace {

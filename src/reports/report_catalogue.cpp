@@ -1,10 +1,10 @@
 #include "reports/report_catalogue.h"
 
-#include "protocol/command_document.h"
+#include "formats/text/text.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/install_paths.h"
 #include "legacy_env/program_folder_document.h"
-#include "formats/text/text.h"
+#include "protocol/command_document.h"
 
 namespace parvex {
 namespace {

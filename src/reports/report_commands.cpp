@@ -5,16 +5,16 @@
 #include <string_view>
 #include <vector>
 
-#include "protocol/command_document.h"
-#include "protocol/reply_envelope.h"
-#include "protocol/required_node.h"
+#include "formats/text/text.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/install_paths.h"
+#include "protocol/command_document.h"
 #include "protocol/legacy_names.h"
-#include "seams/automation_error.h"
-#include "formats/text/text.h"
+#include "protocol/reply_envelope.h"
+#include "protocol/required_node.h"
 #include "reports/drawing_files.h"
 #include "reports/report_catalogue.h"
+#include "seams/automation_error.h"
 #include "tags/tag_listing.h"
 
 namespace parvex {

@@ -35,17 +35,17 @@ inline constexpr std::uint32_t kObjectErrorBase = 0x80040000u;
 
 /// Numbers of the automation runtime.
 enum class RuntimeError : std::uint16_t {
-  InvalidCall = 5,         ///< invalid procedure call or argument
-  Overflow = 6,            ///< a 16-bit counter of the protocol went past 32767
-  SubscriptOutOfRange = 9, ///< a list with a fixed number of slots is full
-  TypeMismatch = 13,       ///< a text that does not read as the type that is needed
-  FileNotFound = 53,       ///< a file that has to exist does not
-  FileExists = 58,         ///< a new file's name is taken
-  DiskFull = 61,           ///< no room for what has to be written
-  PathFileAccess = 75,     ///< a file or folder that may not be read or written
-  PathNotFound = 76,       ///< a folder on the way to a file does not exist
-  ObjectNotSet = 91,       ///< a missing object, a missing node among them
-  CannotCreateObject = 429 ///< a component that is not registered or does not start
+  InvalidCall = 5,          ///< invalid procedure call or argument
+  Overflow = 6,             ///< a 16-bit counter of the protocol went past 32767
+  SubscriptOutOfRange = 9,  ///< a list with a fixed number of slots is full
+  TypeMismatch = 13,        ///< a text that does not read as the type that is needed
+  FileNotFound = 53,        ///< a file that has to exist does not
+  FileExists = 58,          ///< a new file's name is taken
+  DiskFull = 61,            ///< no room for what has to be written
+  PathFileAccess = 75,      ///< a file or folder that may not be read or written
+  PathNotFound = 76,        ///< a folder on the way to a file does not exist
+  ObjectNotSet = 91,        ///< a missing object, a missing node among them
+  CannotCreateObject = 429  ///< a component that is not registered or does not start
 };
 
 /// The error that the automation runtime would raise, with this system's description.

@@ -17,9 +17,9 @@ class Files {
   virtual bool IsFile(std::string_view path) = 0;
   virtual bool IsFolder(std::string_view path) = 0;
 
-  /// The names of the files (not folders) that a directory listing of `pattern` gives, in the order of their upper-cased
-  /// names. The last component of the pattern may hold * and ?; "*.*" and an empty last component match every file.
-  /// Empty when the folder does not exist.
+  /// The names of the files (not folders) that a directory listing of `pattern` gives, in the order of their
+  /// upper-cased names. The last component of the pattern may hold * and ?; "*.*" and an empty last component match
+  /// every file. Empty when the folder does not exist.
   virtual std::vector<std::string> ListFiles(std::string_view pattern) = 0;
   /// The names of the folders in a folder, in the same order.
   virtual std::vector<std::string> ListFolders(std::string_view folder) = 0;

@@ -21,9 +21,9 @@ class Processes {
   virtual ~Processes() = default;
 
   /// Starts a program by its command line. An unquoted program path with blanks is resolved as CreateProcess does (each
-  /// blank is tried as the end of the path, ".exe" is added to a name without extension). `windowStyle` is 0 to 6 as the
-  /// legacy runtime numbers them (1: normal with focus, 6: minimised without focus). A program that cannot be started is
-  /// an AutomationError: not found (53), not a program or no right to run it (5).
+  /// blank is tried as the end of the path, ".exe" is added to a name without extension). `windowStyle` is 0 to 6 as
+  /// the legacy runtime numbers them (1: normal with focus, 6: minimised without focus). A program that cannot be
+  /// started is an AutomationError: not found (53), not a program or no right to run it (5).
   virtual std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) = 0;
 };
 

@@ -30,8 +30,8 @@ class RecordSet {
 class Database {
  public:
   virtual ~Database() = default;
-  /// Understands "SELECT * FROM table" with an optional "WHERE column='text'" and further "and column='text'". Names and
-  /// texts compare without regard to letter case, as the Jet engine compares them.
+  /// Understands "SELECT * FROM table" with an optional "WHERE column='text'" and further "and column='text'". Names
+  /// and texts compare without regard to letter case, as the Jet engine compares them.
   virtual std::unique_ptr<RecordSet> OpenRecordSet(std::string_view sql) = 0;
 };
 

@@ -5,10 +5,10 @@
 #include <string_view>
 #include <utility>
 
-#include "protocol/command_document.h"
-#include "protocol/reply_envelope.h"
-#include "protocol/legacy_names.h"
 #include "legacy_env/ui_settings.h"
+#include "protocol/command_document.h"
+#include "protocol/legacy_names.h"
+#include "protocol/reply_envelope.h"
 #include "seams/automation_error.h"
 
 namespace parvex {
@@ -92,8 +92,10 @@ Value RunWorkflow(LegacyLink& link, std::string commandLine) {
   named->emplace_back("Builder", Argument{link.builder, true});
   named->emplace_back("Command Line", Argument{std::move(commandLine)});
   const ObjectRef broker = ObjectMember(ObjectMember(link.builder, "Framework"), "ServiceBroker");
-  Argument arguments[] = {{std::string("Workflow Service")}, {std::string("runBuilder")},
-                          {automation::CollectionRef(named)}, {std::string("QuoteBuilder")}};
+  Argument arguments[] = {{std::string("Workflow Service")},
+                          {std::string("runBuilder")},
+                          {automation::CollectionRef(named)},
+                          {std::string("QuoteBuilder")}};
   return broker->Call(legacy::kBrokerCall, arguments);
 }
 

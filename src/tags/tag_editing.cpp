@@ -4,10 +4,10 @@
 #include <string_view>
 #include <utility>
 
-#include "protocol/command_document.h"
-#include "protocol/reply_envelope.h"
 #include "legacy_env/install_paths.h"
 #include "legacy_env/program_folder_document.h"
+#include "protocol/command_document.h"
+#include "protocol/reply_envelope.h"
 #include "tags/tag_names.h"
 
 namespace parvex {
@@ -109,9 +109,9 @@ xml::Document DeleteTag(LegacyLink& link, const xml::Document& command) {
   const xml::Document request = MakeCommandDocument(
       "deleteTagEx", {{"pdsg", kLegacyPdsg}, {"projectName", GetParamFromCmdDoc(command, "projectName")}});
   const xml::Node tag = xml::AppendElement(xml::AppendElement(AddEmptyParameter(request, "tagList"), "TAGS"), "TAG");
-  for (const auto& [element, parameter] : {std::pair{"DATATYPE", "DATATYPE"}, std::pair{"PDSG", "PDSG"},
-                                           std::pair{"NAME", "tagName"}, std::pair{"TAGINDEXID", "TAGINDEXID"},
-                                           std::pair{"ID", "ID"}}) {
+  for (const auto& [element, parameter] :
+       {std::pair{"DATATYPE", "DATATYPE"}, std::pair{"PDSG", "PDSG"}, std::pair{"NAME", "tagName"},
+        std::pair{"TAGINDEXID", "TAGINDEXID"}, std::pair{"ID", "ID"}}) {
     xml::AppendElement(tag, element, GetParamFromCmdDoc(command, parameter));
   }
   const bool isOrdinary = GetParamFromCmdDoc(command, "DATATYPE") == "0";

@@ -3,11 +3,11 @@
 #include <string>
 #include <unordered_map>
 
+#include "legacy_env/install_paths.h"
+#include "legacy_env/program_folder_document.h"
 #include "protocol/command_document.h"
 #include "protocol/reply_envelope.h"
 #include "protocol/required_node.h"
-#include "legacy_env/install_paths.h"
-#include "legacy_env/program_folder_document.h"
 
 namespace parvex {
 namespace {
@@ -41,10 +41,9 @@ TagEntry ReadEntry(const xml::Node& tag) {
 
 xml::Document MakeTagRequest(const TagEntry& tag, std::string_view projectName) {
   if (tag.isExtended) {
-    return MakeCommandDocument("getTagEx", {{"projectName", projectName},
-                                            {"pdsg", kLegacyPdsg},
-                                            {"pdsgFilter", tag.pdsg},
-                                            {"tagName", tag.name}});
+    return MakeCommandDocument(
+        "getTagEx",
+        {{"projectName", projectName}, {"pdsg", kLegacyPdsg}, {"pdsgFilter", tag.pdsg}, {"tagName", tag.name}});
   }
   const xml::Document request = xml::Document::Parse(
       "<COMMAND><NAME>getTag</NAME><PARAMETER><NAME>pdsgFilter</NAME><VALUE></VALUE></PARAMETER></COMMAND>");

@@ -56,8 +56,7 @@ TEST(Options, AreReadChangedAndReadAgainInOneProcess) {
       machine.Installed("Bin", "Options.xml"),
       "<Options><Tool ID=\"SOV02\"><Option><Name>cmbLanguage</Name><Value>English</Value></Option></Tool></Options>");
   const std::string get = machine.Write("get.xml", CommandText("getOptions"));
-  const std::string set =
-      machine.Write("set.xml", CommandText("setOptions", {{"cmbLanguage", "Deutsch"}}));
+  const std::string set = machine.Write("set.xml", CommandText("setOptions", {{"cmbLanguage", "Deutsch"}}));
   const Outcome outcome = machine.Run({"pull", get, set, get});
   EXPECT_EQ(0, outcome.status) << outcome.err;
   EXPECT_LT(outcome.out.find("English"), outcome.out.find("Deutsch"));

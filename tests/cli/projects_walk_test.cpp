@@ -11,8 +11,8 @@ namespace parvex::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::Not;
 using testing::HasSubstr;
+using testing::Not;
 
 constexpr const char* kSuccess = "<LegacyORLA><returnError>0</returnError><errorMessage/></LegacyORLA>\r\n";
 
@@ -31,9 +31,9 @@ class ProjectsWalk : public testing::Test {
     return SendFile(Path("command.xml"));
   }
   void SendUpTo(int last) {
-    const char* const files[] = {"project-01-add",        "project-02-set-properties", "project-03-list",
-                                 "project-04-copy",       "project-05-rename",         "project-06-properties",
-                                 "project-07-archive",    "project-08-delete",         "project-09-retrieve"};
+    const char* const files[] = {"project-01-add",     "project-02-set-properties", "project-03-list",
+                                 "project-04-copy",    "project-05-rename",         "project-06-properties",
+                                 "project-07-archive", "project-08-delete",         "project-09-retrieve"};
     for (int i = 0; i < last; ++i) {
       const Outcome outcome = Send(files[i]);
       ASSERT_EQ(0, outcome.status) << files[i] << outcome.out << outcome.err;
@@ -84,9 +84,9 @@ TEST_F(ProjectsWalk, PropertiesThatWereSetAreReadBack) {
   for (const xml::Node& property : reply.All("/PROJECT/PROPERTIES/*")) {
     properties.push_back(property.Name() + "=" + property.Text());
   }
-  EXPECT_THAT(properties, ElementsAre("DESCRIPTION=New wing", "CUSTOMER=", "LOCATION=Quay 4", "ENGINEER=", "NOTES=",
-                                      "COMPANYNAME=Ødegård & Söhne", "EMAILID=office@odegard.example",
-                                      "CONTACTNUMBER=+1 555 0162"));
+  EXPECT_THAT(properties, ElementsAre("DESCRIPTION=New wing", "CUSTOMER=", "LOCATION=Quay 4",
+                                      "ENGINEER=", "NOTES=", "COMPANYNAME=Ødegård & Söhne",
+                                      "EMAILID=office@odegard.example", "CONTACTNUMBER=+1 555 0162"));
 }
 
 TEST_F(ProjectsWalk, ACopyHasThePropertiesOfItsOriginal) {
@@ -133,10 +133,9 @@ TEST_F(ProjectsWalk, AProjectWithTagsSurvivesArchivingAndExportsAsBefore) {
   ASSERT_EQ(kSuccess, Send("archiveProject", {{"projectName", "Riverside Clinic"}}).out);
   ASSERT_EQ(kSuccess, Send("deleteProject", {{"projectName", "Riverside Clinic"}}).out);
   ASSERT_NE(0, exportAll().status);
-  ASSERT_EQ(kSuccess, Send("retrieveProject",
-                           {{"projectName", "Riverside Clinic"},
-                            {"fileSpec", "C:\\Korvane\\TQ5-VX\\Archives\\Riverside Clinic.E3A"},
-                            {"FOLDER", "C:\\Korvane\\TQ5-VX\\Projects\\Riverside Clinic"}})
+  ASSERT_EQ(kSuccess, Send("retrieveProject", {{"projectName", "Riverside Clinic"},
+                                               {"fileSpec", "C:\\Korvane\\TQ5-VX\\Archives\\Riverside Clinic.E3A"},
+                                               {"FOLDER", "C:\\Korvane\\TQ5-VX\\Projects\\Riverside Clinic"}})
                           .out);
   EXPECT_EQ(before.out, exportAll().out);
 }
@@ -171,14 +170,11 @@ TEST_F(ProjectsWalk, ANameThatNoFolderCanHaveIsTheFailedReplyAndMakesNothing) {
 TEST_F(ProjectsWalk, EachRequestRefusedIsTheFailedReplyAndTheProjectsStay) {
   SendUpTo(7);
   const std::vector<std::string> before = Projects();
-  const std::pair<const char*, const char*> cases[] = {{"getProjectList", "project-03-list"},
-                                                       {"addProject", "project-01-add"},
-                                                       {"setProject", "project-02-set-properties"},
-                                                       {"getProjectEx", "project-06-properties"},
-                                                       {"archiveProject", "project-07-archive"},
-                                                       {"deleteProject", "project-08-delete"},
-                                                       {"getArchiveContents", "project-09-retrieve"},
-                                                       {"retrieveAndSaveProject", "project-09-retrieve"}};
+  const std::pair<const char*, const char*> cases[] = {
+      {"getProjectList", "project-03-list"},         {"addProject", "project-01-add"},
+      {"setProject", "project-02-set-properties"},   {"getProjectEx", "project-06-properties"},
+      {"archiveProject", "project-07-archive"},      {"deleteProject", "project-08-delete"},
+      {"getArchiveContents", "project-09-retrieve"}, {"retrieveAndSaveProject", "project-09-retrieve"}};
   for (const auto& [request, command] : cases) {
     Refuse(request);
     const Outcome outcome = Send(command);

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "codec/bin_encoder.h"
-#include "legacy_standin/reports/bitmap.h"
 #include "formats/text/text.h"
+#include "legacy_standin/reports/bitmap.h"
 #include "seams/xml.h"
 #include "tests/cli/sample_walk.h"
 

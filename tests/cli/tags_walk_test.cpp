@@ -92,8 +92,8 @@ std::string Owned(const std::string& tagName) {
 
 TEST_F(TagsWalk, TheListSaysWhichTagsAreUpToDate) {
   EXPECT_THAT(Tags(), ElementsAre("RTU-1 -1", "AHU-3 -1", "CH-1 -1", "HP-7 0", "SS-2 0", "Küche & Café <EG> 0"));
-  EXPECT_THAT(Requests(), ElementsAre(Sent("getTagList", Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "*") +
-                                                             kProject)));
+  EXPECT_THAT(Requests(),
+              ElementsAre(Sent("getTagList", Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "*") + kProject)));
 }
 
 TEST_F(TagsWalk, WithoutAToolFileNoTagWithAVersionIsUpToDate) {
@@ -122,8 +122,8 @@ TEST_F(TagsWalk, TheListsTagsAreFetchedByOneRequestEach) {
                                  "PROTOTAG SS-2", "TAG Küche & Café <EG>"));
   const std::vector<std::string> requests = Requests();
   ASSERT_EQ(6u, requests.size());
-  EXPECT_EQ(Sent("getTag", Parameter("pdsgFilter", "") + kProject + Parameter("pdsg", "RTU47") +
-                               Parameter("tagName", "RTU-1")),
+  EXPECT_EQ(Sent("getTag",
+                 Parameter("pdsgFilter", "") + kProject + Parameter("pdsg", "RTU47") + Parameter("tagName", "RTU-1")),
             requests[0]);
   EXPECT_EQ(Sent("getTagEx", kProject + Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "WSH47") +
                                  Parameter("tagName", "HP-7")),
@@ -149,8 +149,8 @@ TEST_F(TagsWalk, ATagIsRenamedCopiedAndDeleted) {
                             Parameter("DATATYPE", "0") + Parameter("TAGINDEXID", "1103") + Parameter("ID", "1103")),
   });
   EXPECT_EQ(0, outcome.status) << outcome.out;
-  EXPECT_THAT(Tags(), ElementsAre("Roof _ 1 -1", "AHU-3 -1", "HP-7 0", "SS-2 0", "Küche & Café <EG> 0",
-                                  "Copy of Roof _ 1 -1"));
+  EXPECT_THAT(Tags(),
+              ElementsAre("Roof _ 1 -1", "AHU-3 -1", "HP-7 0", "SS-2 0", "Küche & Café <EG> 0", "Copy of Roof _ 1 -1"));
   EXPECT_THAT(Tags(Parameter("projectName", "Annex")), ElementsAre("RTU-1[1] -1"))
       << "the instance goes by the list that it fetched first, of another project and with the old name";
 }
@@ -178,15 +178,17 @@ TEST_F(TagsWalk, WhatTheRouterRefusesIsTheFailedReply) {
 
 TEST_F(TagsWalk, AReplayAnswersTagRequests) {
   const std::string replay = File("not a command", "");
-  WriteHostFile(replay, "{\"kind\":\"router\",\"answer\":\"<L><TAG><NAME>A</NAME><PDSG>XRC47</PDSG>"
-                        "<TAGVERSION>4.71.0</TAGVERSION></TAG></L>\",\"success\":true}\n"
-                        "{\"kind\":\"router\",\"answer\":\"no XML\",\"success\":true}\n");
+  WriteHostFile(replay,
+                "{\"kind\":\"router\",\"answer\":\"<L><TAG><NAME>A</NAME><PDSG>XRC47</PDSG>"
+                "<TAGVERSION>4.71.0</TAGVERSION></TAG></L>\",\"success\":true}\n"
+                "{\"kind\":\"router\",\"answer\":\"no XML\",\"success\":true}\n");
   const std::string list = File("getTagList", kProject);
   const Outcome outcome = Pull({list, list}, {"--replay", replay});
   EXPECT_EQ(0, outcome.status) << outcome.err;
-  EXPECT_EQ("<L><TAG><NAME>A</NAME><PDSG>XRC47</PDSG><TAGVERSION>4.71.0</TAGVERSION><UPTODATE>-1</UPTODATE></TAG>"
-            "</L>\r\n",
-            outcome.out);
+  EXPECT_EQ(
+      "<L><TAG><NAME>A</NAME><PDSG>XRC47</PDSG><TAGVERSION>4.71.0</TAGVERSION><UPTODATE>-1</UPTODATE></TAG>"
+      "</L>\r\n",
+      outcome.out);
 }
 
 TEST_F(TagsWalk, TheSamplesCommandsAreAllCarriedOutInTheirOrder) {
@@ -247,22 +249,17 @@ TEST_F(TagsWalk, TheJournalHoldsEveryStepWithTheBuilder) {
   const auto object = [](const std::string& name) { return "{\"object\":\"" + name + "\"}"; };
   const std::string arguments =
       "[\"Workflow Service\",\"runBuilder\",[[\"Consumer\"," + object("Parvex.LegacyORLAPull") + "],[\"Builder\"," +
-      object(kBuilder) + "],[\"Command Line\"," +
-      R"("\\\\\\FCB47\\Küche & Café <EG>\\1106\\Riverside Clinic\\1")" + "]],\"QuoteBuilder\"]";
-  EXPECT_THAT(steps, ElementsAreArray({"create " + kBuilder + "  [] null",
-                                       "put " + kBuilder + " standalone [false] null",
-                                       "call " + kBuilder + " View [true,null] null",
-                                       "get " + kBuilder + " UILoaded [] false",
-                                       "get " + kBuilder + " UILoaded [] true",
-                                       "get " + kBuilder + " Framework [] " + object(framework),
-                                       "get " + framework + " ServiceBroker [] " + object(broker),
-                                       "release " + framework + "  [] null",
-                                       "call " + broker + " CallService " + arguments + " " +
-                                           object(broker + ".CallService"),
-                                       "release " + broker + "  [] null",
-                                       "get " + kBuilder + " UILoaded [] true",
-                                       "release " + kBuilder + "  [] null",
-                                       "release " + broker + ".CallService  [] null"}));
+      object(kBuilder) + "],[\"Command Line\"," + R"("\\\\\\FCB47\\Küche & Café <EG>\\1106\\Riverside Clinic\\1")" +
+      "]],\"QuoteBuilder\"]";
+  EXPECT_THAT(steps,
+              ElementsAreArray(
+                  {"create " + kBuilder + "  [] null", "put " + kBuilder + " standalone [false] null",
+                   "call " + kBuilder + " View [true,null] null", "get " + kBuilder + " UILoaded [] false",
+                   "get " + kBuilder + " UILoaded [] true", "get " + kBuilder + " Framework [] " + object(framework),
+                   "get " + framework + " ServiceBroker [] " + object(broker), "release " + framework + "  [] null",
+                   "call " + broker + " CallService " + arguments + " " + object(broker + ".CallService"),
+                   "release " + broker + "  [] null", "get " + kBuilder + " UILoaded [] true",
+                   "release " + kBuilder + "  [] null", "release " + broker + ".CallService  [] null"}));
 }
 
 TEST_F(TagsWalk, ACancelledBuilderIsASuccessThatChangesNothing) {

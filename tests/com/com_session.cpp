@@ -59,8 +59,8 @@ LateCall CallByName(IDispatch* object, std::string_view member, WORD kind, std::
   DISPPARAMS parameters = {arguments.data(), isPut ? &put : nullptr, static_cast<UINT>(arguments.size()),
                            isPut ? 1u : 0u};
   EXCEPINFO exception = {};
-  call.result = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters, call.value.Out(), &exception,
-                               nullptr);
+  call.result =
+      object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters, call.value.Out(), &exception, nullptr);
   call.number = exception.scode;
   call.source = TextOf(exception.bstrSource);
   call.description = TextOf(exception.bstrDescription);

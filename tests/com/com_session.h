@@ -1,9 +1,8 @@
 #pragma once
 
-#include <windows.h>
-
 #include <msxml2.h>
 #include <oleauto.h>
+#include <windows.h>
 
 #include <string>
 #include <string_view>

@@ -1,10 +1,9 @@
-#include "adapters/windows/system_automation.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "seams/automation_error.h"
 #include "adapters/windows/com_object.h"
+#include "adapters/windows/system_automation.h"
+#include "seams/automation_error.h"
 
 // Objects of this system driven from outside, and outer objects driven from here: one drives the other through
 // IDispatch, as a script and the report server would.
@@ -55,9 +54,8 @@ class ExposedAutomation : public testing::Test {
 };
 
 TEST_F(ExposedAutomation, ValuesOfEveryKindTravelThereAndBack) {
-  for (const Value& value :
-       {Value(), Value(true), Value(false), Value(-2147483647 - 1), Value(0.1), Value(std::string()),
-        Value(std::string("Größe 😀")), Value(std::string("a\0b", 3))}) {
+  for (const Value& value : {Value(), Value(true), Value(false), Value(-2147483647 - 1), Value(0.1),
+                             Value(std::string()), Value(std::string("Größe 😀")), Value(std::string("a\0b", 3))}) {
     EXPECT_EQ(RoundTrip(value), value) << value.index();
   }
   EXPECT_EQ(RoundTrip(ObjectRef()), Value(ObjectRef()));

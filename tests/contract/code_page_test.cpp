@@ -34,9 +34,7 @@ TEST_F(CodePageContract, BytesWithoutCharacterAreControlCharacters) {
   EXPECT_EQ(codePage.FromAnsi("\x81\x8D\x8F\x90\x9D"), "\u0081\u008D\u008F\u0090\u009D");
 }
 
-TEST_F(CodePageContract, ACharacterBeyondTheCodePageBecomesAQuestionMark) {
-  EXPECT_EQ(codePage.ToAnsi("a日b"), "a?b");
-}
+TEST_F(CodePageContract, ACharacterBeyondTheCodePageBecomesAQuestionMark) { EXPECT_EQ(codePage.ToAnsi("a日b"), "a?b"); }
 
 TEST_F(CodePageContract, ASurrogatePairBecomesTwoQuestionMarks) { EXPECT_EQ(codePage.ToAnsi("a\U0001F600b"), "a??b"); }
 

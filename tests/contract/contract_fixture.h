@@ -52,8 +52,8 @@ struct ContractMachine {
   void SetReadOnly(std::string_view path, bool readOnly);
 
   /// Installs a program under `path`. Started by this test, it writes its arguments, each on a line of its own, into
-  /// the file kProbeReport of the scratch folder, waits while the file kProbeHold stands there, and ends with the exit code that
-  /// its first argument gives as "exit=N", else with 0.
+  /// the file kProbeReport of the scratch folder, waits while the file kProbeHold stands there, and ends with the exit
+  /// code that its first argument gives as "exit=N", else with 0.
   void InstallProbe(std::string_view path);
   static constexpr std::string_view kProbeReport = "probe.txt";
   static constexpr std::string_view kProbeHold = "probe.hold";

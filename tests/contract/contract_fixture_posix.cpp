@@ -35,9 +35,7 @@ struct ContractMachine::Host {
   posix::Machine machine{BareMachine(folder.Path())};
   std::string registryText = "\xEF\xBB\xBFWindows Registry Editor Version 5.00\r\n";
 
-  std::filesystem::path HostPath(std::string_view path) {
-    return posix::MachineFolder(folder.Path()).Target(path);
-  }
+  std::filesystem::path HostPath(std::string_view path) { return posix::MachineFolder(folder.Path()).Target(path); }
 };
 
 ContractMachine::ContractMachine()
@@ -57,8 +55,8 @@ ContractMachine::ContractMachine()
 ContractMachine::~ContractMachine() = default;
 
 void ContractMachine::SetRegistryString(std::string_view valueName, std::string_view text) {
-  host_->registryText += "\r\n[HKEY_LOCAL_MACHINE\\" + scratchKey + "]\r\n\"" + Escaped(valueName) + "\"=\"" +
-                         Escaped(text) + "\"\r\n";
+  host_->registryText +=
+      "\r\n[HKEY_LOCAL_MACHINE\\" + scratchKey + "]\r\n\"" + Escaped(valueName) + "\"=\"" + Escaped(text) + "\"\r\n";
   WriteHostFile(host_->folder.Path() / "registry.reg", host_->registryText);
 }
 

@@ -1,10 +1,9 @@
-#include "seams/message_boxes.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
 
+#include "seams/message_boxes.h"
 #include "tests/contract/contract_fixture.h"
 
 namespace parvex::test {

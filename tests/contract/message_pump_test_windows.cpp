@@ -1,8 +1,7 @@
-#include "seams/message_pump.h"
-
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include "seams/message_pump.h"
 #include "tests/contract/contract_fixture.h"
 
 // What the pump does with the messages of a thread.

@@ -54,57 +54,55 @@ TEST_P(PrivateProfileRules, Hold) {
   EXPECT_EQ(Read("s", GetParam().key), GetParam().value) << GetParam().text;
 }
 
-INSTANTIATE_TEST_SUITE_P(Names, PrivateProfileRules, testing::Values(
-    Row{"[s]\r\nk=v\r\n", "k", "v"},
-    Row{"[S]\r\nKey=v\r\n", "kEY", "v"},                    // letter case
-    Row{"  [ s ]  \r\n \t k \t = \t v \t \r\n", "k", "v"},  // outer blanks
-    Row{"[s]\r\nk=v\r\n", "  k ", "v"},                     // blanks around the name that is asked for
-    Row{"[s]\r\na b=v\r\n", "a b", "v"},                    // inner blanks count
-    Row{"[s]\r\n\"k\"=v\r\n", "k", "-"},                    // quotes belong to a name
-    Row{"[s]\r\n=v\r\n", "", "v"},                          // an empty key
-    Row{"[s]\r\nk=1\r\nK=2\r\n", "k", "1"},                 // the first of two keys
-    Row{"[s]\r\na=1\r\n[t]\r\n[S]\r\nk=2\r\n", "k", "-"},   // the first of two sections, and only it
-    Row{"[s]\r\nk\r\nk=2\r\n", "k", "-"},                   // a line without "=" is the first, and has no value
-    Row{"k=1\r\n[s]\r\n", "k", "-"},                        // before the first header
-    Row{"[s]\r\n[]\r\nk=1\r\n", "k", "-"},                  // a header of no name ends a section
-    Row{"[s]\r\n;k=1\r\nk=2\r\n", "k", "2"},                // a comment
-    Row{"[s\r\nk=1\r\n", "k", "-"},                         // no "]": no header
-    Row{"[t]\r\n[s\r\nk=1\r\n[s]\r\nk=2\r\n", "k", "2"},    //
-    Row{"[s] x\r\nk=1\r\n", "k", "1"},                      // text behind the header
-    Row{"[s] ; ]\r\nk=1\r\n", "k", "-"},                    // the last "]" ends the name
-    Row{"[s]k=1\r\nk=2\r\n", "k", "2"},                     // nothing but a header on its line
-    Row{"", "k", "-"},
-    Row{"[", "k", "-"},
-    Row{"[s]", "k", "-"}));
+INSTANTIATE_TEST_SUITE_P(
+    Names, PrivateProfileRules,
+    testing::Values(Row{"[s]\r\nk=v\r\n", "k", "v"}, Row{"[S]\r\nKey=v\r\n", "kEY", "v"},  // letter case
+                    Row{"  [ s ]  \r\n \t k \t = \t v \t \r\n", "k", "v"},                 // outer blanks
+                    Row{"[s]\r\nk=v\r\n", "  k ", "v"},                    // blanks around the name that is asked for
+                    Row{"[s]\r\na b=v\r\n", "a b", "v"},                   // inner blanks count
+                    Row{"[s]\r\n\"k\"=v\r\n", "k", "-"},                   // quotes belong to a name
+                    Row{"[s]\r\n=v\r\n", "", "v"},                         // an empty key
+                    Row{"[s]\r\nk=1\r\nK=2\r\n", "k", "1"},                // the first of two keys
+                    Row{"[s]\r\na=1\r\n[t]\r\n[S]\r\nk=2\r\n", "k", "-"},  // the first of two sections, and only it
+                    Row{"[s]\r\nk\r\nk=2\r\n", "k", "-"},     // a line without "=" is the first, and has no value
+                    Row{"k=1\r\n[s]\r\n", "k", "-"},          // before the first header
+                    Row{"[s]\r\n[]\r\nk=1\r\n", "k", "-"},    // a header of no name ends a section
+                    Row{"[s]\r\n;k=1\r\nk=2\r\n", "k", "2"},  // a comment
+                    Row{"[s\r\nk=1\r\n", "k", "-"},           // no "]": no header
+                    Row{"[t]\r\n[s\r\nk=1\r\n[s]\r\nk=2\r\n", "k", "2"},  //
+                    Row{"[s] x\r\nk=1\r\n", "k", "1"},                    // text behind the header
+                    Row{"[s] ; ]\r\nk=1\r\n", "k", "-"},                  // the last "]" ends the name
+                    Row{"[s]k=1\r\nk=2\r\n", "k", "2"},                   // nothing but a header on its line
+                    Row{"", "k", "-"}, Row{"[", "k", "-"}, Row{"[s]", "k", "-"}));
 
-INSTANTIATE_TEST_SUITE_P(Values, PrivateProfileRules, testing::Values(
-    Row{"[s]\nk=a;b ; c\n", "k", "a;b ; c"},   // no comments in values
-    Row{"[s]\nk==1=2\n", "k", "=1=2"},         //
-    Row{"[s]\nk=\n", "k", ""},                 // empty is a value
-    Row{"[s]\nk=\"a\"\n", "k", "a"},           // a pair of quotes
-    Row{"[s]\nk='a'\n", "k", "a"},             //
-    Row{"[s]\nk=\" a \" \n", "k", " a "},      // blanks inside stay
-    Row{"[s]\nk=\"\"\n", "k", ""},             //
-    Row{"[s]\nk=\"'a'\"\n", "k", "'a'"},       // one pair only
-    Row{"[s]\nk=\"a\"b\"\n", "k", "a\"b"},     //
-    Row{"[s]\nk=\"a'\n", "k", "\"a'"},         // no pair
-    Row{"[s]\nk=\"a\n", "k", "\"a"},           //
-    Row{"[s]\nk=\"\n", "k", "\""},             // one character is no pair
-    Row{"[s]\nk=\xE4\x80\n", "k", "ä€"}));
+INSTANTIATE_TEST_SUITE_P(Values, PrivateProfileRules,
+                         testing::Values(Row{"[s]\nk=a;b ; c\n", "k", "a;b ; c"},  // no comments in values
+                                         Row{"[s]\nk==1=2\n", "k", "=1=2"},        //
+                                         Row{"[s]\nk=\n", "k", ""},                // empty is a value
+                                         Row{"[s]\nk=\"a\"\n", "k", "a"},          // a pair of quotes
+                                         Row{"[s]\nk='a'\n", "k", "a"},            //
+                                         Row{"[s]\nk=\" a \" \n", "k", " a "},     // blanks inside stay
+                                         Row{"[s]\nk=\"\"\n", "k", ""},            //
+                                         Row{"[s]\nk=\"'a'\"\n", "k", "'a'"},      // one pair only
+                                         Row{"[s]\nk=\"a\"b\"\n", "k", "a\"b"},    //
+                                         Row{"[s]\nk=\"a'\n", "k", "\"a'"},        // no pair
+                                         Row{"[s]\nk=\"a\n", "k", "\"a"},          //
+                                         Row{"[s]\nk=\"\n", "k", "\""},            // one character is no pair
+                                         Row{"[s]\nk=\xE4\x80\n", "k", "ä€"}));
 
-INSTANTIATE_TEST_SUITE_P(Lines, PrivateProfileRules, testing::Values(
-    Row{"[s]\nk=1", "k", "1"},                    // no line break at the end
-    Row{"[s]\rk=1\rb=2\r", "k", "1"},             // lone CR
-    Row{"[s]\n\rk=1\n\r", "k", "1"},              //
-    Row{"\r\n\n\r[s]\r\r\n\n\nk=1\n", "k", "1"},  //
-    Row{"[s]\nk=1\x1A", "k", "1"},                // ^Z ends a file of old: a blank
-    Row{"[s]\n\x1Ak=1\x1A\x32\n", "k", "1\x1A\x32"},
-    Row{"[s]\nk=1~2\n", "k", "1"},                // NUL ends a text
-    Row{"[s]\nk~x=1\n", "k", "1"},                //
-    Row{"[s~x]\nk=1\n", "k", "1"},                //
-    Row{"[s]\nk ~=1\n", "k", "-"},                // what stands before the NUL is not trimmed
-    Row{"[s]\nk=\v1\f\n", "k", "1"},
-    Row{"\xEF\xBB\xBF[s]\nk=\xC3\xA4\n", "k", "ä"}));  // UTF-8
+INSTANTIATE_TEST_SUITE_P(Lines, PrivateProfileRules,
+                         testing::Values(Row{"[s]\nk=1", "k", "1"},                    // no line break at the end
+                                         Row{"[s]\rk=1\rb=2\r", "k", "1"},             // lone CR
+                                         Row{"[s]\n\rk=1\n\r", "k", "1"},              //
+                                         Row{"\r\n\n\r[s]\r\r\n\n\nk=1\n", "k", "1"},  //
+                                         Row{"[s]\nk=1\x1A", "k", "1"},                // ^Z ends a file of old: a blank
+                                         Row{"[s]\n\x1Ak=1\x1A\x32\n", "k", "1\x1A\x32"},
+                                         Row{"[s]\nk=1~2\n", "k", "1"},  // NUL ends a text
+                                         Row{"[s]\nk~x=1\n", "k", "1"},  //
+                                         Row{"[s~x]\nk=1\n", "k", "1"},  //
+                                         Row{"[s]\nk ~=1\n", "k", "-"},  // what stands before the NUL is not trimmed
+                                         Row{"[s]\nk=\v1\f\n", "k", "1"},
+                                         Row{"\xEF\xBB\xBF[s]\nk=\xC3\xA4\n", "k", "ä"}));  // UTF-8
 
 TEST_F(PrivateProfileContract, MissingFilesSectionsAndKeysGiveTheFallback) {
   EXPECT_EQ(Read("s", "k", "CANCEL"), "CANCEL");
@@ -162,12 +160,32 @@ TEST_F(PrivateProfileContract, IntegersAreReadAsThePlatformReadsThem) {
   const struct {
     const char* text;
     std::int32_t value;
-  } rows[] = {{"1", 1},           {"-1", -1},         {"+5", 5},       {"\" 6\"", 6},      {"12abc", 12},
-              {"1.5", 1},         {"017", 17},        {"5 6", 5},      {"abc", 0},         {"- 5", 0},
-              {"--5", 0},         {"+-5", 0},         {"0x1F", 31},    {"0X1F", 0},        {"-0x10", -16},
-              {"0o17", 15},       {"0b11", 3},        {"0B1", 0},      {"0x", 0},          {"0xg", 0},
-              {"0x-5", 0},        {"4294967295", -1}, {"4294967296", 0}, {"-2147483649", 2147483647},
-              {"99999999999", 1215752191}, {"0xABCDEFabcdef", -273953297}};
+  } rows[] = {{"1", 1},
+              {"-1", -1},
+              {"+5", 5},
+              {"\" 6\"", 6},
+              {"12abc", 12},
+              {"1.5", 1},
+              {"017", 17},
+              {"5 6", 5},
+              {"abc", 0},
+              {"- 5", 0},
+              {"--5", 0},
+              {"+-5", 0},
+              {"0x1F", 31},
+              {"0X1F", 0},
+              {"-0x10", -16},
+              {"0o17", 15},
+              {"0b11", 3},
+              {"0B1", 0},
+              {"0x", 0},
+              {"0xg", 0},
+              {"0x-5", 0},
+              {"4294967295", -1},
+              {"4294967296", 0},
+              {"-2147483649", 2147483647},
+              {"99999999999", 1215752191},
+              {"0xABCDEFabcdef", -273953297}};
   for (const auto& row : rows) {
     Write("[s]\r\nk=" + std::string(row.text) + "\r\n");
     EXPECT_EQ(ReadInteger("k"), row.value) << row.text;

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "formats/jet/writer.h"
 #include "adapters/windows/machine.h"
+#include "formats/jet/writer.h"
 #include "tests/contract/contract_fixture.h"
 #include "tests/contract/substitute_engine_windows.h"
 

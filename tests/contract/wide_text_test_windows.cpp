@@ -1,10 +1,9 @@
-#include "adapters/windows/wide_text.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "adapters/windows/com_pointer.h"
+#include "adapters/windows/wide_text.h"
 
 namespace parvex::windows {
 namespace {

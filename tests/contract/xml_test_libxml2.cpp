@@ -267,7 +267,8 @@ TEST(XmlMemory, OfNodesThatMovedOutlivesTheirFirstDocument) {
   Document target = Document::Parse("<t/>");
   Node held;
   {
-    const Document source = Document::Parse("<s><a b=\"1\" xmlns:p=\"u\"><p:c>text<!-- note --><?i do?></p:c></a><d/></s>");
+    const Document source =
+        Document::Parse("<s><a b=\"1\" xmlns:p=\"u\"><p:c>text<!-- note --><?i do?></p:c></a><d/></s>");
     held = target.Append(source.First("//a"));
     EXPECT_EQ(source.Xml(), "<s><d/></s>\r\n");
   }

@@ -1,3 +1,5 @@
+#include "seams/xml.h"
+
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -5,9 +7,8 @@
 #include <string>
 #include <thread>
 
-#include "seams/automation_error.h"
 #include "adapters/msxml/msxml_document.h"
-#include "seams/xml.h"
+#include "seams/automation_error.h"
 #include "tests/contract/contract_fixture.h"
 #include "tests/support/hostile_markup.h"
 
@@ -16,9 +17,9 @@
 namespace parvex {
 namespace {
 
-using windows::ComPointer;
 using test::RefusalOf;
 using test::Repeated;
+using windows::ComPointer;
 using xml::Document;
 
 DWORD WINAPI RunInApartment(void* act) {

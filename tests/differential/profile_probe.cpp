@@ -85,9 +85,7 @@ class Profile {
   std::string Integer(const std::vector<std::string>& f) {
     return std::to_string(At(f).ReadInteger(Text(f[3]), static_cast<std::int32_t>(std::stol(f[4]))));
   }
-  std::string Write(const std::vector<std::string>& f) {
-    return At(f).WriteString(Text(f[3]), Text(f[4])) ? "1" : "0";
-  }
+  std::string Write(const std::vector<std::string>& f) { return At(f).WriteString(Text(f[3]), Text(f[4])) ? "1" : "0"; }
   std::string Bytes(const std::vector<std::string>& f) {
     const std::string file = Text(f[1]);
     return machine_.GetFiles().IsFile(file) ? machine_.GetFiles().ReadAll(file) : "-";

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "formats/jet/writer.h"
-#include "seams/automation_error.h"
+#include "adapters/posix/jet_databases.h"
 #include "formats/jet/decoder.h"
 #include "formats/jet/format.h"
-#include "adapters/posix/jet_databases.h"
+#include "formats/jet/writer.h"
+#include "seams/automation_error.h"
 #include "tests/support/one_file.h"
 
 // Databases that were cut off or got wrong bits are read by both readers and changed: rows or an error that says

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "formats/zip/zip_reader.h"
-#include "hybris/stored_tag_text.h"
 #include "formats/zip/zip_writer.h"
+#include "hybris/stored_tag_text.h"
 #include "tests/faults/limited_child.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/zip_patch.h"

@@ -4,11 +4,11 @@
 #include <new>
 
 #include "codec/bin_encoder.h"
+#include "formats/jet/writer.h"
+#include "formats/zip/zip_writer.h"
 #include "hybris/tag_stored_data.h"
 #include "interface/legacy_orla_pull.h"
 #include "legacy_env/ui_settings.h"
-#include "formats/jet/writer.h"
-#include "formats/zip/zip_writer.h"
 #include "seams/automation_error.h"
 #include "tests/faults/fault_injection.h"
 #include "tests/support/command_texts.h"

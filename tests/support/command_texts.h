@@ -12,8 +12,8 @@ inline xml::Document Command(const std::string& name, const std::string& paramet
 }
 
 inline std::string Parameter(const std::string& name, const std::string& value) {
-  return "<PARAMETER><NAME>" + name + "</NAME>" +
-         (value.empty() ? "<VALUE/>" : "<VALUE>" + value + "</VALUE>") + "</PARAMETER>";
+  return "<PARAMETER><NAME>" + name + "</NAME>" + (value.empty() ? "<VALUE/>" : "<VALUE>" + value + "</VALUE>") +
+         "</PARAMETER>";
 }
 
 /// The text of a command as it is sent: a document's, which ends with a line break.

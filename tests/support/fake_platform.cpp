@@ -88,8 +88,16 @@ TemporaryFolder::~TemporaryFolder() {
 
 FakeMachine::FakeMachine()
     : machine(InstalledMachine(folder.Path())),
-      platform{machine.GetRegistry(), machine.GetPrivateProfile(), machine.GetFiles(), processes, pump, boxes, routers,
-               automation, machine.GetProjectDatabases(), machine.GetCodePage()} {
+      platform{machine.GetRegistry(),
+               machine.GetPrivateProfile(),
+               machine.GetFiles(),
+               processes,
+               pump,
+               boxes,
+               routers,
+               automation,
+               machine.GetProjectDatabases(),
+               machine.GetCodePage()} {
   ForgetInstallPaths();
   ForgetIniTarget();
   SetBinPath(kBinPath);

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "seams/platform.h"
 #include "adapters/posix/machine.h"
+#include "seams/platform.h"
 #include "tests/support/fake_automation.h"
 
 namespace parvex::test {
@@ -24,7 +24,7 @@ class FakeRouters : public MessageRouters {
   };
   std::vector<std::string> requests;
   std::deque<Answer> answers;
-  bool missing = false;                                        ///< creation fails (429)
+  bool missing = false;                                             ///< creation fails (429)
   std::function<bool(const std::string&, std::string&)> onRequest;  ///< answers instead of the list when set
 
   std::unique_ptr<MessageRouter> Create() override;

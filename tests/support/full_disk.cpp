@@ -86,9 +86,9 @@ FullDisk::FullDisk(const Platform& machine, int room)
     : room_(room),
       files_(std::make_unique<FullFiles>(machine.files, room_)),
       profile_(std::make_unique<FullProfile>(machine.privateProfile, room_)),
-      platform_{machine.registry,     *profile_,              *files_,
-                machine.processes,    machine.messagePump,    machine.messageBoxes,
-                machine.messageRouters, machine.automation,   databases_,
+      platform_{machine.registry,       *profile_,           *files_,
+                machine.processes,      machine.messagePump, machine.messageBoxes,
+                machine.messageRouters, machine.automation,  databases_,
                 machine.codePage} {}
 
 }  // namespace parvex::test

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "seams/platform.h"
 #include "adapters/posix/jet_databases.h"
+#include "seams/platform.h"
 
 namespace parvex::test {
 

@@ -1,10 +1,10 @@
 #include <filesystem>
 #include <optional>
 
-#include "legacy_standin/workflow/program/place.h"
-#include "seams/automation_error.h"
 #include "adapters/posix/machine.h"
 #include "formats/text/text.h"
+#include "legacy_standin/workflow/program/place.h"
+#include "seams/automation_error.h"
 
 namespace parvex::standin {
 namespace {

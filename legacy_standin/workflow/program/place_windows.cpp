@@ -1,10 +1,10 @@
 #include <filesystem>
 
-#include "legacy_standin/workflow/program/place.h"
 #include "adapters/windows/apartment.h"
 #include "adapters/windows/machine.h"
 #include "adapters/windows/this_program.h"
 #include "adapters/windows/wide_text.h"
+#include "legacy_standin/workflow/program/place.h"
 
 namespace parvex::standin {
 struct WorkflowPlace::Parts {

@@ -1,15 +1,14 @@
-#include "seams/xml.h"
-
 #include <climits>
 #include <utility>
 
-#include "seams/automation_error.h"
-#include "formats/text/xml_characters.h"
 #include "adapters/libxml2/encoding.h"
 #include "adapters/libxml2/markup.h"
 #include "adapters/libxml2/parse.h"
 #include "adapters/libxml2/select.h"
 #include "adapters/libxml2/tree.h"
+#include "formats/text/xml_characters.h"
+#include "seams/automation_error.h"
+#include "seams/xml.h"
 
 namespace parvex::xml {
 
@@ -24,9 +23,7 @@ struct Adapter {
     return handle;
   }
 
-  static Document HandleOn(UnheldDocument document) {
-    return HandleOn(document.release());
-  }
+  static Document HandleOn(UnheldDocument document) { return HandleOn(document.release()); }
   static Document HandleOn(xmlDoc* document) {
     Document handle;
     handle.node_ = HandleOn(AsNode(document));

@@ -196,8 +196,8 @@ class Writer {
     std::string_view uri;
   };
 
-  // Nodes mostly lie in the order in which they are written, so what comes soon is some way behind in memory; waiting for
-  // it took half of the time.
+  // Nodes mostly lie in the order in which they are written, so what comes soon is some way behind in memory; waiting
+  // for it took half of the time.
   static void PrepareBehind(const void* node) {
     constexpr std::size_t kAhead = 768;
     __builtin_prefetch(static_cast<const char*>(node) + kAhead);

@@ -49,9 +49,7 @@ NodeArena::~NodeArena() {
   }
 }
 
-void* NodeArena::Allocate(std::size_t size) {
-  return size <= kLargestSmall ? Cut(ClassOf(size)) : AllocateLarge(size);
-}
+void* NodeArena::Allocate(std::size_t size) { return size <= kLargestSmall ? Cut(ClassOf(size)) : AllocateLarge(size); }
 
 void NodeArena::Free(void* piece, std::size_t size) noexcept {
   if (size <= kLargestSmall) {

@@ -19,8 +19,8 @@ class NodeArena {
 
   /// Memory for `size` bytes (at least one), aligned for pointers. Throws std::bad_alloc.
   void* Allocate(std::size_t size);
-  /// Takes back a piece that was allocated here, or in an arena that was absorbed, with that size or another that is the
-  /// same number of grains.
+  /// Takes back a piece that was allocated here, or in an arena that was absorbed, with that size or another that is
+  /// the same number of grains.
   void Free(void* piece, std::size_t size) noexcept;
   /// Takes over all that another arena holds; it is empty afterwards. The cost does not depend on how much that is.
   void Absorb(NodeArena& other) noexcept;

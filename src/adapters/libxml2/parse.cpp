@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "formats/text/xml_characters.h"
 #include "adapters/libxml2/encoding.h"
+#include "formats/text/xml_characters.h"
 
 namespace parvex::xml {
 namespace {
@@ -28,11 +28,11 @@ constexpr std::size_t kMostExpansion = 1'000'000;
 // elements never becomes a node, and neighbouring pieces of a text are joined once.
 struct Parsing {
   std::size_t expanded = 0;
-  std::string error;         // the first one
-  bool outOfMemory = false;  // an exception must not pass through the library
-  xmlNode* open = nullptr;   // the innermost element that is open, or the document
+  std::string error;                     // the first one
+  bool outOfMemory = false;              // an exception must not pass through the library
+  xmlNode* open = nullptr;               // the innermost element that is open, or the document
   std::vector<bool> keepsBlanks{false};  // of the elements that are open, and outside of them
-  std::string text;          // since the last tag, section, comment or instruction
+  std::string text;                      // since the last tag, section, comment or instruction
 };
 
 Parsing& ParsingOf(void* context) { return *static_cast<Parsing*>(static_cast<xmlParserCtxt*>(context)->_private); }
@@ -57,8 +57,7 @@ void Record(Parsing& parsing, MakeReason makeReason) noexcept {
 template <typename... Pieces>
 void Refuse(void* context, const Pieces&... pieces) noexcept {
   auto* parser = static_cast<xmlParserCtxt*>(context);
-  Record(ParsingOf(context),
-         [&] { return (At(parser->input->line, parser->input->col) + ... + std::string(pieces)); });
+  Record(ParsingOf(context), [&] { return (At(parser->input->line, parser->input->col) + ... + std::string(pieces)); });
   xmlStopParser(parser);
 }
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <unordered_map>
 
-#include "seams/automation_error.h"
 #include "formats/text/xml_characters.h"
+#include "seams/automation_error.h"
 
 namespace parvex::xml {
 namespace {

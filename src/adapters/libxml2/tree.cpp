@@ -450,9 +450,7 @@ void Release(xmlNode* node) noexcept {
   }
 }
 
-xmlNode* NewElement(xmlDoc* document, const xmlChar* name) {
-  return AppendElement(Limbo(document), name);
-}
+xmlNode* NewElement(xmlDoc* document, const xmlChar* name) { return AppendElement(Limbo(document), name); }
 
 xmlNode* NewCData(xmlDoc* document, std::string_view text) {
   return AppendLeaf(Limbo(document), XML_CDATA_SECTION_NODE, text);

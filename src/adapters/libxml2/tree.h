@@ -61,8 +61,8 @@ inline xmlNode* AsNode(xmlAttr* attribute) { return reinterpret_cast<xmlNode*>(a
 inline const xmlAttr* AsAttribute(const xmlNode* node) { return reinterpret_cast<const xmlAttr*>(node); }
 inline DocumentState& StateOf(const xmlDoc* document) { return *static_cast<DocumentState*>(document->_private); }
 
-/// The marks of a node. A text never carries one: the next white space is part of it, or was dropped behind another node.
-/// Neither a text nor a DOCTYPE has the field.
+/// The marks of a node. A text never carries one: the next white space is part of it, or was dropped behind another
+/// node. Neither a text nor a DOCTYPE has the field.
 inline unsigned short BlanksAt(const xmlNode* node) {
   return node->type == XML_TEXT_NODE || node->type == XML_DTD_NODE ? 0 : node->extra;
 }

@@ -1,20 +1,19 @@
 // The XML seam over MSXML 3.
 
-#include <windows.h>
-
 #include <msxml2.h>
+#include <windows.h>
 
 #include <memory>
 #include <utility>
 
-#include "seams/automation_error.h"
-#include "formats/text/text.h"
-#include "adapters/windows/com_pointer.h"
 #include "adapters/msxml/markup_encoding.h"
 #include "adapters/msxml/msxml_document.h"
+#include "adapters/windows/com_pointer.h"
 #include "adapters/windows/system_error.h"
-#include "seams/xml.h"
+#include "formats/text/text.h"
 #include "formats/text/xml_characters.h"
+#include "seams/automation_error.h"
+#include "seams/xml.h"
 
 namespace parvex::xml {
 namespace {
@@ -157,9 +156,8 @@ ComPointer<IXMLDOMDocument2> NewComDocument() {
 
 bool IsNameOrPrefixedName(std::string_view name) {
   const std::size_t colon = name.find(':');
-  return colon == std::string_view::npos
-             ? IsPlainName(name)
-             : IsPlainName(name.substr(0, colon)) && IsPlainName(name.substr(colon + 1));
+  return colon == std::string_view::npos ? IsPlainName(name)
+                                         : IsPlainName(name.substr(0, colon)) && IsPlainName(name.substr(colon + 1));
 }
 
 bool IsDeclaredAt(ComNode node, std::string_view prefix) {

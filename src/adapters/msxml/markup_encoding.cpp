@@ -4,8 +4,8 @@
 
 #include <optional>
 
-#include "formats/text/text.h"
 #include "adapters/windows/wide_text.h"
+#include "formats/text/text.h"
 #include "formats/text/xml_characters.h"
 
 namespace parvex::windows {
@@ -26,9 +26,9 @@ struct KnownEncoding {
 };
 
 constexpr KnownEncoding kEncodings[] = {
-    {"UTF-8", kUtf8},         {"UTF-16", kUtf16},      {"US-ASCII", 20127},     {"WINDOWS-1250", 1250},
-    {"WINDOWS-1251", 1251},   {"WINDOWS-1252", 1252},  {"WINDOWS-1253", 1253},  {"WINDOWS-1254", 1254},
-    {"WINDOWS-1257", 1257},   {"ISO-8859-1", 28591},   {"ISO-8859-2", 28592},   {"ISO-8859-15", 28605},
+    {"UTF-8", kUtf8},       {"UTF-16", kUtf16},     {"US-ASCII", 20127},    {"WINDOWS-1250", 1250},
+    {"WINDOWS-1251", 1251}, {"WINDOWS-1252", 1252}, {"WINDOWS-1253", 1253}, {"WINDOWS-1254", 1254},
+    {"WINDOWS-1257", 1257}, {"ISO-8859-1", 28591},  {"ISO-8859-2", 28592},  {"ISO-8859-15", 28605},
 };
 
 std::optional<UINT> CodePageOf(std::string_view name) {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <windows.h>
-
 #include <msxml2.h>
+#include <windows.h>
 
 #include "adapters/windows/com_pointer.h"
 #include "seams/xml.h"

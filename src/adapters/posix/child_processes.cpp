@@ -10,8 +10,8 @@
 #include <string>
 #include <system_error>
 
-#include "seams/automation_error.h"
 #include "adapters/posix/program_line.h"
+#include "seams/automation_error.h"
 
 namespace parvex::posix {
 namespace {
@@ -110,8 +110,8 @@ std::unique_ptr<Process> ChildProcesses::Start(std::string_view commandLine, int
   const int failed = posix_spawn(&child, line.program.c_str(), files.Actions(), nullptr,
                                  Pointers(line.arguments).data(), Pointers(environment).data());
   if (failed != 0) {
-    throw MakeRuntimeError(RuntimeError::InvalidCall, "cannot start " + line.arguments.front() + ": " +
-                                                          std::generic_category().message(failed));
+    throw MakeRuntimeError(RuntimeError::InvalidCall,
+                           "cannot start " + line.arguments.front() + ": " + std::generic_category().message(failed));
   }
   return std::make_unique<ChildProcess>(child, abandoned_);
 }

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "seams/automation_error.h"
 #include "formats/text/text.h"
+#include "seams/automation_error.h"
 
 namespace parvex::posix {
 

@@ -12,18 +12,20 @@
 
 namespace parvex::posix {
 
-/// Finds names in folders of this system without regard to letter case. A folder is read once for each of its versions; what
-/// this program itself adds and removes is noted, so that filling or emptying a folder file by file costs no reading at all.
+/// Finds names in folders of this system without regard to letter case. A folder is read once for each of its versions;
+/// what this program itself adds and removes is noted, so that filling or emptying a folder file by file costs no
+/// reading at all.
 ///
-/// A change that another program makes in the same moment as one of ours is seen 50 ms later at the latest: a folder's time
-/// moves in steps, and within one step the two cannot be told apart.
+/// A change that another program makes in the same moment as one of ours is seen 50 ms later at the latest: a folder's
+/// time moves in steps, and within one step the two cannot be told apart.
 class FolderNames {
  public:
-  /// The first name in `folder`, in the order of the bytes, that is `name` in any letter case and leads somewhere. `status`
-  /// is the folder's of this moment.
+  /// The first name in `folder`, in the order of the bytes, that is `name` in any letter case and leads somewhere.
+  /// `status` is the folder's of this moment.
   std::optional<std::string> Find(const std::string& folder, const struct stat& status, const std::string& name);
 
-  /// Called around a change that this program makes in a folder: before it, and with the name that came or went after it.
+  /// Called around a change that this program makes in a folder: before it, and with the name that came or went after
+  /// it.
   void BeforeChange(const std::string& folder);
   void AfterAdding(const std::string& folder, const std::string& name);
   void AfterRemoving(const std::string& folder, const std::string& name);

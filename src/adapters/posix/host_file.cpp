@@ -10,8 +10,8 @@
 #include <atomic>
 #include <system_error>
 
-#include "seams/automation_error.h"
 #include "adapters/libxml2/large_pages.h"
+#include "seams/automation_error.h"
 
 namespace parvex::posix {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "formats/jet/databases.h"
 #include "adapters/posix/libmdb_table.h"
+#include "formats/jet/databases.h"
 
 namespace parvex::posix {
 

@@ -70,11 +70,15 @@ std::optional<std::string> TextOf(MdbHandle* database, const jet::Column& column
   if (!stored) return std::nullopt;
   switch (column.type) {
     case ColumnType::Binary:
-    case ColumnType::LongBinary: return std::nullopt;
+    case ColumnType::LongBinary:
+      return std::nullopt;
     // The shortest text that reads as the same number, where libmdb would show the binary rounding.
-    case ColumnType::Single: return ShortestDecimal<float>(*stored);
-    case ColumnType::Double: return ShortestDecimal<double>(*stored);
-    default: break;
+    case ColumnType::Single:
+      return ShortestDecimal<float>(*stored);
+    case ColumnType::Double:
+      return ShortestDecimal<double>(*stored);
+    default:
+      break;
   }
   if (field.siz == 0) return "";
   const std::unique_ptr<char, FreeText> text(

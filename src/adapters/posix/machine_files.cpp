@@ -7,9 +7,9 @@
 #include <system_error>
 #include <utility>
 
-#include "seams/automation_error.h"
 #include "adapters/posix/host_file.h"
 #include "formats/text/text.h"
+#include "seams/automation_error.h"
 
 namespace parvex::posix {
 namespace {
@@ -109,13 +109,9 @@ std::vector<std::string> MachineFiles::ListFolders(std::string_view folder) {
 
 std::string MachineFiles::ReadAll(std::string_view path) { return ReadHostFile(Existing(path), path); }
 
-void MachineFiles::Replace(std::string_view path, std::string_view bytes) {
-  Write(path, bytes, IfPresent::Replace);
-}
+void MachineFiles::Replace(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Replace); }
 
-void MachineFiles::CreateNew(std::string_view path, std::string_view bytes) {
-  Write(path, bytes, IfPresent::Refuse);
-}
+void MachineFiles::CreateNew(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Refuse); }
 
 void MachineFiles::Remove(std::string_view path) {
   Existing(path);

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "seams/files.h"
 #include "adapters/posix/host_file.h"
 #include "adapters/posix/machine_folder.h"
+#include "seams/files.h"
 
 namespace parvex::posix {
 

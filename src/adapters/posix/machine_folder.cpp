@@ -11,8 +11,8 @@
 #include <array>
 #include <memory>
 
-#include "seams/automation_error.h"
 #include "formats/text/text.h"
+#include "seams/automation_error.h"
 
 namespace parvex::posix {
 namespace {
@@ -215,7 +215,8 @@ void MachineFolder::RefuseOutsideOfDrive(const MachinePath& path, const std::fil
 
 std::optional<MachineFolder::FolderIdentity> MachineFolder::IdentityOf(const std::string& folder) {
   struct stat status;
-  return stat(folder.c_str(), &status) == 0 ? std::optional(FolderIdentity{status.st_dev, status.st_ino}) : std::nullopt;
+  return stat(folder.c_str(), &status) == 0 ? std::optional(FolderIdentity{status.st_dev, status.st_ino})
+                                            : std::nullopt;
 }
 
 void MachineFolder::RefuseRealPathOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host) const {

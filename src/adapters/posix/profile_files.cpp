@@ -5,10 +5,10 @@
 #include <optional>
 #include <utility>
 
-#include "seams/automation_error.h"
 #include "adapters/posix/host_file.h"
 #include "formats/ini/profile_index.h"
 #include "formats/ini/profile_text.h"
+#include "seams/automation_error.h"
 
 namespace parvex::posix {
 namespace {
@@ -27,8 +27,8 @@ std::int64_t Now() {
 
 void RefuseTooLarge(const FileVersion& version, const std::string& file) {
   if (version.size > kMostBytes) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, file + " has " + std::to_string(version.size) +
-                                                             " bytes, more than a profile file may have");
+    throw MakeRuntimeError(RuntimeError::PathFileAccess,
+                           file + " has " + std::to_string(version.size) + " bytes, more than a profile file may have");
   }
 }
 
@@ -89,7 +89,7 @@ struct ProfileFiles::Known {
   std::string file;
   std::filesystem::path host;
   FileVersion version;
-  bool changesWillShow = false;  // no change after the reading can leave the version as it is
+  bool changesWillShow = false;          // no change after the reading can leave the version as it is
   std::shared_ptr<const Parsed> parsed;  // null while there is no such file
 };
 

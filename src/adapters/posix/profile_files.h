@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "seams/code_page.h"
 #include "adapters/posix/machine_folder.h"
+#include "seams/code_page.h"
 #include "seams/private_profile.h"
 
 namespace parvex::posix {

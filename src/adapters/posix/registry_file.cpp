@@ -4,8 +4,8 @@
 #include <charconv>
 #include <utility>
 
-#include "seams/automation_error.h"
 #include "formats/text/text.h"
+#include "seams/automation_error.h"
 
 namespace parvex::posix {
 namespace {

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "seams/code_page.h"
 #include "adapters/posix/host_file.h"
 #include "adapters/posix/machine_folder.h"
+#include "seams/code_page.h"
 #include "seams/registry.h"
 
 namespace parvex::posix {

@@ -10,8 +10,7 @@ std::string ToAnsi(std::string_view text) {
   const std::wstring wide = Widen(text);
   const int units = static_cast<int>(wide.size());
   // Without best fit: a look-alike letter would change a name without notice.
-  const int size =
-      WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), units, nullptr, 0, nullptr, nullptr);
+  const int size = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), units, nullptr, 0, nullptr, nullptr);
   std::string bytes(static_cast<std::size_t>(size), '\0');
   WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), units, bytes.data(), size, nullptr, nullptr);
   return bytes;

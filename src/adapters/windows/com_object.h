@@ -1,8 +1,7 @@
 #pragma once
 
-#include <windows.h>
-
 #include <oaidl.h>
+#include <windows.h>
 
 #include <atomic>
 #include <type_traits>

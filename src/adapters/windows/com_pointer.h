@@ -1,8 +1,7 @@
 #pragma once
 
-#include <windows.h>
-
 #include <oleauto.h>
+#include <windows.h>
 
 #include <string>
 #include <string_view>
@@ -101,9 +100,7 @@ class Bstr {
 };
 
 /// UTF-8 text of a BSTR that somebody else owns; null is the empty text.
-inline std::string TextOf(BSTR text) {
-  return text == nullptr ? std::string() : Narrow({text, SysStringLen(text)});
-}
+inline std::string TextOf(BSTR text) { return text == nullptr ? std::string() : Narrow({text, SysStringLen(text)}); }
 
 /// Copies a VARIANT over one that holds nothing. (The system's function takes its source as if it might change it.)
 inline HRESULT CopyVariant(VARIANT* to, const VARIANT& from) {

@@ -2,8 +2,8 @@
 
 #include <charconv>
 
-#include "seams/automation_error.h"
 #include "formats/jet/file.h"
+#include "seams/automation_error.h"
 
 namespace parvex::windows {
 namespace {
@@ -114,9 +114,12 @@ std::unique_ptr<Database> OpenBy(const ObjectRef& engine, std::string_view path)
         AsObject(Call(engine, "OpenDatabase", std::string(path)), "the database " + std::string(path)));
   } catch (const AutomationError& error) {
     switch (static_cast<jet::EngineError>(error.RuntimeNumber())) {
-      case jet::EngineError::FileNotFound: throw MakeRuntimeError(RuntimeError::FileNotFound, error.Description());
-      case jet::EngineError::InvalidPath: throw MakeRuntimeError(RuntimeError::PathNotFound, error.Description());
-      default: throw;
+      case jet::EngineError::FileNotFound:
+        throw MakeRuntimeError(RuntimeError::FileNotFound, error.Description());
+      case jet::EngineError::InvalidPath:
+        throw MakeRuntimeError(RuntimeError::PathNotFound, error.Description());
+      default:
+        throw;
     }
   }
 }

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "seams/platform.h"
 #include "adapters/windows/ansi_text.h"
-#include "adapters/windows/system_automation.h"
 #include "adapters/windows/dao_databases.h"
+#include "adapters/windows/system_automation.h"
 #include "adapters/windows/system_files.h"
 #include "adapters/windows/system_message_pump.h"
 #include "adapters/windows/system_message_router.h"
 #include "adapters/windows/system_private_profile.h"
 #include "adapters/windows/system_processes.h"
 #include "adapters/windows/system_registry.h"
+#include "seams/platform.h"
 
 namespace parvex::windows {
 
@@ -32,8 +32,8 @@ class Machine {
   CodePage& GetCodePage() { return codePage_; }
 
   Platform AsPlatform() {
-    return {registry_,       privateProfile_, files_,     processes_, messagePump_, messageBoxes_,
-            messageRouters_, automation_,     databases_, codePage_};
+    return {registry_,     privateProfile_, files_,      processes_, messagePump_,
+            messageBoxes_, messageRouters_, automation_, databases_, codePage_};
   }
 
  private:

@@ -4,10 +4,10 @@
 #include <map>
 #include <vector>
 
-#include "seams/automation_error.h"
-#include "formats/text/text.h"
 #include "adapters/windows/com_object.h"
 #include "adapters/windows/system_error.h"
+#include "formats/text/text.h"
+#include "seams/automation_error.h"
 
 namespace parvex::windows {
 namespace {
@@ -50,9 +50,9 @@ class DispatchObject : public Object {
     DISPID id = 0;
     const HRESULT result = dispatch_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id);
     if (FAILED(result)) {
-      throw AutomationError(static_cast<std::uint32_t>(result), kErrorSource,
-                            Described(member) + ": the object has no such member (" +
-                                Hex(static_cast<std::uint32_t>(result)) + ")");
+      throw AutomationError(
+          static_cast<std::uint32_t>(result), kErrorSource,
+          Described(member) + ": the object has no such member (" + Hex(static_cast<std::uint32_t>(result)) + ")");
     }
     return id;
   }
@@ -71,9 +71,9 @@ class DispatchObject : public Object {
     Variant answer;
     EXCEPINFO exception = {};
     UINT refused = 0;
-    const HRESULT result = dispatch_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
-                                             (kind & DISPATCH_PROPERTYPUT) != 0 ? nullptr : answer.Out(), &exception,
-                                             &refused);
+    const HRESULT result =
+        dispatch_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
+                          (kind & DISPATCH_PROPERTYPUT) != 0 ? nullptr : answer.Out(), &exception, &refused);
     if (FAILED(result)) {
       ThrowFailure(member, result, exception, refused, arguments.size());
     }
@@ -115,8 +115,8 @@ class DispatchObject : public Object {
     }
     const std::string source = TextOf(exception.bstrSource);
     const std::string description = TextOf(exception.bstrDescription);
-    const std::uint32_t number = exception.scode != 0 ? static_cast<std::uint32_t>(exception.scode)
-                                                      : 0x800A0000u + exception.wCode;
+    const std::uint32_t number =
+        exception.scode != 0 ? static_cast<std::uint32_t>(exception.scode) : 0x800A0000u + exception.wCode;
     SysFreeString(exception.bstrSource);
     SysFreeString(exception.bstrDescription);
     SysFreeString(exception.bstrHelpFile);
@@ -486,8 +486,8 @@ Value FromVariant(const VARIANT& value, const std::string& name) {
         return static_cast<std::int32_t>(V_I4(&converted.Get()));
       }
       if (FAILED(VariantChangeType(converted.Out(), const_cast<VARIANT*>(&read), 0, VT_BSTR))) {
-        throw MakeRuntimeError(RuntimeError::TypeMismatch, name + ": a value of variant type " +
-                                                               std::to_string(V_VT(&read)) + " cannot be read");
+        throw MakeRuntimeError(RuntimeError::TypeMismatch,
+                               name + ": a value of variant type " + std::to_string(V_VT(&read)) + " cannot be read");
       }
       return TextOf(V_BSTR(&converted.Get()));
     }

@@ -2,8 +2,8 @@
 
 #include <oaidl.h>
 
-#include "seams/automation.h"
 #include "adapters/windows/com_pointer.h"
+#include "seams/automation.h"
 
 namespace parvex::windows {
 

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-#include "formats/text/text.h"
 #include "adapters/windows/system_error.h"
 #include "adapters/windows/wide_text.h"
+#include "formats/text/text.h"
 
 namespace parvex::windows {
 namespace {

@@ -1,12 +1,11 @@
 #include "adapters/windows/system_message_router.h"
 
+#include <oaidl.h>
 #include <windows.h>
 
-#include <oaidl.h>
-
-#include "seams/automation_error.h"
 #include "adapters/windows/com_pointer.h"
 #include "adapters/windows/system_error.h"
+#include "seams/automation_error.h"
 
 namespace parvex::windows {
 
@@ -42,8 +41,8 @@ class SystemMessageRouter : public MessageRouter {
   static AutomationError Failure(HRESULT result) {
     ComPointer<IErrorInfo> info;
     std::string source = kErrorSource;
-    std::string description = "the message router's SendRequestMessage failed with " +
-                              Hex(static_cast<std::uint32_t>(result));
+    std::string description =
+        "the message router's SendRequestMessage failed with " + Hex(static_cast<std::uint32_t>(result));
     if (GetErrorInfo(0, info.Out()) == S_OK) {
       Bstr text;
       if (SUCCEEDED(info->GetSource(text.Out())) && !text.Text().empty()) {
@@ -78,8 +77,8 @@ std::unique_ptr<MessageRouter> SystemMessageRouters::Create() {
                             std::string(doing) + ": " + Hex(static_cast<std::uint32_t>(result)));
   };
   ComPointer<IUnknown> object;
-  HRESULT result = CoCreateInstance(ParsedId(kClass), nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
-                                    IID_IUnknown, reinterpret_cast<void**>(object.Out()));
+  HRESULT result = CoCreateInstance(ParsedId(kClass), nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IUnknown,
+                                    reinterpret_cast<void**>(object.Out()));
   if (FAILED(result)) {
     throw refuse("the legacy application's message router " PARVEX_ROUTER_CLSID " cannot be created", result);
   }

@@ -16,9 +16,8 @@ class SystemProfileSection : public ProfileSection {
 
   std::string ReadString(std::string_view key, std::string_view fallback, std::size_t bufferSize) override {
     std::vector<char> buffer(bufferSize + 1, '\0');
-    const DWORD length =
-        GetPrivateProfileStringA(section_.c_str(), ToAnsi(key).c_str(), ToAnsi(fallback).c_str(), buffer.data(),
-                                 static_cast<DWORD>(bufferSize), file_.c_str());
+    const DWORD length = GetPrivateProfileStringA(section_.c_str(), ToAnsi(key).c_str(), ToAnsi(fallback).c_str(),
+                                                  buffer.data(), static_cast<DWORD>(bufferSize), file_.c_str());
     return FromAnsi({buffer.data(), length});
   }
 

@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
-#include "seams/automation_error.h"
 #include "adapters/windows/wide_text.h"
+#include "seams/automation_error.h"
 
 namespace parvex::windows {
 namespace {

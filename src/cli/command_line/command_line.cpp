@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
-#include "cli/commands/base64_command.h"
 #include "cli/command_line/bash_completion.h"
 #include "cli/command_line/commands_listing.h"
-#include "cli/commands/doctor_command.h"
-#include "cli/host/host.h"
 #include "cli/command_line/manual_page.h"
+#include "cli/commands/base64_command.h"
+#include "cli/commands/doctor_command.h"
 #include "cli/commands/pull_command.h"
+#include "cli/host/host.h"
 #include "cli/terminal/standard_streams.h"
 #include "version.h"
 

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "cli/host/exit_status.h"
 #include "cli/commands/export_command.h"
 #include "cli/commands/return_command.h"
-#include "cli/session/session.h"
 #include "cli/commands/show_command.h"
+#include "cli/host/exit_status.h"
+#include "cli/session/session.h"
 #include "interface/command_table.h"
 
 namespace parvex::cli {

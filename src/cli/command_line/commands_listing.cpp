@@ -8,7 +8,8 @@ std::string ListCommands(std::span<const CommandEntry> commands) {
   constexpr std::size_t kNameWidth = 22;
   std::string text;
   for (const CommandEntry& command : commands) {
-    text.append("  ").append(command.name).append(kNameWidth - command.name.size(), ' ').append(command.summary) += '\n';
+    text.append("  ").append(command.name).append(kNameWidth - command.name.size(), ' ').append(command.summary) +=
+        '\n';
   }
   return text;
 }

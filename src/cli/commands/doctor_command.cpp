@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "cli/terminal/colours.h"
 #include "cli/doctor/machine_checks.h"
+#include "cli/terminal/colours.h"
 #include "cli/terminal/standard_streams.h"
 
 namespace parvex::cli {

@@ -4,9 +4,9 @@
 #include <optional>
 
 #include "cli/session/consumer.h"
+#include "cli/session/replies.h"
 #include "cli/terminal/output_file.h"
 #include "cli/terminal/progress.h"
-#include "cli/session/replies.h"
 #include "cli/terminal/standard_streams.h"
 #include "interface/legacy_orla_pull.h"
 #include "seams/xml.h"

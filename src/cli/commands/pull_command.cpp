@@ -5,10 +5,10 @@
 #include "cli/session/consumer.h"
 #include "cli/session/replies.h"
 #include "cli/terminal/standard_streams.h"
+#include "formats/text/text.h"
 #include "interface/legacy_orla_pull.h"
 #include "protocol/reply_envelope.h"
 #include "seams/automation_error.h"
-#include "formats/text/text.h"
 
 namespace parvex::cli {
 namespace {

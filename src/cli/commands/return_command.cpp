@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <vector>
 
-#include "cli/session/consumer.h"
 #include "cli/quote/quote_file.h"
+#include "cli/session/consumer.h"
 #include "cli/session/replies.h"
 #include "interface/legacy_orla_pull.h"
 #include "seams/xml.h"

@@ -2,13 +2,13 @@
 
 #include <optional>
 
-#include "cli/terminal/colours.h"
-#include "cli/terminal/output_file.h"
 #include "cli/quote/quote.h"
 #include "cli/quote/quote_differences.h"
 #include "cli/quote/quote_file.h"
 #include "cli/quote/quote_page.h"
 #include "cli/quote/quote_text.h"
+#include "cli/terminal/colours.h"
+#include "cli/terminal/output_file.h"
 
 namespace parvex::cli {
 

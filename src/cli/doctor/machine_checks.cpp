@@ -5,12 +5,12 @@
 #include <functional>
 #include <optional>
 
-#include "protocol/reply_envelope.h"
-#include "legacy_env/install_paths.h"
-#include "protocol/legacy_names.h"
-#include "seams/automation_error.h"
 #include "formats/text/text.h"
+#include "legacy_env/install_paths.h"
 #include "projects/project_properties.h"
+#include "protocol/legacy_names.h"
+#include "protocol/reply_envelope.h"
+#include "seams/automation_error.h"
 
 namespace parvex::cli {
 namespace {
@@ -175,7 +175,8 @@ std::vector<Finding> ExamineInstallation(const Platform& platform, const HostFac
             [&] { return FindXml(platform, inBin("Options.xml")); }),
       Check("Tools.xml", "Tags are all listed as out of date without it. Repair the legacy application.",
             [&] { return FindXml(platform, inBin("Tools.xml")); }),
-      Check("TagUpdateInfo.xml", "Requests to rename or copy a tag are sent with empty data without it. Repair the legacy application.",
+      Check("TagUpdateInfo.xml",
+            "Requests to rename or copy a tag are sent with empty data without it. Repair the legacy application.",
             [&] { return FindXml(platform, inBin("TagUpdateInfo.xml")); }),
       Check("KDCustomRpt_Cfg.xml", "Custom reports are not offered without it. Repair the legacy application.",
             [&] { return FindXml(platform, inBin("KDCustomRpt_Cfg.xml")); }),

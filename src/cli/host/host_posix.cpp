@@ -3,11 +3,11 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include "adapters/posix/machine.h"
 #include "cli/host/exit_status.h"
 #include "cli/host/host.h"
 #include "legacy_standin/sample/sample_machine.h"
 #include "legacy_standin/standin.h"
-#include "adapters/posix/machine.h"
 
 namespace parvex::cli {
 namespace {

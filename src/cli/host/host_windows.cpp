@@ -3,13 +3,13 @@
 #include <stdio.h>
 #include <windows.h>
 
+#include "adapters/windows/apartment.h"
+#include "adapters/windows/machine.h"
+#include "adapters/windows/this_program.h"
 #include "cli/host/exit_status.h"
 #include "cli/host/host.h"
 #include "com_server/router_ids.h"
 #include "legacy_standin/sample/sample_machine.h"
-#include "adapters/windows/apartment.h"
-#include "adapters/windows/machine.h"
-#include "adapters/windows/this_program.h"
 #include "seams/written_boxes.h"
 
 namespace parvex::cli {

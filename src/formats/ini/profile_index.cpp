@@ -143,9 +143,8 @@ ProfileIndex::ProfileIndex(const ProfileText& file) : file_(file), text_(file.Te
 }
 
 const ProfileIndex::Section* ProfileIndex::FindSection(std::string_view name) const {
-  const auto number = Find(sectionTable_, file_.HashOfName(name), [&](std::uint32_t candidate) {
-    return file_.SameName(SectionNameAt(candidate), name);
-  });
+  const auto number = Find(sectionTable_, file_.HashOfName(name),
+                           [&](std::uint32_t candidate) { return file_.SameName(SectionNameAt(candidate), name); });
   return number ? &sections_[*number] : nullptr;
 }
 

@@ -236,9 +236,7 @@ std::string_view TrimProfileBlanks(std::string_view text) {
   return text;
 }
 
-std::string_view UpToNul(std::string_view text) {
-  return text.substr(0, text.find('\0'));
-}
+std::string_view UpToNul(std::string_view text) { return text.substr(0, text.find('\0')); }
 
 std::string_view WithoutQuotes(std::string_view text) {
   const bool quoted = text.size() >= 2 && text.front() == text.back() && (text.front() == '"' || text.front() == '\'');

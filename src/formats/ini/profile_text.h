@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "seams/code_page.h"
 #include "formats/ini/profile_names.h"
+#include "seams/code_page.h"
 
 namespace parvex::posix {
 

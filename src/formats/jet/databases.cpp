@@ -67,8 +67,7 @@ class OpenFile {
 
 class JetRecordSet : public TypedRecordSet {
  public:
-  JetRecordSet(std::shared_ptr<OpenFile> file, std::string tableName, TableDefinition table,
-               std::vector<TextRow> rows)
+  JetRecordSet(std::shared_ptr<OpenFile> file, std::string tableName, TableDefinition table, std::vector<TextRow> rows)
       : file_(std::move(file)), tableName_(std::move(tableName)), table_(std::move(table)), rows_(std::move(rows)) {}
 
   bool AtEnd() override { return current_ == rows_.size(); }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "seams/files.h"
 #include "formats/jet/table.h"
+#include "seams/files.h"
 #include "seams/project_database.h"
 
 namespace parvex::jet {

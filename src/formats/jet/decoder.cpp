@@ -20,14 +20,22 @@ std::optional<std::string> TextOf(const File& file, const Column& column, const 
   if (column.type == ColumnType::Boolean) return stored ? "True" : "False";
   if (!stored) return std::nullopt;
   switch (column.type) {
-    case ColumnType::Byte: return Decimal<std::uint8_t>(*stored);
-    case ColumnType::Integer: return Decimal<std::int16_t>(*stored);
-    case ColumnType::Long: return Decimal<std::int32_t>(*stored);
-    case ColumnType::Single: return Decimal<float>(*stored);
-    case ColumnType::Double: return Decimal<double>(*stored);
-    case ColumnType::Text: return DecodeText(*stored);
-    case ColumnType::Memo: return DecodeText(file.ReadLongValue(*stored));
-    default: return std::nullopt;
+    case ColumnType::Byte:
+      return Decimal<std::uint8_t>(*stored);
+    case ColumnType::Integer:
+      return Decimal<std::int16_t>(*stored);
+    case ColumnType::Long:
+      return Decimal<std::int32_t>(*stored);
+    case ColumnType::Single:
+      return Decimal<float>(*stored);
+    case ColumnType::Double:
+      return Decimal<double>(*stored);
+    case ColumnType::Text:
+      return DecodeText(*stored);
+    case ColumnType::Memo:
+      return DecodeText(file.ReadLongValue(*stored));
+    default:
+      return std::nullopt;
   }
 }
 

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <map>
 
-#include "seams/automation_error.h"
 #include "formats/text/text.h"
+#include "seams/automation_error.h"
 
 namespace parvex::jet {
 
@@ -96,16 +96,23 @@ Index DecodeTree(std::string_view entry) {
 /// Bytes that a fixed column of a type takes; nothing for a type that has no fixed size.
 std::optional<std::size_t> FixedSize(ColumnType type) {
   switch (type) {
-    case ColumnType::Byte: return 1;
-    case ColumnType::Integer: return 2;
+    case ColumnType::Byte:
+      return 1;
+    case ColumnType::Integer:
+      return 2;
     case ColumnType::Long:
-    case ColumnType::Single: return 4;
+    case ColumnType::Single:
+      return 4;
     case ColumnType::Currency:
     case ColumnType::Double:
-    case ColumnType::DateTime: return 8;
-    case ColumnType::Guid: return 16;
-    case ColumnType::Decimal: return 17;
-    default: return std::nullopt;
+    case ColumnType::DateTime:
+      return 8;
+    case ColumnType::Guid:
+      return 16;
+    case ColumnType::Decimal:
+      return 17;
+    default:
+      return std::nullopt;
   }
 }
 
@@ -127,16 +134,20 @@ std::string EmptyMapPage(bool marked) {
 }
 
 bool SoundColumn(const Column& column, const RowShape& shape) {
-  const bool fitting = column.fixed ? column.fixedOffset + column.size < kPageSize
-                                    : column.variableNumber < shape.variableCount;
+  const bool fitting =
+      column.fixed ? column.fixedOffset + column.size < kPageSize : column.variableNumber < shape.variableCount;
   if (column.number >= shape.columnCount || !fitting) return false;
   switch (column.type) {
     case ColumnType::Text:
-    case ColumnType::Binary: return true;
+    case ColumnType::Binary:
+      return true;
     case ColumnType::Memo:
-    case ColumnType::LongBinary: return !column.fixed;
-    case ColumnType::Boolean: return column.fixed;
-    default: return column.fixed && FixedSize(column.type) == column.size;
+    case ColumnType::LongBinary:
+      return !column.fixed;
+    case ColumnType::Boolean:
+      return column.fixed;
+    default:
+      return column.fixed && FixedSize(column.type) == column.size;
   }
 }
 
@@ -157,18 +168,30 @@ std::optional<std::string> EncodeValue(const Column& column, std::string_view te
       bytes = Utf16Bytes(text);
       while (bytes->size() < column.size) Append16(*bytes, u' ');
       return bytes;
-    case ColumnType::Memo: return EncodeMemo(text, column.compressed);
+    case ColumnType::Memo:
+      return EncodeMemo(text, column.compressed);
     case ColumnType::Boolean:
       if (EqualIgnoringCase(text, "False") || text == "0") return std::nullopt;
       if (EqualIgnoringCase(text, "True")) return "\1";
       if (NumberBytes<std::int32_t>(text)) return "\1";
       break;
-    case ColumnType::Byte: bytes = NumberBytes<std::uint8_t>(text); break;
-    case ColumnType::Integer: bytes = NumberBytes<std::int16_t>(text); break;
-    case ColumnType::Long: bytes = NumberBytes<std::int32_t>(text); break;
-    case ColumnType::Single: bytes = NumberBytes<float>(text); break;
-    case ColumnType::Double: bytes = NumberBytes<double>(text); break;
-    default: break;
+    case ColumnType::Byte:
+      bytes = NumberBytes<std::uint8_t>(text);
+      break;
+    case ColumnType::Integer:
+      bytes = NumberBytes<std::int16_t>(text);
+      break;
+    case ColumnType::Long:
+      bytes = NumberBytes<std::int32_t>(text);
+      break;
+    case ColumnType::Single:
+      bytes = NumberBytes<float>(text);
+      break;
+    case ColumnType::Double:
+      bytes = NumberBytes<double>(text);
+      break;
+    default:
+      break;
   }
   if (!bytes) {
     Fail(EngineError::DataTypeConversion, "Column '" + column.name + "' cannot hold '" + std::string(text) + "'");

@@ -12,16 +12,16 @@ namespace parvex::jet {
 
 /// Numbers of the Jet engine's own errors that are raised here and by the databases above.
 enum class EngineError : std::uint16_t {
-  NoCurrentRecord = 3021,     ///< a column is read, or a change begun, where no row is current
-  NothingToUpdate = 3020,     ///< Update or SetColumn without AddNew or Edit
+  NoCurrentRecord = 3021,  ///< a column is read, or a change begun, where no row is current
+  NothingToUpdate = 3020,  ///< Update or SetColumn without AddNew or Edit
   FileNotFound = 3024,
-  InvalidPath = 3044,         ///< a folder on the way to the file does not exist
-  TooFewParameters = 3061,    ///< a statement names a column that the table lacks
-  SyntaxError = 3075,         ///< a statement that does not parse
+  InvalidPath = 3044,       ///< a folder on the way to the file does not exist
+  TooFewParameters = 3061,  ///< a statement names a column that the table lacks
+  SyntaxError = 3075,       ///< a statement that does not parse
   NoSuchTable = 3078,
-  FieldTooSmall = 3163,       ///< a text longer than its column, or a row longer than a page
-  ChangedMeanwhile = 3197,    ///< somebody else changed the row after it was read
-  NotSupported = 3251,        ///< a change that cannot be made without damaging the file
+  FieldTooSmall = 3163,     ///< a text longer than its column, or a row longer than a page
+  ChangedMeanwhile = 3197,  ///< somebody else changed the row after it was read
+  NotSupported = 3251,      ///< a change that cannot be made without damaging the file
   NoSuchColumn = 3265,
   UnrecognizedFormat = 3343,  ///< not a Jet 4 database, or a damaged one
   ObjectInvalid = 3420,       ///< something that was closed is used
@@ -46,10 +46,10 @@ struct Index {
 
 struct TableDefinition {
   std::uint32_t page = 0;
-  RowShape shape;            ///< columns in the order of their numbers
+  RowShape shape;  ///< columns in the order of their numbers
   std::vector<Index> indexes;
-  RowPlace ownedPages;      ///< usage map of the pages that hold the table's rows
-  RowPlace pagesWithRoom;   ///< usage map of those among them that still have room
+  RowPlace ownedPages;     ///< usage map of the pages that hold the table's rows
+  RowPlace pagesWithRoom;  ///< usage map of those among them that still have room
 
   /// Position in shape.columns, letter case ignored; nothing when there is no such column.
   std::optional<std::size_t> FindColumn(std::string_view name) const;

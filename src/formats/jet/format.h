@@ -40,8 +40,8 @@ enum class ColumnType : std::uint8_t {
 struct Column {
   std::string name;
   ColumnType type = ColumnType::Text;
-  bool fixed = false;                ///< has its place in the fixed part of a row
-  bool compressed = false;           ///< texts may be stored in the compressed form
+  bool fixed = false;       ///< has its place in the fixed part of a row
+  bool compressed = false;  ///< texts may be stored in the compressed form
   bool autonumber = false;
   std::uint16_t number = 0;          ///< its bit in the null mask; numbers of deleted columns are not used again
   std::uint16_t variableNumber = 0;  ///< its entry in the table of variable offsets

@@ -46,9 +46,7 @@ bool IsLongValue(ColumnType type) { return type == ColumnType::Memo || type == C
 
 bool IsText(ColumnType type) { return type == ColumnType::Text || type == ColumnType::Memo; }
 
-bool IsFixed(ColumnType type) {
-  return type != ColumnType::Text && type != ColumnType::Binary && !IsLongValue(type);
-}
+bool IsFixed(ColumnType type) { return type != ColumnType::Text && type != ColumnType::Binary && !IsLongValue(type); }
 
 jet::RowShape ShapeOf(const std::vector<NewColumn>& columns) {
   jet::RowShape shape;
@@ -212,14 +210,10 @@ const std::vector<NewColumn>& RightsColumns() {
 }
 
 const std::vector<NewColumn>& QueryColumns() {
-  static const std::vector<NewColumn> columns{{"Attribute", ColumnType::Byte, 1},
-                                              {"Expression", ColumnType::Memo, 0},
-                                              {"Flag", ColumnType::Integer, 2},
-                                              {"LvExtra", ColumnType::LongBinary, 0},
-                                              {"Name1", ColumnType::Text, 510},
-                                              {"Name2", ColumnType::Text, 510},
-                                              {"ObjectId", ColumnType::Long, 4},
-                                              {"Order", ColumnType::Binary, 510}};
+  static const std::vector<NewColumn> columns{
+      {"Attribute", ColumnType::Byte, 1},     {"Expression", ColumnType::Memo, 0}, {"Flag", ColumnType::Integer, 2},
+      {"LvExtra", ColumnType::LongBinary, 0}, {"Name1", ColumnType::Text, 510},    {"Name2", ColumnType::Text, 510},
+      {"ObjectId", ColumnType::Long, 4},      {"Order", ColumnType::Binary, 510}};
   return columns;
 }
 
@@ -238,14 +232,22 @@ const std::vector<NewColumn>& RelationshipColumns() {
 NewColumn ColumnOf(const JetColumn& column) {
   using Type = JetColumn::Type;
   switch (column.type) {
-    case Type::Text: break;
-    case Type::Memo: return {column.name, ColumnType::Memo, 0, column.compressed};
-    case Type::Boolean: return {column.name, ColumnType::Boolean, 1};
-    case Type::Byte: return {column.name, ColumnType::Byte, 1};
-    case Type::Integer: return {column.name, ColumnType::Integer, 2};
-    case Type::Long: return {column.name, ColumnType::Long, 4};
-    case Type::Single: return {column.name, ColumnType::Single, 4};
-    case Type::Double: return {column.name, ColumnType::Double, 8};
+    case Type::Text:
+      break;
+    case Type::Memo:
+      return {column.name, ColumnType::Memo, 0, column.compressed};
+    case Type::Boolean:
+      return {column.name, ColumnType::Boolean, 1};
+    case Type::Byte:
+      return {column.name, ColumnType::Byte, 1};
+    case Type::Integer:
+      return {column.name, ColumnType::Integer, 2};
+    case Type::Long:
+      return {column.name, ColumnType::Long, 4};
+    case Type::Single:
+      return {column.name, ColumnType::Single, 4};
+    case Type::Double:
+      return {column.name, ColumnType::Double, 8};
   }
   return {column.name, ColumnType::Text, static_cast<std::uint16_t>(2 * column.size), column.compressed};
 }
@@ -314,8 +316,8 @@ std::string MakeJetDatabase(std::span<const JetTable> tables) {
     const NewTable& table = all[i];
     definitions += DefinitionPage(ShapeOf(table.columns), table.system, firstMapPage + i);
     maps += UsageMapPage(UsageMapCount(table.columns));
-    entries.push_back({jet::kCataloguePage + i, kTablesContainer, table.name, jet::kTableObject,
-                       table.system ? kSystemFlag : 0});
+    entries.push_back(
+        {jet::kCataloguePage + i, kTablesContainer, table.name, jet::kTableObject, table.system ? kSystemFlag : 0});
   }
   const std::size_t pages = jet::kCataloguePage + 2 * all.size();
   jet::File file(HeaderPage() + FreePagesPage(pages) + definitions + maps, "a new database");

@@ -55,8 +55,8 @@ char32_t CharacterAt(std::string_view sequence) {
   for (const char c : sequence.substr(1)) {
     character = (character << 6) | (static_cast<unsigned char>(c) & 0x3Fu);
   }
-  const bool valid = character >= kSmallest[sequence.size()] && character <= 0x10FFFF &&
-                     !IsHighSurrogate(character) && !IsLowSurrogate(character);
+  const bool valid = character >= kSmallest[sequence.size()] && character <= 0x10FFFF && !IsHighSurrogate(character) &&
+                     !IsLowSurrogate(character);
   return valid ? character : kReplacement;
 }
 
@@ -95,9 +95,7 @@ std::string_view FirstUnits(std::string_view text, std::size_t units) {
   return text.substr(0, OffsetOfUnits(text, units));
 }
 
-std::string_view DropUnits(std::string_view text, std::size_t units) {
-  return text.substr(OffsetOfUnits(text, units));
-}
+std::string_view DropUnits(std::string_view text, std::size_t units) { return text.substr(OffsetOfUnits(text, units)); }
 
 std::string_view LastUnits(std::string_view text, std::size_t units) {
   const std::size_t length = LengthInUnits(text);

@@ -72,7 +72,9 @@ bool IsLetterOrUnderscore(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' &
 
 // The names of nearly every document.
 bool IsAsciiName(std::string_view text) {
-  const auto mayFollow = [](char c) { return IsLetterOrUnderscore(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; };
+  const auto mayFollow = [](char c) {
+    return IsLetterOrUnderscore(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+  };
   return !text.empty() && IsLetterOrUnderscore(text[0]) && std::all_of(text.begin(), text.end(), mayFollow);
 }
 
@@ -82,10 +84,10 @@ struct Range {
 };
 
 // Characters that a name may begin with, the colon left out.
-constexpr Range kNameStart[] = {{'A', 'Z'},         {'_', '_'},         {'a', 'z'},         {0xC0, 0xD6},
-                                {0xD8, 0xF6},       {0xF8, 0x2FF},      {0x370, 0x37D},     {0x37F, 0x1FFF},
-                                {0x200C, 0x200D},   {0x2070, 0x218F},   {0x2C00, 0x2FEF},   {0x3001, 0xD7FF},
-                                {0xF900, 0xFDCF},   {0xFDF0, 0xFFFD},   {0x10000, 0xEFFFF}};
+constexpr Range kNameStart[] = {{'A', 'Z'},       {'_', '_'},       {'a', 'z'},        {0xC0, 0xD6},
+                                {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},    {0x37F, 0x1FFF},
+                                {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},  {0x3001, 0xD7FF},
+                                {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
 // Characters that may follow besides.
 constexpr Range kNameOther[] = {{'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
 

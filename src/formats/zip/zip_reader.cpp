@@ -6,9 +6,9 @@
 #include <optional>
 #include <utility>
 
+#include "formats/text/text.h"
 #include "formats/zip/entry_names.h"
 #include "seams/automation_error.h"
-#include "formats/text/text.h"
 
 namespace parvex {
 namespace {
@@ -45,7 +45,8 @@ constexpr std::uint32_t kInZip64Long = 0xFFFFFFFF;
 
 // Little-endian numbers at a place that the caller knows to exist.
 std::uint16_t Read16(std::string_view bytes, std::size_t at) {
-  return static_cast<std::uint16_t>(static_cast<unsigned char>(bytes[at]) | static_cast<unsigned char>(bytes[at + 1]) << 8);
+  return static_cast<std::uint16_t>(static_cast<unsigned char>(bytes[at]) | static_cast<unsigned char>(bytes[at + 1])
+                                                                                << 8);
 }
 
 std::uint32_t Read32(std::string_view bytes, std::size_t at) {
@@ -56,7 +57,8 @@ std::uint32_t Read32(std::string_view bytes, std::size_t at) {
 std::string Shown(std::string_view name) {
   constexpr std::size_t kShownUnits = 260;
   std::string shown(FirstUnits(FromUtf16(ToUtf16(name)), kShownUnits));
-  std::replace_if(shown.begin(), shown.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+  std::replace_if(
+      shown.begin(), shown.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
   return shown;
 }
 
@@ -178,7 +180,8 @@ class Archive {
     if (entries == kInZip64 || length == kInZip64Long || offset == kInZip64Long) {
       Refuse(blobPath_, "it is a ZIP64 archive");
     }
-    if (Read16(record, kDisk) != 0 || Read16(record, kDirectoryDisk) != 0 || Read16(record, kEntriesOnDisk) != entries) {
+    if (Read16(record, kDisk) != 0 || Read16(record, kDirectoryDisk) != 0 ||
+        Read16(record, kEntriesOnDisk) != entries) {
       Refuse(blobPath_, "it is one part of an archive");
     }
     if (std::uint64_t{offset} + length > at) {
@@ -227,7 +230,8 @@ class Archive {
     return entry;
   }
 
-  // The upper half of the attributes holds the file's type where a Unix system wrote the archive, the lower those of DOS.
+  // The upper half of the attributes holds the file's type where a Unix system wrote the archive, the lower those of
+  // DOS.
   void CheckKind(const Listed& entry, bool isFolder) const {
     constexpr std::uint32_t kReparsePoint = 0x0400;
     const std::uint32_t unixType = entry.attributes >> 28;
@@ -239,7 +243,8 @@ class Archive {
       RefuseEntry(blobPath_, entry.name, "is encrypted");
     }
     if ((entry.flags & kPatch) != 0 || (entry.method != kStored && entry.method != kDeflated)) {
-      RefuseEntry(blobPath_, entry.name, "is packed by a method that is not read (" + std::to_string(entry.method) + ")");
+      RefuseEntry(blobPath_, entry.name,
+                  "is packed by a method that is not read (" + std::to_string(entry.method) + ")");
     }
     if (entry.packedLength == kInZip64Long || entry.length == kInZip64Long || entry.offset == kInZip64Long) {
       RefuseEntry(blobPath_, entry.name, "is a ZIP64 entry");
@@ -343,8 +348,8 @@ class Archive {
   std::string_view blobPath_;
 };
 
-// Whether a name beside the blob means the blob. Only the folder's listing knows which letters beyond Latin-1 count as the
-// same, and which file has the short name that the blob may be called by.
+// Whether a name beside the blob means the blob. Only the folder's listing knows which letters beyond Latin-1 count as
+// the same, and which file has the short name that the blob may be called by.
 bool MeansBlob(Files& files, std::string_view name, const std::string& folder, std::string_view blobName) {
   if (EqualIgnoringCase(name, blobName.substr(0, blobName.find_last_not_of(". ") + 1))) {
     return true;

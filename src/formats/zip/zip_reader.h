@@ -32,8 +32,8 @@ std::vector<PackedEntry> Unpack(CodePage& codePage, std::string_view archive, st
 /// The path up to and including its last separator.
 std::string_view FolderOf(std::string_view path);
 
-/// Writes entries into the folder of the archive at `blobPath`, over files that exist, making the folders in their names.
-/// An entry that would lie on the archive itself is an AutomationError (5), and nothing is written then.
+/// Writes entries into the folder of the archive at `blobPath`, over files that exist, making the folders in their
+/// names. An entry that would lie on the archive itself is an AutomationError (5), and nothing is written then.
 void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, std::string_view blobPath);
 
 }  // namespace parvex

@@ -32,7 +32,8 @@ std::string Deflate(std::string_view bytes) {
   constexpr int kRawStream = -MAX_WBITS;
   constexpr int kDefaultMemory = 8;
   z_stream stream{};
-  if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kRawStream, kDefaultMemory, Z_DEFAULT_STRATEGY) != Z_OK) {
+  if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kRawStream, kDefaultMemory, Z_DEFAULT_STRATEGY) !=
+      Z_OK) {
     throw std::runtime_error("zlib does not start");
   }
   std::string deflated(deflateBound(&stream, bytes.size()), '\0');

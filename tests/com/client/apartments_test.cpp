@@ -5,8 +5,8 @@
 #include <functional>
 #include <thread>
 
-#include "parvex_idl.h"
 #include "adapters/windows/apartment.h"
+#include "parvex_idl.h"
 #include "tests/com/com_session.h"
 
 // Threads: an instance for each, calls from one apartment into another, the module's stay in memory.
@@ -69,9 +69,7 @@ TEST(Apartments, EachThreadKeepsTheProgramFolderThatItReadFirst) {
     EXPECT_EQ(ReplyTo(earlier, Command("getOptions")), reply);
     EXPECT_EQ(ReplyTo(Make<LegacyORLAPull, ILegacyORLAPull>(), Command("getOptions")), reply)
         << "it is the thread's, not the instance's";
-    OnAnotherThread([&] {
-      EXPECT_NE(ReplyTo(Make<LegacyORLAPull, ILegacyORLAPull>(), Command("getOptions")), reply);
-    });
+    OnAnotherThread([&] { EXPECT_NE(ReplyTo(Make<LegacyORLAPull, ILegacyORLAPull>(), Command("getOptions")), reply); });
   });
 }
 

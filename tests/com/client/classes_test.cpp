@@ -15,8 +15,8 @@ class EveryClass : public testing::TestWithParam<PublicClass> {
  protected:
   ComPointer<IUnknown> MakeObject(REFIID id = IID_IUnknown) const {
     ComPointer<IUnknown> object;
-    EXPECT_HRESULT_SUCCEEDED(CoCreateInstance(GetParam().id, nullptr, CLSCTX_INPROC_SERVER, id,
-                                              reinterpret_cast<void**>(object.Out())));
+    EXPECT_HRESULT_SUCCEEDED(
+        CoCreateInstance(GetParam().id, nullptr, CLSCTX_INPROC_SERVER, id, reinterpret_cast<void**>(object.Out())));
     return object;
   }
 };

@@ -97,9 +97,9 @@ TEST(DataObjects, LoadAnInstanceOfAnAccessoryHasItsOwnOrderAndLeavesTheRest) {
 TEST(DataObjects, LoadAnInstanceOfAWarrantyHasItsOwnOrder) {
   const auto warranty = Make<WarrantyCls, IWarrantyCls>();
   const Bstr t[7] = {Bstr("name"), Bstr("quant"), Bstr("desc"), Bstr("price"), Bstr("m"), Bstr("bu1"), Bstr("bu2")};
-  ASSERT_EQ(warranty->LoadAnInstance(t[0].Get(), t[1].Get(), t[2].Get(), t[3].Get(), t[4].Get(), t[5].Get(),
-                                     t[6].Get()),
-            S_OK);
+  ASSERT_EQ(
+      warranty->LoadAnInstance(t[0].Get(), t[1].Get(), t[2].Get(), t[3].Get(), t[4].Get(), t[5].Get(), t[6].Get()),
+      S_OK);
   EXPECT_EQ(Read(warranty, &IWarrantyCls::get_Name), "name");
   EXPECT_EQ(Read(warranty, &IWarrantyCls::get_Quantity), "quant");
   EXPECT_EQ(Read(warranty, &IWarrantyCls::get_Description), "desc");
@@ -112,13 +112,13 @@ TEST(DataObjects, LoadAnInstanceOfAWarrantyHasItsOwnOrder) {
 TEST(DataObjects, LoadAnInstanceOfABaseUnitHasItsOwnOrderAndItsFileNameReadsEmpty) {
   const auto unit = Make<BaseUnitCls, IBaseUnitCls>();
   Write(unit, &IBaseUnitCls::put_Attribute1, "kept");
-  const Bstr t[20] = {Bstr("pdsg"), Bstr("desc"), Bstr("part"), Bstr("price"), Bstr("quant"), Bstr("m1"), Bstr("m2"),
-                      Bstr("m3"),   Bstr("m4"),   Bstr("bu1"),  Bstr("bu2"),   Bstr("supp"),  Bstr("tos"), Bstr("ton"),
-                      Bstr("cfm"),  Bstr("file"), Bstr("Y"),    Bstr("eto"),   Bstr("etodesc"), Bstr("sap")};
+  const Bstr t[20] = {Bstr("pdsg"), Bstr("desc"), Bstr("part"), Bstr("price"),   Bstr("quant"),
+                      Bstr("m1"),   Bstr("m2"),   Bstr("m3"),   Bstr("m4"),      Bstr("bu1"),
+                      Bstr("bu2"),  Bstr("supp"), Bstr("tos"),  Bstr("ton"),     Bstr("cfm"),
+                      Bstr("file"), Bstr("Y"),    Bstr("eto"),  Bstr("etodesc"), Bstr("sap")};
   ASSERT_EQ(unit->LoadAnInstance(t[0].Get(), t[1].Get(), t[2].Get(), t[3].Get(), t[4].Get(), t[5].Get(), t[6].Get(),
-                                 t[7].Get(), t[8].Get(), t[9].Get(), t[10].Get(), t[11].Get(), t[12].Get(),
-                                 t[13].Get(), t[14].Get(), t[15].Get(), t[16].Get(), t[17].Get(), t[18].Get(),
-                                 t[19].Get()),
+                                 t[7].Get(), t[8].Get(), t[9].Get(), t[10].Get(), t[11].Get(), t[12].Get(), t[13].Get(),
+                                 t[14].Get(), t[15].Get(), t[16].Get(), t[17].Get(), t[18].Get(), t[19].Get()),
             S_OK);
   EXPECT_EQ(Read(unit, &IBaseUnitCls::get_PDSG), "pdsg");
   EXPECT_EQ(Read(unit, &IBaseUnitCls::get_Description), "desc");

@@ -69,8 +69,7 @@ TEST_F(LateBound, PullTakesADocumentHoweverItIsPassed) {
     const LateCall call = Call("Pull", {argument});
     ASSERT_EQ(call.result, S_OK) << V_VT(&argument) << " " << call.description;
     ASSERT_EQ(V_VT(&call.value.Get()), VT_DISPATCH);
-    const auto reply =
-        ComPointer<IDispatch>::Share(V_DISPATCH(&call.value.Get())).As<IXMLDOMDocument2>(kXmlDocument2);
+    const auto reply = ComPointer<IDispatch>::Share(V_DISPATCH(&call.value.Get())).As<IXMLDOMDocument2>(kXmlDocument2);
     ASSERT_TRUE(reply);
     EXPECT_EQ(TextAt(reply.Get(), "//returnError"), "(none)") << "the options themselves";
   }
@@ -81,8 +80,8 @@ TEST_F(LateBound, PullRefusesWhatIsNoDocument) {
   const auto tag = Create<IDispatch>("Parvex.TagCls");
   VARIANT nothing = Number(0);
   V_VT(&nothing) = VT_EMPTY;
-  for (const VARIANT& argument : {Borrowed(tag.Get()), Borrowed(static_cast<IDispatch*>(nullptr)), nothing,
-                                  Borrowed(unknown.Get()), Number(1)}) {
+  for (const VARIANT& argument :
+       {Borrowed(tag.Get()), Borrowed(static_cast<IDispatch*>(nullptr)), nothing, Borrowed(unknown.Get()), Number(1)}) {
     const LateCall call = Call("Pull", {argument});
     EXPECT_EQ(call.result, DISP_E_EXCEPTION) << V_VT(&argument);
     EXPECT_EQ(call.source, "Parvex");
@@ -105,9 +104,7 @@ TEST_F(LateBound, WrongCountsOfArgumentsAndUnknownMembersAreRefused) {
             DISP_E_BADPARAMCOUNT);
 }
 
-TEST_F(LateBound, NamesIgnoreLetterCase) {
-  EXPECT_EQ(Call("pullngorla", {Borrowed(unknown.Get())}).result, S_OK);
-}
+TEST_F(LateBound, NamesIgnoreLetterCase) { EXPECT_EQ(Call("pullngorla", {Borrowed(unknown.Get())}).result, S_OK); }
 
 TEST_F(LateBound, MisusedInvocationsAreRefused) {
   DISPPARAMS none = {};
@@ -235,9 +232,7 @@ TEST(LateBoundEncoder, TakesBytesAndAScriptsArrayOfNumbers) {
   SAFEARRAYBOUND bound = {3, 1};
   Variant numbers;
   *numbers.Out() = Borrowed(SafeArrayCreate(VT_VARIANT, 1, &bound), VT_VARIANT);
-  const auto put = [&](LONG index, VARIANT value) {
-    SafeArrayPutElement(V_ARRAY(&numbers.Get()), &index, &value);
-  };
+  const auto put = [&](LONG index, VARIANT value) { SafeArrayPutElement(V_ARRAY(&numbers.Get()), &index, &value); };
   put(1, Number('M'));
   put(2, Number('a'));
   put(3, Number('n'));

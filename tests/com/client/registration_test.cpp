@@ -3,8 +3,8 @@
 
 #include <thread>
 
-#include "parvex_idl.h"
 #include "adapters/windows/apartment.h"
+#include "parvex_idl.h"
 #include "tests/com/com_session.h"
 #include "tests/com/public_classes.h"
 #include "tests/com/registry_snapshot.h"
@@ -86,8 +86,8 @@ TEST(Manifest, OffersEveryClassWithoutRegistration) {
   const ActiveManifest manifest(folder + L"Parvex.manifest");
   for (const PublicClass& c : PublicClasses()) {
     ComPointer<IUnknown> object;
-    EXPECT_HRESULT_SUCCEEDED(CoCreateInstance(c.id, nullptr, CLSCTX_INPROC_SERVER, c.interfaceId,
-                                              reinterpret_cast<void**>(object.Out())))
+    EXPECT_HRESULT_SUCCEEDED(
+        CoCreateInstance(c.id, nullptr, CLSCTX_INPROC_SERVER, c.interfaceId, reinterpret_cast<void**>(object.Out())))
         << c.name;
     for (const std::string& id : {c.ProgrammaticId(), c.ProgrammaticId() + ".1"}) {
       EXPECT_TRUE(Create<IDispatch>(id)) << id;
@@ -112,8 +112,8 @@ TEST(Manifest, CarriesCallsFromApartmentToApartmentToo) {
     {
       const ActiveManifest there(folder + L"Parvex.manifest");
       ComPointer<IcBinEncoder> proxy;
-      EXPECT_HRESULT_SUCCEEDED(CoGetInterfaceAndReleaseStream(stream, __uuidof(IcBinEncoder),
-                                                              reinterpret_cast<void**>(proxy.Out())));
+      EXPECT_HRESULT_SUCCEEDED(
+          CoGetInterfaceAndReleaseStream(stream, __uuidof(IcBinEncoder), reinterpret_cast<void**>(proxy.Out())));
       Bstr base64;
       if (proxy) {
         EXPECT_EQ(proxy->Encode(Bstr("Man").Get(), base64.Out()), S_OK);

@@ -3,10 +3,10 @@
 
 #include <thread>
 
+#include "adapters/windows/com_object.h"
+#include "adapters/windows/system_automation.h"
 #include "parvex_idl.h"
 #include "seams/automation_error.h"
-#include "adapters/windows/system_automation.h"
-#include "adapters/windows/com_object.h"
 #include "tests/com/com_session.h"
 #include "tests/support/own_boxes_windows.h"
 
@@ -47,8 +47,8 @@ class TickingWindow {
     description.hInstance = GetModuleHandleW(nullptr);
     description.lpszClassName = L"ParvexTickingWindow";
     RegisterClassW(&description);
-    window_ = CreateWindowW(description.lpszClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                            description.hInstance, nullptr);
+    window_ = CreateWindowW(description.lpszClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, description.hInstance,
+                            nullptr);
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     SetTimer(window_, 1, 10, nullptr);
   }
@@ -232,10 +232,9 @@ TEST(ServingMessages, TheCallersWindowIsServedWhileTheWorkflowProgramRuns) {
   const TickingWindow window;
   Sleep(20);
   ASSERT_EQ(window.Ticks(), 0) << "nobody has served it";
-  const Bstr command(
-      Command("getHybrisXMLNoUI",
-              {{"selection", "<UserSelectionTransfer><ProjectName>Riverside Clinic</ProjectName>"
-                                 "</UserSelectionTransfer>"}}));
+  const Bstr command(Command("getHybrisXMLNoUI", {{"selection",
+                                                   "<UserSelectionTransfer><ProjectName>Riverside Clinic</ProjectName>"
+                                                   "</UserSelectionTransfer>"}}));
   BSTR argument = command.Get();
   Bstr reply;
   ASSERT_EQ(pull->PullNGORLA(&argument, reply.Out()), S_OK) << TakeErrorInfo().description;

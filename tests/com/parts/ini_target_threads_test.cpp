@@ -3,9 +3,9 @@
 
 #include <thread>
 
-#include "legacy_env/ini_target.h"
 #include "adapters/windows/machine.h"
 #include "adapters/windows/wide_text.h"
+#include "legacy_env/ini_target.h"
 #include "tests/com/com_session.h"
 #include "tests/support/own_boxes_windows.h"
 

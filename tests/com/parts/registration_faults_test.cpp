@@ -4,12 +4,12 @@
 #include <thread>
 #include <vector>
 
+#include "adapters/windows/wide_text.h"
 #include "com/parvex_classes.h"
 #include "com_server/registration.h"
 #include "com_server/type_library.h"
 #include "parvex_idl.h"
 #include "seams/automation_error.h"
-#include "adapters/windows/wide_text.h"
 #include "tests/com/registry_snapshot.h"
 
 // Registering that fails on the way: the first failure is reported, and what was written is undone.

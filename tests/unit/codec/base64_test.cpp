@@ -35,10 +35,17 @@ std::string PlainDecode(const std::string& text) {
   std::string bytes;
   for (std::size_t i = 0; i + 1 < values.size(); ++i) {
     switch (i % 4) {
-      case 0: bytes.push_back(static_cast<char>((values[i] << 2) + (values[i + 1] >> 4))); break;
-      case 1: bytes.push_back(static_cast<char>(((values[i] & 15) << 4) + (values[i + 1] >> 2))); break;
-      case 2: bytes.push_back(static_cast<char>(((values[i] & 3) << 6) + values[i + 1])); break;
-      default: break;
+      case 0:
+        bytes.push_back(static_cast<char>((values[i] << 2) + (values[i + 1] >> 4)));
+        break;
+      case 1:
+        bytes.push_back(static_cast<char>(((values[i] & 15) << 4) + (values[i + 1] >> 2)));
+        break;
+      case 2:
+        bytes.push_back(static_cast<char>(((values[i] & 3) << 6) + values[i + 1]));
+        break;
+      default:
+        break;
     }
   }
   return bytes;
@@ -95,7 +102,8 @@ void ExpectPlainDecodeAtAllAlignments(const Kernels& kernels, const std::string&
       return bytes;
     }();
     const std::string_view view(buffer.data() + offset, text.size());
-    ASSERT_EQ(base64::Decode(view, kernels), expected) << "at offset " << offset << ": " << testing::PrintToString(text);
+    ASSERT_EQ(base64::Decode(view, kernels), expected)
+        << "at offset " << offset << ": " << testing::PrintToString(text);
   }
 }
 
@@ -201,20 +209,32 @@ TEST_P(Base64Kernels, CountsEveryOtherCharacterAsAZero) {
 
 TEST_P(Base64Kernels, LooksCharactersBeyondAsciiUpByTheLowEightBitsOfTheirCode) {
   EXPECT_EQ(Decode("\xC5\x82\xC5\x82\xC5\x82\xC5\x82"), Decode("BBBB"));  // U+0142
-  EXPECT_EQ(Decode("\xE4\xB9\xA1" "AAA"), Decode("aAAA"));              // U+4E61
-  EXPECT_EQ(Decode("\xE2\x80\x94" "TWF"), Decode("ATWF"));              // U+2014 ends like a control character
+  EXPECT_EQ(Decode("\xE4\xB9\xA1"
+                   "AAA"),
+            Decode("aAAA"));  // U+4E61
+  EXPECT_EQ(Decode("\xE2\x80\x94"
+                   "TWF"),
+            Decode("ATWF"));  // U+2014 ends like a control character
 }
 
 TEST_P(Base64Kernels, TakesNoCharacterBeyondAsciiForALineBreakOrPadding) {
-  EXPECT_EQ(Decode("\xC4\xBD" "TWF"), Decode("ATWF"));               // U+013D ends like "="
-  EXPECT_EQ(Decode("\xC4\x8D\xC4\x8A" "TW"), Decode("AATW"));        // U+010D U+010A end like CR LF
+  EXPECT_EQ(Decode("\xC4\xBD"
+                   "TWF"),
+            Decode("ATWF"));  // U+013D ends like "="
+  EXPECT_EQ(Decode("\xC4\x8D\xC4\x8A"
+                   "TW"),
+            Decode("AATW"));  // U+010D U+010A end like CR LF
 }
 
 TEST_P(Base64Kernels, CountsACharacterBeyondTheBasePlaneAsTwo) {
   // U+10462 is the pair D801 DC62: a 1 that counts as 0, and a "b".
-  EXPECT_EQ(Decode("\xF0\x90\x91\xA2" "TW"), Decode("AbTW"));
+  EXPECT_EQ(Decode("\xF0\x90\x91\xA2"
+                   "TW"),
+            Decode("AbTW"));
   // U+1F442 is the pair D83D DC42: the first ends like "=", which does not make it one.
-  EXPECT_EQ(Decode("\xF0\x9F\x91\x82" "TW"), Decode("ABTW"));
+  EXPECT_EQ(Decode("\xF0\x9F\x91\x82"
+                   "TW"),
+            Decode("ABTW"));
 }
 
 TEST_P(Base64Kernels, IgnoresASingleCharacterLeftOver) {
@@ -239,7 +259,8 @@ TEST_P(Base64Kernels, DecodesHostileMixesLikeThePlainRules) {
       {"AB\r\n"},
       {"\r\n", "\xC5\x82", "Q"},
       {"\xC5\x82", "\xE4\xB9\xA1", "\xF0\x9F\x91\x82", "\xC4\xBD"},
-      {"\xC5", "\xE4\xB9", "\xF0\x9F\x91", "\x82", "\r", "\n", "A", "\xFF", "\xC0\x80", "\xED\xA1\x82", "\xF4\xBF\xBF\xBF"},
+      {"\xC5", "\xE4\xB9", "\xF0\x9F\x91", "\x82", "\r", "\n", "A", "\xFF", "\xC0\x80", "\xED\xA1\x82",
+       "\xF4\xBF\xBF\xBF"},
       {"QQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQQ", "\xC5\x82"},
   };
   for (const std::vector<std::string>& mix : mixes) {
@@ -258,7 +279,8 @@ TEST_P(Base64Kernels, DecodesRandomBytesLikeThePlainRules) {
 TEST_P(Base64Kernels, FindsALineBreakAtEveryPlaceOfABlock) {
   const std::string text = CleanText(random_, 200);
   for (std::size_t place = 0; place <= text.size(); ++place) {
-    for (const char* inserted : {"\r\n", "\r", "\n", "=", "\r=\n", "\r\r\n", "\r\n\r\n", "\xC5\x82", "\xF0\x9F\x91\x82"}) {
+    for (const char* inserted :
+         {"\r\n", "\r", "\n", "=", "\r=\n", "\r\r\n", "\r\n\r\n", "\xC5\x82", "\xF0\x9F\x91\x82"}) {
       const std::string broken = text.substr(0, place) + inserted + text.substr(place);
       ASSERT_EQ(Decode(broken), PlainDecode(broken)) << place << " " << testing::PrintToString(inserted);
     }

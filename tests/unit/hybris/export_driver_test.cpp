@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "codec/bin_encoder.h"
-#include "protocol/reply_envelope.h"
 #include "formats/text/text.h"
+#include "protocol/reply_envelope.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {

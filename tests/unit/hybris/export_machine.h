@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "hybris/tag_stored_data.h"
 #include "formats/zip/zip_writer.h"
+#include "hybris/tag_stored_data.h"
 #include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 

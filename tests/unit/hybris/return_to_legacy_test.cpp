@@ -28,8 +28,9 @@ class ReturnToLegacyTest : public testing::Test {
   static xml::Document Return(LegacyLink& through, const std::string& attributes, const std::string& baseUnits = "") {
     return ReturnTagToLegacy(
         through, xml::Document::Parse("<COMMAND><NAME>RebuildTag</NAME><PARAMETERS><PARAMETER><PROJECT><TAGS><TAG>"
-                                   "<ATTRIBUTES_LIST>" + attributes + "</ATTRIBUTES_LIST><BASEUNITS>" + baseUnits +
-                                   "</BASEUNITS></TAG></TAGS></PROJECT></PARAMETER></PARAMETERS></COMMAND>"));
+                                      "<ATTRIBUTES_LIST>" +
+                                      attributes + "</ATTRIBUTES_LIST><BASEUNITS>" + baseUnits +
+                                      "</BASEUNITS></TAG></TAGS></PROJECT></PARAMETER></PARAMETERS></COMMAND>"));
   }
 
   std::string Outcome(const xml::Document& reply) {

@@ -107,7 +107,8 @@ TEST_F(OptionsCommandsTest, SetKeepsDeclarationEncodingAndComments) {
   const std::string written = machine.Read(kPath);
   EXPECT_THAT(written, HasSubstr("<?xml version=\"1.0\" encoding=\"windows-1252\"?>"));
   EXPECT_THAT(written, HasSubstr("<!-- \xE9 -->"));
-  EXPECT_THAT(written, HasSubstr("<Value>Gr\xF6\xDF" "e</Value>"));
+  EXPECT_THAT(written, HasSubstr("<Value>Gr\xF6\xDF"
+                                 "e</Value>"));
 }
 
 TEST_F(OptionsCommandsTest, SetFailsAndLeavesTheFolderAsItWasWithoutAReadableFile) {
@@ -168,8 +169,9 @@ TEST_F(OptionsCommandsTest, SetTakesTheLastOfTwoParametersOfAName) {
 }
 
 TEST_F(OptionsCommandsTest, SetChangesTheFirstOfTwoOptionsOfAName) {
-  machine.Write(kPath, "<O><Tool ID=\"SOV01\"><Option><Name>a</Name><Value>1</Value></Option><Option><Name>a</Name>"
-                       "<Value>2</Value></Option></Tool></O>");
+  machine.Write(kPath,
+                "<O><Tool ID=\"SOV01\"><Option><Name>a</Name><Value>1</Value></Option><Option><Name>a</Name>"
+                "<Value>2</Value></Option></Tool></O>");
   EXPECT_TRUE(Set({{"a", "9"}}));
   EXPECT_THAT(machine.Read(kPath), HasSubstr("<Value>9</Value></Option><Option><Name>a</Name><Value>2</Value>"));
 }

@@ -89,10 +89,9 @@ TEST_F(ProjectLifecycleTest, StatusThatIsNoYesOrNoIsATypeMismatch) {
 TEST_F(ProjectLifecycleTest, ArchiveGivesWhatTheFrontEndLeftOut) {
   Answer(true, "");
   EXPECT_EQ(ArchiveProject(link, Command("archiveProject", kProject)).Xml(), kSuccess);
-  EXPECT_THAT(Requests(),
-              ElementsAre(Sent("archiveProject",
-                               kProject + kPdsg + Parameter("dataList", "*") +
-                                   Parameter("archiveFile", "C:\\Korvane\\TQ5-VX\\Archives\\Clinic.E3A"))));
+  EXPECT_THAT(Requests(), ElementsAre(Sent("archiveProject",
+                                           kProject + kPdsg + Parameter("dataList", "*") +
+                                               Parameter("archiveFile", "C:\\Korvane\\TQ5-VX\\Archives\\Clinic.E3A"))));
 }
 
 TEST_F(ProjectLifecycleTest, ArchiveWithAFileSpecGetsNoArchiveFile) {
@@ -106,10 +105,9 @@ TEST_F(ProjectLifecycleTest, ArchiveFileOfTheFrontEndDoesNotCountAsFileSpec) {
   Answer(true, "");
   const std::string given = kProject + Parameter("archiveFile", "D:\\a.E3A");
   ArchiveProject(link, Command("archiveProject", given));
-  EXPECT_THAT(Requests(),
-              ElementsAre(Sent("archiveProject",
-                               given + kPdsg + Parameter("dataList", "*") +
-                                   Parameter("archiveFile", "C:\\Korvane\\TQ5-VX\\Archives\\Clinic.E3A"))));
+  EXPECT_THAT(Requests(), ElementsAre(Sent("archiveProject",
+                                           given + kPdsg + Parameter("dataList", "*") +
+                                               Parameter("archiveFile", "C:\\Korvane\\TQ5-VX\\Archives\\Clinic.E3A"))));
 }
 
 TEST_F(ProjectLifecycleTest, RenameCopiesAndDeletesTheOldProject) {
@@ -238,12 +236,12 @@ TEST_F(ProjectLifecycleTest, RetrieveWithoutParametersAsksWithEmptyValues) {
   Answer(true, StatusCode("1"));
   Answer(true, "");
   RetrieveProject(link, Command("retrieveProject"));
-  EXPECT_THAT(Requests(),
-              ElementsAre(Sent("getArchiveContents", kPdsg + Parameter("archiveFile", "")),
-                          Sent("doesProjectExistInFolder",
-                               kPdsg + Parameter("projectName", "") + Parameter("projectPath", "")),
-                          Sent("retrieveAndSaveProject",
-                               Parameter("archiveFile", "") + Parameter("dataList", "KDQ47,QRT52") + kPdsg)));
+  EXPECT_THAT(
+      Requests(),
+      ElementsAre(
+          Sent("getArchiveContents", kPdsg + Parameter("archiveFile", "")),
+          Sent("doesProjectExistInFolder", kPdsg + Parameter("projectName", "") + Parameter("projectPath", "")),
+          Sent("retrieveAndSaveProject", Parameter("archiveFile", "") + Parameter("dataList", "KDQ47,QRT52") + kPdsg)));
 }
 
 TEST_F(ProjectLifecycleTest, RouterThatFailsOnTheWayEndsTheCall) {

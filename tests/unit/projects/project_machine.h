@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "protocol/legacy_link.h"
 #include "formats/jet/writer.h"
+#include "protocol/legacy_link.h"
 #include "tests/support/command_texts.h"
 #include "tests/support/fake_platform.h"
 

@@ -29,9 +29,9 @@ class ProjectPropertiesTest : public testing::Test, protected ProjectMachine {
   void Store(const std::string& company, const std::string& email, const std::string& number) {
     Answer(true, "<STORED/>");
     Answer(true, folderAnswer_);
-    SetProjectProperties(link, Command("setProjectProperties",
-                                       Parameter("projectName", "Clinic") + Parameter("CompanyName", company) +
-                                           Parameter("EmailID", email) + Parameter("ContactNumber", number)));
+    SetProjectProperties(
+        link, Command("setProjectProperties", Parameter("projectName", "Clinic") + Parameter("CompanyName", company) +
+                                                  Parameter("EmailID", email) + Parameter("ContactNumber", number)));
   }
 };
 
@@ -162,10 +162,9 @@ TEST_F(ProjectPropertiesTest, StoredTwiceEditTheRowsOfTheFirstTime) {
 TEST_F(ProjectPropertiesTest, StoringLeavesRowsOfOtherGroupsAlone) {
   WriteConfig({{"QRT52", "CompanyName", "other"}, {"KDQ47", "CompanyName", "old"}, {"KDQ47", "Other", "kept"}});
   Store("new", "e", "n");
-  EXPECT_THAT(ReadConfig(),
-              UnorderedElementsAre(Row{"QRT52", "CompanyName", "other"}, Row{"KDQ47", "CompanyName", "new"},
-                                   Row{"KDQ47", "Other", "kept"}, Row{"KDQ47", "EmailID", "e"},
-                                   Row{"KDQ47", "ContactNumber", "n"}));
+  EXPECT_THAT(ReadConfig(), UnorderedElementsAre(Row{"QRT52", "CompanyName", "other"},
+                                                 Row{"KDQ47", "CompanyName", "new"}, Row{"KDQ47", "Other", "kept"},
+                                                 Row{"KDQ47", "EmailID", "e"}, Row{"KDQ47", "ContactNumber", "n"}));
 }
 
 TEST_F(ProjectPropertiesTest, StoringWithoutParametersWritesEmptyValues) {

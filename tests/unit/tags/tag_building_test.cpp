@@ -7,7 +7,6 @@
 #include <chrono>
 #include <map>
 
-
 #include "protocol/legacy_link.h"
 #include "seams/automation_error.h"
 #include "tests/support/command_texts.h"
@@ -99,19 +98,18 @@ Lines Joined(Lines lines, const Lines& more) {
 TEST(NewTag, DrivesTheBuilderMemberByMemberAndLetsGoOfIt) {
   BuilderMachine builder;
   EXPECT_EQ(test::kSuccess, Send(builder, kNewTag));
-  EXPECT_THAT(builder.automation.lines,
-              ElementsAreArray(Joined(Opening("False", "\\\\RTU47\\Clinic"),
-                                      {"release " + kBuilder, "release workflow"})));
+  EXPECT_THAT(builder.automation.lines, ElementsAreArray(Joined(Opening("False", "\\\\RTU47\\Clinic"),
+                                                                {"release " + kBuilder, "release workflow"})));
   EXPECT_TRUE(builder.HoldsNothing());
 }
 
 TEST(ConfigureTag, DrivesTheBuilderMemberByMemberAndWaitsForItsWindowAgain) {
   BuilderMachine builder;
   EXPECT_EQ(test::kSuccess, Send(builder, kConfigureTag));
-  EXPECT_THAT(builder.automation.lines,
-              ElementsAreArray(Joined(Opening("True", "\\\\\\RTU47\\RTU-1\\1101\\Clinic\\7"),
-                                      {"get " + kBuilder + ".UILoaded -> True", "release " + kBuilder,
-                                       "release workflow"})));
+  EXPECT_THAT(
+      builder.automation.lines,
+      ElementsAreArray(Joined(Opening("True", "\\\\\\RTU47\\RTU-1\\1101\\Clinic\\7"),
+                              {"get " + kBuilder + ".UILoaded -> True", "release " + kBuilder, "release workflow"})));
   EXPECT_TRUE(builder.HoldsNothing());
 }
 

@@ -242,8 +242,7 @@ TEST(DeleteTag, SendsAnEmptyTableForEveryOtherDataType) {
 TEST(DeleteTag, SendsEmptyElementsForWhatTheFrontEndDoesNotSay) {
   TagMachine tags;
   EXPECT_EQ(test::kFailure, DeleteTag(tags.link, Command("deleteTag", Parameter("projectName", "P"))).Xml());
-  EXPECT_THAT(tags.Requests(),
-              ElementsAre(DeletingSent("<DATATYPE/><PDSG/><NAME/><TAGINDEXID/><ID/><TABLENAME/>")));
+  EXPECT_THAT(tags.Requests(), ElementsAre(DeletingSent("<DATATYPE/><PDSG/><NAME/><TAGINDEXID/><ID/><TABLENAME/>")));
 }
 
 TEST(TagEditing, ThatTheRouterCannotCarryOutEndsTheCall) {

@@ -24,8 +24,8 @@ using testing::ElementsAre;
 using testing::SizeIs;
 
 std::string ListRequest(const std::string& projectName) {
-  return Sent("getTagList", Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "*") +
-                                Parameter("projectName", projectName));
+  return Sent("getTagList",
+              Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "*") + Parameter("projectName", projectName));
 }
 
 std::string Tool(const std::string& pdsg, const std::string& version) {
@@ -63,9 +63,10 @@ TEST(GetTagList, AnswersTheRoutersDocumentWithEveryTagMarked) {
   TagMachine tags;
   tags.WriteProgramFile("Tools.xml", "<Tools>" + Tool("RTU47", "2") + Tool("XRC47", "3") + "</Tools>");
   tags.Answer(true, "<TagList>" + ListedTag("A", "RTU47", "2") + ListedTag("B", "XRC47", "2") + "</TagList>");
-  EXPECT_EQ("<TagList><TAG><NAME>A</NAME><PDSG>RTU47</PDSG><TAGVERSION>2</TAGVERSION><UPTODATE>-1</UPTODATE></TAG>"
-            "<TAG><NAME>B</NAME><PDSG>XRC47</PDSG><TAGVERSION>2</TAGVERSION><UPTODATE>0</UPTODATE></TAG></TagList>\r\n",
-            GetTagListOf(tags.link, "P").Xml());
+  EXPECT_EQ(
+      "<TagList><TAG><NAME>A</NAME><PDSG>RTU47</PDSG><TAGVERSION>2</TAGVERSION><UPTODATE>-1</UPTODATE></TAG>"
+      "<TAG><NAME>B</NAME><PDSG>XRC47</PDSG><TAGVERSION>2</TAGVERSION><UPTODATE>0</UPTODATE></TAG></TagList>\r\n",
+      GetTagListOf(tags.link, "P").Xml());
 }
 
 TEST(GetTagList, AnswersTheFailedReplyWhenTheRouterRefuses) {
@@ -123,23 +124,31 @@ TEST_P(MarkUpToDateCases, MarksAs) {
 
 INSTANTIATE_TEST_SUITE_P(
     MarkUpToDate, MarkUpToDateCases,
-    testing::Values(
-        MarkCase{"of two tools of a group the first counts", ListedTag("A", "G", "1") + ListedTag("B", "G", "2"),
-                 Tool("G", "1") + Tool("G", "2"), {"-1", "0"}},
-        MarkCase{"a tag without a tool is compared with the version found for the tag before it",
-                 ListedTag("A", "G", "1") + ListedTag("B", "none", "1") + ListedTag("C", "none", "2"), Tool("G", "1"),
-                 {"-1", "-1", "0"}},
-        MarkCase{"before the first match the version is empty",
-                 ListedTag("A", "none", "") + ListedTag("B", "none", "1"), Tool("G", "1"), {"-1", "0"}},
-        MarkCase{"groups are compared with their letter case", ListedTag("A", "g", "1"), Tool("G", "1"), {"0"}},
-        MarkCase{"versions are compared as texts", ListedTag("A", "G", "1.0"), Tool("G", "1"), {"0"}},
-        MarkCase{"two empty versions are equal", ListedTag("A", "G", ""), Tool("G", ""), {"-1"}},
-        MarkCase{"an empty group is a group", ListedTag("A", "", "1"), Tool("", "1"), {"-1"}},
-        MarkCase{"the texts may stand at any depth",
-                 "<TAG><X><PDSG>G</PDSG></X><Y><TAGVERSION>1</TAGVERSION></Y></TAG>",
-                 "<Group><Tool><X><Pdsg>G</Pdsg></X><Y><Version>1</Version></Y></Tool></Group>", {"-1"}},
-        MarkCase{"a tool without a group matches nothing", ListedTag("A", "", "1"),
-                 "<Tool><Version>1</Version></Tool>", {"0"}}));
+    testing::Values(MarkCase{"of two tools of a group the first counts",
+                             ListedTag("A", "G", "1") + ListedTag("B", "G", "2"),
+                             Tool("G", "1") + Tool("G", "2"),
+                             {"-1", "0"}},
+                    MarkCase{"a tag without a tool is compared with the version found for the tag before it",
+                             ListedTag("A", "G", "1") + ListedTag("B", "none", "1") + ListedTag("C", "none", "2"),
+                             Tool("G", "1"),
+                             {"-1", "-1", "0"}},
+                    MarkCase{"before the first match the version is empty",
+                             ListedTag("A", "none", "") + ListedTag("B", "none", "1"),
+                             Tool("G", "1"),
+                             {"-1", "0"}},
+                    MarkCase{
+                        "groups are compared with their letter case", ListedTag("A", "g", "1"), Tool("G", "1"), {"0"}},
+                    MarkCase{"versions are compared as texts", ListedTag("A", "G", "1.0"), Tool("G", "1"), {"0"}},
+                    MarkCase{"two empty versions are equal", ListedTag("A", "G", ""), Tool("G", ""), {"-1"}},
+                    MarkCase{"an empty group is a group", ListedTag("A", "", "1"), Tool("", "1"), {"-1"}},
+                    MarkCase{"the texts may stand at any depth",
+                             "<TAG><X><PDSG>G</PDSG></X><Y><TAGVERSION>1</TAGVERSION></Y></TAG>",
+                             "<Group><Tool><X><Pdsg>G</Pdsg></X><Y><Version>1</Version></Y></Tool></Group>",
+                             {"-1"}},
+                    MarkCase{"a tool without a group matches nothing",
+                             ListedTag("A", "", "1"),
+                             "<Tool><Version>1</Version></Tool>",
+                             {"0"}}));
 
 TEST(MarkUpToDate, EndsTheCallForATagWithoutVersionOrGroup) {
   EXPECT_EQ(91, RaisedBy([] { Marks("<TAG><PDSG>G</PDSG></TAG>", ""); }));
@@ -196,10 +205,9 @@ TEST(GetTags, WithoutEntriesAnswersOnlyTheProjectName) {
 TEST(GetTags, FetchesAnExtendedTagWithGetTagEx) {
   TagMachine tags;
   GetTagsOf(tags, TagEntry("A &lt;1&gt;", "RTU47", "1"));
-  EXPECT_THAT(tags.Requests(),
-              ElementsAre(Sent("getTagEx", Parameter("projectName", "P") + Parameter("pdsg", "KDQ47") +
-                                               Parameter("pdsgFilter", "RTU47") +
-                                               Parameter("tagName", "A &lt;1&gt;"))));
+  EXPECT_THAT(tags.Requests(), ElementsAre(Sent("getTagEx", Parameter("projectName", "P") + Parameter("pdsg", "KDQ47") +
+                                                                Parameter("pdsgFilter", "RTU47") +
+                                                                Parameter("tagName", "A &lt;1&gt;"))));
 }
 
 TEST(GetTags, FetchesEveryOtherTagWithGetTag) {
@@ -281,8 +289,9 @@ std::string Products(const std::string& quantity, const std::string& size, const
 
 TEST(LookUpTagProducts, AppendsWhatTheStoredProductSays) {
   TagMachine tags;
-  tags.Answer(true, Application("RTU47", "<Product MarkFor=\"A\" Quantity=\"2\" UnitSize=\"10\" PartNumber=\"RTUA\" "
-                                         "Model=\"RT\"/>"));
+  tags.Answer(true, Application("RTU47",
+                                "<Product MarkFor=\"A\" Quantity=\"2\" UnitSize=\"10\" PartNumber=\"RTUA\" "
+                                "Model=\"RT\"/>"));
   const xml::Document document = LookedUp(tags, TagEntry("A", "RTU47", "1"));
   EXPECT_EQ(Tag("A", "RTU47", "<DATATYPE>1</DATATYPE>" + Products("2", "10", "RTUA", "RT")),
             document.First("//TAG").Xml());
@@ -306,10 +315,11 @@ TEST(LookUpTagProducts, ForgetsAProductByItsNameAlsoWhenTheSecondLookFindsNothin
 
 TEST(LookUpTagProducts, PrefersTheProductOfTheSecondLookAndOfSeveralTheFirst) {
   TagMachine tags;
-  tags.Answer(true, "<TAG><Product ProdName=\"G\" MarkFor=\"A\" Quantity=\"1\"/><Application PDSG=\"G\">"
-                    "<Other><Product MarkFor=\"A\" Quantity=\"5\"/></Other><System>"
-                    "<Product MarkFor=\"A\" Quantity=\"2\"/><Product MarkFor=\"A\" Quantity=\"3\"/></System>"
-                    "<Product MarkFor=\"A\" Quantity=\"4\"/></Application></TAG>");
+  tags.Answer(true,
+              "<TAG><Product ProdName=\"G\" MarkFor=\"A\" Quantity=\"1\"/><Application PDSG=\"G\">"
+              "<Other><Product MarkFor=\"A\" Quantity=\"5\"/></Other><System>"
+              "<Product MarkFor=\"A\" Quantity=\"2\"/><Product MarkFor=\"A\" Quantity=\"3\"/></System>"
+              "<Product MarkFor=\"A\" Quantity=\"4\"/></Application></TAG>");
   EXPECT_THAT(TextsOf(LookedUp(tags, TagEntry("A", "G", "0")), "//QUANTITY"), ElementsAre("2"));
 }
 

@@ -27,14 +27,20 @@ struct PatternRow {
 
 TEST(MatchesPattern, FollowsTheRulesOfADirectoryListing) {
   static constexpr PatternRow kRows[] = {
-      {"*", "a.b", true},        {"*", "", true},           {"a*", "abc", true},        {"a*", "b", false},
-      {"*c", "abc", true},       {"*c", "abcd", false},     {"a*c*e", "abcde", true},   {"a*c*e", "abcd", false},
-      {"*b*b*", "abab", true},   {"*b*b*", "aba", false},   {"a?c", "abc", true},       {"a?c", "ac", false},
-      {"a??", "a", true},        {"a??", "abcd", false},    {"a?.t", "a.t", true},      {"a?.t", "ab.t", true},
-      {"a?.t", "abc.t", false},  {"?.t", "ä.t", true},      {"ä?", "Ä日", true},        {"name.*", "name", true},
-      {"name.*", "name.x", true},{"name.*", "names", false},{"*.*", "plain", true},     {"*.txt", "a.TXT", true},
-      {"*.txt", "a.txts", false},{"*.txt", "txt", false},   {"*.t?t", "a.b.txt", true},
-      {"*a*a*a*b", "aaaaaaaaac", false},
+      {"*", "a.b", true},         {"*", "", true},
+      {"a*", "abc", true},        {"a*", "b", false},
+      {"*c", "abc", true},        {"*c", "abcd", false},
+      {"a*c*e", "abcde", true},   {"a*c*e", "abcd", false},
+      {"*b*b*", "abab", true},    {"*b*b*", "aba", false},
+      {"a?c", "abc", true},       {"a?c", "ac", false},
+      {"a??", "a", true},         {"a??", "abcd", false},
+      {"a?.t", "a.t", true},      {"a?.t", "ab.t", true},
+      {"a?.t", "abc.t", false},   {"?.t", "ä.t", true},
+      {"ä?", "Ä日", true},        {"name.*", "name", true},
+      {"name.*", "name.x", true}, {"name.*", "names", false},
+      {"*.*", "plain", true},     {"*.txt", "a.TXT", true},
+      {"*.txt", "a.txts", false}, {"*.txt", "txt", false},
+      {"*.t?t", "a.b.txt", true}, {"*a*a*a*b", "aaaaaaaaac", false},
   };
   for (const PatternRow& row : kRows) {
     EXPECT_EQ(MatchesPattern(row.name, row.pattern), row.matches) << row.pattern << " " << row.name;

@@ -29,9 +29,7 @@ TEST(MachinePath, BeginsAtADrivesRoot) {
   EXPECT_EQ(TextOf("C:\\"), "C:\\");
 }
 
-TEST(MachinePath, SeparatorsInARowCountAsOne) {
-  EXPECT_EQ(TextOf("C:\\\\a\\/\\b\\\\"), "C:\\a\\b");
-}
+TEST(MachinePath, SeparatorsInARowCountAsOne) { EXPECT_EQ(TextOf("C:\\\\a\\/\\b\\\\"), "C:\\a\\b"); }
 
 TEST(MachinePath, DotsAreResolvedAndStayOnTheDrive) {
   EXPECT_EQ(TextOf("C:\\a\\.\\b\\..\\c"), "C:\\a\\c");

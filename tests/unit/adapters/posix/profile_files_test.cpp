@@ -8,8 +8,8 @@
 #include <chrono>
 #include <thread>
 
-#include "seams/automation_error.h"
 #include "adapters/posix/host_file.h"
+#include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex::test {

@@ -105,8 +105,8 @@ TEST_F(CommandLineTest, ExeIsNotAddedToAnExtension) { EXPECT_EQ(Error("C:\\Korva
 TEST_F(CommandLineTest, ANameWithoutFolderIsLookedForInTheCurrentFolder) { EXPECT_EQ(Program("root /a"), "root.exe"); }
 
 TEST_F(CommandLineTest, WhatIsNoFileIsNoProgram) {
-  for (const char* line : {"", "   ", "\"\"", "\"", "C:\\no.exe", "C:\\dir.exe", "C:\\Korvane",
-                           "\\\\server\\a.exe", "nul"}) {
+  for (const char* line :
+       {"", "   ", "\"\"", "\"", "C:\\no.exe", "C:\\dir.exe", "C:\\Korvane", "\\\\server\\a.exe", "nul"}) {
     EXPECT_EQ(Error(line), 53) << line;
   }
 }

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "formats/text/windows_1252.h"
 #include "formats/text/text.h"
+#include "formats/text/windows_1252.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex::posix {
@@ -42,7 +42,9 @@ TEST_F(RegistryTextTest, ReadsTheEditorsExportInUtf16) {
 }
 
 TEST_F(RegistryTextTest, ReadsTheOldFormatInTheCodePage) {
-  EXPECT_EQ(V("\"v\"=\"C:\\\\Gr\xF6\xDF" "e\"\r\n"), "C:\\Größe");
+  EXPECT_EQ(V("\"v\"=\"C:\\\\Gr\xF6\xDF"
+              "e\"\r\n"),
+            "C:\\Größe");
 }
 
 TEST_F(RegistryTextTest, ReadsUtf8WithAByteOrderMark) {
@@ -60,8 +62,10 @@ struct KeyRow {
 
 TEST_F(RegistryTextTest, KeysAreTheSameInEverySpelling) {
   static constexpr KeyRow kRows[] = {
-      {"HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane", "as written"}, {"HKLM\\SOFTWARE\\Korvane", "the short hive"},
-      {"hklm\\software\\KORVANE", "letter case"},              {"HKLM\\SOFTWARE\\Korvane\\", "a final backslash"},
+      {"HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane", "as written"},
+      {"HKLM\\SOFTWARE\\Korvane", "the short hive"},
+      {"hklm\\software\\KORVANE", "letter case"},
+      {"HKLM\\SOFTWARE\\Korvane\\", "a final backslash"},
       {"HKLM\\\\SOFTWARE\\\\Korvane", "doubled backslashes"},
   };
   for (const KeyRow& written : kRows) {
@@ -120,9 +124,7 @@ TEST_F(RegistryTextTest, HexadecimalStringsAreUtf16InTheNewFormat) {
   EXPECT_EQ(Value(kHeader5 + "\"v\"=hex(2):\r\n", "v"), "");
 }
 
-TEST_F(RegistryTextTest, HexadecimalStringsAreAnsiInTheOldFormat) {
-  EXPECT_EQ(V("\"v\"=hex(2):25,F6,00\r\n"), "%ö");
-}
+TEST_F(RegistryTextTest, HexadecimalStringsAreAnsiInTheOldFormat) { EXPECT_EQ(V("\"v\"=hex(2):25,F6,00\r\n"), "%ö"); }
 
 TEST_F(RegistryTextTest, HexadecimalBytesGoOnInTheNextLine) {
   EXPECT_EQ(V("\"v\"=hex(2):41,42,\\\r\n  43,\\\r\n  44,00\r\n\"w\"=\"\"\r\n"), "ABCD");
@@ -168,8 +170,8 @@ TEST_F(RegistryTextTest, ValuesBeforeTheFirstKeyAreSkipped) {
 
 TEST_F(RegistryTextTest, NoTextHasNoValues) {
   const std::string zeros(9, '\0');
-  for (const std::string_view bytes : {std::string_view(), std::string_view("\xFF\xFE"),
-                                       std::string_view("\xFF\xFE\x41"), std::string_view(zeros)}) {
+  for (const std::string_view bytes :
+       {std::string_view(), std::string_view("\xFF\xFE"), std::string_view("\xFF\xFE\x41"), std::string_view(zeros)}) {
     EXPECT_EQ(Value(bytes, "v"), std::nullopt);
   }
 }
@@ -224,8 +226,9 @@ TEST_F(RegistryFileTest, OnlyTheLocalMachineIsLookedAt) {
 TEST_F(RegistryFileTest, AnExportOfA64BitMachineIsUnderstood) {
   Write("REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Korvane\\KDQ47]\n\"BinPath\"=\"32\"\n");
   EXPECT_EQ(registry.LocalMachineString("SOFTWARE\\Korvane\\KDQ47\\", "binPath"), "32");
-  Write("REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Korvane\\KDQ47]\n\"BinPath\"=\"32\"\n"
-        "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane\\KDQ47]\n\"BinPath\"=\"64\"\n");
+  Write(
+      "REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Korvane\\KDQ47]\n\"BinPath\"=\"32\"\n"
+      "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane\\KDQ47]\n\"BinPath\"=\"64\"\n");
   EXPECT_EQ(registry.LocalMachineString("Software\\Korvane\\KDQ47", "BinPath"), "64");
 }
 

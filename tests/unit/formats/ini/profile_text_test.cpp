@@ -163,8 +163,8 @@ TEST(ProfileIndexing, HostileFilesCostNoMoreThanTheirSize) {
     repeated += "k=\n";
   }
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(Found("[s]\nk=" + monster + "x\n" + repeated, "s", "k"), "x");       // a long value
-  EXPECT_EQ(Found("[s]\nk" + monster + "=x\n" + repeated, "s", "k"), "");        // a long way to the "="
+  EXPECT_EQ(Found("[s]\nk=" + monster + "x\n" + repeated, "s", "k"), "x");  // a long value
+  EXPECT_EQ(Found("[s]\nk" + monster + "=x\n" + repeated, "s", "k"), "");   // a long way to the "="
   EXPECT_EQ(Found("[s]\n" + std::string(4'000'000, '\r') + repeated, "s", "k"), "");
   std::string headers = "[s]" + monster + ";\n";
   for (int i = 0; i < 500'000; ++i) {

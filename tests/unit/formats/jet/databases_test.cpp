@@ -1,13 +1,12 @@
-#include "adapters/posix/jet_databases.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <map>
 
+#include "adapters/posix/jet_databases.h"
+#include "formats/jet/file.h"
 #include "formats/jet/writer.h"
 #include "seams/automation_error.h"
-#include "formats/jet/file.h"
 #include "tests/support/jet_readers.h"
 #include "tests/support/one_file.h"
 
@@ -215,8 +214,8 @@ TEST_F(JetDatabasesTest, StatementsBeyondTheUnderstoodFormAreSyntaxErrors) {
        {"", "SELECT", "SELECT sKey FROM Config", "SELECT * FROM", "SELECT * FROM Config WHERE", "DELETE FROM Config",
         "SELECT * FROM Config WHERE sKey", "SELECT * FROM Config WHERE sKey=", "SELECT * FROM Config WHERE sKey=key0",
         "SELECT * FROM Config WHERE sKey<>'key0'", "SELECT * FROM Config WHERE sKey='key0' OR sKey='key1'",
-        "SELECT * FROM Config WHERE sKey='key0' AND", "SELECT * FROM Config ORDER BY sKey",
-        "SELECT * FROM [Config", "SELECT * FROM Config WHERE sKey='a' 'b'", "SELECT * FROM Config; SELECT"}) {
+        "SELECT * FROM Config WHERE sKey='key0' AND", "SELECT * FROM Config ORDER BY sKey", "SELECT * FROM [Config",
+        "SELECT * FROM Config WHERE sKey='a' 'b'", "SELECT * FROM Config; SELECT"}) {
     EXPECT_THAT(ErrorOf([&] { Rows(sql); }), HasSubstr(std::string("3075 Syntax error in the statement: ") + sql));
   }
 }

@@ -16,26 +16,21 @@ using testing::HasSubstr;
 using Type = JetColumn::Type;
 
 /// What the two readers print for the rows of the sample's first table.
-const Lines kConfigRows{"KDQ47|CompanyName|Müller & Söhne",
-                        "KDQ47|EmailID|<null>",
-                        "KDQ47|ContactNumber|",
-                        "KDQ47|Mixed|compressed, then Ωж日本, then compressed again",
-                        "KDQ47|Wide|日本語"};
+const Lines kConfigRows{"KDQ47|CompanyName|Müller & Söhne", "KDQ47|EmailID|<null>", "KDQ47|ContactNumber|",
+                        "KDQ47|Mixed|compressed, then Ωж日本, then compressed again", "KDQ47|Wide|日本語"};
 
 std::vector<JetTable> SampleTables() {
-  std::vector<JetTable> tables{{"Config",
-                                {{"sPdsg", Type::Text, 50}, {"sKey", Type::Text, 50}, {"sValue", Type::Text, 255}},
-                                {{"KDQ47", "CompanyName", "Müller & Söhne"},
-                                 {"KDQ47", "EmailID", std::nullopt},
-                                 {"KDQ47", "ContactNumber", ""},
-                                 {"KDQ47", "Mixed", "compressed, then Ωж日本, then compressed again"},
-                                 {"KDQ47", "Wide", "日本語"}}},
-                               {"TagIndex",
-                                {{"sAPP", Type::Text, 10},
-                                 {"sAppVer", Type::Text, 10},
-                                 {"sTagName", Type::Text, 100},
-                                 {"lTagId", Type::Long}},
-                                {}}};
+  std::vector<JetTable> tables{
+      {"Config",
+       {{"sPdsg", Type::Text, 50}, {"sKey", Type::Text, 50}, {"sValue", Type::Text, 255}},
+       {{"KDQ47", "CompanyName", "Müller & Söhne"},
+        {"KDQ47", "EmailID", std::nullopt},
+        {"KDQ47", "ContactNumber", ""},
+        {"KDQ47", "Mixed", "compressed, then Ωж日本, then compressed again"},
+        {"KDQ47", "Wide", "日本語"}}},
+      {"TagIndex",
+       {{"sAPP", Type::Text, 10}, {"sAppVer", Type::Text, 10}, {"sTagName", Type::Text, 100}, {"lTagId", Type::Long}},
+       {}}};
   for (int i = 0; i < 5000; ++i) {
     tables[1].rows.push_back({"KDQ", "47", "Tag " + std::to_string(i), std::to_string(7 * i - 3)});
   }

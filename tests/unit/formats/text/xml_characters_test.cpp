@@ -41,7 +41,8 @@ TEST(ForbiddenCharacters, AreCharactersThatTheEndCutsOff) {
 }
 
 TEST(ForbiddenCharacters, AreSurrogatesAndNonCharacters) {
-  for (const std::string_view bad : {"\xED\xA0\x80", "\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xE0\x80\x80", "\xF4\x90\x80\x80"}) {
+  for (const std::string_view bad :
+       {"\xED\xA0\x80", "\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xE0\x80\x80", "\xF4\x90\x80\x80"}) {
     EXPECT_EQ(FindForbidden(std::string(70, 'a') + std::string(bad)), 70u);
   }
 }

@@ -120,7 +120,8 @@ TEST_F(Packing, ReadsAnEntryWhoseLengthsStandBehindItsData) {
 }
 
 TEST_F(Packing, FindsTheEndRecordInFrontOfAComment) {
-  for (const std::string& comment : {std::string("short"), std::string(65535, 'c'), std::string("PK\5\6") + std::string(30, '\0')}) {
+  for (const std::string& comment :
+       {std::string("short"), std::string(65535, 'c'), std::string("PK\5\6") + std::string(30, '\0')}) {
     std::string archive = SampleArchive();
     test::Put16(archive, test::EndRecord(archive) + 20, static_cast<std::uint16_t>(comment.size()));
     EXPECT_EQ(UnpackBytes(archive + comment).size(), 2u) << comment.size();
@@ -215,9 +216,25 @@ TEST_F(Packing, RefusesNamesThatLeadElsewhereOrThatWindowsDoesNotGive) {
 }
 
 TEST_F(Packing, AcceptsUnusualNamesThatAreHarmless) {
-  const std::vector<std::string> names = {"Tag",  "..x",  "x..y",  ".hidden", "a b",   " leading",       "~",
-                                          "a~b",  "COM0", "COM10", "CONSOLE", "nul_x", "\xE2\x82\xAC",   "it's",
-                                          "[x]",  "100%", "a,b;c", "\xF0\x9F\x91\x82", std::string(255, 'x')};
+  const std::vector<std::string> names = {"Tag",
+                                          "..x",
+                                          "x..y",
+                                          ".hidden",
+                                          "a b",
+                                          " leading",
+                                          "~",
+                                          "a~b",
+                                          "COM0",
+                                          "COM10",
+                                          "CONSOLE",
+                                          "nul_x",
+                                          "\xE2\x82\xAC",
+                                          "it's",
+                                          "[x]",
+                                          "100%",
+                                          "a,b;c",
+                                          "\xF0\x9F\x91\x82",
+                                          std::string(255, 'x')};
   EXPECT_EQ(UnpackBytes(ArchiveOf(names)).size(), names.size());
 }
 
@@ -241,7 +258,8 @@ TEST_F(Packing, RefusesNamesThatCannotStandSideBySide) {
 // --- Kinds ---
 
 TEST_F(Packing, RefusesLinksAndSpecialFiles) {
-  for (const std::uint32_t attributes : {0xA1FF0000u, 0x21FF0000u, 0x61FF0000u, 0x11FF0000u, 0xC1FF0000u, 0x41FF0000u, 0x400u}) {
+  for (const std::uint32_t attributes :
+       {0xA1FF0000u, 0x21FF0000u, 0x61FF0000u, 0x11FF0000u, 0xC1FF0000u, 0x41FF0000u, 0x400u}) {
     std::string archive = SampleArchive();
     test::Put32(archive, test::DirectoryRecord(archive, kStored) + 38, attributes);
     EXPECT_THAT(RefusalOf(archive), HasSubstr("'stored.txt' is a link or another special file")) << attributes;
@@ -457,7 +475,8 @@ TEST_F(Packing, SurvivesThousandsOfMutatedArchives) {
 
   std::mt19937 random(470);
   const auto below = [&random](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
-  const std::vector<std::uint32_t> extremes = {0, 1, 2, 0x7F, 0xFF, 0x7FFF, 0xFFFE, 0xFFFF, 0x7FFFFFFF, 0xFFFFFFFE, 0xFFFFFFFF};
+  const std::vector<std::uint32_t> extremes = {0,      1,      2,          0x7F,       0xFF,      0x7FFF,
+                                               0xFFFE, 0xFFFF, 0x7FFFFFFF, 0xFFFFFFFE, 0xFFFFFFFF};
   int refused = 0;
   int accepted = 0;
   int without = 0;
@@ -468,11 +487,21 @@ TEST_F(Packing, SurvivesThousandsOfMutatedArchives) {
       const std::size_t from = below(4) == 0 ? 0 : firstDirectoryByte;
       const std::size_t at = from + below(archive.size() - from - 4);
       switch (below(5)) {
-        case 0: archive[at] ^= static_cast<char>(1 << below(8)); break;
-        case 1: archive[at] = static_cast<char>(random()); break;
-        case 2: test::Put16(archive, at, static_cast<std::uint16_t>(extremes[below(extremes.size())])); break;
-        case 3: test::Put32(archive, at, extremes[below(extremes.size())]); break;
-        default: test::Put32(archive, at, static_cast<std::uint32_t>(below(good.size()))); break;
+        case 0:
+          archive[at] ^= static_cast<char>(1 << below(8));
+          break;
+        case 1:
+          archive[at] = static_cast<char>(random());
+          break;
+        case 2:
+          test::Put16(archive, at, static_cast<std::uint16_t>(extremes[below(extremes.size())]));
+          break;
+        case 3:
+          test::Put32(archive, at, extremes[below(extremes.size())]);
+          break;
+        default:
+          test::Put32(archive, at, static_cast<std::uint32_t>(below(good.size())));
+          break;
       }
     }
     try {
@@ -511,7 +540,8 @@ class ExtractBesideBlobTest : public Packing {
 
 TEST_F(ExtractBesideBlobTest, WritesFilesAndTheirFolders) {
   ExtractBesideBlob(machine_.platform.files,
-                    {{"Tag", "text", false}, {"empty", "", true}, {"a\\b\\c.txt", "deep", false}, {"a", "", true}}, kBlob);
+                    {{"Tag", "text", false}, {"empty", "", true}, {"a\\b\\c.txt", "deep", false}, {"a", "", true}},
+                    kBlob);
   EXPECT_EQ(machine_.Read("C:\\data\\Tag"), "text");
   EXPECT_EQ(machine_.Read("C:\\data\\a\\b\\c.txt"), "deep");
   EXPECT_TRUE(machine_.platform.files.IsFolder("C:\\data\\empty"));

@@ -58,8 +58,8 @@ TEST(StandinSettingsTest, TheReportServerBehavesUnlessToldOtherwise) {
   EXPECT_FALSE(behaving.reportServer.missing);
   EXPECT_EQ(behaving.reportServer.failAt, "");
   EXPECT_TRUE(behaving.reportServer.makeReport);
-  const StandinSettings told = ParseStandinSettings(
-      R"({"reportServer":{"missing":true,"failAt":"AddTag","makeReport":false}})", "standin.json");
+  const StandinSettings told =
+      ParseStandinSettings(R"({"reportServer":{"missing":true,"failAt":"AddTag","makeReport":false}})", "standin.json");
   EXPECT_TRUE(told.reportServer.missing);
   EXPECT_EQ(told.reportServer.failAt, "AddTag");
   EXPECT_FALSE(told.reportServer.makeReport);

@@ -206,7 +206,9 @@ TEST_F(ProjectStoreTest, AFullDiskLeavesTheProjectsAsTheyWere) {
   const std::vector<std::pair<const char*, std::function<void(const ProjectStore&)>>> changes = {
       {"create", [](const ProjectStore& full) { full.Create("New"); }},
       {"copy", [](const ProjectStore& full) { full.Copy("Clinic", "Copy"); }},
-      {"properties", [](const ProjectStore& full) { full.WriteProperties("Clinic", {{"Notes", "n"}}); }}};
+      {"properties", [](const ProjectStore& full) {
+         full.WriteProperties("Clinic", {{"Notes", "n"}});
+       }}};
   for (const auto& [name, change] : changes) {
     const std::string before = StateOf(store);
     int room = 0;

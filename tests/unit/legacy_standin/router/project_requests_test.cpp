@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "protocol/command_document.h"
-#include "legacy_standin/router/project_archive.h"
-#include "legacy_standin/projects/project_store.h"
 #include "formats/zip/zip_writer.h"
+#include "legacy_standin/projects/project_store.h"
+#include "legacy_standin/router/project_archive.h"
+#include "protocol/command_document.h"
 #include "tests/unit/legacy_standin/standin_machine.h"
 
 namespace parvex::standin {
@@ -112,8 +112,8 @@ TEST_F(ProjectRequestsTest, AnUnknownProjectIsRefusedByEveryRequestThatNeedsOne)
     EXPECT_FALSE(Send(name, {{"projectName", "x"}})) << name;
     EXPECT_EQ(answer, "there is no project \"x\"") << name;
   }
-  EXPECT_FALSE(Send("copyProject", {{"projectName", "x"}, {"newProjectName", "y"},
-                                    {"newProjectPath", std::string(kProjects) + "y"}}));
+  EXPECT_FALSE(Send("copyProject",
+                    {{"projectName", "x"}, {"newProjectName", "y"}, {"newProjectPath", std::string(kProjects) + "y"}}));
   EXPECT_EQ(answer, "there is no project \"x\"");
   EXPECT_FALSE(Send("archiveProject", {{"projectName", "x"}, {"dataList", "*"}, {"archiveFile", kArchive}}));
   EXPECT_FALSE(machine.Exists(kArchive));
@@ -123,7 +123,8 @@ TEST_F(ProjectRequestsTest, ANameThatIsTakenIsRefused) {
   Add("Clinic");
   EXPECT_FALSE(Add("CLINIC"));
   EXPECT_EQ(answer, "the name of the project \"CLINIC\" is taken");
-  EXPECT_FALSE(Send("copyProject", {{"projectName", "Clinic"}, {"newProjectName", "clinic"},
+  EXPECT_FALSE(Send("copyProject", {{"projectName", "Clinic"},
+                                    {"newProjectName", "clinic"},
                                     {"newProjectPath", std::string(kProjects) + "clinic"}}));
 }
 
@@ -161,8 +162,9 @@ TEST_F(ProjectRequestsTest, InAFolderExistsOnlyWhatLiesThere) {
   Add("Clinic");
   const std::string folder = std::string(kProjects) + "Clinic";
   const std::vector<std::tuple<std::string, std::string, std::string>> cases = {
-      {"Clinic", folder, "1"},    {"CLINIC", folder + "\\", "1"}, {"Clinic", "C:\\Clinic", "0"},
-      {"Other", folder, "0"},     {"Clinic", "", "0"},            {"", folder, "0"}};
+      {"Clinic", folder, "1"},       {"CLINIC", folder + "\\", "1"},
+      {"Clinic", "C:\\Clinic", "0"}, {"Other", folder, "0"},
+      {"Clinic", "", "0"},           {"", folder, "0"}};
   for (const auto& [name, path, code] : cases) {
     EXPECT_TRUE(Send("doesProjectExistInFolder", {{"projectName", name}, {"projectPath", path}}));
     EXPECT_EQ(Text("//STATUS/CODE"), code) << name << " in " << path;
@@ -275,8 +277,8 @@ TEST_F(ProjectRequestsTest, WhatIsNoArchiveOfAProjectIsRefusedAndTheProjectStays
                                                        {"database that is none", badDatabase.Finish()}};
   for (const auto& [reason, bytes] : cases) {
     machine.Write(kArchive, bytes);
-    EXPECT_FALSE(Send("retrieveAndSaveProject",
-                      {{"projectName", "Clinic"}, {"archiveFile", kArchive}, {"dataList", "KDQ47"}}))
+    EXPECT_FALSE(
+        Send("retrieveAndSaveProject", {{"projectName", "Clinic"}, {"archiveFile", kArchive}, {"dataList", "KDQ47"}}))
         << reason;
     EXPECT_THAT(UnitNames("Clinic"), ElementsAre("RTU-1", "CH-1")) << reason;
   }

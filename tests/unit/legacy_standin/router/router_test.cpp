@@ -51,8 +51,10 @@ TEST_F(RouterTest, ARequestThatItIsToldToRefuseIsRefused) {
 
 TEST_F(RouterTest, TheFirstOfSeveralParametersOfANameCounts) {
   const xml::Document request = xml::Document::Parse(
-      "<COMMAND><NAME>greet</NAME><PARAMETER><NAME>a</NAME><VALUE/></PARAMETER><PARAMETER><NAME>b</NAME><VALUE>1</VALUE>"
-      "</PARAMETER><PARAMETER><NAME>b</NAME><VALUE>2</VALUE></PARAMETER><PARAMETER><NAME>c</NAME></PARAMETER></COMMAND>");
+      "<COMMAND><NAME>greet</NAME><PARAMETER><NAME>a</NAME><VALUE/></PARAMETER><PARAMETER><NAME>b</NAME><VALUE>1</"
+      "VALUE>"
+      "</PARAMETER><PARAMETER><NAME>b</NAME><VALUE>2</VALUE></PARAMETER><PARAMETER><NAME>c</NAME></PARAMETER></"
+      "COMMAND>");
   EXPECT_EQ(FindParameter(request, "a"), "");
   EXPECT_EQ(FindParameter(request, "b"), "1");
   EXPECT_EQ(FindParameter(request, "c"), "");

@@ -111,8 +111,8 @@ TEST_F(TagRequestsTest, ACopyIsATagOfItsOwnBehindTheOthers) {
 TEST_F(TagRequestsTest, ACopyInAnotherProjectKeepsItsNameWhereNoneIsGiven) {
   const std::string list =
       Parameter("tagList", "<DATA><PDSG Value=\"XRC47\"><TAG Name=\"CH-1\" DataType=\"0\"/></PDSG></DATA>");
-  const std::string copying = kIn + Parameter("destinationProject", "Other") + Parameter("sourceProject", "Clinic") +
-                              list + kTable;
+  const std::string copying =
+      kIn + Parameter("destinationProject", "Other") + Parameter("sourceProject", "Clinic") + list + kTable;
   ASSERT_TRUE(Send("CopyTagsToProject", copying + Parameter("newTagName", ""))) << answer;
   EXPECT_THAT(Tags("Other"), ElementsAre("1101 CH-1"));
   EXPECT_FALSE(Send("CopyTagsToProject", copying + Parameter("newTagName", ""))) << "the name is taken now";
@@ -122,9 +122,10 @@ TEST_F(TagRequestsTest, ACopyInAnotherProjectKeepsItsNameWhereNoneIsGiven) {
 }
 
 std::string Deleting(const std::string& name, const std::string& number) {
-  return kLegacy + kIn + Parameter("tagList", "<TAGS><TAG><DATATYPE>0</DATATYPE><PDSG>XRC47</PDSG><NAME>" + name +
-                                                  "</NAME><TAGINDEXID>" + number +
-                                                  "</TAGINDEXID><ID/><TABLENAME>TagData</TABLENAME></TAG></TAGS>");
+  return kLegacy + kIn +
+         Parameter("tagList", "<TAGS><TAG><DATATYPE>0</DATATYPE><PDSG>XRC47</PDSG><NAME>" + name +
+                                  "</NAME><TAGINDEXID>" + number +
+                                  "</TAGINDEXID><ID/><TABLENAME>TagData</TABLENAME></TAG></TAGS>");
 }
 
 TEST_F(TagRequestsTest, ADeletedTagIsGone) {

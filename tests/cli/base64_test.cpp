@@ -19,14 +19,14 @@ std::string AllBytes() {
 
 TEST(Base64, EncodeWritesTheTextAndOneLineFeed) {
   const Outcome outcome = Base64("encode", "ABC");
-  EXPECT_EQ(0, outcome.status);
-  EXPECT_EQ("QUJD\n", outcome.out);
-  EXPECT_EQ("", outcome.err);
-  EXPECT_EQ("QQ==\n", Base64("encode", "A").out);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "QUJD\n");
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(Base64("encode", "A").out, "QQ==\n");
 }
 
 TEST(Base64, EncodeWritesOneLineWhateverTheLength) {
-  EXPECT_EQ(4000001u, Base64("encode", std::string(3000000, 'x')).out.size());
+  EXPECT_EQ(Base64("encode", std::string(3000000, 'x')).out.size(), 4000001u);
 }
 
 TEST(Base64, EncodeKeepsEveryByte) {
@@ -37,33 +37,33 @@ TEST(Base64, EncodeKeepsEveryByte) {
 TEST(Base64, EmptyInputGivesEmptyOutput) {
   for (const char* verb : {"encode", "decode"}) {
     const Outcome outcome = Base64(verb, "");
-    EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("", outcome.out) << verb;
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "") << verb;
   }
 }
 
 TEST(Base64, DecodeWritesOnlyTheBytes) {
-  EXPECT_EQ("ABC", Base64("decode", "QUJD").out);
-  EXPECT_EQ(std::string("\0\xFF\n", 3), Base64("decode", "AP8K").out);
+  EXPECT_EQ(Base64("decode", "QUJD").out, "ABC");
+  EXPECT_EQ(Base64("decode", "AP8K").out, std::string("\0\xFF\n", 3));
 }
 
 TEST(Base64, DecodeReadsItsInputAsItStandsALineFeedAtTheEndIncluded) {
-  EXPECT_EQ("ABC", Base64("decode", "QUJD\n").out) << "a single character left over is ignored";
-  EXPECT_EQ(std::string("A\0", 2), Base64("decode", "QQ==\n").out) << "the line feed counts as a character of value 0";
-  EXPECT_EQ("ABC", Base64("decode", "QU\r\nJD\r\n").out);
+  EXPECT_EQ(Base64("decode", "QUJD\n").out, "ABC") << "a single character left over is ignored";
+  EXPECT_EQ(Base64("decode", "QQ==\n").out, std::string("A\0", 2)) << "the line feed counts as a character of value 0";
+  EXPECT_EQ(Base64("decode", "QU\r\nJD\r\n").out, "ABC");
 }
 
 TEST(Base64, DecodeTakesAnythingForBase64) {
-  EXPECT_EQ(0, Base64("decode", AllBytes()).status);
-  EXPECT_EQ(std::string(3, '\0'), Base64("decode", "!!!!").out);
+  EXPECT_EQ(Base64("decode", AllBytes()).status, 0);
+  EXPECT_EQ(Base64("decode", "!!!!").out, std::string(3, '\0'));
 }
 
 TEST(Base64, ReadsANamedFileOrStandardInputByItsDash) {
   CliMachine machine;
   const std::string file = machine.Write("b", "ABC");
-  EXPECT_EQ("QUJD\n", RunParvex({"base64", "encode", file}).out);
-  EXPECT_EQ("QUJD\n", RunParvex({"base64", "encode", "-"}, {.input = "ABC"}).out);
-  EXPECT_EQ("ABC", RunParvex({"base64", "decode", machine.Write("t", "QUJD")}).out);
+  EXPECT_EQ(RunParvex({"base64", "encode", file}).out, "QUJD\n");
+  EXPECT_EQ(RunParvex({"base64", "encode", "-"}, {.input = "ABC"}).out, "QUJD\n");
+  EXPECT_EQ(RunParvex({"base64", "decode", machine.Write("t", "QUJD")}).out, "ABC");
 }
 
 TEST(Base64, OfAFileThatCannotBeReadIsWrongUsage) {
@@ -71,8 +71,8 @@ TEST(Base64, OfAFileThatCannotBeReadIsWrongUsage) {
   for (const std::string& file : {machine.Path("missing"), machine.Folder()}) {
     for (const char* verb : {"encode", "decode"}) {
       const Outcome outcome = RunParvex({"base64", verb, file});
-      EXPECT_EQ(2, outcome.status);
-      EXPECT_EQ("", outcome.out);
+      EXPECT_EQ(outcome.status, 2);
+      EXPECT_EQ(outcome.out, "");
       EXPECT_NE(std::string::npos, outcome.err.find(file)) << outcome.err;
     }
   }

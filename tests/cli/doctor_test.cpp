@@ -38,7 +38,7 @@ class Doctor : public SampleWalk {
     EXPECT_EQ(failures, all["failures"]);
     EXPECT_EQ(warnings, all["warnings"]);
     EXPECT_EQ(failures > 0 ? 1 : 0, outcome.status);
-    EXPECT_EQ("", outcome.err);
+    EXPECT_EQ(outcome.err, "");
     return checks;
   }
   void SetBinPath(const std::string& binPath) const {
@@ -50,8 +50,8 @@ class Doctor : public SampleWalk {
 TEST_F(Doctor, FindsNothingWrongWithASampleMachineAndLeavesItAsItWas) {
   const std::string registry = ReadHostFile(Sample() + "/registry.reg");
   const Outcome outcome = Run();
-  EXPECT_EQ(0, outcome.status) << outcome.out;
-  EXPECT_EQ("", outcome.err);
+  EXPECT_EQ(outcome.status, 0) << outcome.out;
+  EXPECT_EQ(outcome.err, "");
   EXPECT_THAT(outcome.out, HasSubstr("\n0 failed, 0 with a warning, of 19 checks\n"));
   EXPECT_THAT(outcome.out, Not(HasSubstr("\x1b"))) << "no colours where nobody sees them";
   EXPECT_TRUE(std::filesystem::is_empty(Installed("Temp")));
@@ -102,7 +102,7 @@ TEST_F(Doctor, NamesWhatIsMissingOrDamagedWithAHint) {
       {"database engine", "project.mdb", write("Projects/Riverside Clinic/project.mdb", "no database")},
   };
   for (const Damage& damage : damages) {
-    ASSERT_EQ(0, RunParvex({"machine", "create", Sample()}).status);
+    ASSERT_EQ(RunParvex({"machine", "create", Sample()}).status, 0);
     damage.damage(Installed(""));
     const Json check = Checks()[damage.check];
     EXPECT_EQ(damage.state, check["state"]) << check;
@@ -127,8 +127,8 @@ TEST_F(Doctor, LooksAtTheProgramFolderThatTheRegistryNames) {
 
 TEST_F(Doctor, TriesTheComponentsOfTheLegacyApplication) {
   SetStandin(R"({"builder":{"missing":true},"reportServer":{"missing":true}})");
-  EXPECT_EQ("failure", Checks()["builder"]["state"]);
-  EXPECT_EQ("failure", Checks()["report server"]["state"]);
+  EXPECT_EQ(Checks()["builder"]["state"], "failure");
+  EXPECT_EQ(Checks()["report server"]["state"], "failure");
   SetStandin(R"({"router":{"refuse":["getProjectList"]}})");
   EXPECT_THAT(Checks()["router"]["detail"].get<std::string>(), HasSubstr("refuses getProjectList"));
   EXPECT_THAT(Run().out, AllOf(HasSubstr("\nfailure    router"), HasSubstr("try the 32-bit program")));
@@ -147,7 +147,7 @@ TEST_F(Doctor, ColoursItsTableOnATerminalUnlessToldNotTo) {
 }
 
 TEST_F(Doctor, OfAFolderThatDoesNotExistIsWrongUsage) {
-  EXPECT_EQ(2, RunParvex({"--machine", Sample() + "/nowhere", "doctor"}).status);
+  EXPECT_EQ(RunParvex({"--machine", Sample() + "/nowhere", "doctor"}).status, 2);
 }
 
 }  // namespace

@@ -47,9 +47,9 @@ class Export : public SampleWalk {
 
 TEST_F(Export, OfAProjectIsWhatItsCommandDocumentGives) {
   const Outcome outcome = Run({"--project", kProject, "-o", Output()});
-  EXPECT_EQ(0, outcome.status);
-  EXPECT_EQ("", outcome.out);
-  EXPECT_EQ("", outcome.err) << "quiet where nobody watches";
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err, "") << "quiet where nobody watches";
   const std::string command = Sample() + "/commands/getHybrisXMLNoUI.xml";
   EXPECT_EQ(RunParvex({"--machine", Sample(), "pull-ngorla", command}).out, ReadHostFile(Output()));
   EXPECT_THAT(Written(), ElementsAre("quote.xml"));
@@ -58,7 +58,7 @@ TEST_F(Export, OfAProjectIsWhatItsCommandDocumentGives) {
 TEST_F(Export, GoesToStandardOutputWhenNoFileIsNamed) {
   for (const auto& arguments : {std::vector<std::string>{"--project", kProject},
                                 std::vector<std::string>{"--project", kProject, "--output", "-"}}) {
-    EXPECT_EQ(6u, MarksIn(Run(arguments).out).size());
+    EXPECT_EQ(MarksIn(Run(arguments).out).size(), 6u);
   }
 }
 
@@ -87,7 +87,7 @@ TEST_F(Export, RefusesASelectionThatIsNoneOrThatOfAnotherProject) {
        "selects in the project \"Harbour\""}};
   for (const auto& [text, named] : cases) {
     const Outcome outcome = Run({"--project", kProject, "--selection", Write("selection.xml", text), "-o", Output()});
-    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ(outcome.status, 2);
     EXPECT_THAT(outcome.err, HasSubstr(named));
     EXPECT_THAT(Written(), ElementsAre("selection.xml"));
   }
@@ -96,43 +96,43 @@ TEST_F(Export, RefusesASelectionThatIsNoneOrThatOfAnotherProject) {
 TEST_F(Export, ThatFailsLeavesTheOutputAsItWasAndSaysWhy) {
   Write("quote.xml", "earlier");
   const Outcome outcome = Run({"--project", kProject, "--tags", "nobody", "-o", Output()});
-  EXPECT_EQ(1, outcome.status);
-  EXPECT_EQ("", outcome.out);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
   EXPECT_THAT(outcome.err, HasSubstr("the export of \"Riverside Clinic\" failed: User Canceled"));
-  EXPECT_EQ("earlier", ReadHostFile(Output()));
+  EXPECT_EQ(ReadHostFile(Output()), "earlier");
   EXPECT_THAT(Written(), ElementsAre("quote.xml"));
 }
 
 TEST_F(Export, IntoAFolderThatDoesNotExistIsFoundOutBeforeAnythingIsSent) {
   const Outcome outcome = Run({"--project", kProject, "-o", Output() + "/nowhere/q.xml", "--journal", Journal()});
-  EXPECT_EQ(2, outcome.status);
+  EXPECT_EQ(outcome.status, 2);
   EXPECT_FALSE(std::filesystem::exists(Journal()));
   EXPECT_FALSE(std::filesystem::exists(Installed("Temp/HBInput.ini")));
 }
 
 TEST_F(Export, ThatCannotBeWrittenCompletelyIsAFailure) {
-  EXPECT_EQ(3, Run({"--project", kProject, "-o", "/dev/full"}).status);
-  EXPECT_EQ(3, Run({"--project", kProject}, {.outputFile = "/dev/full"}).status);
+  EXPECT_EQ(Run({"--project", kProject, "-o", "/dev/full"}).status, 3);
+  EXPECT_EQ(Run({"--project", kProject}, {.outputFile = "/dev/full"}).status, 3);
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
 }
 
 TEST_F(Export, ReplacesTheFileThatALinkLeadsTo) {
   const std::string real = Write("real.xml", "earlier");
   std::filesystem::create_symlink("real.xml", Output());
-  EXPECT_EQ(0, Run({"--project", kProject, "-o", Output()}).status);
+  EXPECT_EQ(Run({"--project", kProject, "-o", Output()}).status, 0);
   EXPECT_TRUE(std::filesystem::is_symlink(Output()));
-  EXPECT_EQ(6u, MarksIn(ReadHostFile(real)).size());
+  EXPECT_EQ(MarksIn(ReadHostFile(real)).size(), 6u);
 }
 
 TEST_F(Export, IsJournalledWhenAsked) {
-  EXPECT_EQ(0, Run({"--project", kProject, "-o", Output(), "--journal", Journal()}).status);
-  ASSERT_EQ(1u, Journalled("process").size());
+  EXPECT_EQ(Run({"--project", kProject, "-o", Output(), "--journal", Journal()}).status, 0);
+  ASSERT_EQ(Journalled("process").size(), 1u);
   EXPECT_THAT(Journalled("process")[0]["command"].get<std::string>(), HasSubstr("/OrlaImportNoUI"));
 }
 
 TEST_F(Export, TellsAWaitingUserWhatGoesOnAndLeavesNothingOfIt) {
   const Outcome outcome = Run({"--project", kProject, "-o", Output()}, {.onTerminal = true});
-  EXPECT_EQ(0, outcome.status);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.err, HasSubstr("\rThe quote builder runs"));
   EXPECT_THAT(outcome.err, HasSubstr("\rReading tag 6"));
   EXPECT_THAT(outcome.err, Not(HasSubstr("\x1b"))) << "no escape sequences";
@@ -142,8 +142,8 @@ TEST_F(Export, TellsAWaitingUserWhatGoesOnAndLeavesNothingOfIt) {
 }
 
 TEST_F(Export, NeedsAProjectAndEitherTagsOrASelection) {
-  EXPECT_EQ(2, Run({}).status);
-  EXPECT_EQ(2, Run({"--project", kProject, "--tags", "A", "--selection", Write("s.xml", "<A/>")}).status);
+  EXPECT_EQ(Run({}).status, 2);
+  EXPECT_EQ(Run({"--project", kProject, "--tags", "A", "--selection", Write("s.xml", "<A/>")}).status, 2);
 }
 
 }  // namespace

@@ -24,11 +24,11 @@ TEST(RouterCommands, AreAnsweredFromAReplayAndJournalledWithTheirExactText) {
   const std::string list = machine.Write("list.xml", CommandText("getProjectList"));
   const std::string add = machine.Write("add.xml", CommandText("addProject", {{"projectName", "Clinic"}}));
   const Outcome outcome = machine.Run({"--journal", machine.Path("journal"), "--replay", replay, "pull", list, add});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_THAT(outcome.out, HasSubstr("<LIST><A/></LIST>"));
   EXPECT_THAT(outcome.out, HasSubstr("<LegacyORLA><returnError>0</returnError><errorMessage/></LegacyORLA>"));
   const std::vector<std::string> lines = machine.Lines("journal");
-  ASSERT_EQ(2u, lines.size());
+  ASSERT_EQ(lines.size(), 2u);
   EXPECT_THAT(lines[0], HasSubstr("<COMMAND><NAME>getProjectList</NAME><PARAMETER><NAME>pdsg</NAME><VALUE>KDQ47</VALUE>"
                                   "</PARAMETER></COMMAND>\""));
   EXPECT_THAT(lines[1], HasSubstr("<NAME>projectPath</NAME>"));
@@ -37,7 +37,7 @@ TEST(RouterCommands, AreAnsweredFromAReplayAndJournalledWithTheirExactText) {
 TEST(RouterCommands, RefusedByTheSubstituteAreTheFailedReply) {
   const CliMachine machine;
   const Outcome outcome = machine.Run({"pull", machine.Write("c.xml", CommandText("deleteProject"))});
-  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(FailedReply(), outcome.out);
 }
 
@@ -45,8 +45,8 @@ TEST(RouterCommands, BeyondTheReplayAreAFailedCall) {
   const CliMachine machine;
   const std::string command = machine.Write("c.xml", CommandText("getProjectList"));
   const Outcome outcome = machine.Run({"--replay", machine.Write("replay.jsonl", ""), "pull", command});
-  EXPECT_EQ(3, outcome.status);
-  EXPECT_EQ("", outcome.out);
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.out, "");
   EXPECT_THAT(outcome.err, HasSubstr("getProjectList"));
 }
 
@@ -58,7 +58,7 @@ TEST(Options, AreReadChangedAndReadAgainInOneProcess) {
   const std::string get = machine.Write("get.xml", CommandText("getOptions"));
   const std::string set = machine.Write("set.xml", CommandText("setOptions", {{"cmbLanguage", "Deutsch"}}));
   const Outcome outcome = machine.Run({"pull", get, set, get});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_LT(outcome.out.find("English"), outcome.out.find("Deutsch"));
   EXPECT_THAT(ReadHostFile(machine.Installed("Bin", "Options.xml")), HasSubstr("<Value>Deutsch</Value>"));
 }
@@ -66,19 +66,19 @@ TEST(Options, AreReadChangedAndReadAgainInOneProcess) {
 TEST(Options, ThatCannotBeStoredAreTheFailedReply) {
   const CliMachine machine;
   const Outcome outcome = machine.Run({"pull", machine.Write("c.xml", CommandText("setOptions"))});
-  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(FailedReply(), outcome.out);
 }
 
 class RoundTrip : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_EQ(0, RunParvex({"machine", "create", machine_}).status); }
+  void SetUp() override { ASSERT_EQ(RunParvex({"machine", "create", machine_}).status, 0); }
 
   /// The document of all tags of the sample project.
   xml::Document Export() const {
     const Outcome exported =
         RunParvex({"--machine", machine_, "pull-ngorla", machine_ + "/commands/getHybrisXMLNoUI.xml"});
-    EXPECT_EQ(0, exported.status) << exported.err;
+    EXPECT_EQ(exported.status, 0) << exported.err;
     return xml::Document::Parse(exported.out);
   }
 
@@ -107,7 +107,7 @@ class RoundTrip : public testing::Test {
 TEST_F(RoundTrip, AnExportedTagSentBackLeavesTheOriginalBlob) {
   const xml::Document document = Export();
   // An export consumes the blobs of the temporary folder; the same selection, made again, has the same bytes.
-  ASSERT_EQ(0, std::system(("'" + Root() + "/Bin/kdwfm470.exe' /OrlaProjectImport").c_str()));
+  ASSERT_EQ(std::system(("'" + Root() + "/Bin/kdwfm470.exe' /OrlaProjectImport").c_str()), 0);
   const std::pair<const char*, const char*> blobs[] = {{"RTU-1", "Temp/tag1101.blb"},
                                                        {"AHU-3", "Projects/Riverside Clinic/tag1102.blb"},
                                                        {"CH-1", "Projects/Riverside Clinic/tag1103.blb"},
@@ -115,12 +115,12 @@ TEST_F(RoundTrip, AnExportedTagSentBackLeavesTheOriginalBlob) {
                                                        {"Küche & Café <EG>", "Temp/tag1106.blb"}};
   for (const auto& [markFor, blob] : blobs) {
     const Outcome returned = SendBack(document, markFor);
-    EXPECT_EQ(0, returned.status) << markFor << returned.err;
+    EXPECT_EQ(returned.status, 0) << markFor << returned.err;
     EXPECT_THAT(returned.out, HasSubstr("<errorMessage>No error</errorMessage>")) << markFor;
     ASSERT_NE("", Read(blob)) << blob;
     EXPECT_TRUE(Read("Temp/QPblob.tmp") == Read(blob)) << markFor;
-    EXPECT_EQ("[Header]\r\nAction=ok\r\n[Partnumber1]\r\nfilename=C:\\Korvane\\TQ5-VX\\Temp\\QPblob.tmp\r\n",
-              Read("Temp/input.ini"));
+    EXPECT_EQ(Read("Temp/input.ini"),
+              "[Header]\r\nAction=ok\r\n[Partnumber1]\r\nfilename=C:\\Korvane\\TQ5-VX\\Temp\\QPblob.tmp\r\n");
   }
 }
 
@@ -128,7 +128,7 @@ TEST_F(RoundTrip, EveryComponentIsShownOnceForEveryBaseUnitOnStandardErrorAndInT
   const xml::Document document = Export();
   const std::string inTag = "/PROJECT/TAGS/TAG[ATTRIBUTES_LIST/MARKFOR='RTU-1']/BASEUNITS/BASEUNIT";
   const std::size_t units = document.All(inTag).size();
-  ASSERT_EQ(3u, units);
+  ASSERT_EQ(units, 3u);
   std::vector<std::string> expected;
   for (std::size_t unit = 0; unit < units; ++unit) {
     for (const xml::Node& component : document.All(inTag + "/COMPONENTS/COMPONENT")) {
@@ -140,10 +140,10 @@ TEST_F(RoundTrip, EveryComponentIsShownOnceForEveryBaseUnitOnStandardErrorAndInT
   std::istringstream journal(ReadHostFile(folder_.Path() / "journal"));
   for (std::string line; std::getline(journal, line);) {
     const nlohmann::json entry = nlohmann::json::parse(line);
-    EXPECT_EQ("messageBox", entry.at("kind"));
+    EXPECT_EQ(entry.at("kind"), "messageBox");
     journalled.push_back(entry.at("text"));
   }
-  EXPECT_EQ(expected, journalled);
+  EXPECT_EQ(journalled, expected);
   std::size_t at = 0;
   for (const std::string& text : expected) {
     at = returned.err.find(text, at);
@@ -155,14 +155,14 @@ TEST_F(RoundTrip, EveryComponentIsShownOnceForEveryBaseUnitOnStandardErrorAndInT
 TEST_F(RoundTrip, ATagWithoutStoredDataHasAnEmptyBlobAndLeavesAnEmptySelection) {
   EXPECT_THAT(SendBack(Export(), "HP-7").out, HasSubstr("No error"));
   EXPECT_TRUE(std::filesystem::exists(Root() + "/Temp/QPblob.tmp"));
-  EXPECT_EQ("", Read("Temp/QPblob.tmp"));
+  EXPECT_EQ(Read("Temp/QPblob.tmp"), "");
 }
 
 TEST_F(RoundTrip, ATagThatCannotComeBackIsTheFailedReplyWithItsOwnMessage) {
   const xml::Document document = Export();
   document.First("/PROJECT/TAGS/TAG[ATTRIBUTES_LIST/MARKFOR='CH-1']/ATTRIBUTES_LIST/BLOB").Remove();
   const Outcome returned = SendBack(document, "CH-1");
-  EXPECT_EQ(1, returned.status);
+  EXPECT_EQ(returned.status, 1);
   EXPECT_EQ(FailedReply("Tag document BLOB is missing"), returned.out);
   EXPECT_THAT(returned.err, HasSubstr("Returning Applied Chiller Tags to ORLA is not supported."));
   EXPECT_FALSE(std::filesystem::exists(Root() + "/Temp/QPblob.tmp"));

@@ -111,7 +111,7 @@ TEST_P(ProjectRequests, AreSentWithTheirExactText) {
   const Outcome outcome =
       machine.Run({"--journal", machine.Path("journal"), "--replay", machine.Write("replay", replay), "pull",
                    machine.Write("c.xml", CommandText(command.name, command.parameters))});
-  EXPECT_EQ(0, outcome.status) << outcome.out << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.out << outcome.err;
   std::vector<std::string> sent;
   for (const std::string& line : machine.Lines("journal")) {
     sent.push_back(Json::parse(line).at("request"));
@@ -122,7 +122,7 @@ TEST_P(ProjectRequests, AreSentWithTheirExactText) {
     expected.push_back(CommandText(request.name, request.parameters) +
                        (request.name == "getProjectList" ? "" : "\r\n"));
   }
-  EXPECT_EQ(expected, sent);
+  EXPECT_EQ(sent, expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, ProjectRequests, testing::ValuesIn(kCases), [](const auto& info) {

@@ -18,7 +18,7 @@ constexpr const char* kSuccess = "<LegacyORLA><returnError>0</returnError><error
 
 class ProjectsWalk : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_EQ(0, RunParvex({"machine", "create", machine_}).status); }
+  void SetUp() override { ASSERT_EQ(RunParvex({"machine", "create", machine_}).status, 0); }
 
   /// Sends a command of the sample machine.
   Outcome Send(const std::string& file) { return SendFile(machine_ + "/commands/" + file + ".xml"); }
@@ -36,7 +36,7 @@ class ProjectsWalk : public testing::Test {
                                  "project-07-archive", "project-08-delete",         "project-09-retrieve"};
     for (int i = 0; i < last; ++i) {
       const Outcome outcome = Send(files[i]);
-      ASSERT_EQ(0, outcome.status) << files[i] << outcome.out << outcome.err;
+      ASSERT_EQ(outcome.status, 0) << files[i] << outcome.out << outcome.err;
     }
   }
 
@@ -73,7 +73,7 @@ class ProjectsWalk : public testing::Test {
 };
 
 TEST_F(ProjectsWalk, AnAddedProjectIsListed) {
-  EXPECT_EQ(kSuccess, Send("project-01-add").out);
+  EXPECT_EQ(Send("project-01-add").out, kSuccess);
   EXPECT_THAT(Projects(), ElementsAre("Harbour", "Riverside Clinic"));
 }
 
@@ -106,10 +106,10 @@ TEST_F(ProjectsWalk, AnArchivedAndDeletedProjectComesBackAsItWas) {
   SendUpTo(7);
   const std::string database = Database("Harbour School");
   EXPECT_TRUE(std::filesystem::exists(Root() / "Archives/Harbour School.E3A"));
-  ASSERT_EQ(0, Send("project-08-delete").status);
+  ASSERT_EQ(Send("project-08-delete").status, 0);
   EXPECT_THAT(Projects(), ElementsAre("Harbour Annex", "Riverside Clinic"));
 
-  EXPECT_EQ(kSuccess, Send("project-09-retrieve").out);
+  EXPECT_EQ(Send("project-09-retrieve").out, kSuccess);
   EXPECT_THAT(RequestsSent(),
               ElementsAre("getArchiveContents", "doesProjectExistInFolder", "addProject", "retrieveAndSaveProject"));
   EXPECT_THAT(Projects(), ElementsAre("Harbour Annex", "Harbour School", "Riverside Clinic"));
@@ -119,8 +119,8 @@ TEST_F(ProjectsWalk, AnArchivedAndDeletedProjectComesBackAsItWas) {
 
 TEST_F(ProjectsWalk, AnArchiveIsRestoredOverAProjectThatIsThere) {
   SendUpTo(7);
-  ASSERT_EQ(0, Send("setProjectProperties", {{"projectName", "Harbour School"}, {"CompanyName", "Later"}}).status);
-  EXPECT_EQ(kSuccess, Send("project-09-retrieve").out);
+  ASSERT_EQ(Send("setProjectProperties", {{"projectName", "Harbour School"}, {"CompanyName", "Later"}}).status, 0);
+  EXPECT_EQ(Send("project-09-retrieve").out, kSuccess);
   EXPECT_THAT(RequestsSent(), ElementsAre("getArchiveContents", "doesProjectExistInFolder", "retrieveAndSaveProject"));
   EXPECT_THAT(Send("project-06-properties").out, HasSubstr("Ødegård &amp; Söhne"));
 }
@@ -129,14 +129,15 @@ TEST_F(ProjectsWalk, AProjectWithTagsSurvivesArchivingAndExportsAsBefore) {
   const std::string command = Path("sample") + "/commands/getHybrisXMLNoUI.xml";
   const auto exportAll = [&] { return RunParvex({"--machine", Path("sample"), "pull-ngorla", command}); };
   const Outcome before = exportAll();
-  ASSERT_EQ(0, before.status) << before.err;
-  ASSERT_EQ(kSuccess, Send("archiveProject", {{"projectName", "Riverside Clinic"}}).out);
-  ASSERT_EQ(kSuccess, Send("deleteProject", {{"projectName", "Riverside Clinic"}}).out);
+  ASSERT_EQ(before.status, 0) << before.err;
+  ASSERT_EQ(Send("archiveProject", {{"projectName", "Riverside Clinic"}}).out, kSuccess);
+  ASSERT_EQ(Send("deleteProject", {{"projectName", "Riverside Clinic"}}).out, kSuccess);
   ASSERT_NE(0, exportAll().status);
-  ASSERT_EQ(kSuccess, Send("retrieveProject", {{"projectName", "Riverside Clinic"},
-                                               {"fileSpec", "C:\\Korvane\\TQ5-VX\\Archives\\Riverside Clinic.E3A"},
-                                               {"FOLDER", "C:\\Korvane\\TQ5-VX\\Projects\\Riverside Clinic"}})
-                          .out);
+  ASSERT_EQ(Send("retrieveProject", {{"projectName", "Riverside Clinic"},
+                                     {"fileSpec", "C:\\Korvane\\TQ5-VX\\Archives\\Riverside Clinic.E3A"},
+                                     {"FOLDER", "C:\\Korvane\\TQ5-VX\\Projects\\Riverside Clinic"}})
+                .out,
+            kSuccess);
   EXPECT_EQ(before.out, exportAll().out);
 }
 
@@ -144,7 +145,7 @@ TEST_F(ProjectsWalk, ANameThatExistsIsRefusedWithItsOwnMessage) {
   SendUpTo(4);
   for (const char* command : {"copyProject", "renameProject"}) {
     const Outcome outcome = Send(command, {{"projectName", "Harbour"}, {"newProjectName", "riverside clinic"}});
-    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(FailedReply("A Project of that name already exists"), outcome.out) << command;
   }
   EXPECT_EQ(FailedReply(), Send("addProject", {{"projectName", "HARBOUR"}}).out);
@@ -178,7 +179,7 @@ TEST_F(ProjectsWalk, EachRequestRefusedIsTheFailedReplyAndTheProjectsStay) {
   for (const auto& [request, command] : cases) {
     Refuse(request);
     const Outcome outcome = Send(command);
-    EXPECT_EQ(1, outcome.status) << request << outcome.err;
+    EXPECT_EQ(outcome.status, 1) << request << outcome.err;
     EXPECT_EQ(FailedReply(), outcome.out) << request;
   }
   Refuse("nothing");
@@ -203,8 +204,8 @@ TEST_F(ProjectsWalk, ARefusedQuestionEndsTheCallSinceItsAnswerIsNoDocument) {
   SendUpTo(3);
   Refuse("projectExist");
   const Outcome outcome = Send("project-04-copy");
-  EXPECT_EQ(3, outcome.status);
-  EXPECT_EQ("", outcome.out);
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.out, "");
   EXPECT_THAT(outcome.err, HasSubstr("STATUS"));
   EXPECT_THAT(Projects(), Not(testing::Contains("Harbour Annex")));
 }
@@ -216,7 +217,7 @@ TEST_F(ProjectsWalk, ADatabaseThatIsNoneEndsTheCallAndStaysAsItIs) {
   for (const std::string& bytes : {std::string("no database"), std::string(), whole.substr(0, whole.size() / 2)}) {
     WriteHostFile(database, bytes);
     const Outcome outcome = Send("project-02-set-properties");
-    EXPECT_EQ(3, outcome.status) << bytes.size() << outcome.out;
+    EXPECT_EQ(outcome.status, 3) << bytes.size() << outcome.out;
     EXPECT_THAT(outcome.err, HasSubstr("Harbour\\Project.mdb"));
     EXPECT_EQ(bytes, ReadHostFile(database));
   }

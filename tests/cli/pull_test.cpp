@@ -24,17 +24,17 @@ TEST(Pull, PrintsTheReplyAndNothingElse) {
   CliMachine machine;
   machine.SetWorkflow(WriteSelection("[Header]\nAction=OK\n"));
   const Outcome outcome = machine.Run({"pull", machine.Write("c.xml", CommandText("getHybrisXML"))});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_TRUE(Contains(outcome.out, "<PROJECT")) << outcome.out;
-  EXPECT_EQ("", outcome.err);
+  EXPECT_EQ(outcome.err, "");
 }
 
 TEST(Pull, ExitsWith1AndPrintsAFailedReply) {
   CliMachine machine;
   const Outcome outcome = machine.Run({"pull", machine.Write("c.xml", CommandText("nonsense"))});
-  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(FailedReply(), outcome.out);
-  EXPECT_EQ("", outcome.err);
+  EXPECT_EQ(outcome.err, "");
 }
 
 TEST(Pull, AnswersTheCommandsOfPullNgorlaWithTheFailedReply) {
@@ -49,7 +49,7 @@ TEST(PullNgorla, AnswersTheCommandsOfPullWithTheFailedReply) {
   CliMachine machine;
   for (const char* name : {"getProjectList", "getTagList", "getReport", "getOptions", "GetHybrisXML"}) {
     const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", CommandText(name)));
-    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(FailedReply(), outcome.out) << name;
   }
 }
@@ -60,8 +60,8 @@ TEST(FailedCall, ExitsWith3AndTellsNumberSourceAndDescriptionOfTheFile) {
     const std::string file = machine.Write("c.xml", text);
     for (const char* command : {"pull", "pull-ngorla"}) {
       const Outcome outcome = machine.Run({command, file});
-      EXPECT_EQ(3, outcome.status) << text;
-      EXPECT_EQ("", outcome.out);
+      EXPECT_EQ(outcome.status, 3) << text;
+      EXPECT_EQ(outcome.out, "");
       EXPECT_TRUE(Contains(outcome.err, "0x800A005B")) << outcome.err;
       EXPECT_TRUE(Contains(outcome.err, "Parvex: The command document has no COMMAND/NAME")) << outcome.err;
       EXPECT_TRUE(Contains(outcome.err, file)) << outcome.err;
@@ -77,8 +77,8 @@ TEST(FailedCall, OfAnExportWithoutSelectionOrProjectName) {
         std::string(
             "<COMMAND><NAME>getHybrisXMLNoUI</NAME><UserSelectionTransfer><X/></UserSelectionTransfer></COMMAND>")}) {
     const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", text));
-    EXPECT_EQ(3, outcome.status);
-    EXPECT_EQ("", outcome.out);
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.out, "");
     EXPECT_TRUE(Contains(outcome.err, "0x800A005B")) << outcome.err;
   }
   EXPECT_FALSE(machine.WorkflowRan());
@@ -90,7 +90,7 @@ TEST(SeveralFiles, AreSentInOrderToOneProcessAndTheLastReplyDecides) {
   const std::string cancelled = machine.Write("a.xml", CommandText("getHybrisXML"));
   const std::string unknown = machine.Write("b.xml", CommandText("nonsense"));
   const Outcome outcome = machine.Run({"pull-ngorla", cancelled, unknown, cancelled});
-  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(FailedReply("User Canceled") + FailedReply() + FailedReply("User Canceled"), outcome.out);
 }
 
@@ -99,8 +99,8 @@ TEST(SeveralFiles, ExitWith0WhenTheLastReplyIsNoFailedOne) {
   machine.SetWorkflow("");
   const Outcome outcome = machine.Run(
       {"pull-ngorla", machine.Write("a.xml", CommandText("nonsense")), machine.Write("b.xml", ExportCommand())});
-  EXPECT_EQ(0, outcome.status);
-  EXPECT_EQ(0u, outcome.out.find(FailedReply()));
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out.find(FailedReply()), 0u);
   EXPECT_TRUE(Contains(outcome.out, "<PROJECT"));
 }
 
@@ -110,8 +110,8 @@ TEST(SeveralFiles, AreAllSentAfterAFailedCallWhichDecidesTheExitStatus) {
   const std::string broken = machine.Write("broken.xml", "<COMMAND");
   const Outcome outcome = machine.Run({"pull-ngorla", broken, machine.Write("a.xml", CommandText("nonsense")),
                                        machine.Write("b.xml", ExportCommand())});
-  EXPECT_EQ(3, outcome.status);
-  EXPECT_EQ(0u, outcome.out.find(FailedReply()));
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.out.find(FailedReply()), 0u);
   EXPECT_TRUE(Contains(outcome.out, "<PROJECT"));
   EXPECT_TRUE(Contains(outcome.err, broken));
   EXPECT_TRUE(machine.WorkflowRan());
@@ -123,7 +123,7 @@ TEST(SeveralFiles, KeepTheInstallPathsOfTheProcess) {
   machine.SetWorkflow("printf 'REGEDIT4\\r\\n' >\"$PARVEX_MACHINE/registry.reg\"");
   const std::string command = machine.Write("c.xml", ExportCommand());
   const Outcome outcome = machine.Run({"pull-ngorla", command, command});
-  EXPECT_EQ(1, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 1) << outcome.err;
   EXPECT_TRUE(Contains(outcome.out, "<PROJECT"));
   EXPECT_TRUE(Contains(outcome.out, FailedReply("System Error: Unable to read BinPath")));
 }
@@ -132,7 +132,7 @@ TEST(StandardInput, IsReadForADash) {
   CliMachine machine;
   for (const char* command : {"pull", "pull-ngorla"}) {
     const Outcome outcome = machine.Run({command, "-"}, {.input = CommandText("nonsense")});
-    EXPECT_EQ(1, outcome.status) << outcome.err;
+    EXPECT_EQ(outcome.status, 1) << outcome.err;
     EXPECT_EQ(FailedReply(), outcome.out);
   }
 }
@@ -141,13 +141,13 @@ TEST(StandardInput, IsTheSameForEachDashAndMayStandBetweenFiles) {
   CliMachine machine;
   const std::string broken = machine.Write("broken.xml", "");
   const Outcome outcome = machine.Run({"pull", "-", broken, "-"}, {.input = CommandText("nonsense")});
-  EXPECT_EQ(3, outcome.status);
+  EXPECT_EQ(outcome.status, 3);
   EXPECT_EQ(FailedReply() + FailedReply(), outcome.out);
 }
 
 TEST(StandardInput, ThatIsEmptyIsAFailedCall) {
   CliMachine machine;
-  EXPECT_EQ(3, machine.Run({"pull-ngorla", "-"}).status);
+  EXPECT_EQ(machine.Run({"pull-ngorla", "-"}).status, 3);
 }
 
 TEST(FileEncoding, OfPullFollowsByteOrderMarkAndDeclaration) {
@@ -168,7 +168,7 @@ TEST(FileEncoding, OfPullNgorlaFollowsByteOrderMarkThenUtf8ThenWindows1252) {
   std::string utf16 = Utf16(ansi, true);  // U+00DF is the byte DF followed by 00
   for (const std::string& bytes : {utf8, ansi, utf16, "\xEF\xBB\xBF" + utf8}) {
     const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", bytes));
-    EXPECT_EQ(0, outcome.status) << outcome.err;
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_TRUE(Contains(outcome.out, "Straße")) << outcome.out;
   }
 }
@@ -181,12 +181,12 @@ TEST(ProjectName, WithMarkupCharactersGivesAnEmptyReplyWithoutTagsAndAFailedCall
     const std::string file = machine.Write("c.xml", ExportCommand(name));
     machine.SetWorkflow("");
     const Outcome withoutTags = machine.PullNgorla(file);
-    EXPECT_EQ(0, withoutTags.status) << withoutTags.err;
-    EXPECT_EQ("", withoutTags.out) << name;
+    EXPECT_EQ(withoutTags.status, 0) << withoutTags.err;
+    EXPECT_EQ(withoutTags.out, "") << name;
     machine.SetWorkflow(WriteSelection("[PartNumber1]\r\nPDSG=ABCDE\r\nPartNumber=P-1\r\n"));
     const Outcome withTag = machine.PullNgorla(file);
-    EXPECT_EQ(3, withTag.status) << name;
-    EXPECT_EQ("", withTag.out) << name;
+    EXPECT_EQ(withTag.status, 3) << name;
+    EXPECT_EQ(withTag.out, "") << name;
     std::filesystem::remove(machine.Installed("Temp", "QBOutput.ini"));
   }
 }
@@ -198,7 +198,7 @@ TEST(Registry, InUtf16IsRead) {
             "\"BinPath\"=\"C:\\\\Korvane\\\\TQ5-VX\\\\Bin\\\\\"\r\n",
             true));
   machine.SetWorkflow("");
-  EXPECT_EQ(0, machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status);
+  EXPECT_EQ(machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status, 0);
   EXPECT_TRUE(machine.WorkflowRan());
 }
 
@@ -207,7 +207,7 @@ TEST(Registry, ThatIsAbsentIsAnUnreadableBinPath) {
   machine.SetWorkflow("");
   std::filesystem::remove(machine.Path("machine/registry.reg"));
   const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", ExportCommand()));
-  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(FailedReply("System Error: Unable to read BinPath"), outcome.out);
   EXPECT_EQ(outcome.out, machine.Run({"pull", machine.Write("c.xml", CommandText("getHybrisXML"))}).out);
   EXPECT_FALSE(machine.WorkflowRan());
@@ -226,7 +226,7 @@ TEST(Machine, PathsIgnoreLetterCaseAndDoubledBackslashes) {
       "REGEDIT4\r\n\r\n[hkey_local_machine\\software\\KORVANE\\kdq47]\r\n"
       "\"binpath\"=\"c:\\\\KORVANE\\\\\\\\TQ5-VX\\\\bin\\\\\"\r\n");
   machine.SetWorkflow("");
-  EXPECT_EQ(0, machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status);
+  EXPECT_EQ(machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status, 0);
   EXPECT_TRUE(machine.WorkflowRan());
 }
 
@@ -235,7 +235,7 @@ TEST(Machine, MayBeAnEmptyFolder) {
   std::filesystem::create_directory(machine.Path("empty"));
   const std::string file = machine.Write("c.xml", CommandText("nonsense"));
   const Outcome outcome = RunParvex({"--machine", machine.Path("empty"), "pull", file});
-  EXPECT_EQ(1, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 1) << outcome.err;
   EXPECT_EQ(FailedReply(), outcome.out);
 }
 
@@ -245,7 +245,7 @@ TEST(Machine, MayLieInAFolderWithBlanksAndLettersBeyondAscii) {
   const std::string folder = machine.Path("Küche 2");
   std::filesystem::rename(machine.Folder(), folder);
   const Outcome outcome = RunParvex({"--machine", folder, "pull-ngorla", machine.Write("c.xml", ExportCommand())});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_TRUE(machine.WorkflowRan());
 }
 
@@ -267,11 +267,11 @@ TEST(Workflow, IsFoundBehindAPathWithBlanksAndLettersBeyondAscii) {
   std::filesystem::create_directories(folder / "Temp");
   machine.SetProgram(folder / "Bin" / "kdwfm470.exe", "exit 3");
   const std::string file = machine.Write("c.xml", ExportCommand());
-  EXPECT_EQ(0, machine.Run({"--journal", machine.Path("j"), "pull-ngorla", file}).status);
-  EXPECT_EQ("/OrlaImportNoUI\n", machine.Read("started"));
+  EXPECT_EQ(machine.Run({"--journal", machine.Path("j"), "pull-ngorla", file}).status, 0);
+  EXPECT_EQ(machine.Read("started"), "/OrlaImportNoUI\n");
   const Json line = Json::parse(machine.Read("j"));
-  EXPECT_EQ("C:\\My Küche\\TQ5-VX\\Bin\\\\kdwfm470.exe /OrlaImportNoUI", line["command"]);
-  EXPECT_EQ(3, line["exitCode"]);
+  EXPECT_EQ(line["command"], "C:\\My Küche\\TQ5-VX\\Bin\\\\kdwfm470.exe /OrlaImportNoUI");
+  EXPECT_EQ(line["exitCode"], 3);
 }
 
 TEST(Workflow, IsWaitedFor) {
@@ -285,7 +285,7 @@ TEST(Workflow, IsStartedWithTheArgumentsOfTheCommandLine) {
   machine.SetWorkflow("");
   machine.PullNgorla(machine.Write("c.xml", ExportCommand()));
   machine.Run({"pull", machine.Write("d.xml", CommandText("getHybrisXML"))});
-  EXPECT_EQ("/OrlaImportNoUI\n/OrlaProjectImport\n", machine.Read("started"));
+  EXPECT_EQ(machine.Read("started"), "/OrlaImportNoUI\n/OrlaProjectImport\n");
 }
 
 TEST(Workflow, ThatCancelsGivesUserCanceledInBothRuns) {
@@ -293,7 +293,7 @@ TEST(Workflow, ThatCancelsGivesUserCanceledInBothRuns) {
   machine.SetWorkflow(WriteSelection("[Header]\r\nAction= cancel \r\n"));
   for (const std::string& command : {ExportCommand(), CommandText("getHybrisXML")}) {
     const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", command));
-    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(FailedReply("User Canceled"), outcome.out);
   }
 }
@@ -301,20 +301,20 @@ TEST(Workflow, ThatCancelsGivesUserCanceledInBothRuns) {
 TEST(Workflow, ThatWritesNothingIsASuccessWithoutUserInterfaceAndCancelledWithIt) {
   CliMachine machine;
   machine.SetWorkflow("");
-  EXPECT_EQ(0, machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status);
+  EXPECT_EQ(machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status, 0);
   EXPECT_EQ(FailedReply("User Canceled"), machine.PullNgorla(machine.Write("c.xml", CommandText("getHybrisXML"))).out);
 }
 
 TEST(Workflow, ThatIsMissingLeavesTheOutcomeToTheOutputFile) {
   CliMachine machine;
-  EXPECT_EQ(0, machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status);
+  EXPECT_EQ(machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status, 0);
   EXPECT_EQ(FailedReply("User Canceled"), machine.PullNgorla(machine.Write("c.xml", CommandText("getHybrisXML"))).out);
 }
 
 TEST(Workflow, ThatFailsHasItsExitCodeIgnored) {
   CliMachine machine;
   machine.SetWorkflow(WriteSelection("[Header]\nAction=OK\n") + "\nexit 9");
-  EXPECT_EQ(0, machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status);
+  EXPECT_EQ(machine.PullNgorla(machine.Write("c.xml", ExportCommand())).status, 0);
 }
 
 TEST(Workflow, GivesTheTagsOfItsSelection) {
@@ -323,7 +323,7 @@ TEST(Workflow, GivesTheTagsOfItsSelection) {
       WriteSelection("[Header]\r\nAction=OK\r\n[PartNumber1]\r\nPDSG=ABCDE\r\nPartNumber=P-1\r\nMarkFor=M\xFCller\r\n"
                      "[PartNumber2]\r\nPDSG=XY\r\nPartNumber=P-2\r\nMarkFor=Second\r\n"));
   const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", ExportCommand()));
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   const std::size_t first = outcome.out.find("Müller");
   EXPECT_NE(std::string::npos, first) << outcome.out;
   EXPECT_LT(first, outcome.out.find("Second"));
@@ -336,7 +336,7 @@ class JournalFile : public testing::Test {
     const std::string file = machine_.Write("c.xml", command);
     outcome_ = machine_.Run({"--journal", machine_.Path("j.jsonl"), "pull-ngorla", file});
     const std::vector<std::string> lines = machine_.Lines("j.jsonl");
-    EXPECT_EQ(1u, lines.size());
+    EXPECT_EQ(lines.size(), 1u);
     return lines.empty() ? Json() : Json::parse(lines.front());
   }
 
@@ -349,7 +349,7 @@ constexpr const char* kProgram = "C:\\Korvane\\TQ5-VX\\Bin\\\\kdwfm470.exe";
 TEST_F(JournalFile, HoldsAProgramWithItsCommandLineWindowStyleAndExitCode) {
   machine_.SetWorkflow("exit 5");
   const Json line = LineOf(ExportCommand());
-  EXPECT_EQ(0, outcome_.status) << outcome_.err;
+  EXPECT_EQ(outcome_.status, 0) << outcome_.err;
   EXPECT_EQ((Json{{"kind", "process"},
                   {"command", std::string(kProgram) + " /OrlaImportNoUI"},
                   {"windowStyle", 1},
@@ -360,16 +360,16 @@ TEST_F(JournalFile, HoldsAProgramWithItsCommandLineWindowStyleAndExitCode) {
 TEST_F(JournalFile, HoldsAProgramThatDoesNotExist) {
   const Json line = LineOf(ExportCommand());
   EXPECT_EQ(std::string(kProgram) + " /OrlaImportNoUI", line["command"]);
-  EXPECT_EQ(-2147221451, line["exitCode"]);  // 0x80040035: file not found
-  EXPECT_EQ("0x800A0035", line["error"]["number"]);
+  EXPECT_EQ(line["exitCode"], -2147221451);  // 0x80040035: file not found
+  EXPECT_EQ(line["error"]["number"], "0x800A0035");
 }
 
 TEST_F(JournalFile, HoldsAProgramThatCannotBeStarted) {
   WriteHostFile(machine_.Installed("Bin", "kdwfm470.exe"), "MZ no program of this system");
   const Json line = LineOf(CommandText("getHybrisXML"));
   EXPECT_EQ(std::string(kProgram) + " /OrlaProjectImport", line["command"]);
-  EXPECT_EQ(-2147221499, line["exitCode"]);  // 0x80040005: not a program
-  EXPECT_EQ("0x800A0005", line["error"]["number"]);
+  EXPECT_EQ(line["exitCode"], -2147221499);  // 0x80040005: not a program
+  EXPECT_EQ(line["error"]["number"], "0x800A0005");
 }
 
 TEST_F(JournalFile, ReplacesThatOfAnEarlierRunAndIsEmptyWhenNothingCrosses) {
@@ -377,7 +377,7 @@ TEST_F(JournalFile, ReplacesThatOfAnEarlierRunAndIsEmptyWhenNothingCrosses) {
   const std::string file = machine_.Write("c.xml", CommandText("nonsense"));
   machine_.Run({"--journal", machine_.Path("j.jsonl"), "pull", file});
   EXPECT_TRUE(machine_.Exists("j.jsonl"));
-  EXPECT_EQ("", machine_.Read("j.jsonl"));
+  EXPECT_EQ(machine_.Read("j.jsonl"), "");
 }
 
 TEST_F(JournalFile, MayReplaceTheFileThatIsReplayed) {
@@ -385,17 +385,17 @@ TEST_F(JournalFile, MayReplaceTheFileThatIsReplayed) {
   const std::string journal = machine_.Write("j.jsonl", "{\"kind\":\"router\",\"answer\":\"x\",\"success\":true}\n");
   const std::string file = machine_.Write("c.xml", ExportCommand());
   const Outcome outcome = machine_.Run({"--replay", journal, "--journal", journal, "pull-ngorla", file});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
-  EXPECT_EQ(1u, machine_.Lines("j.jsonl").size());
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(machine_.Lines("j.jsonl").size(), 1u);
 }
 
 TEST_F(JournalFile, OfAReplayedRunStillHoldsRealPrograms) {
   machine_.SetWorkflow("");
   const std::string replay = machine_.Write("r.jsonl", "");
   const std::string file = machine_.Write("c.xml", ExportCommand());
-  EXPECT_EQ(0, machine_.Run({"--replay", replay, "--journal", machine_.Path("j"), "pull-ngorla", file}).status);
+  EXPECT_EQ(machine_.Run({"--replay", replay, "--journal", machine_.Path("j"), "pull-ngorla", file}).status, 0);
   EXPECT_TRUE(machine_.WorkflowRan());
-  EXPECT_EQ(1u, machine_.Lines("j").size());
+  EXPECT_EQ(machine_.Lines("j").size(), 1u);
 }
 
 }  // namespace

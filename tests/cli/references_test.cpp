@@ -39,7 +39,7 @@ class References : public testing::Test {
   std::vector<std::string> Bash(const std::string& script) const {
     WriteHostFile(Path("completion"), RunParvex({"completion"}).out);
     WriteHostFile(Path("script"), "cd '" + folder_.Path().string() + "' && . ./completion\n" + script);
-    EXPECT_EQ(0, system(("bash '" + Path("script") + "' >'" + Path("out") + "' 2>&1").c_str()));
+    EXPECT_EQ(system(("bash '" + Path("script") + "' >'" + Path("out") + "' 2>&1").c_str()), 0);
     std::istringstream out(ReadHostFile(Path("out")));
     std::vector<std::string> lines;
     for (std::string line; std::getline(out, line);) {

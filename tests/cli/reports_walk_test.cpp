@@ -110,7 +110,7 @@ std::vector<std::string> Joined(const std::vector<std::vector<std::string>>& par
 
 TEST_F(ReportsWalk, TheRooftopUnitIsOfferedItsReports) {
   const Outcome outcome = Pull({Command("01-available")});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   std::vector<std::string> offered;
   for (const xml::Node& name : xml::Document::Parse(outcome.out).All("/REPORTS/REPORT/PARAMETER/NAME")) {
     offered.push_back(name.Text());
@@ -121,8 +121,8 @@ TEST_F(ReportsWalk, TheRooftopUnitIsOfferedItsReports) {
 
 TEST_F(ReportsWalk, OneReportIsMadeForTheTagsThatHaveItsTemplate) {
   const Outcome outcome = Pull({Command("02-one")});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
-  EXPECT_EQ(kMade, outcome.out);
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.out, kMade);
   EXPECT_THAT(LateBoundCalls(),
               ElementsAreArray(Joined(
                   {{kCreate},
@@ -136,8 +136,8 @@ TEST_F(ReportsWalk, OneReportIsMadeForTheTagsThatHaveItsTemplate) {
 
 TEST_F(ReportsWalk, SeveralReportsAreMadeInOneRun) {
   const Outcome outcome = Pull({Command("03-several")});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
-  EXPECT_EQ(kMade, outcome.out);
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.out, kMade);
   EXPECT_THAT(LateBoundCalls(),
               ElementsAreArray(
                   Joined({{kCreate},
@@ -150,9 +150,9 @@ TEST_F(ReportsWalk, SeveralReportsAreMadeInOneRun) {
 
 TEST_F(ReportsWalk, ASubmittalHoldsTheOriginalBytesOfItsDrawings) {
   const Outcome outcome = Pull({Command("04-submittal")});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   const xml::Document reply = xml::Document::Parse(outcome.out);
-  ASSERT_EQ(2u, reply.All("/TAGS/TAG/root").size());
+  ASSERT_EQ(reply.All("/TAGS/TAG/root").size(), 2u);
   std::vector<std::pair<std::string, std::string>> embedded;  // file name and decoded content
   for (const xml::Node& name : reply.All("//filename")) {
     embedded.emplace_back(name.Text(), DecodeBase64(name.Parent().First("text()").Text()));
@@ -180,14 +180,14 @@ TEST_F(ReportsWalk, ASubmittalHoldsTheOriginalBytesOfItsDrawings) {
 
 TEST_F(ReportsWalk, TheEquipmentScheduleIsShownByARequestOfItsOwn) {
   const Outcome outcome = Pull({Command("05-schedule")});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
-  EXPECT_EQ(kMade, outcome.out);
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.out, kMade);
   const std::vector<std::string> calls = LateBoundCalls();
-  ASSERT_EQ(3u, calls.size());
-  EXPECT_EQ("create KDQU470.CKDScheduleRequest", calls[0]);
+  ASSERT_EQ(calls.size(), 3u);
+  EXPECT_EQ(calls[0], "create KDQU470.CKDScheduleRequest");
   EXPECT_THAT(calls[1], testing::StartsWith("call KDQU470.CKDScheduleRequest.SendRequest | SHOWSCHEDULE | [[\"pdsg\","
                                             "\"QRT52\"],[\"projectName\",\"Riverside Clinic\"],[\"projectID\","));
-  EXPECT_EQ("release KDQU470.CKDScheduleRequest", calls[2]);
+  EXPECT_EQ(calls[2], "release KDQU470.CKDScheduleRequest");
   EXPECT_THAT(FilesLeft(), ElementsAre("Schedule.rtf"));
 }
 
@@ -212,7 +212,7 @@ TEST_F(ReportsWalk, WithoutTemplateFoldersNothingIsMadeAndTheUserIsTold) {
   }
   const Outcome outcome =
       Pull({Command("01-available"), Command("02-one"), Command("03-several"), Command("04-submittal")});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_THAT(outcome.out, HasSubstr(std::string(kNotMade) + kNotMade + "<TAGS/>\r\n"));
   EXPECT_THAT(BoxTexts(), ElementsAre("The Report could not be generated. ", "The Reports could not be generated. "));
 }
@@ -223,8 +223,8 @@ TEST_F(ReportsWalk, WithoutReadableConfigurationTheStandardReportsAreOffered) {
   const Outcome malformed = Pull({Command("01-available")});
   fs::remove(configuration);
   const Outcome missing = Pull({Command("01-available")});
-  EXPECT_EQ(0, missing.status) << missing.err;
-  EXPECT_EQ(6u, xml::Document::Parse(missing.out).All("//REPORT").size());
+  EXPECT_EQ(missing.status, 0) << missing.err;
+  EXPECT_EQ(xml::Document::Parse(missing.out).All("//REPORT").size(), 6u);
   EXPECT_EQ(missing.out, malformed.out);
 }
 
@@ -236,8 +236,8 @@ TEST_F(ReportsWalk, AMissingServerIsAnsweredByTheReportCommandsAndEndsASubmittal
   EXPECT_EQ(FailedReply("Error in getReport. no component is registered as \"KDQU470.CKDScheduleRequest\""),
             Pull({Command("05-schedule")}).out);
   const Outcome submittal = Pull({Command("04-submittal")});
-  EXPECT_EQ(3, submittal.status);
-  EXPECT_EQ("", submittal.out);
+  EXPECT_EQ(submittal.status, 3);
+  EXPECT_EQ(submittal.out, "");
   EXPECT_THAT(submittal.err, HasSubstr("0x800A01AD"));
   EXPECT_THAT(submittal.err, HasSubstr(reason));
 }
@@ -247,7 +247,7 @@ TEST_F(ReportsWalk, AServerThatFailsAtAnyMemberIsAnsweredWithThatMember) {
                                    "AddTag", "AddReport", "MakeReport"}) {
     SetReportServer("{\"failAt\":\"" + member + "\"}");
     const Outcome outcome = Pull({Command("02-one")});
-    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(FailedReply("Error in getReport. " + kServer + "." + member + ": told to fail"), outcome.out);
   }
 }
@@ -255,7 +255,7 @@ TEST_F(ReportsWalk, AServerThatFailsAtAnyMemberIsAnsweredWithThatMember) {
 TEST_F(ReportsWalk, WhatTheServerDoesNotMakeIsSaidSo) {
   SetReportServer("{\"makeReport\":false}");
   const Outcome outcome = Pull({Command("02-one"), Command("05-schedule")});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(std::string(kNotMade) + kNotMade, outcome.out);
   EXPECT_THAT(BoxTexts(), IsEmpty());
 }
@@ -265,7 +265,7 @@ TEST_F(ReportsWalk, AReadOnlyReportFileIsAnsweredAsAnError) {
   WriteHostFile(ReportFile("rptold.rtf"), "old");
   fs::permissions(ReportFile("rptold.rtf"), fs::perms::owner_read);
   const Outcome outcome = Pull({Command("02-one")});
-  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.out, HasSubstr("<errorMessage>Error in getReport. "));
   EXPECT_THAT(outcome.out, HasSubstr("rptold.rtf"));
 }
@@ -279,12 +279,12 @@ TEST_F(ReportsWalk, ADrawingNameStaysOnTheMachineOrIsRefused) {
     return Pull({Command("04-submittal")});
   };
   const Outcome absolute = submittalWith("C:\\..\\..\\secret.bmp");
-  EXPECT_EQ(0, absolute.status) << absolute.err;
+  EXPECT_EQ(absolute.status, 0) << absolute.err;
   EXPECT_THAT(absolute.out, HasSubstr("<image><![CDATA[]]><filename>C:\\..\\..\\secret.bmp</filename></image>"));
   for (const std::string name : {"../../../../secret.bmp", "C:secret.bmp"}) {
     const Outcome outcome = submittalWith(name);
-    EXPECT_EQ(3, outcome.status) << outcome.out;
-    EXPECT_EQ("", outcome.out);
+    EXPECT_EQ(outcome.status, 3) << outcome.out;
+    EXPECT_EQ(outcome.out, "");
     EXPECT_THAT(outcome.err, HasSubstr("the drawing file name \"" + name + "\" leads out of "));
   }
 }
@@ -292,7 +292,7 @@ TEST_F(ReportsWalk, ADrawingNameStaysOnTheMachineOrIsRefused) {
 TEST_F(ReportsWalk, ADefinitionThatIsNoDocumentIsAnErrorThatNamesIt) {
   WriteHostFile(Installed("RTU47/Code/Reports/Templates/UnitReport_qdf.xml"), "<D>");
   const Outcome outcome = Pull({Command("02-one")});
-  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.out, HasSubstr("Error in getReport. " + kServer + ".AddReport: "));
   EXPECT_THAT(outcome.out, HasSubstr("UnitReport_qdf.xml is no XML document"));
 }

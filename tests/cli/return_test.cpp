@@ -26,9 +26,9 @@ class Return : public SampleWalk {
 
 TEST_F(Return, BringsBackTheVeryBytesThatWereExported) {
   const Outcome outcome = Run({}, Exported({"CH-1"}));
-  EXPECT_EQ(0, outcome.status) << outcome.err;
-  EXPECT_EQ("", outcome.out);
-  EXPECT_EQ("", outcome.err) << "no boxes for components";
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err, "") << "no boxes for components";
   const std::string archive = ReadHostFile(Installed("Projects/Riverside Clinic/tag1103.blb"));
   EXPECT_NE("", archive);
   EXPECT_EQ(archive, ReadHostFile(Installed("Temp/QPblob.tmp")));
@@ -38,16 +38,16 @@ TEST_F(Return, BringsBackTheVeryBytesThatWereExported) {
 TEST_F(Return, NeedsToBeToldWhichOfSeveralTags) {
   const std::string document = Exported({"RTU-1", "CH-1"});
   const Outcome untold = Run({}, document);
-  EXPECT_EQ(2, untold.status);
+  EXPECT_EQ(untold.status, 2);
   EXPECT_THAT(untold.err, HasSubstr("2 tags: say with --tag"));
   for (const char* number : {"0", "3"}) {
-    EXPECT_EQ(2, Run({"--tag", number}, document).status) << number;
+    EXPECT_EQ(Run({"--tag", number}, document).status, 2) << number;
   }
   for (const char* number : {"-1", "x", ""}) {
-    EXPECT_EQ(2, Run({"--tag", number}, document).status) << number;
+    EXPECT_EQ(Run({"--tag", number}, document).status, 2) << number;
   }
   EXPECT_FALSE(BroughtBack());
-  EXPECT_EQ(0, Run({"--tag", "2"}, document).status);
+  EXPECT_EQ(Run({"--tag", "2"}, document).status, 0);
   EXPECT_EQ(ReadHostFile(Installed("Projects/Riverside Clinic/tag1103.blb")),
             ReadHostFile(Installed("Temp/QPblob.tmp")));
 }
@@ -55,11 +55,11 @@ TEST_F(Return, NeedsToBeToldWhichOfSeveralTags) {
 TEST_F(Return, OfATagThatDidNotComeFromTheLegacyApplicationIsRefused) {
   const Outcome outcome =
       Run({}, "<PROJECT><TAGS><TAG><ATTRIBUTES_LIST><PDSG>38A</PDSG></ATTRIBUTES_LIST></TAG></TAGS></PROJECT>");
-  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.err, HasSubstr("was not brought back: Tag document BLOB is missing"));
   EXPECT_THAT(outcome.err, HasSubstr("Only units that originated in ORLA can be returned to ORLA"));
-  EXPECT_EQ(1u, Journalled("messageBox").size());
-  EXPECT_EQ(1, Run({}, "<PROJECT><TAGS><TAG/></TAGS></PROJECT>").status);
+  EXPECT_EQ(Journalled("messageBox").size(), 1u);
+  EXPECT_EQ(Run({}, "<PROJECT><TAGS><TAG/></TAGS></PROJECT>").status, 1);
   EXPECT_FALSE(BroughtBack());
 }
 
@@ -71,7 +71,7 @@ TEST_F(Return, OfWhatIsNoHybrisDocumentIsWrongUsage) {
       {FailedReply("User Canceled"), "a failed reply: User Canceled"}};
   for (const auto& [text, named] : cases) {
     const Outcome outcome = Run({}, text);
-    EXPECT_EQ(2, outcome.status) << text;
+    EXPECT_EQ(outcome.status, 2) << text;
     EXPECT_THAT(outcome.err, HasSubstr(named));
   }
 }
@@ -80,7 +80,7 @@ TEST_F(Return, ThatCannotWriteTheHandOverIsAFailedCall) {
   const std::string document = Exported({"CH-1"});
   std::filesystem::remove_all(Installed("Temp"));
   const Outcome outcome = Run({}, document);
-  EXPECT_EQ(3, outcome.status);
+  EXPECT_EQ(outcome.status, 3);
   EXPECT_THAT(outcome.err, HasSubstr("QPblob.tmp"));
 }
 

@@ -15,7 +15,7 @@ namespace parvex::test {
 /// A sample machine of its own for each test, on which commands are carried out with a journal.
 class SampleWalk : public testing::Test {
  protected:
-  SampleWalk() { EXPECT_EQ(0, RunParvex({"machine", "create", Sample()}).status); }
+  SampleWalk() { EXPECT_EQ(RunParvex({"machine", "create", Sample()}).status, 0); }
 
   std::string Sample() const { return (folder_.Path() / "sample").string(); }
   /// A path below the folder that holds Bin, Temp and Projects.

@@ -57,18 +57,17 @@ class Show : public testing::Test {
 
 TEST_F(Show, TellsTagsUnitsComponentsPricesAndWhetherThereIsStoredData) {
   const Outcome outcome = Of(Parts{.orderConfiguration = "<![CDATA[<x/>]]>"});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
-  EXPECT_EQ(
-      "P: 1 tag, 1 base unit, 24.00\n"
-      "\n"
-      "1. M-1  24.00\n"
-      "   PDSG RTU47, tag id 7, build version 4.7, stored data 3 bytes\n"
-      "   Base unit 1  U1  2 x 10.50 = 21.00\n"
-      "     Rooftop\n"
-      "     brand Korvane, engineered to order no\n"
-      "     order configuration: 4 characters\n"
-      "       ACCESSORY  A1  1 x  3  3.00\n",
-      outcome.out);
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.out,
+            "P: 1 tag, 1 base unit, 24.00\n"
+            "\n"
+            "1. M-1  24.00\n"
+            "   PDSG RTU47, tag id 7, build version 4.7, stored data 3 bytes\n"
+            "   Base unit 1  U1  2 x 10.50 = 21.00\n"
+            "     Rooftop\n"
+            "     brand Korvane, engineered to order no\n"
+            "     order configuration: 4 characters\n"
+            "       ACCESSORY  A1  1 x  3  3.00\n");
   EXPECT_THAT(Of(Parts{.blob = ""}).out, HasSubstr("stored data none"));
 }
 
@@ -109,18 +108,18 @@ TEST_F(Show, GivesTheTerminalNothingThatControlsIt) {
 }
 
 TEST_F(Show, TakesADocumentWithNothingInIt) {
-  EXPECT_EQ(": 0 tags, 0 base units, 0.00\n", Of("<PROJECT/>").out);
-  EXPECT_EQ(0, Of("<PROJECT><TAGS><TAG/><TAG><BASEUNITS><BASEUNIT/></BASEUNITS></TAG></TAGS></PROJECT>").status);
+  EXPECT_EQ(Of("<PROJECT/>").out, ": 0 tags, 0 base units, 0.00\n");
+  EXPECT_EQ(Of("<PROJECT><TAGS><TAG/><TAG><BASEUNITS><BASEUNIT/></BASEUNITS></TAG></TAGS></PROJECT>").status, 0);
 }
 
 TEST_F(Show, OfWhatIsNoHybrisDocumentIsWrongUsage) {
   for (const std::string& text : {std::string(), std::string("<TAG/>"), std::string("<PROJECT>"), FailedReply()}) {
     const Outcome outcome = Of(text);
-    EXPECT_EQ(2, outcome.status) << text;
-    EXPECT_EQ("", outcome.out);
+    EXPECT_EQ(outcome.status, 2) << text;
+    EXPECT_EQ(outcome.out, "");
   }
-  EXPECT_EQ(2, RunParvex({"show", "nowhere.xml"}).status);
-  EXPECT_EQ(2, RunParvex({"show", "a", "b", "c"}).status);
+  EXPECT_EQ(RunParvex({"show", "nowhere.xml"}).status, 2);
+  EXPECT_EQ(RunParvex({"show", "a", "b", "c"}).status, 2);
 }
 
 TEST_F(Show, ColoursOnATerminalUnlessToldNotTo) {
@@ -157,36 +156,36 @@ TEST_F(Show, OfTwoDocumentsTellsEveryValueThatChanged) {
   };
   for (const auto& [after, line] : cases) {
     const Outcome outcome = Compared(after);
-    EXPECT_EQ(1, outcome.status) << outcome.err;
-    EXPECT_EQ(std::string("1 difference\n") + line, outcome.out);
+    EXPECT_EQ(outcome.status, 1) << outcome.err;
+    EXPECT_EQ(outcome.out, std::string("1 difference\n") + line);
   }
 }
 
 TEST_F(Show, OfTwoDocumentsThatSayTheSameEndsWith0) {
   const Outcome outcome = Compared(Parts{});
-  EXPECT_EQ(0, outcome.status);
-  EXPECT_EQ("No differences.\n", outcome.out);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "No differences.\n");
 }
 
 TEST_F(Show, OfTwoDocumentsFindsTheSameItemsWhateverTheirOrder) {
   const std::string a = R"(<COMPONENT TYPE="ACCESSORY" PARTNUMBER="A1" QUANTITY="1" PRICE="3"/>)";
   const std::string dear = R"(<COMPONENT TYPE="ACCESSORY" PARTNUMBER="A1" QUANTITY="1" PRICE="9"/>)";
   const std::string other = R"(<COMPONENT TYPE="WARRANTY" PARTNUMBER="A1" QUANTITY="1" PRICE="3"/>)";
-  EXPECT_EQ(0, Compared(Document({.components = a + dear + other}), Document({.components = other + dear + a})).status);
+  EXPECT_EQ(Compared(Document({.components = a + dear + other}), Document({.components = other + dear + a})).status, 0);
   EXPECT_THAT(Compared(Document({.components = a + dear}), Document({.components = dear})).out,
               AllOf(StartsWith("1 difference\n- "), HasSubstr("ACCESSORY A1")))
       << "the one that is still there is not the one that went";
 
   const std::string tag = "<TAG><ATTRIBUTES_LIST><MARKFOR>M-1</MARKFOR><PDSG>X</PDSG></ATTRIBUTES_LIST></TAG>";
-  EXPECT_EQ("1 difference\n+ tag M-1  X\n",
-            Compared(Document({.moreTags = tag}), Document({.moreTags = tag + tag})).out);
+  EXPECT_EQ(Compared(Document({.moreTags = tag}), Document({.moreTags = tag + tag})).out,
+            "1 difference\n+ tag M-1  X\n");
 }
 
 TEST_F(Show, WritesAPageThatNeedsNothingBesideIt) {
   const std::string file = Write("q.xml", Document({.project = "A &amp; B", .markFor = "&lt;script&gt;\"x"}));
   const Outcome outcome = RunParvex({"show", "--html", PageName(), file});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
-  EXPECT_EQ("", outcome.out);
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.out, "");
   EXPECT_THAT(Page(), StartsWith("<!DOCTYPE html>"));
   for (const char* part : {"<title>A &amp; B</title>", "1. &lt;script&gt;&quot;x", ">24.00<", "U1", "3 bytes"}) {
     EXPECT_THAT(Page(), HasSubstr(part));
@@ -200,15 +199,15 @@ TEST_F(Show, WritesAPageThatNeedsNothingBesideIt) {
 TEST_F(Show, WritesAPageOfTheLaterDocumentWithWhatChanged) {
   const Outcome outcome =
       Compared(Document({}), Document({.project = "Later", .components = ""}), {"--html", PageName()});
-  EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(Page(), AllOf(HasSubstr("<h1>Later</h1>"), HasSubstr("2 differences"),
                             HasSubstr("<tr class=\"removed\">"), HasSubstr("before.xml")));
-  EXPECT_EQ(0, Compared(Document({}), Document({}), {"--html", PageName()}).status);
+  EXPECT_EQ(Compared(Document({}), Document({}), {"--html", PageName()}).status, 0);
   EXPECT_THAT(Page(), HasSubstr("No differences"));
 }
 
 TEST_F(Show, IntoAFolderThatDoesNotExistIsWrongUsage) {
-  EXPECT_EQ(2, RunParvex({"show", Write("q.xml", Document({})), "--html", PageName() + "/nowhere/p.html"}).status);
+  EXPECT_EQ(RunParvex({"show", Write("q.xml", Document({})), "--html", PageName() + "/nowhere/p.html"}).status, 2);
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ const std::string kProject = Parameter("projectName", "Riverside Clinic");
 
 class TagsWalk : public testing::Test {
  protected:
-  TagsWalk() { EXPECT_EQ(0, RunParvex({"machine", "create", Sample()}).status); }
+  TagsWalk() { EXPECT_EQ(RunParvex({"machine", "create", Sample()}).status, 0); }
 
   std::string Sample() const { return (folder_.Path() / "sample").string(); }
   fs::path Bin(const std::string& name) const { return fs::path(Sample()) / "drive_c/Korvane/TQ5-VX/Bin" / name; }
@@ -51,7 +51,7 @@ class TagsWalk : public testing::Test {
   /// The tags of a project as getTagList answers them: name, a blank, UPTODATE.
   std::vector<std::string> Tags(const std::string& project = kProject) {
     const Outcome outcome = Send("getTagList", project);
-    EXPECT_EQ(0, outcome.status) << outcome.err;
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
     std::vector<std::string> tags;
     for (const xml::Node& tag : xml::Document::Parse(outcome.out).All("/TAGLIST/TAG")) {
       tags.push_back(tag.Child("NAME").Text() + " " + tag.Child("UPTODATE").Text());
@@ -103,15 +103,15 @@ TEST_F(TagsWalk, WithoutAToolFileNoTagWithAVersionIsUpToDate) {
 
 TEST_F(TagsWalk, AnUnknownProjectIsTheFailedReply) {
   const Outcome outcome = Send("getTagList", Parameter("projectName", "Nowhere"));
-  EXPECT_EQ(1, outcome.status);
-  EXPECT_EQ(kFailure, outcome.out);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, kFailure);
 }
 
 TEST_F(TagsWalk, TheListsTagsAreFetchedByOneRequestEach) {
   const Outcome list = Send("getTagList", kProject);
   const xml::Document tags = xml::Document::Parse(list.out);
   const Outcome outcome = Send("getTags", kProject + Parameter("data", tags.Root().Xml()));
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   const xml::Document data = xml::Document::Parse(outcome.out);
   std::vector<std::string> found;
   for (xml::Node node = data.First("/TagData/PROJECT/projectName"); node; node = node.NextSibling()) {
@@ -121,7 +121,7 @@ TEST_F(TagsWalk, TheListsTagsAreFetchedByOneRequestEach) {
   EXPECT_THAT(found, ElementsAre("projectName Riverside Clinic", "TAG RTU-1", "TAG AHU-3", "TAG CH-1", "PROTOTAG HP-7",
                                  "PROTOTAG SS-2", "TAG Küche & Café <EG>"));
   const std::vector<std::string> requests = Requests();
-  ASSERT_EQ(6u, requests.size());
+  ASSERT_EQ(requests.size(), 6u);
   EXPECT_EQ(Sent("getTag",
                  Parameter("pdsgFilter", "") + kProject + Parameter("pdsg", "RTU47") + Parameter("tagName", "RTU-1")),
             requests[0]);
@@ -133,8 +133,8 @@ TEST_F(TagsWalk, TheListsTagsAreFetchedByOneRequestEach) {
 TEST_F(TagsWalk, ATagTheProjectDoesNotHaveIsLeftOut) {
   const std::string entry = "<TAG><NAME>No</NAME><PDSG>RTU47</PDSG><DATATYPE>0</DATATYPE></TAG>";
   const Outcome outcome = Send("getTags", kProject + Parameter("data", entry));
-  EXPECT_EQ(0, outcome.status);
-  EXPECT_EQ("<TagData><PROJECT><projectName>Riverside Clinic</projectName></PROJECT></TagData>\r\n", outcome.out);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "<TagData><PROJECT><projectName>Riverside Clinic</projectName></PROJECT></TagData>\r\n");
 }
 
 TEST_F(TagsWalk, ATagIsRenamedCopiedAndDeleted) {
@@ -148,7 +148,7 @@ TEST_F(TagsWalk, ATagIsRenamedCopiedAndDeleted) {
       File("deleteTag", kProject + Parameter("PDSG", "XRC47") + Parameter("tagName", "CH-1") +
                             Parameter("DATATYPE", "0") + Parameter("TAGINDEXID", "1103") + Parameter("ID", "1103")),
   });
-  EXPECT_EQ(0, outcome.status) << outcome.out;
+  EXPECT_EQ(outcome.status, 0) << outcome.out;
   EXPECT_THAT(Tags(),
               ElementsAre("Roof _ 1 -1", "AHU-3 -1", "HP-7 0", "SS-2 0", "Küche & Café <EG> 0", "Copy of Roof _ 1 -1"));
   EXPECT_THAT(Tags(Parameter("projectName", "Annex")), ElementsAre("RTU-1[1] -1"))
@@ -158,7 +158,7 @@ TEST_F(TagsWalk, ATagIsRenamedCopiedAndDeleted) {
 TEST_F(TagsWalk, RequestsToRenameCarryTheUpdateDocument) {
   Send("renameTag", Owned("RTU-1") + Parameter("newTagName", "RTU-1"));
   const std::vector<std::string> requests = Requests();
-  ASSERT_EQ(2u, requests.size());
+  ASSERT_EQ(requests.size(), 2u);
   const std::string info =
       "<TagUpdateInfo><Table Name=\"TagData\"><Column>sTagName</Column><Column>sDescription</Column></Table>"
       "<Table Name=\"TagIndex\"><Column>sTagName</Column></Table></TagUpdateInfo>";
@@ -170,9 +170,9 @@ TEST_F(TagsWalk, RequestsToRenameCarryTheUpdateDocument) {
 
 TEST_F(TagsWalk, WhatTheRouterRefusesIsTheFailedReply) {
   SetStandin("{\"router\":{\"refuse\":[\"renameTagEx\",\"CopyTagEx\",\"deleteTagEx\"]}}");
-  EXPECT_EQ(1, Send("renameTag", Owned("RTU-1") + Parameter("newTagName", "N")).status);
-  EXPECT_EQ(1, Send("copyTag", kProject + Parameter("PDSG", "RTU47") + Parameter("tagName", "RTU-1")).status);
-  EXPECT_EQ(1, Send("deleteTag", kProject + Parameter("PDSG", "RTU47") + Parameter("tagName", "RTU-1")).status);
+  EXPECT_EQ(Send("renameTag", Owned("RTU-1") + Parameter("newTagName", "N")).status, 1);
+  EXPECT_EQ(Send("copyTag", kProject + Parameter("PDSG", "RTU47") + Parameter("tagName", "RTU-1")).status, 1);
+  EXPECT_EQ(Send("deleteTag", kProject + Parameter("PDSG", "RTU47") + Parameter("tagName", "RTU-1")).status, 1);
   EXPECT_THAT(Tags(), testing::SizeIs(6));
 }
 
@@ -184,11 +184,10 @@ TEST_F(TagsWalk, AReplayAnswersTagRequests) {
                 "{\"kind\":\"router\",\"answer\":\"no XML\",\"success\":true}\n");
   const std::string list = File("getTagList", kProject);
   const Outcome outcome = Pull({list, list}, {"--replay", replay});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
-  EXPECT_EQ(
-      "<L><TAG><NAME>A</NAME><PDSG>XRC47</PDSG><TAGVERSION>4.71.0</TAGVERSION><UPTODATE>-1</UPTODATE></TAG>"
-      "</L>\r\n",
-      outcome.out);
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.out,
+            "<L><TAG><NAME>A</NAME><PDSG>XRC47</PDSG><TAGVERSION>4.71.0</TAGVERSION><UPTODATE>-1</UPTODATE></TAG>"
+            "</L>\r\n");
 }
 
 TEST_F(TagsWalk, TheSamplesCommandsAreAllCarriedOutInTheirOrder) {
@@ -202,7 +201,7 @@ TEST_F(TagsWalk, TheSamplesCommandsAreAllCarriedOutInTheirOrder) {
   EXPECT_THAT(commands, testing::SizeIs(8));
   for (const std::string& command : commands) {
     const Outcome outcome = Pull({command});
-    EXPECT_EQ(0, outcome.status) << command << outcome.err;
+    EXPECT_EQ(outcome.status, 0) << command << outcome.err;
   }
   EXPECT_THAT(Tags(), ElementsAre("Roof _ 1 -1", "AHU-3 -1", "CH-1 -1", "HP-7 0", "SS-2 0", "Küche & Café <EG> -1",
                                   "New RTU-1107 -1"));
@@ -214,31 +213,31 @@ const std::string kConfigureTag = kProject + Parameter("PDSG", "FCB47") +
                                   Parameter("projectID", "1");
 
 TEST_F(TagsWalk, TheBuilderMakesATagThatIsExportedWithTheOthers) {
-  EXPECT_EQ(0, Send("newTag", kNewTag).status);
-  EXPECT_EQ("New RTU-1107 -1", Tags().back());
+  EXPECT_EQ(Send("newTag", kNewTag).status, 0);
+  EXPECT_EQ(Tags().back(), "New RTU-1107 -1");
   const Outcome exported =
       RunParvex({"--machine", Sample(), "pull-ngorla", Sample() + "/commands/getHybrisXMLNoUI.xml"});
   EXPECT_THAT(exported.out, HasSubstr("<MARKFOR>New RTU-1107</MARKFOR>"));
 }
 
 TEST_F(TagsWalk, TheBuilderBringsAConfiguredTagAndARebuiltProjectUpToDate) {
-  EXPECT_EQ(0, Send("configureTag", kConfigureTag).status);
-  EXPECT_EQ("Küche & Café <EG> -1", Tags().back());
+  EXPECT_EQ(Send("configureTag", kConfigureTag).status, 0);
+  EXPECT_EQ(Tags().back(), "Küche & Café <EG> -1");
   WriteHostFile(Bin("Tools.xml"), "<Tools><Tool><Pdsg>RTU47</Pdsg><Version>5</Version></Tool></Tools>");
-  EXPECT_EQ("RTU-1 0", Tags().front());
-  EXPECT_EQ(0, Send("rebuildAllTags", kProject).status);
-  EXPECT_EQ("RTU-1 -1", Tags().front());
+  EXPECT_EQ(Tags().front(), "RTU-1 0");
+  EXPECT_EQ(Send("rebuildAllTags", kProject).status, 0);
+  EXPECT_EQ(Tags().front(), "RTU-1 -1");
 }
 
 TEST_F(TagsWalk, ConfiguringSwitchesTheBuildersSettingsBackOn) {
   WriteHostFile(Bin("UIKeys.txt"), "ToolBarActive=5\r\n");
-  EXPECT_EQ(0, Send("configureTag", kConfigureTag).status);
-  EXPECT_EQ("ToolBarActive=-1\r\n", ReadHostFile(Bin("UIKeys.txt")));
+  EXPECT_EQ(Send("configureTag", kConfigureTag).status, 0);
+  EXPECT_EQ(ReadHostFile(Bin("UIKeys.txt")), "ToolBarActive=-1\r\n");
 }
 
 TEST_F(TagsWalk, TheJournalHoldsEveryStepWithTheBuilder) {
   SetStandin("{\"builder\":{\"polls\":1}}");
-  ASSERT_EQ(0, Send("configureTag", kConfigureTag).status);
+  ASSERT_EQ(Send("configureTag", kConfigureTag).status, 0);
   std::vector<std::string> steps;
   for (const Json& line : Journalled("automation")) {
     steps.push_back(line["op"].get<std::string>() + " " + line["object"].get<std::string>() + " " +
@@ -265,9 +264,9 @@ TEST_F(TagsWalk, TheJournalHoldsEveryStepWithTheBuilder) {
 TEST_F(TagsWalk, ACancelledBuilderIsASuccessThatChangesNothing) {
   SetStandin("{\"builder\":{\"cancelled\":true,\"polls\":0}}");
   const std::vector<std::string> before = Tags();
-  EXPECT_EQ(kSuccess, Send("newTag", kNewTag).out);
-  EXPECT_EQ(kSuccess, Send("configureTag", kConfigureTag).out);
-  EXPECT_EQ(kSuccess, Send("rebuildAllTags", kProject).out);
+  EXPECT_EQ(Send("newTag", kNewTag).out, kSuccess);
+  EXPECT_EQ(Send("configureTag", kConfigureTag).out, kSuccess);
+  EXPECT_EQ(Send("rebuildAllTags", kProject).out, kSuccess);
   EXPECT_EQ(before, Tags());
 }
 
@@ -275,8 +274,8 @@ TEST_F(TagsWalk, AMissingBuilderEndsTheCall) {
   SetStandin("{\"builder\":{\"missing\":true}}");
   for (const char* name : {"newTag", "configureTag", "rebuildAllTags"}) {
     const Outcome outcome = Send(name, kConfigureTag);
-    EXPECT_EQ(3, outcome.status) << name;
-    EXPECT_EQ("", outcome.out) << name;
+    EXPECT_EQ(outcome.status, 3) << name;
+    EXPECT_EQ(outcome.out, "") << name;
     EXPECT_THAT(outcome.err, HasSubstr("0x800A01AD")) << name;
   }
 }
@@ -288,20 +287,20 @@ TEST_F(TagsWalk, ABuilderThatFailsEndsTheCallOrIsAnsweredAsTheMemberSays) {
   };
   for (const char* member : {"standalone", "View", "UILoaded", "Framework", "ServiceBroker", "CallService"}) {
     const Outcome made = failing(member, "newTag");
-    EXPECT_EQ(3, made.status) << member;
+    EXPECT_EQ(made.status, 3) << member;
     EXPECT_THAT(made.err, HasSubstr(std::string(".") + member + ": told to fail"));
-    EXPECT_EQ(3, failing(member, "rebuildAllTags").status) << member;
+    EXPECT_EQ(failing(member, "rebuildAllTags").status, 3) << member;
     const bool isBeforeTheWait = std::string(member) == "standalone" || std::string(member) == "View";
     EXPECT_EQ(isBeforeTheWait ? 3 : 1, failing(member, "configureTag").status) << member;
   }
-  EXPECT_EQ(3, failing("Shutdown", "rebuildAllTags").status);
-  EXPECT_EQ(0, failing("Shutdown", "configureTag").status) << "only rebuildAllTags shuts its builder down";
+  EXPECT_EQ(failing("Shutdown", "rebuildAllTags").status, 3);
+  EXPECT_EQ(failing("Shutdown", "configureTag").status, 0) << "only rebuildAllTags shuts its builder down";
 }
 
 TEST_F(TagsWalk, ABuilderThatLoadsSlowlyIsWaitedFor) {
   SetStandin("{\"builder\":{\"polls\":6}}");
-  EXPECT_EQ(kSuccess, Send("newTag", kNewTag).out);
-  EXPECT_EQ("New RTU-1107 -1", Tags().back());
+  EXPECT_EQ(Send("newTag", kNewTag).out, kSuccess);
+  EXPECT_EQ(Tags().back(), "New RTU-1107 -1");
 }
 
 }  // namespace

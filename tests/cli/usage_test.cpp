@@ -8,16 +8,16 @@ namespace parvex::test {
 namespace {
 
 void ExpectWrongUsage(const Outcome& outcome, const std::string& named) {
-  EXPECT_EQ(2, outcome.status) << outcome.err;
-  EXPECT_EQ("", outcome.out);
+  EXPECT_EQ(outcome.status, 2) << outcome.err;
+  EXPECT_EQ(outcome.out, "");
   EXPECT_NE(std::string::npos, outcome.err.find(named)) << outcome.err;
 }
 
 TEST(Usage, VersionIsPrinted) {
   const Outcome outcome = RunParvex({"--version"});
-  EXPECT_EQ(0, outcome.status);
-  EXPECT_EQ("parvex " PARVEX_VERSION "\n", outcome.out);
-  EXPECT_EQ("", outcome.err);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "parvex " PARVEX_VERSION "\n");
+  EXPECT_EQ(outcome.err, "");
 }
 
 TEST(Usage, HelpIsPrintedForTheProgramAndEachCommand) {
@@ -30,9 +30,9 @@ TEST(Usage, HelpIsPrintedForTheProgramAndEachCommand) {
                                                           {"commands", "--help"}};
   for (const auto& arguments : commands) {
     const Outcome outcome = RunParvex(arguments);
-    EXPECT_EQ(0, outcome.status) << arguments.front();
+    EXPECT_EQ(outcome.status, 0) << arguments.front();
     EXPECT_NE(std::string::npos, outcome.out.find("Usage:")) << outcome.out;
-    EXPECT_EQ("", outcome.err);
+    EXPECT_EQ(outcome.err, "");
   }
 }
 
@@ -65,18 +65,18 @@ TEST(Usage, WrongCommandLinesExitWith2) {
                                                               {"pull", "x.xml", "pull-ngorla", "x.xml"}};
   for (const auto& arguments : commandLines) {
     const Outcome outcome = RunParvex(arguments);
-    EXPECT_EQ(2, outcome.status) << testing::PrintToString(arguments) << outcome.err;
-    EXPECT_EQ("", outcome.out) << testing::PrintToString(arguments);
+    EXPECT_EQ(outcome.status, 2) << testing::PrintToString(arguments) << outcome.err;
+    EXPECT_EQ(outcome.out, "") << testing::PrintToString(arguments);
     EXPECT_NE("", outcome.err) << testing::PrintToString(arguments);
   }
 }
 
 TEST(Usage, CommandsListsBothTablesWithTheirSummaries) {
   const Outcome outcome = RunParvex({"commands"});
-  EXPECT_EQ(0, outcome.status);
+  EXPECT_EQ(outcome.status, 0);
   const std::size_t second = outcome.out.find("pull-ngorla (PullNGORLA)");
   ASSERT_NE(std::string::npos, second);
-  EXPECT_EQ(0u, outcome.out.find("pull (Pull)"));
+  EXPECT_EQ(outcome.out.find("pull (Pull)"), 0u);
   std::size_t at = 0;
   for (const CommandEntry& command : PullCommands()) {
     at = outcome.out.find("\n  " + std::string(command.name) + " ", at);
@@ -103,16 +103,16 @@ TEST(MachineOption, IsNeededByPullAndPullNgorla) {
 TEST(MachineOption, IsTakenFromTheEnvironmentWhenItIsNotGiven) {
   CliMachine machine;
   const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));
-  EXPECT_EQ(1, RunParvex({"pull", file}, {.environment = {{"PARVEX_MACHINE", machine.Folder()}}}).status);
+  EXPECT_EQ(RunParvex({"pull", file}, {.environment = {{"PARVEX_MACHINE", machine.Folder()}}}).status, 1);
   const Surroundings elsewhere = {.environment = {{"PARVEX_MACHINE", machine.Path("no such folder")}}};
-  EXPECT_EQ(1, machine.Run({"pull", file}, elsewhere).status) << "the option counts before the environment";
+  EXPECT_EQ(machine.Run({"pull", file}, elsewhere).status, 1) << "the option counts before the environment";
   ExpectWrongUsage(RunParvex({"pull", file}, elsewhere), "no such folder");
 }
 
 TEST(MachineOption, IsUnderstoodBehindTheCommandToo) {
   CliMachine machine;
   const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));
-  EXPECT_EQ(1, RunParvex({"pull", "--machine", machine.Folder(), file}).status);
+  EXPECT_EQ(RunParvex({"pull", "--machine", machine.Folder(), file}).status, 1);
 }
 
 TEST(MachineOption, TakesAFolderRelativeToTheCurrentOne) {
@@ -120,7 +120,7 @@ TEST(MachineOption, TakesAFolderRelativeToTheCurrentOne) {
   machine.Write("c.xml", ExportCommand());
   machine.SetWorkflow("");
   const Outcome outcome = RunParvex({"--machine", "machine", "pull-ngorla", "c.xml"}, {.folder = machine.Path("")});
-  EXPECT_EQ(0, outcome.status) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_TRUE(machine.WorkflowRan());
 }
 
@@ -159,7 +159,7 @@ TEST(Journal, OfAnEarlierRunOutlivesWrongUsage) {
   CliMachine machine;
   const std::string journal = machine.Write("j", "earlier");
   ExpectWrongUsage(machine.Run({"--journal", journal, "pull", machine.Path("missing.xml")}), "missing.xml");
-  EXPECT_EQ("earlier", machine.Read("j"));
+  EXPECT_EQ(machine.Read("j"), "earlier");
 }
 
 TEST(Journal, ThatIsNotWrittenCompletelyIsAFailure) {
@@ -167,7 +167,7 @@ TEST(Journal, ThatIsNotWrittenCompletelyIsAFailure) {
   machine.SetWorkflow("");
   const std::string file = machine.Write("c.xml", ExportCommand());
   const Outcome outcome = machine.Run({"--journal", "/dev/full", "pull-ngorla", file});
-  EXPECT_EQ(3, outcome.status);
+  EXPECT_EQ(outcome.status, 3);
   EXPECT_NE(std::string::npos, outcome.err.find("/dev/full")) << outcome.err;
   EXPECT_NE("", outcome.out);
 }
@@ -196,7 +196,7 @@ TEST(StandardOutput, ThatCannotBeWrittenIsAFailure) {
     for (const auto& arguments : std::vector<std::vector<std::string>>{
              {"pull", file}, {"base64", "encode", file}, {"commands"}, {"--version"}, {"--help"}}) {
       const Outcome outcome = machine.Run(arguments, {.outputFile = output});
-      EXPECT_EQ(3, outcome.status) << output << testing::PrintToString(arguments);
+      EXPECT_EQ(outcome.status, 3) << output << testing::PrintToString(arguments);
       EXPECT_NE(std::string::npos, outcome.err.find("standard output")) << outcome.err;
     }
   }
@@ -206,7 +206,7 @@ TEST(StandardOutput, ThatIsClosedDoesNotEndUpInTheJournal) {
   CliMachine machine;
   const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));
   machine.Run({"--journal", machine.Path("j"), "pull", file}, {.outputFile = "-"});
-  EXPECT_EQ("", machine.Read("j"));
+  EXPECT_EQ(machine.Read("j"), "");
 }
 
 }  // namespace

@@ -80,7 +80,7 @@ TEST(LegacyOrlaPullConstruction, FailsWhenTheRouterCannotBeCreated) {
     LegacyORLAPull pull(machine.platform);
     FAIL() << "no error";
   } catch (const AutomationError& error) {
-    EXPECT_EQ(0x800A01ADu, error.Number());
+    EXPECT_EQ(error.Number(), 0x800A01ADu);
   }
 }
 

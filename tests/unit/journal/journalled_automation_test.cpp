@@ -71,11 +71,11 @@ std::string Line(const std::string& object, const std::string& op, const std::st
 
 TEST_F(JournalledAutomationTest, WritesCreationAndRelease) {
   ObjectRef object = journalled_.Create("A.B");
-  EXPECT_EQ("A.B", object->Name());
+  EXPECT_EQ(object->Name(), "A.B");
   EXPECT_EQ(Line("A.B", "create"), NewLines());
   ObjectRef second = object;
   object.reset();
-  EXPECT_EQ("", NewLines());
+  EXPECT_EQ(NewLines(), "");
   second.reset();
   EXPECT_EQ(Line("A.B", "release"), NewLines());
 }
@@ -87,21 +87,20 @@ TEST_F(JournalledAutomationTest, NumbersTheObjectsOfAProgrammaticIdFromTheSecond
   const ObjectRef third = journalled_.Create("A.B");
   EXPECT_EQ(Line("A.B", "create") + Line("A.B#2", "create") + Line("C.D", "create") + Line("A.B#3", "create"),
             NewLines());
-  EXPECT_EQ("A.B#3", third->Name());
+  EXPECT_EQ(third->Name(), "A.B#3");
 }
 
 TEST_F(JournalledAutomationTest, DoesNotReuseTheNumberOfAReleasedObject) {
   CreateQuietly().reset();
-  EXPECT_EQ("A.B#2", journalled_.Create("A.B")->Name());
+  EXPECT_EQ(journalled_.Create("A.B")->Name(), "A.B#2");
 }
 
 TEST_F(JournalledAutomationTest, WritesAFailedCreationThatDoesNotCount) {
   EXPECT_THROW(journalled_.Create("Missing.Class"), AutomationError);
-  EXPECT_EQ(
-      "{\"kind\":\"automation\",\"object\":\"Missing.Class\",\"op\":\"create\",\"member\":\"\",\"args\":[],"
-      "\"result\":null,\"error\":{\"number\":\"0x800A01AD\",\"source\":\"Parvex\","
-      "\"description\":\"no Missing.Class\"}}\n",
-      NewLines());
+  EXPECT_EQ(NewLines(),
+            "{\"kind\":\"automation\",\"object\":\"Missing.Class\",\"op\":\"create\",\"member\":\"\",\"args\":[],"
+            "\"result\":null,\"error\":{\"number\":\"0x800A01AD\",\"source\":\"Parvex\","
+            "\"description\":\"no Missing.Class\"}}\n");
 }
 
 TEST_F(JournalledAutomationTest, WritesGetsWithTheirValue) {
@@ -126,7 +125,7 @@ TEST_F(JournalledAutomationTest, WritesPutsWithOneArgument) {
   const ObjectRef object = CreateQuietly();
   Value seen;
   fake_.put = [&](std::string_view member, const Value& value) {
-    EXPECT_EQ("standalone", member);
+    EXPECT_EQ(member, "standalone");
     seen = value;
   };
   object->Put("standalone", false);
@@ -225,10 +224,10 @@ TEST_F(JournalledAutomationTest, WhatTheOutsideDidToACollectionIsSeenByItsCaller
   const auto items = std::make_shared<KeyedItems>(KeyedItems{{"first", {std::string("1")}}});
   std::vector<Argument> arguments = {{CollectionRef(items)}};
   object->Call("Fill", arguments);
-  ASSERT_EQ(2u, items->size());
+  ASSERT_EQ(items->size(), 2u);
   EXPECT_EQ(Value(std::string("changed")), (*items)[0].second.value);
-  EXPECT_EQ("new", (*items)[1].first);
-  EXPECT_EQ("A.B.Fill", std::get<ObjectRef>((*items)[1].second.value)->Name());
+  EXPECT_EQ((*items)[1].first, "new");
+  EXPECT_EQ(std::get<ObjectRef>((*items)[1].second.value)->Name(), "A.B.Fill");
 }
 
 TEST_F(JournalledAutomationTest, WritesFailuresOfEachOperationAndPassesThemOn) {

@@ -43,13 +43,13 @@ TEST_F(Journalled, RouterRequestsWithTheirAnswers) {
   const auto router = platform_.messageRouters.Create();
   std::string response;
   EXPECT_TRUE(router->SendRequestMessage("<C>\xC3\xBC\n</C>", response));
-  EXPECT_EQ("<A x=\"1\"/>", response);
+  EXPECT_EQ(response, "<A x=\"1\"/>");
   EXPECT_FALSE(router->SendRequestMessage("second", response));
-  EXPECT_EQ("no", response);
+  EXPECT_EQ(response, "no");
   EXPECT_EQ(
+      Lines(),
       "{\"kind\":\"router\",\"request\":\"<C>\xC3\xBC\\n</C>\",\"answer\":\"<A x=\\\"1\\\"/>\",\"success\":true}\n"
-      "{\"kind\":\"router\",\"request\":\"second\",\"answer\":\"no\",\"success\":false}\n",
-      Lines());
+      "{\"kind\":\"router\",\"request\":\"second\",\"answer\":\"no\",\"success\":false}\n");
   EXPECT_EQ((std::vector<std::string>{"<C>\xC3\xBC\n</C>", "second"}), machine_.routers.requests);
 }
 
@@ -59,49 +59,48 @@ TEST_F(Journalled, FailedRouterCalls) {
   };
   std::string response;
   EXPECT_THROW(platform_.messageRouters.Create()->SendRequestMessage("r", response), AutomationError);
-  EXPECT_EQ(
-      "{\"kind\":\"router\",\"request\":\"r\",\"answer\":\"\",\"success\":false,\"error\":"
-      "{\"number\":\"0x800706BA\",\"source\":\"router\",\"description\":\"gone \\\"away\\\"\"}}\n",
-      Lines());
+  EXPECT_EQ(Lines(),
+            "{\"kind\":\"router\",\"request\":\"r\",\"answer\":\"\",\"success\":false,\"error\":"
+            "{\"number\":\"0x800706BA\",\"source\":\"router\",\"description\":\"gone \\\"away\\\"\"}}\n");
 }
 
 TEST_F(Journalled, ARouterThatCannotBeCreatedIsAnErrorOfItsCallerOnly) {
   machine_.routers.missing = true;
   EXPECT_THROW(platform_.messageRouters.Create(), AutomationError);
-  EXPECT_EQ("", Lines());
+  EXPECT_EQ(Lines(), "");
 }
 
 TEST_F(Journalled, TextsThatAreNotUtf8AreWrittenWithReplacementCharacters) {
   machine_.routers.answers = {{true, "\xFF"}};
   std::string response;
   platform_.messageRouters.Create()->SendRequestMessage("a\xFC", response);
-  EXPECT_EQ("\xFF", response);
-  EXPECT_EQ("{\"kind\":\"router\",\"request\":\"a\xEF\xBF\xBD\",\"answer\":\"\xEF\xBF\xBD\",\"success\":true}\n",
-            Lines());
+  EXPECT_EQ(response, "\xFF");
+  EXPECT_EQ(Lines(),
+            "{\"kind\":\"router\",\"request\":\"a\xEF\xBF\xBD\",\"answer\":\"\xEF\xBF\xBD\",\"success\":true}\n");
 }
 
 TEST_F(Journalled, EachLineIsFlushed) {
   const auto router = platform_.messageRouters.Create();
   std::string response;
   router->SendRequestMessage("1", response);
-  EXPECT_EQ(1, out_.Flushes());
+  EXPECT_EQ(out_.Flushes(), 1);
   router->SendRequestMessage("2", response);
-  EXPECT_EQ(2, out_.Flushes());
+  EXPECT_EQ(out_.Flushes(), 2);
 }
 
 TEST_F(Journalled, ProgramsWhenTheirExitCodeIsKnown) {
   machine_.processes.polls = 1;
   machine_.processes.exitCode = 5;
   const auto process = platform_.processes.Start("C:\\a.exe /x", 6);
-  EXPECT_EQ(kStillActive, process->ExitCode());
-  EXPECT_EQ("", Lines());
-  EXPECT_EQ(5u, process->ExitCode());
+  EXPECT_EQ(process->ExitCode(), kStillActive);
+  EXPECT_EQ(Lines(), "");
+  EXPECT_EQ(process->ExitCode(), 5u);
   const std::string line = "{\"kind\":\"process\",\"command\":\"C:\\\\a.exe /x\",\"windowStyle\":6,\"exitCode\":5}\n";
   EXPECT_EQ(line, Lines());
-  EXPECT_EQ(5u, process->ExitCode());
+  EXPECT_EQ(process->ExitCode(), 5u);
   EXPECT_EQ(line, Lines()) << "written once";
-  ASSERT_EQ(1u, machine_.processes.started.size());
-  EXPECT_EQ(6, machine_.processes.started[0].windowStyle);
+  ASSERT_EQ(machine_.processes.started.size(), 1u);
+  EXPECT_EQ(machine_.processes.started[0].windowStyle, 6);
 }
 
 TEST_F(Journalled, ExitCodesAsTheRunnerReturnsThem) {
@@ -113,26 +112,24 @@ TEST_F(Journalled, ExitCodesAsTheRunnerReturnsThem) {
 TEST_F(Journalled, AProgramDroppedWhileRunningHasNoExitCode) {
   machine_.processes.polls = 10;
   platform_.processes.Start("p", 1)->ExitCode();
-  EXPECT_EQ("{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":1,\"exitCode\":null}\n", Lines());
+  EXPECT_EQ(Lines(), "{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":1,\"exitCode\":null}\n");
 }
 
 TEST_F(Journalled, AProgramThatCannotBeStartedHasTheNegativeCodeOfTheRunnerAndTheError) {
   machine_.processes.startError = 53;
   EXPECT_THROW(platform_.processes.Start("p", 6), AutomationError);
-  EXPECT_EQ(
-      "{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":6,\"exitCode\":-2147221451,\"error\":"
-      "{\"number\":\"0x800A0035\",\"source\":\"Parvex\",\"description\":\"cannot start p\"}}\n",
-      Lines());
+  EXPECT_EQ(Lines(),
+            "{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":6,\"exitCode\":-2147221451,\"error\":"
+            "{\"number\":\"0x800A0035\",\"source\":\"Parvex\",\"description\":\"cannot start p\"}}\n");
 }
 
 TEST_F(Journalled, MessageBoxes) {
   platform_.messageBoxes.Show("text", "caption", MessageBoxes::Icon::Stop);
   platform_.messageBoxes.Show("text", kDefaultCaption, MessageBoxes::Icon::None);
-  EXPECT_EQ(
-      "{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"caption\",\"icon\":\"stop\"}\n"
-      "{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"Parvex\",\"icon\":\"none\"}\n",
-      Lines());
-  EXPECT_EQ(2u, machine_.boxes.boxes.size());
+  EXPECT_EQ(Lines(),
+            "{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"caption\",\"icon\":\"stop\"}\n"
+            "{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"Parvex\",\"icon\":\"none\"}\n");
+  EXPECT_EQ(machine_.boxes.boxes.size(), 2u);
 }
 
 // Shows what the journal holds while the box is open.
@@ -171,7 +168,7 @@ TEST_F(Journalled, AStreamThatFailsInterruptsNobody) {
   machine_.routers.answers = {{true, "answer"}};
   std::string response;
   EXPECT_TRUE(platform_.messageRouters.Create()->SendRequestMessage("r", response));
-  EXPECT_EQ("answer", response);
+  EXPECT_EQ(response, "answer");
 }
 
 }  // namespace

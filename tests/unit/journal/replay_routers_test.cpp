@@ -43,17 +43,17 @@ TEST(ReplayRouters, AnswersInOrderWhateverIsAskedWhereALineHasNoRequest) {
   Replay replay(
       "{\"kind\":\"router\",\"answer\":\"1\",\"success\":true}\n"
       "{\"kind\":\"router\",\"answer\":\"2\",\"success\":false}\n");
-  EXPECT_EQ("true:1", replay.Send("a"));
-  EXPECT_EQ("false:2", replay.Send("b"));
+  EXPECT_EQ(replay.Send("a"), "true:1");
+  EXPECT_EQ(replay.Send("b"), "false:2");
 }
 
 TEST(ReplayRouters, AnswersALineWithRequestOnlyForThatVeryText) {
   Replay replay(
       "{\"kind\":\"router\",\"request\":\"<A/>\",\"answer\":\"1\",\"success\":true}\n"
       "{\"kind\":\"router\",\"request\":\"<B/>\",\"answer\":\"2\",\"success\":true}\n");
-  EXPECT_EQ("true:1", replay.Send("<A/>"));
+  EXPECT_EQ(replay.Send("<A/>"), "true:1");
   const std::string description = DescriptionOfErrorFrom([&] { replay.Send("<B/> "); }, 0x800A0005u);
-  EXPECT_EQ("r.jsonl line 2 answers another request. Expected: <B/> Actual: <B/> ", description);
+  EXPECT_EQ(description, "r.jsonl line 2 answers another request. Expected: <B/> Actual: <B/> ");
 }
 
 TEST(ReplayRouters, AMismatchUsesItsLineUp) {
@@ -61,38 +61,38 @@ TEST(ReplayRouters, AMismatchUsesItsLineUp) {
       "{\"kind\":\"router\",\"request\":\"<A/>\",\"answer\":\"1\"}\n{\"kind\":\"router\",\"request\":\"<B/"
       ">\",\"answer\":\"2\"}\n");
   EXPECT_THROW(replay.Send("x"), AutomationError);
-  EXPECT_EQ("true:2", replay.Send("<B/>"));
+  EXPECT_EQ(replay.Send("<B/>"), "true:2");
 }
 
 TEST(ReplayRouters, ShowsTheRequestThatHasNoLineLeft) {
   Replay replay("");
-  EXPECT_EQ("r.jsonl has no router line left. Expected: no request. Actual: <A/>",
-            DescriptionOfErrorFrom([&] { replay.Send("<A/>"); }, 0x800A0005u));
+  EXPECT_EQ(DescriptionOfErrorFrom([&] { replay.Send("<A/>"); }, 0x800A0005u),
+            "r.jsonl has no router line left. Expected: no request. Actual: <A/>");
 }
 
 TEST(ReplayRouters, GoesOnWhereTheLastRouterStopped) {
   Replay replay("{\"kind\":\"router\",\"answer\":\"1\"}\n{\"kind\":\"router\",\"answer\":\"2\"}");
-  EXPECT_EQ("true:1", replay.Send("a"));
+  EXPECT_EQ(replay.Send("a"), "true:1");
   std::string response;
   replay.AnotherRouter()->SendRequestMessage("b", response);
-  EXPECT_EQ("2", response);
+  EXPECT_EQ(response, "2");
 }
 
 TEST(ReplayRouters, TakesAnEmptyAnswerAndSuccessForWhatALineLeavesOut) {
   Replay replay("{\"kind\":\"router\"}");
-  EXPECT_EQ("true:", replay.Send("a"));
+  EXPECT_EQ(replay.Send("a"), "true:");
 }
 
 TEST(ReplayRouters, PassesOverOtherKindsEmptyLinesUnknownKeysAndAByteOrderMark) {
   Replay replay(
       "\xEF\xBB\xBF{\"kind\":\"process\",\"command\":\"x\"}\r\n\r\n  \t\n{\"kind\":\"automation\"}\n"
       "{\"kind\":\"messageBox\"}\n{\"later\":[1],\"kind\":\"router\",\"answer\":\"1\"}\r\n");
-  EXPECT_EQ("true:1", replay.Send("a"));
+  EXPECT_EQ(replay.Send("a"), "true:1");
 }
 
 TEST(ReplayRouters, AnswersWithTextBeyondAscii) {
   Replay replay("{\"kind\":\"router\",\"request\":\"\\u00fc\",\"answer\":\"\xC3\xBC \\ud83d\\ude00\"}");
-  EXPECT_EQ("true:\xC3\xBC \xF0\x9F\x98\x80", replay.Send("\xC3\xBC"));
+  EXPECT_EQ(replay.Send("\xC3\xBC"), "true:\xC3\xBC \xF0\x9F\x98\x80");
 }
 
 TEST(ReplayRouters, RaisesTheErrorOfALineThatRecordedOne) {
@@ -103,9 +103,9 @@ TEST(ReplayRouters, RaisesTheErrorOfALineThatRecordedOne) {
     replay.Send("r");
     FAIL() << "no error";
   } catch (const AutomationError& error) {
-    EXPECT_EQ(0x800706BAu, error.Number());
-    EXPECT_EQ("router", error.Source());
-    EXPECT_EQ("gone", error.Description());
+    EXPECT_EQ(error.Number(), 0x800706BAu);
+    EXPECT_EQ(error.Source(), "router");
+    EXPECT_EQ(error.Description(), "gone");
   }
 }
 
@@ -119,7 +119,7 @@ class MalformedLine : public testing::TestWithParam<BadLine> {};
 TEST_P(MalformedLine, IsRefusedWithItsNumber) {
   const std::string journal = "{\"kind\":\"router\"}\n\n" + std::string(GetParam().line) + "\n{\"kind\":\"router\"}\n";
   const std::string description = DescriptionOfErrorFrom([&] { ReplayRouters(journal, "r.jsonl"); }, 0x800A000Du);
-  EXPECT_EQ(0u, description.find("r.jsonl line 3 is no journal line: ")) << description;
+  EXPECT_EQ(description.find("r.jsonl line 3 is no journal line: "), 0u) << description;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -156,8 +156,8 @@ TEST(ReplayRouters, AnswerFromAJournalAsTheOutsideDid) {
   journalled.Platform().messageBoxes.Show("t", "c", MessageBoxes::Icon::None);
 
   Replay replay(journal.str());
-  EXPECT_EQ("true:<A>\xC3\xBC</A>\r\n", replay.Send("first \"request\""));
-  EXPECT_EQ("false:no", replay.Send("second"));
+  EXPECT_EQ(replay.Send("first \"request\""), "true:<A>\xC3\xBC</A>\r\n");
+  EXPECT_EQ(replay.Send("second"), "false:no");
 }
 
 }  // namespace

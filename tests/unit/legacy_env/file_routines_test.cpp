@@ -57,62 +57,62 @@ TEST_F(FileRoutines, ReadFileBytesLeavesTheBytesAsTheyAreWhenThereIsNothingToRea
                            "C:\\Korvane\\TQ5-VX\\Projects\\*.dat"}) {
     std::string bytes = "left over";
     ReadFileBytes(platform_, path, bytes);
-    EXPECT_EQ("left over", bytes) << path;
+    EXPECT_EQ(bytes, "left over") << path;
   }
 }
 
 TEST_F(FileRoutines, EncodeFileBase64DeletesAFileUnderTemp) {
   machine_.Write(kInTemp, "ABC");
-  EXPECT_EQ("QUJD", EncodeFileBase64(platform_, kInTemp));
+  EXPECT_EQ(EncodeFileBase64(platform_, kInTemp), "QUJD");
   EXPECT_FALSE(machine_.Exists(kInTemp));
 }
 
 TEST_F(FileRoutines, EncodeFileBase64KeepsAFileElsewhere) {
   machine_.Write(kElsewhere, "ABC");
-  EXPECT_EQ("QUJD", EncodeFileBase64(platform_, kElsewhere));
+  EXPECT_EQ(EncodeFileBase64(platform_, kElsewhere), "QUJD");
   EXPECT_TRUE(machine_.Exists(kElsewhere));
 }
 
 TEST_F(FileRoutines, EncodeFileBase64ComparesTempWithLetterCase) {
   machine_.Write(kInTemp, "ABC");
-  EXPECT_EQ("QUJD", EncodeFileBase64(platform_, "C:\\Korvane\\TQ5-VX\\TEMP\\blob.dat"));
+  EXPECT_EQ(EncodeFileBase64(platform_, "C:\\Korvane\\TQ5-VX\\TEMP\\blob.dat"), "QUJD");
   EXPECT_TRUE(machine_.Exists(kInTemp));
 }
 
 TEST_F(FileRoutines, EncodeFileBase64DeletesWhereverThePathHoldsTemp) {
   for (const char* path : {"C:\\Templates\\a.dat", "C:\\A\\Temporary.dat"}) {
     machine_.Write(path, "ABC");
-    EXPECT_EQ("QUJD", EncodeFileBase64(platform_, path));
+    EXPECT_EQ(EncodeFileBase64(platform_, path), "QUJD");
     EXPECT_FALSE(machine_.Exists(path)) << path;
   }
 }
 
 TEST_F(FileRoutines, EncodeFileBase64OfAMissingOrEmptyFileIsEmpty) {
-  EXPECT_EQ("", EncodeFileBase64(platform_, ""));
-  EXPECT_EQ("", EncodeFileBase64(platform_, kInTemp));
-  EXPECT_EQ("", EncodeFileBase64(platform_, kElsewhere));
+  EXPECT_EQ(EncodeFileBase64(platform_, ""), "");
+  EXPECT_EQ(EncodeFileBase64(platform_, kInTemp), "");
+  EXPECT_EQ(EncodeFileBase64(platform_, kElsewhere), "");
   machine_.Write(kInTemp, "");
-  EXPECT_EQ("", EncodeFileBase64(platform_, kInTemp));
+  EXPECT_EQ(EncodeFileBase64(platform_, kInTemp), "");
   EXPECT_FALSE(machine_.Exists(kInTemp));
 }
 
 TEST(ResolveReportFile, LeavesANameWithABackslashAsItStands) {
-  EXPECT_EQ("D:\\x\\a.rtf", ResolveReportFile("D:\\x\\a.rtf", "C:\\R\\Reports"));
-  EXPECT_EQ("\\a.pdf", ResolveReportFile("\\a.pdf", "C:\\R\\Reports"));
+  EXPECT_EQ(ResolveReportFile("D:\\x\\a.rtf", "C:\\R\\Reports"), "D:\\x\\a.rtf");
+  EXPECT_EQ(ResolveReportFile("\\a.pdf", "C:\\R\\Reports"), "\\a.pdf");
 }
 
 TEST(ResolveReportFile, PutsGuideSpecificationsBesideTheFolder) {
-  EXPECT_EQ("C:\\R\\GSpec\\a.rtf", ResolveReportFile("a.rtf", "C:\\R\\Reports"));
-  EXPECT_EQ("C:\\R\\GSpec\\a.rtf.bak", ResolveReportFile("a.rtf.bak", "C:\\R\\Reports"));
-  EXPECT_EQ("C:\\R\\Reports\\GSpec\\a.rtf", ResolveReportFile("a.rtf", "C:\\R\\Reports\\"));
-  EXPECT_EQ("GSpec\\a.rtf", ResolveReportFile("a.rtf", "Reports"));
+  EXPECT_EQ(ResolveReportFile("a.rtf", "C:\\R\\Reports"), "C:\\R\\GSpec\\a.rtf");
+  EXPECT_EQ(ResolveReportFile("a.rtf.bak", "C:\\R\\Reports"), "C:\\R\\GSpec\\a.rtf.bak");
+  EXPECT_EQ(ResolveReportFile("a.rtf", "C:\\R\\Reports\\"), "C:\\R\\Reports\\GSpec\\a.rtf");
+  EXPECT_EQ(ResolveReportFile("a.rtf", "Reports"), "GSpec\\a.rtf");
 }
 
 TEST(ResolveReportFile, PutsEverythingElseIntoTheFolder) {
-  EXPECT_EQ("C:\\R\\Reports\\a.pdf", ResolveReportFile("a.pdf", "C:\\R\\Reports"));
-  EXPECT_EQ("C:\\R\\Reports\\a.RTF", ResolveReportFile("a.RTF", "C:\\R\\Reports"));
-  EXPECT_EQ("C:\\R\\Reports\\\\a.pdf", ResolveReportFile("a.pdf", "C:\\R\\Reports\\"));
-  EXPECT_EQ("C:\\R\\Reports\\", ResolveReportFile("", "C:\\R\\Reports"));
+  EXPECT_EQ(ResolveReportFile("a.pdf", "C:\\R\\Reports"), "C:\\R\\Reports\\a.pdf");
+  EXPECT_EQ(ResolveReportFile("a.RTF", "C:\\R\\Reports"), "C:\\R\\Reports\\a.RTF");
+  EXPECT_EQ(ResolveReportFile("a.pdf", "C:\\R\\Reports\\"), "C:\\R\\Reports\\\\a.pdf");
+  EXPECT_EQ(ResolveReportFile("", "C:\\R\\Reports"), "C:\\R\\Reports\\");
 }
 
 }  // namespace

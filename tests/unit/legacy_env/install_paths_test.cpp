@@ -65,78 +65,78 @@ using Asked = std::vector<std::pair<std::string, std::string>>;
 constexpr const char* kKey = "SOFTWARE\\Korvane\\KDQ47\\";
 
 TEST_F(InstallPaths, AreReadFromTheMachinesRegistry) {
-  EXPECT_EQ("C:\\Korvane\\TQ5-VX\\Bin\\", GetBinPath(machine_.platform));
-  EXPECT_EQ("C:\\Korvane\\TQ5-VX", GetDataRoot(machine_.platform));
-  EXPECT_EQ("C:\\Korvane", GetDesignRoot(machine_.platform));
-  EXPECT_EQ("C:\\Korvane\\TQ5-VX\\Temp\\", GetDesignTempFolder(machine_.platform));
+  EXPECT_EQ(GetBinPath(machine_.platform), "C:\\Korvane\\TQ5-VX\\Bin\\");
+  EXPECT_EQ(GetDataRoot(machine_.platform), "C:\\Korvane\\TQ5-VX");
+  EXPECT_EQ(GetDesignRoot(machine_.platform), "C:\\Korvane");
+  EXPECT_EQ(GetDesignTempFolder(machine_.platform), "C:\\Korvane\\TQ5-VX\\Temp\\");
 }
 
 TEST_F(InstallPaths, OfABinPathWithoutFinalBackslash) {
   SetBinPath("C:\\K\\TQ5-VX\\Bin");
-  EXPECT_EQ("C:\\K\\TQ5-VX\\Bin", GetBinPath(platform_));
-  EXPECT_EQ("C:\\K", GetDataRoot(platform_));
-  EXPECT_EQ("C:\\K", GetDesignRoot(platform_));
-  EXPECT_EQ("C:\\K\\TQ5-VX\\Temp\\", GetDesignTempFolder(platform_));
+  EXPECT_EQ(GetBinPath(platform_), "C:\\K\\TQ5-VX\\Bin");
+  EXPECT_EQ(GetDataRoot(platform_), "C:\\K");
+  EXPECT_EQ(GetDesignRoot(platform_), "C:\\K");
+  EXPECT_EQ(GetDesignTempFolder(platform_), "C:\\K\\TQ5-VX\\Temp\\");
 }
 
 TEST_F(InstallPaths, BinPathIsReadOnceAThread) {
   SetBinPath("C:\\A\\TQ5-VX\\Bin\\");
-  EXPECT_EQ("C:\\A\\TQ5-VX\\Bin\\", GetBinPath(platform_));
+  EXPECT_EQ(GetBinPath(platform_), "C:\\A\\TQ5-VX\\Bin\\");
   registry_.value = "C:\\B\\TQ5-VX\\Bin\\";
-  EXPECT_EQ("C:\\A\\TQ5-VX\\Bin\\", GetBinPath(platform_));
+  EXPECT_EQ(GetBinPath(platform_), "C:\\A\\TQ5-VX\\Bin\\");
   EXPECT_EQ((Asked{{kKey, "binPath"}}), registry_.asked);
 }
 
 TEST_F(InstallPaths, BinPathStaysErrorOnceItCouldNotBeRead) {
   SetBinPath(std::nullopt);
-  EXPECT_EQ("error", GetBinPath(platform_));
+  EXPECT_EQ(GetBinPath(platform_), "error");
   registry_.value = "C:\\A\\TQ5-VX\\Bin\\";
-  EXPECT_EQ("error", GetBinPath(platform_));
-  EXPECT_EQ(1u, registry_.asked.size());
+  EXPECT_EQ(GetBinPath(platform_), "error");
+  EXPECT_EQ(registry_.asked.size(), 1u);
 }
 
 TEST_F(InstallPaths, BinPathThatIsEmptyIsReadAgain) {
   SetBinPath("");
-  EXPECT_EQ("", GetBinPath(platform_));
+  EXPECT_EQ(GetBinPath(platform_), "");
   registry_.value = "C:\\A\\TQ5-VX\\Bin\\";
-  EXPECT_EQ("C:\\A\\TQ5-VX\\Bin\\", GetBinPath(platform_));
+  EXPECT_EQ(GetBinPath(platform_), "C:\\A\\TQ5-VX\\Bin\\");
 }
 
 TEST_F(InstallPaths, DataRootIsEmptyAfterAFailedReadAndReadAgain) {
   SetBinPath(std::nullopt);
-  EXPECT_EQ("", GetDataRoot(platform_));
+  EXPECT_EQ(GetDataRoot(platform_), "");
   registry_.value = "C:\\A\\TQ5-VX\\Bin\\";
-  EXPECT_EQ("C:\\A\\TQ5-VX", GetDataRoot(platform_));
+  EXPECT_EQ(GetDataRoot(platform_), "C:\\A\\TQ5-VX");
   registry_.value = "C:\\B\\TQ5-VX\\Bin\\";
-  EXPECT_EQ("C:\\A\\TQ5-VX", GetDataRoot(platform_));
+  EXPECT_EQ(GetDataRoot(platform_), "C:\\A\\TQ5-VX");
   EXPECT_EQ((Asked{{kKey, "binPath"}, {kKey, "binPath"}}), registry_.asked);
 }
 
 TEST_F(InstallPaths, DataRootDoesNotUseTheKeptBinPath) {
   SetBinPath(std::nullopt);
-  EXPECT_EQ("error", GetBinPath(platform_));
+  EXPECT_EQ(GetBinPath(platform_), "error");
   registry_.value = "C:\\A\\TQ5-VX\\Bin\\";
-  EXPECT_EQ("C:\\A\\TQ5-VX", GetDataRoot(platform_));
+  EXPECT_EQ(GetDataRoot(platform_), "C:\\A\\TQ5-VX");
 }
 
 TEST_F(InstallPaths, DataRootOfABinPathWithFewerThanTwoBackslashesIsAnError) {
   for (const char* binPath : {"", "Bin", "Bin\\", "C:\\Bin", "error\\"}) {
     SetBinPath(binPath);
-    EXPECT_EQ(5, NumberOfErrorFrom(GetDataRoot)) << binPath;
+    EXPECT_EQ(NumberOfErrorFrom(GetDataRoot), 5) << binPath;
   }
 }
 
 TEST_F(InstallPaths, DataRootCutsOneComponentForEachBackslash) {
   SetBinPath("\\\\");
-  EXPECT_EQ("", GetDataRoot(platform_));
+  EXPECT_EQ(GetDataRoot(platform_), "");
   SetBinPath("C:\\Bin\\");
-  EXPECT_EQ("C:", GetDataRoot(platform_));
+  EXPECT_EQ(GetDataRoot(platform_), "C:");
 }
 
 TEST_F(InstallPaths, ThreadsKeepPathsOfTheirOwn) {
   SetBinPath("C:\\A\\TQ5-VX\\Bin\\");
-  EXPECT_EQ("C:\\A\\TQ5-VX\\Bin\\", GetBinPath(platform_));
-  EXPECT_EQ("C:\\A\\TQ5-VX", GetDataRoot(platform_));
+  EXPECT_EQ(GetBinPath(platform_), "C:\\A\\TQ5-VX\\Bin\\");
+  EXPECT_EQ(GetDataRoot(platform_), "C:\\A\\TQ5-VX");
   registry_.value = "C:\\B\\TQ5-VX\\Bin\\";
   std::string binPathThere;
   std::string dataRootThere;
@@ -144,29 +144,29 @@ TEST_F(InstallPaths, ThreadsKeepPathsOfTheirOwn) {
     binPathThere = GetBinPath(platform_);
     dataRootThere = GetDataRoot(platform_);
   }).join();
-  EXPECT_EQ("C:\\B\\TQ5-VX\\Bin\\", binPathThere);
-  EXPECT_EQ("C:\\B\\TQ5-VX", dataRootThere);
-  EXPECT_EQ("C:\\A\\TQ5-VX\\Bin\\", GetBinPath(platform_));
+  EXPECT_EQ(binPathThere, "C:\\B\\TQ5-VX\\Bin\\");
+  EXPECT_EQ(dataRootThere, "C:\\B\\TQ5-VX");
+  EXPECT_EQ(GetBinPath(platform_), "C:\\A\\TQ5-VX\\Bin\\");
 }
 
 TEST_F(InstallPaths, AFailedReadIsKeptByItsOwnThreadOnly) {
   SetBinPath(std::nullopt);
-  EXPECT_EQ("error", GetBinPath(platform_));
+  EXPECT_EQ(GetBinPath(platform_), "error");
   registry_.value = "C:\\B\\TQ5-VX\\Bin\\";
   std::string there;
   std::thread([&] { there = GetBinPath(platform_); }).join();
-  EXPECT_EQ("C:\\B\\TQ5-VX\\Bin\\", there);
-  EXPECT_EQ("error", GetBinPath(platform_));
+  EXPECT_EQ(there, "C:\\B\\TQ5-VX\\Bin\\");
+  EXPECT_EQ(GetBinPath(platform_), "error");
 }
 
 TEST_F(InstallPaths, ReadBinPathReadsAfreshEachTime) {
   std::string binPath = "left over";
   SetBinPath("C:\\A\\");
   EXPECT_TRUE(ReadBinPath(platform_, binPath));
-  EXPECT_EQ("C:\\A\\", binPath);
+  EXPECT_EQ(binPath, "C:\\A\\");
   registry_.value = std::nullopt;
   EXPECT_FALSE(ReadBinPath(platform_, binPath));
-  EXPECT_EQ("", binPath);
+  EXPECT_EQ(binPath, "");
   registry_.value = "";
   EXPECT_FALSE(ReadBinPath(platform_, binPath));
   EXPECT_EQ((Asked{{kKey, "BinPath"}, {kKey, "BinPath"}, {kKey, "BinPath"}}), registry_.asked);
@@ -174,45 +174,45 @@ TEST_F(InstallPaths, ReadBinPathReadsAfreshEachTime) {
 
 TEST_F(InstallPaths, DesignRootReadsTheKeyWithoutFinalBackslashAfreshEachTime) {
   SetBinPath("C:\\A\\TQ5-VX\\Bin\\");
-  EXPECT_EQ("C:\\A", GetDesignRoot(platform_));
+  EXPECT_EQ(GetDesignRoot(platform_), "C:\\A");
   registry_.value = "C:\\B\\TQ5-VX\\Bin\\";
-  EXPECT_EQ("C:\\B", GetDesignRoot(platform_));
+  EXPECT_EQ(GetDesignRoot(platform_), "C:\\B");
   EXPECT_EQ((std::pair<std::string, std::string>{"SOFTWARE\\Korvane\\KDQ47", "BinPath"}), registry_.asked.front());
 }
 
 TEST_F(InstallPaths, DesignRootIsEmptyForABinPathOfEightCharactersOrFewer) {
   for (const char* binPath : {"", "C:\\", "C:\\12345", "\\TQ5-VX\\", "C:\\éüöäß"}) {
     SetBinPath(binPath);
-    EXPECT_EQ("", GetDesignRoot(platform_)) << binPath;
-    EXPECT_EQ("\\TQ5-VX\\Temp\\", GetDesignTempFolder(platform_)) << binPath;
+    EXPECT_EQ(GetDesignRoot(platform_), "") << binPath;
+    EXPECT_EQ(GetDesignTempFolder(platform_), "\\TQ5-VX\\Temp\\") << binPath;
   }
   SetBinPath(std::nullopt);
-  EXPECT_EQ("", GetDesignRoot(platform_));
+  EXPECT_EQ(GetDesignRoot(platform_), "");
 }
 
 TEST_F(InstallPaths, DesignRootOfALongerBinPathWithoutTheDesignFolderIsAnError) {
   for (const char* binPath : {"C:\\123456", "C:\\K\\tq5-vx\\Bin", "TQ5-VX\\Bin\\"}) {
     SetBinPath(binPath);
-    EXPECT_EQ(5, NumberOfErrorFrom(GetDesignRoot)) << binPath;
-    EXPECT_EQ(5, NumberOfErrorFrom(GetDesignTempFolder)) << binPath;
+    EXPECT_EQ(NumberOfErrorFrom(GetDesignRoot), 5) << binPath;
+    EXPECT_EQ(NumberOfErrorFrom(GetDesignTempFolder), 5) << binPath;
   }
 }
 
 TEST_F(InstallPaths, DesignRootEndsOneCharacterBeforeTheFirstDesignFolder) {
   SetBinPath("C:\\TQ5-VX\\TQ5-VX\\Bin\\");
-  EXPECT_EQ("C:", GetDesignRoot(platform_));
+  EXPECT_EQ(GetDesignRoot(platform_), "C:");
   SetBinPath("C:\\Küche\\TQ5-VX\\Bin\\");
-  EXPECT_EQ("C:\\Küche", GetDesignRoot(platform_));
+  EXPECT_EQ(GetDesignRoot(platform_), "C:\\Küche");
   // Whatever the character before it is.
   SetBinPath("C:\\KüTQ5-VX\\Bin\\");
-  EXPECT_EQ("C:\\K", GetDesignRoot(platform_));
+  EXPECT_EQ(GetDesignRoot(platform_), "C:\\K");
 }
 
 TEST_F(InstallPaths, ReadRegistryStringKeepsValuesOf254BytesAndNoLonger) {
   SetBinPath(std::string(254, 'x'));
-  EXPECT_EQ(std::string(254, 'x'), ReadRegistryString(platform_, "K", "V", "fallback"));
+  EXPECT_EQ(ReadRegistryString(platform_, "K", "V", "fallback"), std::string(254, 'x'));
   SetBinPath(std::string(255, 'x'));
-  EXPECT_EQ("fallback", ReadRegistryString(platform_, "K", "V", "fallback"));
+  EXPECT_EQ(ReadRegistryString(platform_, "K", "V", "fallback"), "fallback");
 }
 
 TEST_F(InstallPaths, ReadRegistryStringCountsBytesOfTheCodePage) {
@@ -226,33 +226,33 @@ TEST_F(InstallPaths, ReadRegistryStringCountsBytesOfTheCodePage) {
 
 TEST_F(InstallPaths, ReadRegistryStringKeepsAnEmptyValue) {
   SetBinPath("");
-  EXPECT_EQ("", ReadRegistryString(platform_, "K", "V", "fallback"));
+  EXPECT_EQ(ReadRegistryString(platform_, "K", "V", "fallback"), "");
 }
 
 TEST_F(InstallPaths, ReadRegistryStringTrapsErrorsWithNothingRead) {
   registry_.onRead = [] { throw MakeRuntimeError(RuntimeError::PathFileAccess, "no right"); };
-  EXPECT_EQ("", ReadRegistryString(platform_, "K", "V", "fallback"));
+  EXPECT_EQ(ReadRegistryString(platform_, "K", "V", "fallback"), "");
 }
 
 TEST_F(InstallPaths, TheUiKeyIsAnsweredFromTheSettingsFileAndNeverFromTheRegistry) {
   SetBinPath("C:\\Korvane\\TQ5-VX\\Bin\\");
   machine_.Write("C:\\Korvane\\TQ5-VX\\Bin\\UIKeys.txt", "ToolBarActive=-1\r\n");
-  EXPECT_EQ("-1", ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "ToolBarActive", "fallback"));
-  EXPECT_EQ("", ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "NoSuchKey", "fallback"));
+  EXPECT_EQ(ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "ToolBarActive", "fallback"), "-1");
+  EXPECT_EQ(ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "NoSuchKey", "fallback"), "");
   for (const auto& [key, valueName] : registry_.asked) {
-    EXPECT_EQ("BinPath", valueName);  // only for where the file is
+    EXPECT_EQ(valueName, "BinPath");  // only for where the file is
   }
 }
 
 TEST_F(InstallPaths, TheUiKeyWithoutSettingsFileReadsAsEmpty) {
   SetBinPath("C:\\Korvane\\TQ5-VX\\Bin\\");
-  EXPECT_EQ("", ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "ToolBarActive", "fallback"));
+  EXPECT_EQ(ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "ToolBarActive", "fallback"), "");
 }
 
 TEST_F(InstallPaths, OtherSpellingsOfTheUiKeyAreOrdinaryKeys) {
   SetBinPath("from the registry");
   for (const char* key : {"SOFTWARE\\Korvane\\UI", "software\\korvane\\ui\\"}) {
-    EXPECT_EQ("from the registry", ReadRegistryString(platform_, key, "ToolBarActive", "")) << key;
+    EXPECT_EQ(ReadRegistryString(platform_, key, "ToolBarActive", ""), "from the registry") << key;
   }
 }
 

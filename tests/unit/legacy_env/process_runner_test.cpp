@@ -22,15 +22,15 @@ class RunAndWaitTest : public testing::Test {
 
 TEST_F(RunAndWaitTest, PassesTheCommandLineAndGivesTheExitCode) {
   machine_.processes.exitCode = 5;
-  EXPECT_EQ(5, RunAndWait(machine_.platform, "C:\\A b\\c.exe /x \"y\""));
-  ASSERT_EQ(1u, machine_.processes.started.size());
-  EXPECT_EQ("C:\\A b\\c.exe /x \"y\"", machine_.processes.started[0].commandLine);
+  EXPECT_EQ(RunAndWait(machine_.platform, "C:\\A b\\c.exe /x \"y\""), 5);
+  ASSERT_EQ(machine_.processes.started.size(), 1u);
+  EXPECT_EQ(machine_.processes.started[0].commandLine, "C:\\A b\\c.exe /x \"y\"");
 }
 
 TEST_F(RunAndWaitTest, UsesMinimisedWithoutFocusForAMissingStyleAndOneOutsideZeroToSix) {
-  EXPECT_EQ(6, StyleUsedFor(std::nullopt));
+  EXPECT_EQ(StyleUsedFor(std::nullopt), 6);
   for (const int style : {9, 7, -1, 1000}) {
-    EXPECT_EQ(6, StyleUsedFor(style)) << style;
+    EXPECT_EQ(StyleUsedFor(style), 6) << style;
   }
 }
 
@@ -43,13 +43,13 @@ TEST_F(RunAndWaitTest, UsesStylesZeroToSixAsTheyAre) {
 TEST_F(RunAndWaitTest, PumpsAndSleeps100MillisecondsAfterEachReadingTheLastOneIncluded) {
   machine_.processes.polls = 3;
   RunAndWait(machine_.platform, "program");
-  EXPECT_EQ(4, machine_.pump.pumped);
+  EXPECT_EQ(machine_.pump.pumped, 4);
   EXPECT_EQ(std::chrono::milliseconds(400), machine_.pump.now);
 }
 
 TEST_F(RunAndWaitTest, PumpsAndSleepsOnceForAProgramThatEndedAtOnce) {
   RunAndWait(machine_.platform, "program");
-  EXPECT_EQ(1, machine_.pump.pumped);
+  EXPECT_EQ(machine_.pump.pumped, 1);
   EXPECT_EQ(std::chrono::milliseconds(100), machine_.pump.now);
 }
 
@@ -84,20 +84,20 @@ TEST_F(RunAndWaitTest, ReadsThenPumpsThenSleepsAndClosesAtTheEnd) {
   RunAndWait({own.registry, own.privateProfile, own.files, recorder, recorder, own.messageBoxes, own.messageRouters,
               own.automation, own.projectDatabases, own.codePage},
              "program");
-  EXPECT_EQ("start read pump sleep100 read pump sleep100 close", recorder.steps);
+  EXPECT_EQ(recorder.steps, "start read pump sleep100 read pump sleep100 close");
 }
 
 TEST_F(RunAndWaitTest, GivesTheErrorNumberPlusTheObjectErrorBaseWhenStartingFails) {
   machine_.processes.startError = 53;
-  EXPECT_EQ(-2147221451, RunAndWait(machine_.platform, "program"));  // 0x80040035
+  EXPECT_EQ(RunAndWait(machine_.platform, "program"), -2147221451);  // 0x80040035
   machine_.processes.startError = 5;
   EXPECT_EQ(static_cast<std::int32_t>(0x80040005u), RunAndWait(machine_.platform, "program"));
-  EXPECT_EQ(0, machine_.pump.pumped);
+  EXPECT_EQ(machine_.pump.pumped, 0);
 }
 
 TEST_F(RunAndWaitTest, GivesExitCodesBeyond31BitsAsNegativeNumbers) {
   machine_.processes.exitCode = 0xC0000005u;
-  EXPECT_EQ(-1073741819, RunAndWait(machine_.platform, "program"));
+  EXPECT_EQ(RunAndWait(machine_.platform, "program"), -1073741819);
 }
 
 }  // namespace

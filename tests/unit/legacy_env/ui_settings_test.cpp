@@ -51,49 +51,50 @@ TEST_F(UiSettings, AreFileNotFoundErrorsWithoutTheFile) { ExpectErrorsOfBoth(0x8
 
 TEST_F(UiSettings, AreFoundBesideABinPathWithoutFinalBackslash) {
   machine_.SetBinPath("C:\\Korvane\\TQ5-VX\\Bin");
-  EXPECT_EQ("1", Get("ToolBarActive=1\r\n", "ToolBarActive"));
+  EXPECT_EQ(Get("ToolBarActive=1\r\n", "ToolBarActive"), "1");
 }
 
 TEST_F(UiSettings, AValueIsWhatFollowsTheFirstEqualsSign) {
-  EXPECT_EQ("a=b = c ", Get("Other=0\r\nKey=a=b = c \r\n", "Key"));
-  EXPECT_EQ("", Get("Key=\r\n", "Key"));
+  EXPECT_EQ(Get("Other=0\r\nKey=a=b = c \r\n", "Key"), "a=b = c ");
+  EXPECT_EQ(Get("Key=\r\n", "Key"), "");
 }
 
 TEST_F(UiSettings, TheFirstLineThatBeginsWithTheKeyAndHoldsAnEqualsSignCounts) {
-  EXPECT_EQ("2", Get("Key\r\nKey=2\r\nKey=3\r\n", "Key"));
-  EXPECT_EQ("1", Get("KeyAndMore=1\r\nKey=2\r\n", "Key"));
-  EXPECT_EQ("1", Get("Key and =1", "Key"));
+  EXPECT_EQ(Get("Key\r\nKey=2\r\nKey=3\r\n", "Key"), "2");
+  EXPECT_EQ(Get("KeyAndMore=1\r\nKey=2\r\n", "Key"), "1");
+  EXPECT_EQ(Get("Key and =1", "Key"), "1");
 }
 
 TEST_F(UiSettings, AKeyInsideALineOrInAnotherLetterCaseIsNotFound) {
-  EXPECT_EQ("", Get("MyKey=1\r\n Key=1\r\n", "Key"));
-  EXPECT_EQ("", Get("KEY=1\r\n", "Key"));
-  EXPECT_EQ("", Get("", "Key"));
+  EXPECT_EQ(Get("MyKey=1\r\n Key=1\r\n", "Key"), "");
+  EXPECT_EQ(Get("KEY=1\r\n", "Key"), "");
+  EXPECT_EQ(Get("", "Key"), "");
 }
 
 TEST_F(UiSettings, ReadLinesThatEndInAnyLineBreakOrNone) {
   for (const char* content : {"A=1\r\nB=2\r\nC=3", "A=1\nB=2\nC=3\n", "A=1\rB=2\rC=3\r"}) {
-    EXPECT_EQ("2", Get(content, "B"));
-    EXPECT_EQ("3", Get(content, "C"));
+    EXPECT_EQ(Get(content, "B"), "2");
+    EXPECT_EQ(Get(content, "C"), "3");
   }
 }
 
 TEST_F(UiSettings, AreTextOfTheCodePage) {
-  EXPECT_EQ("Grö€e", Get("K\xFChl=Gr\xF6\x80"
-                         "e\r\n",
-                         "Kühl"));
+  EXPECT_EQ(Get("K\xFChl=Gr\xF6\x80"
+                "e\r\n",
+                "Kühl"),
+            "Grö€e");
 }
 
 TEST_F(UiSettings, SetGivesTheTwoSwitchesTheValueAndTheSplitterItsFixedText) {
   EXPECT_EQ(
-      "ToolBarActive=-1\r\nTreeViewActive=-1\r\nSplitterPosition=<ColSplitter Index=\"0\"WidthP=\"22819\">\r\n",
       AfterSet("ToolBarActive=0\r\nTreeViewActive=1=2\r\nSplitterPosition=<ColSplitter Index=\"1\" WidthP=\"5\">\r\n",
-               "-1"));
+               "-1"),
+      "ToolBarActive=-1\r\nTreeViewActive=-1\r\nSplitterPosition=<ColSplitter Index=\"0\"WidthP=\"22819\">\r\n");
 }
 
 TEST_F(UiSettings, SetWritesTheSplitterTextWithoutBlankWhateverStoodThere) {
   for (const char* line : {"SplitterPosition=", "SplitterPosition=17", "SplitterPositions = x"}) {
-    EXPECT_EQ("SplitterPosition=<ColSplitter Index=\"0\"WidthP=\"22819\">\r\n", AfterSet(line, "0")) << line;
+    EXPECT_EQ(AfterSet(line, "0"), "SplitterPosition=<ColSplitter Index=\"0\"WidthP=\"22819\">\r\n") << line;
   }
 }
 
@@ -105,13 +106,13 @@ TEST_F(UiSettings, SetKeepsAllOtherLinesAndTheirOrder) {
 }
 
 TEST_F(UiSettings, SetRewritesEveryLineThatBeginsWithAKey) {
-  EXPECT_EQ("ToolBarActive=9\r\nToolBarActiveToo =9\r\nToolBarActive=9\r\n",
-            AfterSet("ToolBarActive=1\r\nToolBarActiveToo =2\r\nToolBarActive=3\r\n", "9"));
+  EXPECT_EQ(AfterSet("ToolBarActive=1\r\nToolBarActiveToo =2\r\nToolBarActive=3\r\n", "9"),
+            "ToolBarActive=9\r\nToolBarActiveToo =9\r\nToolBarActive=9\r\n");
 }
 
 TEST_F(UiSettings, SetEndsEachLineWithALineBreak) {
-  EXPECT_EQ("A=1\r\nB=2\r\n", AfterSet("A=1\nB=2", "9"));
-  EXPECT_EQ("", AfterSet("", "9"));
+  EXPECT_EQ(AfterSet("A=1\nB=2", "9"), "A=1\r\nB=2\r\n");
+  EXPECT_EQ(AfterSet("", "9"), "");
 }
 
 TEST_F(UiSettings, SetKeepsEveryByteOfTheCodePage) {
@@ -121,8 +122,8 @@ TEST_F(UiSettings, SetKeepsEveryByteOfTheCodePage) {
       bytes.push_back(static_cast<char>(c));
     }
   }
-  EXPECT_EQ("X" + bytes + "\r\n", AfterSet("X" + bytes, "9"));
-  EXPECT_EQ("ToolBarActive=\xFC\r\n", AfterSet("ToolBarActive=1", "ü"));
+  EXPECT_EQ(AfterSet("X" + bytes, "9"), "X" + bytes + "\r\n");
+  EXPECT_EQ(AfterSet("ToolBarActive=1", "ü"), "ToolBarActive=\xFC\r\n");
 }
 
 std::string Lines(int count) {
@@ -138,7 +139,7 @@ TEST_F(UiSettings, SetHandles101Lines) {
   for (int i = 0; i < 101; ++i) {
     expected += "ToolBarActive=9\r\n";
   }
-  EXPECT_EQ(expected, AfterSet(Lines(101), "9"));
+  EXPECT_EQ(AfterSet(Lines(101), "9"), expected);
 }
 
 TEST_F(UiSettings, SetRefusesA102ndLineAndLeavesTheFileAsItIs) {
@@ -147,12 +148,12 @@ TEST_F(UiSettings, SetRefusesA102ndLineAndLeavesTheFileAsItIs) {
   try {
     setUIValue(machine_.platform, "9");
   } catch (const AutomationError& error) {
-    EXPECT_EQ(0x800A0009u, error.Number());
-    EXPECT_EQ("KDQU470.setUIValue", error.Source());
+    EXPECT_EQ(error.Number(), 0x800A0009u);
+    EXPECT_EQ(error.Source(), "KDQU470.setUIValue");
   }
 }
 
-TEST_F(UiSettings, GetReadsBeyondLine101) { EXPECT_EQ("x", Get(Lines(150) + "Last=x", "Last")); }
+TEST_F(UiSettings, GetReadsBeyondLine101) { EXPECT_EQ(Get(Lines(150) + "Last=x", "Last"), "x"); }
 
 }  // namespace
 }  // namespace parvex

@@ -29,34 +29,34 @@ std::uint16_t NumberOfErrorFrom(const std::function<void()>& operation) {
 constexpr auto kObjectNotSet = static_cast<std::uint16_t>(RuntimeError::ObjectNotSet);
 
 TEST(GetCommandName, ReadsTheNameOfTheRootCommand) {
-  EXPECT_EQ("getProjectList", GetCommandName(xml::Document::Parse("<COMMAND><NAME>getProjectList</NAME></COMMAND>")));
+  EXPECT_EQ(GetCommandName(xml::Document::Parse("<COMMAND><NAME>getProjectList</NAME></COMMAND>")), "getProjectList");
 }
 
 TEST(GetCommandName, FindsACommandAtAnyDepth) {
   const auto command = xml::Document::Parse("<ENVELOPE><BODY><COMMAND><NAME>x</NAME></COMMAND></BODY></ENVELOPE>");
-  EXPECT_EQ("x", GetCommandName(command));
+  EXPECT_EQ(GetCommandName(command), "x");
 }
 
 TEST(GetCommandName, ReadsTheFirstOfSeveralCommands) {
   const auto command =
       xml::Document::Parse("<A><COMMAND><NAME>first</NAME></COMMAND><COMMAND><NAME>second</NAME></COMMAND></A>");
-  EXPECT_EQ("first", GetCommandName(command));
+  EXPECT_EQ(GetCommandName(command), "first");
 }
 
 TEST(GetCommandName, IsEmptyForAnEmptyName) {
-  EXPECT_EQ("", GetCommandName(xml::Document::Parse("<COMMAND><NAME/></COMMAND>")));
+  EXPECT_EQ(GetCommandName(xml::Document::Parse("<COMMAND><NAME/></COMMAND>")), "");
 }
 
 TEST(GetCommandName, DoesNotTakeTheNameOfAParameter) {
   const auto command = xml::Document::Parse("<COMMAND><PARAMETER><NAME>p</NAME></PARAMETER></COMMAND>");
-  EXPECT_EQ(kObjectNotSet, NumberOfErrorFrom([&] { GetCommandName(command); }));
+  EXPECT_EQ(NumberOfErrorFrom([&] { GetCommandName(command); }), kObjectNotSet);
 }
 
 TEST(GetCommandName, IsAnErrorWithoutNameInAnEmptyDocumentAndWithoutDocument) {
   for (const xml::Document& command :
        {xml::Document::Parse("<COMMAND/>"), xml::Document::Parse("<command><NAME>x</NAME></command>"),
         xml::Document::Parse("<COMMAND><NAME>x</NAME>"), xml::Document::New(), xml::Document()}) {
-    EXPECT_EQ(kObjectNotSet, NumberOfErrorFrom([&] { GetCommandName(command); }));
+    EXPECT_EQ(NumberOfErrorFrom([&] { GetCommandName(command); }), kObjectNotSet);
   }
 }
 
@@ -104,7 +104,7 @@ TEST(GetParamValue, ReadsTheFirstOfDuplicateParameters) {
   const auto command = xml::Document::Parse(
       "<COMMAND><NAME>c</NAME><PARAMETER><NAME>p</NAME><VALUE>1</VALUE></PARAMETER>"
       "<PARAMETER><NAME>p</NAME><VALUE>2</VALUE></PARAMETER></COMMAND>");
-  EXPECT_EQ("1", GetParamFromCmdDoc(command, "p"));
+  EXPECT_EQ(GetParamFromCmdDoc(command, "p"), "1");
 }
 
 TEST(GetParamValue, ComparesNamesWithLetterCase) {
@@ -112,7 +112,7 @@ TEST(GetParamValue, ComparesNamesWithLetterCase) {
       xml::Document::Parse("<COMMAND><PARAMETER><NAME>projectName</NAME><VALUE>x</VALUE></PARAMETER></COMMAND>");
   std::string value = "left over";
   EXPECT_FALSE(GetParamValue(command, "projectname", value));
-  EXPECT_EQ("", value);
+  EXPECT_EQ(value, "");
 }
 
 TEST(GetParamValue, FindsNothingForANameWithAnApostrophe) {
@@ -122,17 +122,17 @@ TEST(GetParamValue, FindsNothingForANameWithAnApostrophe) {
   for (const char* name : {"it's", "x' or '1'='1", "'"}) {
     std::string value = "left over";
     EXPECT_FALSE(GetParamValue(command, name, value)) << name;
-    EXPECT_EQ("", value);
-    EXPECT_EQ("", GetParamFromCmdDoc(command, name));
+    EXPECT_EQ(value, "");
+    EXPECT_EQ(GetParamFromCmdDoc(command, name), "");
     EXPECT_FALSE(SetParamValue(command, name, "changed"));
   }
-  EXPECT_EQ("x", command.First("//VALUE").Text());
+  EXPECT_EQ(command.First("//VALUE").Text(), "x");
 }
 
 TEST(GetParamValue, TakesNamesWithOtherSpecialCharactersAsTheyStand) {
   const auto command =
       xml::Document::Parse("<COMMAND><PARAMETER><NAME>a\"]|//b</NAME><VALUE>x</VALUE></PARAMETER></COMMAND>");
-  EXPECT_EQ("x", GetParamFromCmdDoc(command, "a\"]|//b"));
+  EXPECT_EQ(GetParamFromCmdDoc(command, "a\"]|//b"), "x");
 }
 
 TEST(GetParamValue, FindsNothingForANameThatIsNoText) {
@@ -147,14 +147,14 @@ TEST(GetParamValue, FindsNothingWithoutValueElementAndWithoutDocument) {
       GetParamValue(xml::Document::Parse("<COMMAND><PARAMETER><NAME>p</NAME></PARAMETER></COMMAND>"), "p", value));
   EXPECT_FALSE(GetParamValue(xml::Document(), "p", value));
   EXPECT_FALSE(GetParamValue(xml::Document::New(), "p", value));
-  EXPECT_EQ("", value);
-  EXPECT_EQ("", GetParamFromCmdDoc(xml::Document(), "p"));
+  EXPECT_EQ(value, "");
+  EXPECT_EQ(GetParamFromCmdDoc(xml::Document(), "p"), "");
 }
 
 TEST(SetParamValue, ReplacesTheValueByText) {
   const auto command = CommandWithValue("<A><B>1</B></A>");
   EXPECT_TRUE(SetParamValue(command, "p", "a < b"));
-  EXPECT_EQ("<VALUE>a &lt; b</VALUE>", command.First("//VALUE").Xml());
+  EXPECT_EQ(command.First("//VALUE").Xml(), "<VALUE>a &lt; b</VALUE>");
 }
 
 TEST(SetParamValue, SetsTheFirstOfDuplicatesOnly) {
@@ -162,8 +162,8 @@ TEST(SetParamValue, SetsTheFirstOfDuplicatesOnly) {
       "<COMMAND><PARAMETER><NAME>p</NAME><VALUE>1</VALUE></PARAMETER>"
       "<PARAMETER><NAME>p</NAME><VALUE>2</VALUE></PARAMETER></COMMAND>");
   EXPECT_TRUE(SetParamValue(command, "p", "x"));
-  EXPECT_EQ("x", command.All("//VALUE")[0].Text());
-  EXPECT_EQ("2", command.All("//VALUE")[1].Text());
+  EXPECT_EQ(command.All("//VALUE")[0].Text(), "x");
+  EXPECT_EQ(command.All("//VALUE")[1].Text(), "2");
 }
 
 TEST(SetParamValue, IsFalseForAMissingParameterAndWithoutDocument) {
@@ -172,9 +172,9 @@ TEST(SetParamValue, IsFalseForAMissingParameterAndWithoutDocument) {
 }
 
 TEST(MakeParameterElement, HoldsNameThenValue) {
-  EXPECT_EQ("<PARAMETER><NAME>a&amp;b</NAME><VALUE>&lt;c&gt;</VALUE></PARAMETER>",
-            MakeParameterElement("a&b", "<c>").Xml());
-  EXPECT_EQ("<PARAMETER><NAME>a</NAME><VALUE/></PARAMETER>", MakeParameterElement("a", "").Xml());
+  EXPECT_EQ(MakeParameterElement("a&b", "<c>").Xml(),
+            "<PARAMETER><NAME>a&amp;b</NAME><VALUE>&lt;c&gt;</VALUE></PARAMETER>");
+  EXPECT_EQ(MakeParameterElement("a", "").Xml(), "<PARAMETER><NAME>a</NAME><VALUE/></PARAMETER>");
 }
 
 TEST(AddParameter, AppendsBehindTheFrontEndsOwnParameters) {
@@ -182,28 +182,27 @@ TEST(AddParameter, AppendsBehindTheFrontEndsOwnParameters) {
   SetCommandName(command, "getProjectEx");
   AddParameter(command, "pdsg", kLegacyPdsg);
   AddParameter(command, "path", "C:\\x");
-  EXPECT_EQ(
-      "<COMMAND><NAME>getProjectEx</NAME><PARAMETER><NAME>p</NAME><VALUE>1</VALUE></PARAMETER>"
-      "<PARAMETER><NAME>pdsg</NAME><VALUE>KDQ47</VALUE></PARAMETER>"
-      "<PARAMETER><NAME>path</NAME><VALUE>C:\\x</VALUE></PARAMETER></COMMAND>",
-      command.Root().Xml());
-  EXPECT_EQ("KDQ47", GetParamFromCmdDoc(command, "pdsg"));
+  EXPECT_EQ(command.Root().Xml(),
+            "<COMMAND><NAME>getProjectEx</NAME><PARAMETER><NAME>p</NAME><VALUE>1</VALUE></PARAMETER>"
+            "<PARAMETER><NAME>pdsg</NAME><VALUE>KDQ47</VALUE></PARAMETER>"
+            "<PARAMETER><NAME>path</NAME><VALUE>C:\\x</VALUE></PARAMETER></COMMAND>");
+  EXPECT_EQ(GetParamFromCmdDoc(command, "pdsg"), "KDQ47");
 }
 
 TEST(AddParameter, AppendsToTheRootWhateverItIsSoThatLookUpsMissIt) {
   const auto command = xml::Document::Parse("<ENVELOPE><COMMAND><NAME>c</NAME></COMMAND></ENVELOPE>");
   AddParameter(command, "p", "1");
-  EXPECT_EQ("PARAMETER", command.Root().FirstChild().NextSibling().Name());
-  EXPECT_EQ("", GetParamFromCmdDoc(command, "p"));
+  EXPECT_EQ(command.Root().FirstChild().NextSibling().Name(), "PARAMETER");
+  EXPECT_EQ(GetParamFromCmdDoc(command, "p"), "");
 }
 
 TEST(AddParameter, IsAnErrorForAnEmptyDocumentAndWithoutDocument) {
-  EXPECT_EQ(kObjectNotSet, NumberOfErrorFrom([] { AddParameter(xml::Document::New(), "p", "1"); }));
-  EXPECT_EQ(kObjectNotSet, NumberOfErrorFrom([] { AddParameter(xml::Document(), "p", "1"); }));
+  EXPECT_EQ(NumberOfErrorFrom([] { AddParameter(xml::Document::New(), "p", "1"); }), kObjectNotSet);
+  EXPECT_EQ(NumberOfErrorFrom([] { AddParameter(xml::Document(), "p", "1"); }), kObjectNotSet);
 }
 
 TEST(SetCommandName, IsAnErrorWithoutName) {
-  EXPECT_EQ(kObjectNotSet, NumberOfErrorFrom([] { SetCommandName(xml::Document::Parse("<COMMAND/>"), "x"); }));
+  EXPECT_EQ(NumberOfErrorFrom([] { SetCommandName(xml::Document::Parse("<COMMAND/>"), "x"); }), kObjectNotSet);
 }
 
 }  // namespace

@@ -21,8 +21,8 @@ TEST(LegacyLink, SendsTheRequestWithAnEmptyResponseText) {
   };
   std::string answer = "left over";
   EXPECT_TRUE(LegacyLink(machine.platform).SendRequestMessage("<COMMAND/>", answer));
-  EXPECT_EQ("", responseAsSent);
-  EXPECT_EQ("<ok/>", answer);
+  EXPECT_EQ(responseAsSent, "");
+  EXPECT_EQ(answer, "<ok/>");
 }
 
 TEST(ForwardAndAcknowledge, AnswersSuccessWhenTheRouterCarriedItOutAndDropsItsAnswer) {
@@ -30,7 +30,7 @@ TEST(ForwardAndAcknowledge, AnswersSuccessWhenTheRouterCarriedItOutAndDropsItsAn
   machine.routers.answers = {{true, "<Anything/>"}};
   const LegacyLink link(machine.platform);
   EXPECT_EQ(MakeReplyEnvelope().Xml(), ForwardAndAcknowledge(link, kRequest).Xml());
-  EXPECT_EQ(std::vector<std::string>{kRequest.Xml()}, machine.routers.requests);
+  EXPECT_EQ(machine.routers.requests, std::vector<std::string>{kRequest.Xml()});
 }
 
 TEST(ForwardAndAcknowledge, AnswersTheFailedReplyWhenTheRouterRefused) {

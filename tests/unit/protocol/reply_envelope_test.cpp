@@ -6,26 +6,25 @@ namespace parvex {
 namespace {
 
 TEST(MakeReplyEnvelope, HoldsReturnErrorZeroThenAnEmptyMessage) {
-  EXPECT_EQ("<LegacyORLA><returnError>0</returnError><errorMessage/></LegacyORLA>", MakeReplyEnvelope().Root().Xml());
+  EXPECT_EQ(MakeReplyEnvelope().Root().Xml(), "<LegacyORLA><returnError>0</returnError><errorMessage/></LegacyORLA>");
 }
 
 TEST(MakeReplyEnvelope, IsADocumentOfItsOwnEachTime) {
   const xml::Document one = MakeReplyEnvelope();
   one.First("//errorMessage").SetText("changed");
-  EXPECT_EQ("", MakeReplyEnvelope().First("//errorMessage").Text());
+  EXPECT_EQ(MakeReplyEnvelope().First("//errorMessage").Text(), "");
 }
 
 TEST(MakeFailedReply, SaysUnrecognizedOrFailedCommand) {
-  EXPECT_EQ(
-      "<LegacyORLA><returnError>-1</returnError><errorMessage>Unrecognized or Failed "
-      "Command</errorMessage></LegacyORLA>",
-      MakeFailedReply().Root().Xml());
+  EXPECT_EQ(MakeFailedReply().Root().Xml(),
+            "<LegacyORLA><returnError>-1</returnError><errorMessage>Unrecognized or Failed "
+            "Command</errorMessage></LegacyORLA>");
 }
 
 TEST(MakeFailedReply, CarriesAMessageOfItsOwn) {
   const xml::Document reply = MakeFailedReply("A <Project> of that name & more");
-  EXPECT_EQ("A <Project> of that name & more", reply.First("//errorMessage").Text());
-  EXPECT_EQ("-1", reply.First("//returnError").Text());
+  EXPECT_EQ(reply.First("//errorMessage").Text(), "A <Project> of that name & more");
+  EXPECT_EQ(reply.First("//returnError").Text(), "-1");
 }
 
 TEST(IsFailedReply, TellsFailedRepliesFromAllOtherDocuments) {

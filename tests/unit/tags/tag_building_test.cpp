@@ -97,7 +97,7 @@ Lines Joined(Lines lines, const Lines& more) {
 
 TEST(NewTag, DrivesTheBuilderMemberByMemberAndLetsGoOfIt) {
   BuilderMachine builder;
-  EXPECT_EQ(test::kSuccess, Send(builder, kNewTag));
+  EXPECT_EQ(Send(builder, kNewTag), test::kSuccess);
   EXPECT_THAT(builder.automation.lines, ElementsAreArray(Joined(Opening("False", "\\\\RTU47\\Clinic"),
                                                                 {"release " + kBuilder, "release workflow"})));
   EXPECT_TRUE(builder.HoldsNothing());
@@ -105,7 +105,7 @@ TEST(NewTag, DrivesTheBuilderMemberByMemberAndLetsGoOfIt) {
 
 TEST(ConfigureTag, DrivesTheBuilderMemberByMemberAndWaitsForItsWindowAgain) {
   BuilderMachine builder;
-  EXPECT_EQ(test::kSuccess, Send(builder, kConfigureTag));
+  EXPECT_EQ(Send(builder, kConfigureTag), test::kSuccess);
   EXPECT_THAT(
       builder.automation.lines,
       ElementsAreArray(Joined(Opening("True", "\\\\\\RTU47\\RTU-1\\1101\\Clinic\\7"),
@@ -115,7 +115,7 @@ TEST(ConfigureTag, DrivesTheBuilderMemberByMemberAndWaitsForItsWindowAgain) {
 
 TEST(RebuildAllTags, DrivesTheBuilderMemberByMemberAndShutsItDown) {
   BuilderMachine builder;
-  EXPECT_EQ(test::kSuccess, Send(builder, kRebuildAllTags));
+  EXPECT_EQ(Send(builder, kRebuildAllTags), test::kSuccess);
   EXPECT_THAT(builder.automation.lines,
               ElementsAreArray(Joined(Opening("True", "\\\\:Clinic"), {"call " + kBuilder + ".Shutdown()",
                                                                        "release workflow", "release " + kBuilder})));
@@ -133,7 +133,7 @@ TEST_P(BuilderCommands, MakeABuilderOfTheirOwnEveryTime) {
   Send(builder, GetParam());
   Send(builder, GetParam());
   const Lines& lines = builder.automation.lines;
-  EXPECT_EQ(2, std::count(lines.begin(), lines.end(), "create " + kBuilder));
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), "create " + kBuilder), 2);
   EXPECT_LT(std::find(lines.begin(), lines.end(), "release old builder"),
             std::find(lines.begin(), lines.end(), "create " + kBuilder));
 }
@@ -150,25 +150,25 @@ TEST_P(BuilderCommands, ServeWindowMessagesAfterEachObjectIsLetGo) {
     }
   };
   Send(builder, GetParam());
-  EXPECT_EQ(2, pumpedBeforeCreation);
-  EXPECT_EQ(100ms, waited);
+  EXPECT_EQ(pumpedBeforeCreation, 2);
+  EXPECT_EQ(waited, 100ms);
 }
 
 TEST_P(BuilderCommands, WaitForTheWindowHoweverLongItTakesAndServeMessagesMeanwhile) {
   BuilderMachine builder;
   int polls = 0;
   builder.automation.Do(kBuilder + ".UILoaded", [&](auto) { return automation::Value(++polls > 5000); });
-  EXPECT_EQ(test::kSuccess, Send(builder, GetParam()));
+  EXPECT_EQ(Send(builder, GetParam()), test::kSuccess);
   EXPECT_GE(polls, 5001);
-  EXPECT_EQ(2 + 5000, builder.machine.pump.pumped);
+  EXPECT_EQ(builder.machine.pump.pumped, 2 + 5000);
   EXPECT_GE(builder.machine.pump.now, 5000 * 200ms);
 }
 
 TEST_P(BuilderCommands, TakeNothingAndZeroForNotLoadedAndAnyNumberForLoaded) {
   BuilderMachine builder;
   builder.automation.Answer(kBuilder + ".UILoaded", {automation::Value(), 0, -1});
-  EXPECT_EQ(test::kSuccess, Send(builder, GetParam()));
-  EXPECT_EQ(2 + 2, builder.machine.pump.pumped);
+  EXPECT_EQ(Send(builder, GetParam()), test::kSuccess);
+  EXPECT_EQ(builder.machine.pump.pumped, 2 + 2);
 }
 
 TEST_P(BuilderCommands, PassOddNamesIntoTheCommandLineUnchanged) {
@@ -188,7 +188,7 @@ TEST_P(BuilderCommands, AnswerSuccessWhateverTheWorkflowGivesBack) {
   for (const automation::Value& given : results) {
     BuilderMachine builder;
     builder.automation.Answer(kBroker + ".CallService", {given});
-    EXPECT_EQ(test::kSuccess, Send(builder, GetParam()));
+    EXPECT_EQ(Send(builder, GetParam()), test::kSuccess);
     EXPECT_TRUE(builder.HoldsNothing());
   }
 }
@@ -196,7 +196,7 @@ TEST_P(BuilderCommands, AnswerSuccessWhateverTheWorkflowGivesBack) {
 TEST_P(BuilderCommands, WorkForAnInstanceWithoutAConsumer) {
   BuilderMachine builder;
   builder.link.consumer.reset();
-  EXPECT_EQ(test::kSuccess, Send(builder, GetParam()));
+  EXPECT_EQ(Send(builder, GetParam()), test::kSuccess);
   EXPECT_THAT(builder.automation.lines, Contains(testing::HasSubstr("{Consumer: Nothing, ")));
 }
 
@@ -204,7 +204,7 @@ TEST_P(BuilderCommands, EndTheCallWhenThereIsNoBuilder) {
   BuilderMachine builder;
   builder.automation.failAt = kBuilder;
   builder.automation.failNumber = 0x800A01ADu;
-  EXPECT_EQ(429, test::RaisedBy([&] { Send(builder, GetParam()); }));
+  EXPECT_EQ(test::RaisedBy([&] { Send(builder, GetParam()); }), 429);
   EXPECT_TRUE(builder.HoldsNothing());
 }
 
@@ -226,13 +226,13 @@ TEST_P(BuilderCommands, EndTheCallOrAnswerTheFailureAsTheMemberThatFailsSaysAndH
     BuilderMachine builder;
     builder.automation.failAt = kBuilder + failure.member;
     if (failure.configureTagCarriesOn && GetParam().handler == ConfigureTag) {
-      EXPECT_EQ(test::kFailure, Send(builder, GetParam())) << failure.member;
+      EXPECT_EQ(Send(builder, GetParam()), test::kFailure) << failure.member;
     } else {
       try {
         Send(builder, GetParam());
         ADD_FAILURE() << failure.member;
       } catch (const AutomationError& error) {
-        EXPECT_EQ(0x80004005u, error.Number());
+        EXPECT_EQ(error.Number(), 0x80004005u);
         EXPECT_THAT(error.Description(), testing::HasSubstr(kBuilder + failure.member));
       }
     }
@@ -246,9 +246,9 @@ TEST_P(BuilderCommands, FailWhereAMemberGivesNoObject) {
     BuilderMachine builder;
     builder.automation.Answer(member, {automation::ObjectRef()});
     if (GetParam().handler == ConfigureTag) {
-      EXPECT_EQ(test::kFailure, Send(builder, GetParam()));
+      EXPECT_EQ(Send(builder, GetParam()), test::kFailure);
     } else {
-      EXPECT_EQ(91, test::RaisedBy([&] { Send(builder, GetParam()); }));
+      EXPECT_EQ(test::RaisedBy([&] { Send(builder, GetParam()); }), 91);
     }
     EXPECT_TRUE(builder.HoldsNothing());
   }
@@ -258,7 +258,7 @@ TEST(ConfigureTag, IsTheFailedReplyWhenTheSecondWaitFails) {
   BuilderMachine builder;
   builder.automation.Answer(kBuilder + ".UILoaded", {true});
   builder.automation.failAtAccess = 8;
-  EXPECT_EQ(test::kFailure, Send(builder, kConfigureTag));
+  EXPECT_EQ(Send(builder, kConfigureTag), test::kFailure);
   EXPECT_THAT(builder.automation.lines, Contains("get " + kBuilder + ".UILoaded failed"));
   EXPECT_TRUE(builder.HoldsNothing());
 }
@@ -266,16 +266,16 @@ TEST(ConfigureTag, IsTheFailedReplyWhenTheSecondWaitFails) {
 TEST(ConfigureTag, IsTheFailedReplyWhenUILoadedIsNoYesOrNo) {
   BuilderMachine builder;
   builder.automation.Answer(kBuilder + ".UILoaded", {std::string("soon")});
-  EXPECT_EQ(test::kFailure, Send(builder, kConfigureTag));
-  EXPECT_EQ(13, test::RaisedBy([&] { Send(builder, kNewTag); }));
+  EXPECT_EQ(Send(builder, kConfigureTag), test::kFailure);
+  EXPECT_EQ(test::RaisedBy([&] { Send(builder, kNewTag); }), 13);
 }
 
 TEST(ConfigureTag, WaitsForTheWindowThatTheWorkflowHasClosed) {
   BuilderMachine builder;
   builder.automation.Answer(kBuilder + ".UILoaded", {true, false, false, true});
-  EXPECT_EQ(test::kSuccess, Send(builder, kConfigureTag));
-  EXPECT_EQ(2 + 2, builder.machine.pump.pumped);
-  EXPECT_EQ(100ms + 2 * 200ms + 200ms, builder.machine.pump.now);
+  EXPECT_EQ(Send(builder, kConfigureTag), test::kSuccess);
+  EXPECT_EQ(builder.machine.pump.pumped, 2 + 2);
+  EXPECT_EQ(builder.machine.pump.now, 100ms + 2 * 200ms + 200ms);
 }
 
 TEST(UiSettings, AreSwitchedOffByConfigureTagBeforeTheBuilderIsMadeAndOnBeforeItIsLetGo) {
@@ -284,7 +284,7 @@ TEST(UiSettings, AreSwitchedOffByConfigureTagBeforeTheBuilderIsMadeAndOnBeforeIt
   builder.automation.onAccess = [&](const std::string&) { seen.push_back(builder.ToolBar()); };
   Send(builder, kConfigureTag);
   EXPECT_THAT(seen, testing::Each("0"));
-  EXPECT_EQ("-1", builder.ToolBar());
+  EXPECT_EQ(builder.ToolBar(), "-1");
 }
 
 TEST(UiSettings, AreSwitchedOnByRebuildAllTagsBehindTheWorkflow) {
@@ -294,25 +294,25 @@ TEST(UiSettings, AreSwitchedOnByRebuildAllTagsBehindTheWorkflow) {
     (line.ends_with("Shutdown()") ? atShutdown : atShutdown.assign("before")) = builder.ToolBar();
   };
   Send(builder, kRebuildAllTags);
-  EXPECT_EQ("-1", atShutdown);
+  EXPECT_EQ(atShutdown, "-1");
 }
 
 TEST(UiSettings, AreLeftAloneByNewTagAndByWhatFailsBeforeThem) {
   BuilderMachine builder;
   Send(builder, kNewTag);
-  EXPECT_EQ("1", builder.ToolBar());
+  EXPECT_EQ(builder.ToolBar(), "1");
   builder.automation.failAt = kBroker + ".CallService";
   EXPECT_THROW(Send(builder, kRebuildAllTags), AutomationError);
-  EXPECT_EQ("1", builder.ToolBar());
+  EXPECT_EQ(builder.ToolBar(), "1");
   Send(builder, kConfigureTag);
-  EXPECT_EQ("0", builder.ToolBar()) << "a builder that failed leaves them as they were for it";
+  EXPECT_EQ(builder.ToolBar(), "0") << "a builder that failed leaves them as they were for it";
 }
 
 TEST(UiSettings, ThatCannotBeWrittenEndConfigureTagBeforeTheBuilderIsMade) {
   BuilderMachine builder;
   builder.machine.platform.files.Remove(BuilderMachine::UiKeys());
-  EXPECT_EQ(53, test::RaisedBy([&] { Send(builder, kConfigureTag); }));
-  EXPECT_EQ(Lines{"release report server"}, builder.automation.lines);
+  EXPECT_EQ(test::RaisedBy([&] { Send(builder, kConfigureTag); }), 53);
+  EXPECT_EQ(builder.automation.lines, Lines{"release report server"});
 }
 
 TEST(UiSettings, ThatCannotBeWrittenBehindTheWorkflowAreAFailureOfEachKind) {
@@ -324,12 +324,12 @@ TEST(UiSettings, ThatCannotBeWrittenBehindTheWorkflowAreAFailureOfEachKind) {
   };
   BuilderMachine configuring;
   removeFile(configuring);
-  EXPECT_EQ(test::kFailure, Send(configuring, kConfigureTag));
+  EXPECT_EQ(Send(configuring, kConfigureTag), test::kFailure);
   EXPECT_TRUE(configuring.HoldsNothing());
 
   BuilderMachine rebuilding;
   removeFile(rebuilding);
-  EXPECT_EQ(53, test::RaisedBy([&] { Send(rebuilding, kRebuildAllTags); }));
+  EXPECT_EQ(test::RaisedBy([&] { Send(rebuilding, kRebuildAllTags); }), 53);
   EXPECT_TRUE(rebuilding.HoldsNothing());
 }
 
@@ -340,8 +340,8 @@ TEST(UiSettings, WithoutAProgramFolderEndConfigureTagWithTheirOwnSource) {
     Send(builder, kConfigureTag);
     FAIL();
   } catch (const AutomationError& error) {
-    EXPECT_EQ("KDQU470.setUIValue", error.Source());
-    EXPECT_EQ("Unable to read BinPath", error.Description());
+    EXPECT_EQ(error.Source(), "KDQU470.setUIValue");
+    EXPECT_EQ(error.Description(), "Unable to read BinPath");
   }
 }
 

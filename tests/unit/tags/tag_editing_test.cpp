@@ -48,7 +48,7 @@ std::string RenamingSent(const std::string& newName, const std::string& behind) 
 
 TEST(RenameTag, SendsTheFrontEndsCommandAddressedToTheLegacyApplication) {
   EditingMachine tags;
-  EXPECT_EQ(test::kSuccess, RenameTag(tags.link, Command("renameTag", Renaming(Parameter("newTagName", "New")))).Xml());
+  EXPECT_EQ(RenameTag(tags.link, Command("renameTag", Renaming(Parameter("newTagName", "New")))).Xml(), test::kSuccess);
   EXPECT_EQ(RenamingSent(Parameter("newTagName", "New"), kTableAndInfo), tags.Request());
 }
 
@@ -76,8 +76,8 @@ TEST(RenameTag, LeavesTheWantedNameInTheFrontEndsDocument) {
   EditingMachine tags;
   const xml::Document command = Command("renameTag", Renaming(Parameter("newTagName", "Old")));
   RenameTag(tags.link, command);
-  EXPECT_EQ("Old", GetParamFromCmdDoc(command, "newTagName"));
-  EXPECT_EQ("renameTagEx", GetCommandName(command));
+  EXPECT_EQ(GetParamFromCmdDoc(command, "newTagName"), "Old");
+  EXPECT_EQ(GetCommandName(command), "renameTagEx");
 }
 
 TEST(RenameTag, AddsNoNewNameWhereTheFrontEndGivesNone) {
@@ -106,13 +106,13 @@ TEST(RenameTag, TakesAnOwnerThatTheFrontEndNamesItselfForTheNames) {
 TEST(RenameTag, IsTheFailedReplyWhenTheRouterRefuses) {
   EditingMachine tags;
   tags.machine.routers.answers[1].success = false;
-  EXPECT_EQ(test::kFailure, RenameTag(tags.link, Command("renameTag", Renaming(""))).Xml());
+  EXPECT_EQ(RenameTag(tags.link, Command("renameTag", Renaming(""))).Xml(), test::kFailure);
 }
 
 TEST(TagUpdateInfo, IsLeftOutWithoutAProgramFolder) {
   EditingMachine tags;
   tags.machine.SetBinPath("");
-  EXPECT_EQ(test::kSuccess, RenameTag(tags.link, Command("renameTag", Renaming(""))).Xml());
+  EXPECT_EQ(RenameTag(tags.link, Command("renameTag", Renaming(""))).Xml(), test::kSuccess);
   EXPECT_EQ(RenamingSent("", kTable), tags.Request());
 }
 
@@ -123,7 +123,7 @@ TEST(TagUpdateInfo, IsAnEmptyParameterWhenTheFileIsMissingOrMalformed) {
     if (*content == '\0') {
       tags.machine.platform.files.Remove(std::string(test::FakeMachine::kBinPath) + "TagUpdateInfo.xml");
     }
-    EXPECT_EQ(test::kSuccess, RenameTag(tags.link, Command("renameTag", Renaming(""))).Xml());
+    EXPECT_EQ(RenameTag(tags.link, Command("renameTag", Renaming(""))).Xml(), test::kSuccess);
     EXPECT_EQ(RenamingSent("", kTable + Parameter("data", "")), tags.Request()) << content;
   }
 }
@@ -145,7 +145,7 @@ std::string Copying(const std::string& more) {
 
 TEST(CopyTag, InsideAProjectNamesTheCopyAfterItsOriginal) {
   EditingMachine tags;
-  EXPECT_EQ(test::kSuccess, CopyTag(tags.link, Command("copyTag", Copying(Parameter("pdsg", "G")))).Xml());
+  EXPECT_EQ(CopyTag(tags.link, Command("copyTag", Copying(Parameter("pdsg", "G")))).Xml(), test::kSuccess);
   EXPECT_EQ(Sent("CopyTagEx", Copying(Parameter("pdsg", "KDQ47") + Parameter("newTagName", "Copy of Old") +
                                       Parameter("pdsgOfOwner", "G") + kTableAndInfo)),
             tags.Request());
@@ -181,7 +181,7 @@ const std::string kCopied =
 TEST(CopyTag, ToAnotherProjectSendsTheTagInAListAndNoPdsgOfItsOwn) {
   EditingMachine tags;
   const std::string given = Parameter("destinationProject", "Q") + Parameter("newTagName", "Old");
-  EXPECT_EQ(test::kSuccess, CopyTag(tags.link, Command("copyTag", Copying(given))).Xml());
+  EXPECT_EQ(CopyTag(tags.link, Command("copyTag", Copying(given))).Xml(), test::kSuccess);
   EXPECT_EQ(Sent("CopyTagsToProject",
                  Copying(Parameter("destinationProject", "Q") + Parameter("newTagName", "Old[1]") +
                          Parameter("sourceProject", "P") + Parameter("tagList", kCopied) + kTableAndInfo)),
@@ -202,14 +202,14 @@ TEST(CopyTag, ToAnotherProjectSendsNamesThatMarkupHasToEscape) {
   EditingMachine tags;
   const std::string name = Parameter("tagName", "a \"b\" &lt;c&gt; &amp; d");
   CopyTag(tags.link, Command("copyTag", Parameter("projectName", "P") + name + Parameter("destinationProject", "Q")));
-  EXPECT_EQ("a \"b\" <c> & d",
-            xml::Document::Parse(tags.Request()).First("//DATA/PDSG/TAG").Attribute("Name").value_or("none"));
+  EXPECT_EQ(xml::Document::Parse(tags.Request()).First("//DATA/PDSG/TAG").Attribute("Name").value_or("none"),
+            "a \"b\" <c> & d");
 }
 
 TEST(CopyTag, IsTheFailedReplyWhenTheRouterRefuses) {
   EditingMachine tags;
   tags.machine.routers.answers[1].success = false;
-  EXPECT_EQ(test::kFailure, CopyTag(tags.link, Command("copyTag", Copying(""))).Xml());
+  EXPECT_EQ(CopyTag(tags.link, Command("copyTag", Copying(""))).Xml(), test::kFailure);
 }
 
 std::string Deleting(const std::string& dataType) {
@@ -225,7 +225,7 @@ std::string DeletingSent(const std::string& tag) {
 TEST(DeleteTag, SendsARequestOfItsOwnWithTheTagInAList) {
   TagMachine tags;
   tags.Answer(true, "");
-  EXPECT_EQ(test::kSuccess, DeleteTag(tags.link, Command("deleteTag", Deleting("0"))).Xml());
+  EXPECT_EQ(DeleteTag(tags.link, Command("deleteTag", Deleting("0"))).Xml(), test::kSuccess);
   EXPECT_THAT(tags.Requests(),
               ElementsAre(DeletingSent("<DATATYPE>0</DATATYPE><PDSG>G</PDSG><NAME>Old &amp; grey</NAME>"
                                        "<TAGINDEXID>17</TAGINDEXID><ID>4</ID><TABLENAME>TagData</TABLENAME>")));
@@ -241,7 +241,7 @@ TEST(DeleteTag, SendsAnEmptyTableForEveryOtherDataType) {
 
 TEST(DeleteTag, SendsEmptyElementsForWhatTheFrontEndDoesNotSay) {
   TagMachine tags;
-  EXPECT_EQ(test::kFailure, DeleteTag(tags.link, Command("deleteTag", Parameter("projectName", "P"))).Xml());
+  EXPECT_EQ(DeleteTag(tags.link, Command("deleteTag", Parameter("projectName", "P"))).Xml(), test::kFailure);
   EXPECT_THAT(tags.Requests(), ElementsAre(DeletingSent("<DATATYPE/><PDSG/><NAME/><TAGINDEXID/><ID/><TABLENAME/>")));
 }
 

@@ -64,15 +64,15 @@ TEST(GetTagList, AnswersTheRoutersDocumentWithEveryTagMarked) {
   tags.WriteProgramFile("Tools.xml", "<Tools>" + Tool("RTU47", "2") + Tool("XRC47", "3") + "</Tools>");
   tags.Answer(true, "<TagList>" + ListedTag("A", "RTU47", "2") + ListedTag("B", "XRC47", "2") + "</TagList>");
   EXPECT_EQ(
+      GetTagListOf(tags.link, "P").Xml(),
       "<TagList><TAG><NAME>A</NAME><PDSG>RTU47</PDSG><TAGVERSION>2</TAGVERSION><UPTODATE>-1</UPTODATE></TAG>"
-      "<TAG><NAME>B</NAME><PDSG>XRC47</PDSG><TAGVERSION>2</TAGVERSION><UPTODATE>0</UPTODATE></TAG></TagList>\r\n",
-      GetTagListOf(tags.link, "P").Xml());
+      "<TAG><NAME>B</NAME><PDSG>XRC47</PDSG><TAGVERSION>2</TAGVERSION><UPTODATE>0</UPTODATE></TAG></TagList>\r\n");
 }
 
 TEST(GetTagList, AnswersTheFailedReplyWhenTheRouterRefuses) {
   TagMachine tags;
   tags.Answer(false, "<LIST/>");
-  EXPECT_EQ(test::kFailure, GetTagListOf(tags.link, "P").Xml());
+  EXPECT_EQ(GetTagListOf(tags.link, "P").Xml(), test::kFailure);
 }
 
 TEST(GetTagList, LeavesTheTagsUnmarkedWithoutAProgramFolder) {
@@ -151,8 +151,8 @@ INSTANTIATE_TEST_SUITE_P(
                              {"0"}}));
 
 TEST(MarkUpToDate, EndsTheCallForATagWithoutVersionOrGroup) {
-  EXPECT_EQ(91, RaisedBy([] { Marks("<TAG><PDSG>G</PDSG></TAG>", ""); }));
-  EXPECT_EQ(91, RaisedBy([] { Marks("<TAG><TAGVERSION>1</TAGVERSION></TAG>", ""); }));
+  EXPECT_EQ(RaisedBy([] { Marks("<TAG><PDSG>G</PDSG></TAG>", ""); }), 91);
+  EXPECT_EQ(RaisedBy([] { Marks("<TAG><TAGVERSION>1</TAGVERSION></TAG>", ""); }), 91);
 }
 
 /// Every tag compared with tool after tool: what the join has to equal.
@@ -264,7 +264,7 @@ TEST(GetTags, EndsTheCallForAnEntryWithoutItsParts) {
   for (const char* entry : {"<TAG><PDSG>G</PDSG><DATATYPE>0</DATATYPE></TAG>", "<TAG><NAME>A</NAME><DATATYPE/></TAG>",
                             "<TAG><NAME>A</NAME><PDSG>G</PDSG></TAG>"}) {
     TagMachine tags;
-    EXPECT_EQ(91, RaisedBy([&] { GetTagsOf(tags, entry); })) << entry;
+    EXPECT_EQ(RaisedBy([&] { GetTagsOf(tags, entry); }), 91) << entry;
   }
 }
 

@@ -28,62 +28,62 @@ struct NamesMachine : TagMachine {
 
 TEST(MakeUniqueTagName, GivesAFreeNameAsItIs) {
   NamesMachine names(ListedTag("A", "G"));
-  EXPECT_EQ("B", names.Unique("B"));
-  EXPECT_EQ("", names.Unique(""));
-  EXPECT_EQ("Küche [2] (EG)", names.Unique("Küche [2] (EG)"));
+  EXPECT_EQ(names.Unique("B"), "B");
+  EXPECT_EQ(names.Unique(""), "");
+  EXPECT_EQ(names.Unique("Küche [2] (EG)"), "Küche [2] (EG)");
 }
 
 TEST(MakeUniqueTagName, ReplacesWhatTagNamesMustNotHold) {
   NamesMachine names("");
-  EXPECT_EQ("________", names.Unique("<>&'\"\\,|"));
-  EXPECT_EQ("a_b_c", names.Unique("a<b|c"));
-  EXPECT_EQ("a/b;c:d*e?f", names.Unique("a/b;c:d*e?f")) << "nothing else is replaced";
+  EXPECT_EQ(names.Unique("<>&'\"\\,|"), "________");
+  EXPECT_EQ(names.Unique("a<b|c"), "a_b_c");
+  EXPECT_EQ(names.Unique("a/b;c:d*e?f"), "a/b;c:d*e?f") << "nothing else is replaced";
 }
 
 TEST(MakeUniqueTagName, NumbersEveryClashOfTheInstancesLifeFromOne) {
   NamesMachine names(ListedTag("A", "G") + ListedTag("B", "G"));
-  EXPECT_EQ("A[1]", names.Unique("A"));
-  EXPECT_EQ("B[2]", names.Unique("B"));
-  EXPECT_EQ("C", names.Unique("C"));
-  EXPECT_EQ("A[3]", names.Unique("A")) << "the counter is never reset, and what it made is not remembered";
+  EXPECT_EQ(names.Unique("A"), "A[1]");
+  EXPECT_EQ(names.Unique("B"), "B[2]");
+  EXPECT_EQ(names.Unique("C"), "C");
+  EXPECT_EQ(names.Unique("A"), "A[3]") << "the counter is never reset, and what it made is not remembered";
 }
 
 TEST(MakeUniqueTagName, PutsTheNumberIntoBracketsThatEndTheName) {
   NamesMachine names(ListedTag("A[7]", "G") + ListedTag("B[x][9]", "G") + ListedTag("[]", "G"));
-  EXPECT_EQ("A[1]", names.Unique("A[7]"));
-  EXPECT_EQ("B[x][2]", names.Unique("B[x][9]"));
-  EXPECT_EQ("[3]", names.Unique("[]"));
+  EXPECT_EQ(names.Unique("A[7]"), "A[1]");
+  EXPECT_EQ(names.Unique("B[x][9]"), "B[x][2]");
+  EXPECT_EQ(names.Unique("[]"), "[3]");
 }
 
 TEST(MakeUniqueTagName, AppendsTheNumberWhereBracketsDoNotEndTheNameOrAreNotPaired) {
   NamesMachine names(ListedTag("A[7]x", "G") + ListedTag("B]", "G") + ListedTag("C[", "G") + ListedTag("D[7] x", "G"));
-  EXPECT_EQ("A[7]x[1]", names.Unique("A[7]x"));
-  EXPECT_EQ("B][2]", names.Unique("B]"));
-  EXPECT_EQ("C[[3]", names.Unique("C["));
+  EXPECT_EQ(names.Unique("A[7]x"), "A[7]x[1]");
+  EXPECT_EQ(names.Unique("B]"), "B][2]");
+  EXPECT_EQ(names.Unique("C["), "C[[3]");
 }
 
 TEST(MakeUniqueTagName, GoesOnWhileTheNumberedNameIsTakenToo) {
   NamesMachine names(ListedTag("A", "G") + ListedTag("A[1]", "G") + ListedTag("A[2]", "G"));
-  EXPECT_EQ("A[3]", names.Unique("A"));
-  EXPECT_EQ(4, names.link.tagNames.counter);
+  EXPECT_EQ(names.Unique("A"), "A[3]");
+  EXPECT_EQ(names.link.tagNames.counter, 4);
 }
 
 TEST(MakeUniqueTagName, ComparesTheCleanedName) {
   NamesMachine names(ListedTag("a_b", "G"));
-  EXPECT_EQ("a_b[1]", names.Unique("a|b"));
+  EXPECT_EQ(names.Unique("a|b"), "a_b[1]");
 }
 
 TEST(MakeUniqueTagName, ClashesOnlyWithinTheGroupAndWithTheSameLetterCase) {
   NamesMachine names(ListedTag("A", "G"));
-  EXPECT_EQ("A", names.Unique("A", "H"));
-  EXPECT_EQ("A", names.Unique("A", "g"));
-  EXPECT_EQ("a", names.Unique("a", "G"));
+  EXPECT_EQ(names.Unique("A", "H"), "A");
+  EXPECT_EQ(names.Unique("A", "g"), "A");
+  EXPECT_EQ(names.Unique("a", "G"), "a");
 }
 
 TEST(MakeUniqueTagName, FetchesTheListOnceWhateverProjectLaterCallsName) {
   NamesMachine names(ListedTag("A", "G"));
   names.Unique("B", "G", "first");
-  EXPECT_EQ("A[1]", names.Unique("A", "G", "second"));
+  EXPECT_EQ(names.Unique("A", "G", "second"), "A[1]");
   ASSERT_THAT(names.Requests(), SizeIs(1));
   EXPECT_THAT(names.Requests()[0], testing::HasSubstr("<VALUE>first</VALUE>"));
 }
@@ -92,17 +92,17 @@ TEST(MakeUniqueTagName, BelongsToTheInstance) {
   NamesMachine names(ListedTag("A", "G"));
   names.Answer(true, "<LIST>" + ListedTag("A", "G") + "</LIST>");
   LegacyLink other(names.machine.platform);
-  EXPECT_EQ("A[1]", names.Unique("A"));
-  EXPECT_EQ("A[1]", MakeUniqueTagName(other, "P", "A", "G"));
+  EXPECT_EQ(names.Unique("A"), "A[1]");
+  EXPECT_EQ(MakeUniqueTagName(other, "P", "A", "G"), "A[1]");
 }
 
 TEST(MakeUniqueTagName, TakesARefusedListForAnEmptyOneAndKeepsIt) {
   TagMachine tags;
   tags.Answer(false, "<LIST>" + ListedTag("A", "G") + "</LIST>");
   tags.Answer(true, "<LIST>" + ListedTag("A", "G") + "</LIST>");
-  EXPECT_EQ("A", MakeUniqueTagName(tags.link, "P", "A", "G"));
-  EXPECT_EQ("A", MakeUniqueTagName(tags.link, "P", "A", "G"));
-  EXPECT_EQ(1, tags.link.tagNames.counter);
+  EXPECT_EQ(MakeUniqueTagName(tags.link, "P", "A", "G"), "A");
+  EXPECT_EQ(MakeUniqueTagName(tags.link, "P", "A", "G"), "A");
+  EXPECT_EQ(tags.link.tagNames.counter, 1);
   EXPECT_THAT(tags.Requests(), SizeIs(1));
 }
 
@@ -111,16 +111,16 @@ TEST(MakeUniqueTagName, FetchesAgainAfterAListThatCouldNotBeHad) {
   const std::string nameless = "<TAG><PDSG>G</PDSG><TAGVERSION/></TAG>";
   tags.Answer(true, "<LIST>" + ListedTag("A", "G") + nameless + "</LIST>");
   tags.Answer(true, "<LIST>" + ListedTag("A", "G") + "</LIST>");
-  EXPECT_EQ(91, RaisedBy([&] { MakeUniqueTagName(tags.link, "P", "B", "G"); }));
-  EXPECT_EQ("A[1]", MakeUniqueTagName(tags.link, "P", "A", "G"));
+  EXPECT_EQ(RaisedBy([&] { MakeUniqueTagName(tags.link, "P", "B", "G"); }), 91);
+  EXPECT_EQ(MakeUniqueTagName(tags.link, "P", "A", "G"), "A[1]");
 }
 
 TEST(MakeUniqueTagName, OverflowsWhenTheCounterIsUsedUp) {
   NamesMachine names(ListedTag("A", "G"));
   names.Unique("B");
   names.link.tagNames.counter = std::numeric_limits<std::int32_t>::max();
-  EXPECT_EQ(6, RaisedBy([&] { names.Unique("A"); }));
-  EXPECT_EQ("B", names.Unique("B")) << "a name that is free needs no number";
+  EXPECT_EQ(RaisedBy([&] { names.Unique("A"); }), 6);
+  EXPECT_EQ(names.Unique("B"), "B") << "a name that is free needs no number";
 }
 
 /// What the names have to equal: the walk over the list, begun again for every candidate.

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "formats/jet/file.h"
+#include "formats/jet/engine_error.h"
 #include "seams/automation_error.h"
 
 namespace parvex::windows {

@@ -5,6 +5,7 @@
 
 #include "formats/jet/file.h"
 #include "formats/jet/statement.h"
+#include "formats/jet/values.h"
 
 namespace parvex::jet {
 

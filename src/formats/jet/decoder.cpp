@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "formats/jet/stored_text.h"
+
 namespace parvex::jet {
 
 namespace {

@@ -1,12 +1,9 @@
 #include "formats/jet/file.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstring>
 #include <map>
 
-#include "formats/text/text.h"
-#include "seams/automation_error.h"
+#include "formats/jet/row.h"
 
 namespace parvex::jet {
 
@@ -23,109 +20,7 @@ constexpr std::size_t kPagesPerMapPage = (kPageSize - kMapPagePrefix) * 8;
 
 constexpr std::size_t kFreeBytesAt = 2;
 
-constexpr std::size_t kMostColumns = 255;
 constexpr std::size_t kLongestDefinition = 256 * kPageSize;
-
-/// Reads the bytes of a table definition one after the other; behind their end it yields zeros and remembers that.
-class DefinitionReader {
- public:
-  explicit DefinitionReader(std::string_view bytes) : bytes_(bytes) {}
-  std::size_t at = 0;
-  bool overrun = false;
-
-  std::string_view Take(std::size_t length) {
-    if (length > bytes_.size() - std::min(at, bytes_.size())) {
-      overrun = true;
-      return {};
-    }
-    at += length;
-    return bytes_.substr(at - length, length);
-  }
-  /// A name: its length in bytes, then UTF-16.
-  std::string TakeName() {
-    const std::string_view length = Take(2);
-    return overrun ? "" : Utf8FromUtf16Bytes(Take(Get16(length, 0)));
-  }
-
- private:
-  std::string_view bytes_;
-};
-
-// Places in the first page of a table definition and the sizes of its lists.
-constexpr std::size_t kRowCountAt = 0x10;
-constexpr std::size_t kColumnCountWithDeletedAt = 0x29;
-constexpr std::size_t kVariableCountAt = 0x2B;
-constexpr std::size_t kColumnCountAt = 0x2D;
-constexpr std::size_t kIndexNameCountAt = 0x2F;
-constexpr std::size_t kIndexTreeCountAt = 0x33;
-constexpr std::size_t kOwnedPagesAt = 0x37;
-constexpr std::size_t kPagesWithRoomAt = 0x3B;
-constexpr std::size_t kListsAt = 0x3F;
-constexpr std::size_t kTreeCounterSize = 12;
-constexpr std::size_t kColumnSize = 25;
-constexpr std::size_t kTreeSize = 52;
-constexpr std::size_t kTreeColumns = 10;
-constexpr std::size_t kIndexNameSize = 28;
-
-Column DecodeColumn(std::string_view entry) {
-  constexpr int kFixed = 0x01;
-  constexpr int kAutonumber = 0x04 | 0x40;
-  constexpr int kCompressed = 0x01;
-  Column column;
-  column.type = static_cast<ColumnType>(entry[0]);
-  column.variableNumber = Get16(entry, 7);
-  column.number = Get16(entry, 5);
-  column.fixed = (entry[15] & kFixed) != 0;
-  column.autonumber = (entry[15] & kAutonumber) != 0;
-  column.compressed = (entry[16] & kCompressed) != 0;
-  column.fixedOffset = Get16(entry, 21);
-  column.size = Get16(entry, 23);
-  return column;
-}
-
-Index DecodeTree(std::string_view entry) {
-  constexpr std::uint16_t kNoColumn = 0xFFFF;
-  Index index;
-  for (std::size_t i = 0; i < kTreeColumns; ++i) {
-    const std::uint16_t number = Get16(entry, 4 + 3 * i);
-    if (number != kNoColumn) index.columnNumbers.push_back(number);
-  }
-  return index;
-}
-
-/// Bytes that a fixed column of a type takes; nothing for a type that has no fixed size.
-std::optional<std::size_t> FixedSize(ColumnType type) {
-  switch (type) {
-    case ColumnType::Byte:
-      return 1;
-    case ColumnType::Integer:
-      return 2;
-    case ColumnType::Long:
-    case ColumnType::Single:
-      return 4;
-    case ColumnType::Currency:
-    case ColumnType::Double:
-    case ColumnType::DateTime:
-      return 8;
-    case ColumnType::Guid:
-      return 16;
-    case ColumnType::Decimal:
-      return 17;
-    default:
-      return std::nullopt;
-  }
-}
-
-/// The little-endian bytes of a number in decimal; nothing when the text is none or out of the type's range.
-template <typename Number>
-std::optional<std::string> NumberBytes(std::string_view text) {
-  Number number{};
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  std::string bytes(sizeof number, '\0');
-  std::memcpy(bytes.data(), &number, sizeof number);
-  return bytes;
-}
 
 std::string EmptyMapPage(bool marked) {
   std::string page(kPageSize, marked ? '\xFF' : '\0');
@@ -133,82 +28,7 @@ std::string EmptyMapPage(bool marked) {
   return page;
 }
 
-bool SoundColumn(const Column& column, const RowShape& shape) {
-  const bool fitting =
-      column.fixed ? column.fixedOffset + column.size < kPageSize : column.variableNumber < shape.variableCount;
-  if (column.number >= shape.columnCount || !fitting) return false;
-  switch (column.type) {
-    case ColumnType::Text:
-    case ColumnType::Binary:
-      return true;
-    case ColumnType::Memo:
-    case ColumnType::LongBinary:
-      return !column.fixed;
-    case ColumnType::Boolean:
-      return column.fixed;
-    default:
-      return column.fixed && FixedSize(column.type) == column.size;
-  }
-}
-
 }  // namespace
-
-void Fail(EngineError error, const std::string& description) {
-  throw AutomationError(0x800A0000u + static_cast<std::uint16_t>(error), kErrorSource, description);
-}
-
-std::optional<std::string> EncodeValue(const Column& column, std::string_view text) {
-  std::optional<std::string> bytes;
-  switch (column.type) {
-    case ColumnType::Text:
-      if (LengthInUnits(text) * 2 > column.size) {
-        Fail(EngineError::FieldTooSmall, "Column '" + column.name + "' is too short for '" + std::string(text) + "'");
-      }
-      if (!column.fixed) return EncodeText(text, column.compressed);
-      bytes = Utf16Bytes(text);
-      while (bytes->size() < column.size) Append16(*bytes, u' ');
-      return bytes;
-    case ColumnType::Memo:
-      return EncodeMemo(text, column.compressed);
-    case ColumnType::Boolean:
-      if (EqualIgnoringCase(text, "False") || text == "0") return std::nullopt;
-      if (EqualIgnoringCase(text, "True")) return "\1";
-      if (NumberBytes<std::int32_t>(text)) return "\1";
-      break;
-    case ColumnType::Byte:
-      bytes = NumberBytes<std::uint8_t>(text);
-      break;
-    case ColumnType::Integer:
-      bytes = NumberBytes<std::int16_t>(text);
-      break;
-    case ColumnType::Long:
-      bytes = NumberBytes<std::int32_t>(text);
-      break;
-    case ColumnType::Single:
-      bytes = NumberBytes<float>(text);
-      break;
-    case ColumnType::Double:
-      bytes = NumberBytes<double>(text);
-      break;
-    default:
-      break;
-  }
-  if (!bytes) {
-    Fail(EngineError::DataTypeConversion, "Column '" + column.name + "' cannot hold '" + std::string(text) + "'");
-  }
-  return bytes;
-}
-
-bool Index::Covers(const Column& column) const {
-  return std::find(columnNumbers.begin(), columnNumbers.end(), column.number) != columnNumbers.end();
-}
-
-std::optional<std::size_t> TableDefinition::FindColumn(std::string_view name) const {
-  for (std::size_t i = 0; i < shape.columns.size(); ++i) {
-    if (EqualIgnoringCase(shape.columns[i].name, name)) return i;
-  }
-  return std::nullopt;
-}
 
 File::File(std::string bytes, std::string name) : bytes_(std::move(bytes)), name_(std::move(name)) {
   if (!bytes_.starts_with(kFileStart)) Fail(EngineError::UnrecognizedFormat, "Not a Jet database: '" + name_ + "'");
@@ -237,51 +57,12 @@ TableDefinition File::ReadTable(std::uint32_t definitionPage) const {
     if (bytes.size() > kLongestDefinition) Damaged("the definition of a table has no end");
   }
 
-  TableDefinition table;
-  table.page = definitionPage;
-  table.shape.columnCount = Get16(bytes, kColumnCountWithDeletedAt);
-  table.shape.variableCount = Get16(bytes, kVariableCountAt);
-  table.ownedPages = GetPlace(bytes, kOwnedPagesAt);
-  table.pagesWithRoom = GetPlace(bytes, kPagesWithRoomAt);
-  const std::size_t columnCount = Get16(bytes, kColumnCountAt);
-  const std::size_t nameCount = Get32(bytes, kIndexNameCountAt);
-  const std::size_t treeCount = Get32(bytes, kIndexTreeCountAt);
-
-  if (columnCount > kMostColumns) Damaged("a table has too many columns");
-
-  DefinitionReader reader(bytes);
-  reader.Take(kListsAt);
-  reader.Take(std::min(treeCount, kLongestDefinition) * kTreeCounterSize);
-  for (std::size_t i = 0; i < columnCount && !reader.overrun; ++i) {
-    const std::string_view entry = reader.Take(kColumnSize);
-    if (!reader.overrun) table.shape.columns.push_back(DecodeColumn(entry));
-  }
-  for (Column& column : table.shape.columns) column.name = reader.TakeName();
-
-  for (std::size_t i = 0; i < treeCount && !reader.overrun; ++i) {
-    const std::string_view entry = reader.Take(kTreeSize);
-    if (!reader.overrun) table.indexes.push_back(DecodeTree(entry));
-  }
-  // Several names may stand for one index.
-  std::vector<std::size_t> namedTrees;
-  for (std::size_t i = 0; i < nameCount && !reader.overrun; ++i) {
-    const std::string_view entry = reader.Take(kIndexNameSize);
-    if (!reader.overrun) namedTrees.push_back(Get32(entry, 8));
-  }
-  for (const std::size_t tree : namedTrees) {
-    if (tree >= table.indexes.size()) Damaged("an index has no columns");
-    table.indexes[tree].name = reader.TakeName();
-  }
-
-  if (reader.overrun) Damaged("the definition of a table ends too early");
+  DecodedDefinition decoded = DecodeDefinition(bytes);
+  if (!decoded.fault.empty()) Damaged(decoded.fault);
+  decoded.table.page = definitionPage;
   // Nothing here needs to know which pages have room, but whoever reads the table after this check looks at the map.
-  PagesInMap(table.pagesWithRoom);
-  std::sort(table.shape.columns.begin(), table.shape.columns.end(),
-            [](const Column& a, const Column& b) { return a.number < b.number; });
-  for (const Column& column : table.shape.columns) {
-    if (!SoundColumn(column, table.shape)) Damaged("column '" + column.name + "' contradicts its table");
-  }
-  return table;
+  PagesInMap(decoded.table.pagesWithRoom);
+  return std::move(decoded.table);
 }
 
 std::vector<Row> File::ReadRows(const TableDefinition& table) const {

@@ -6,54 +6,12 @@
 #include <string_view>
 #include <vector>
 
+#include "formats/jet/data_page.h"
+#include "formats/jet/engine_error.h"
 #include "formats/jet/format.h"
+#include "formats/jet/table_definition.h"
 
 namespace parvex::jet {
-
-/// Numbers of the Jet engine's own errors that are raised here and by the databases above.
-enum class EngineError : std::uint16_t {
-  NoCurrentRecord = 3021,  ///< a column is read, or a change begun, where no row is current
-  NothingToUpdate = 3020,  ///< Update or SetColumn without AddNew or Edit
-  FileNotFound = 3024,
-  InvalidPath = 3044,       ///< a folder on the way to the file does not exist
-  TooFewParameters = 3061,  ///< a statement names a column that the table lacks
-  SyntaxError = 3075,       ///< a statement that does not parse
-  NoSuchTable = 3078,
-  FieldTooSmall = 3163,     ///< a text longer than its column, or a row longer than a page
-  ChangedMeanwhile = 3197,  ///< somebody else changed the row after it was read
-  NotSupported = 3251,      ///< a change that cannot be made without damaging the file
-  NoSuchColumn = 3265,
-  UnrecognizedFormat = 3343,  ///< not a Jet 4 database, or a damaged one
-  ObjectInvalid = 3420,       ///< something that was closed is used
-  DataTypeConversion = 3421,  ///< a text that the column's type cannot take
-  CriteriaMismatch = 3464     ///< a text compared with a column that holds none
-};
-
-/// Throws the AutomationError that carries the engine's number.
-[[noreturn]] void Fail(EngineError error, const std::string& description);
-
-/// The bytes in which a column stores a value that is given as text; none for a false Boolean. An AutomationError that
-/// names the column and the value when it cannot hold it: a text too long (3163), not of its type (3421).
-std::optional<std::string> EncodeValue(const Column& column, std::string_view text);
-
-/// An index of a table. Its pages are never touched here, so a change that would need them changed is refused (3251).
-struct Index {
-  std::string name;
-  std::vector<std::uint16_t> columnNumbers;
-
-  bool Covers(const Column& column) const;
-};
-
-struct TableDefinition {
-  std::uint32_t page = 0;
-  RowShape shape;  ///< columns in the order of their numbers
-  std::vector<Index> indexes;
-  RowPlace ownedPages;     ///< usage map of the pages that hold the table's rows
-  RowPlace pagesWithRoom;  ///< usage map of those among them that still have room
-
-  /// Position in shape.columns, letter case ignored; nothing when there is no such column.
-  std::optional<std::size_t> FindColumn(std::string_view name) const;
-};
 
 struct Row {
   RowPlace place;   ///< where the table knows the row: it stays when the row moves

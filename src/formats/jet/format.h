@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-/// The Jet 4 file format (.mdb), as far as reading, changing and making files needs it: numbers, texts, rows and data
-/// pages as bytes. Nothing here knows files or tables by name; docs/jet-databases.md describes the format in prose.
+/// The Jet 4 file format (.mdb), as far as reading, changing and making files needs it; docs/jet-databases.md describes
+/// it in prose. Here are the numbers in it and what its structures have in common.
 namespace parvex::jet {
 
 inline constexpr std::size_t kPageSize = 4096;
@@ -17,6 +17,9 @@ inline constexpr std::string_view kFileStart{"\0\1\0\0Standard Jet DB\0", 20};
 inline constexpr std::uint32_t kCataloguePage = 2;
 /// What the catalogue calls a table; the number of a table's definition page is its object id.
 inline constexpr int kTableObject = 1;
+
+/// English, the first version of its order.
+inline constexpr std::uint16_t kSortOrder = 0x0409;
 
 enum class PageType : std::uint8_t { Database = 0, Data = 1, TableDefinition = 2, UsageMap = 5 };
 
@@ -36,6 +39,10 @@ enum class ColumnType : std::uint8_t {
   Guid = 15,
   Decimal = 16
 };
+
+/// Whether values are kept behind a header of their own, and may be spread over pages.
+bool IsLongValue(ColumnType type);
+bool IsText(ColumnType type);
 
 struct Column {
   std::string name;
@@ -68,6 +75,7 @@ struct RowPlace {
 };
 
 // Numbers, little-endian. The place must lie inside.
+std::uint8_t ByteAt(std::string_view bytes, std::size_t at);
 std::uint16_t Get16(std::string_view bytes, std::size_t at);
 std::uint32_t Get32(std::string_view bytes, std::size_t at);
 RowPlace GetPlace(std::string_view bytes, std::size_t at);
@@ -76,49 +84,9 @@ void Put32(std::string& bytes, std::size_t at, std::uint32_t value);
 void PutPlace(std::string& bytes, std::size_t at, RowPlace place);
 void Append16(std::string& bytes, std::uint16_t value);
 void Append32(std::string& bytes, std::uint32_t value);
-
-/// UTF-16 in little-endian bytes, as texts and names are stored. Bytes that are no UTF-8 become U+FFFD.
-std::string Utf16Bytes(std::string_view utf8);
-/// The reverse; a surrogate without its other half becomes U+FFFD.
-std::string Utf8FromUtf16Bytes(std::string_view bytes);
-/// A text as a column stores it: compressed when that is allowed and shorter.
-std::string EncodeText(std::string_view utf8, bool compress);
-/// The reverse, for either form.
-std::string DecodeText(std::string_view stored);
-/// A memo's column bytes with the text kept inside the row.
-std::string EncodeMemo(std::string_view utf8, bool compress);
-
-/// A row. Values are as many as columns; the value of a fixed column has exactly its size.
-std::string EncodeRow(const RowShape& shape, const StoredValues& values);
-/// The reverse; nothing when the row's bytes contradict themselves or the shape.
-std::optional<StoredValues> DecodeRow(const RowShape& shape, std::string_view row);
-
-/// A data page taken apart: what its slots hold, in order. Slots are never renumbered, since indexes and other pages
-/// point at them.
-struct DataPage {
-  struct Slot {
-    bool hidden = false;   ///< reached only through a pointer elsewhere
-    bool pointer = false;  ///< holds the place of a row that has outgrown this page
-    std::string bytes;
-    bool Deleted() const { return hidden && pointer; }
-  };
-  std::uint32_t owner = 0;  ///< definition page of the table
-  std::vector<Slot> slots;
-
-  /// Free bytes on the page; negative when it is overfull and cannot be written.
-  std::ptrdiff_t FreeBytes() const;
-  /// Whether one more row of that length has room.
-  bool HasRoom(std::size_t rowLength) const;
-};
-
-/// Nothing when the bytes are not a sound data page.
-std::optional<DataPage> DecodeDataPage(std::string_view page);
-std::string EncodeDataPage(const DataPage& page);
-
-/// The longest row that a page can hold.
-inline constexpr std::size_t kLongestRow = 4060;
-/// Rows of a page are numbered in one byte.
-inline constexpr std::size_t kMostRows = 255;
+std::string Bytes16(std::uint16_t value);
+std::string Bytes32(std::uint32_t value);
+std::string BytesOfPlace(RowPlace place);
 
 /// Turns the masked part of a database page readable, or back.
 void ToggleHeaderMask(std::string& databasePage);

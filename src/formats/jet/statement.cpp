@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "formats/jet/file.h"
+#include "formats/jet/engine_error.h"
 #include "formats/text/text.h"
 
 namespace parvex::jet {

@@ -3,6 +3,8 @@
 #include <cstring>
 
 #include "formats/jet/file.h"
+#include "formats/jet/stored_text.h"
+#include "formats/jet/values.h"
 
 namespace parvex::standin {
 
@@ -11,10 +13,6 @@ namespace {
 using jet::ColumnType;
 using jet::StoredValues;
 
-/// Stands in table definitions and their columns for no known reason; the engine writes it too.
-constexpr std::uint32_t kDefinitionMark = 1625;
-/// English, the first version of its order.
-constexpr std::uint16_t kSortOrder = 0x0409;
 constexpr std::uint16_t kCodePage = 1252;
 /// 1 January 2003, counted in days from 30 December 1899.
 constexpr double kCreated = 37622.0;
@@ -42,11 +40,9 @@ struct NewColumn {
   bool compressed = true;  ///< of meaning for texts
 };
 
-bool IsLongValue(ColumnType type) { return type == ColumnType::Memo || type == ColumnType::LongBinary; }
-
-bool IsText(ColumnType type) { return type == ColumnType::Text || type == ColumnType::Memo; }
-
-bool IsFixed(ColumnType type) { return type != ColumnType::Text && type != ColumnType::Binary && !IsLongValue(type); }
+bool IsFixed(ColumnType type) {
+  return type != ColumnType::Text && type != ColumnType::Binary && !jet::IsLongValue(type);
+}
 
 jet::RowShape ShapeOf(const std::vector<NewColumn>& columns) {
   jet::RowShape shape;
@@ -56,7 +52,7 @@ jet::RowShape ShapeOf(const std::vector<NewColumn>& columns) {
     column.name = added.name;
     column.type = added.type;
     column.fixed = IsFixed(added.type);
-    column.compressed = added.compressed && IsText(added.type);
+    column.compressed = added.compressed && jet::IsText(added.type);
     column.size = added.size;
     column.number = shape.columnCount++;
     column.fixedOffset = column.fixed ? fixedOffset : 0;
@@ -68,18 +64,6 @@ jet::RowShape ShapeOf(const std::vector<NewColumn>& columns) {
     shape.columns.push_back(std::move(column));
   }
   return shape;
-}
-
-std::string Bytes16(std::uint16_t value) {
-  std::string bytes;
-  jet::Append16(bytes, value);
-  return bytes;
-}
-
-std::string Bytes32(std::uint32_t value) {
-  std::string bytes;
-  jet::Append32(bytes, value);
-  return bytes;
 }
 
 std::string BytesOfDouble(double value) {
@@ -94,9 +78,9 @@ std::string HeaderPage() {
   std::string page(jet::kFileStart);
   page += '\1';
   page.resize(jet::kPageSize);
-  jet::Put16(page, 0x3A, kSortOrder);
+  jet::Put16(page, 0x3A, jet::kSortOrder);
   jet::Put16(page, 0x3C, kCodePage);
-  jet::Put32(page, 0x6E, kSortOrder);
+  jet::Put32(page, 0x6E, jet::kSortOrder);
   page.replace(0x72, sizeof kCreated, BytesOfDouble(kCreated));
   // The password is masked with the day of creation; none at all therefore looks like that day, repeated.
   for (std::size_t i = 0; i < kPasswordLength; i += 4) {
@@ -124,60 +108,6 @@ std::string FreePagesPage(std::size_t usedPages) {
   jet::DataPage page;
   page.slots.push_back({.hidden = false, .pointer = false, .bytes = record});
   return jet::EncodeDataPage(page);
-}
-
-std::string ColumnEntry(const jet::Column& column) {
-  constexpr char kFixed = 0x01;
-  constexpr char kMayBeNull = 0x02;
-  std::string entry(1, static_cast<char>(column.type));
-  jet::Append32(entry, kDefinitionMark);
-  jet::Append16(entry, column.number);
-  jet::Append16(entry, column.variableNumber);
-  jet::Append16(entry, column.number);
-  jet::Append16(entry, IsText(column.type) ? kSortOrder : 0);
-  jet::Append16(entry, 0);
-  entry += static_cast<char>(kMayBeNull | (column.fixed ? kFixed : 0));
-  entry += static_cast<char>(column.compressed ? 1 : 0);
-  jet::Append32(entry, 0);
-  jet::Append16(entry, column.fixedOffset);
-  jet::Append16(entry, column.size);
-  return entry;
-}
-
-/// The definition of a table without rows; its usage maps are the records of the page `maps`.
-std::string DefinitionPage(const jet::RowShape& shape, bool system, std::uint32_t maps) {
-  std::string page{"\2\1\0\0\0\0\0\0", 8};
-  jet::Append32(page, 0);  // the length, known at the end
-  jet::Append32(page, kDefinitionMark);
-  jet::Append32(page, 0);  // rows
-  jet::Append32(page, 0);  // last number counted
-  jet::Append32(page, 1);  // numbers are counted up
-  page.append(12, '\0');
-  page += system ? 'S' : 'N';
-  jet::Append16(page, shape.columnCount);
-  jet::Append16(page, shape.variableCount);
-  jet::Append16(page, shape.columnCount);
-  jet::Append32(page, 0);  // no index
-  jet::Append32(page, 0);
-  jet::Append32(page, maps << 8);
-  jet::Append32(page, maps << 8 | 1);
-  for (const jet::Column& column : shape.columns) page += ColumnEntry(column);
-  for (const jet::Column& column : shape.columns) {
-    const std::string name = jet::Utf16Bytes(column.name);
-    page += Bytes16(static_cast<std::uint16_t>(name.size())) + name;
-  }
-  std::uint32_t map = 2;
-  for (const jet::Column& column : shape.columns) {
-    if (!IsLongValue(column.type)) continue;
-    page += Bytes16(column.number) + Bytes32(maps << 8 | map) + Bytes32(maps << 8 | (map + 1));
-    map += 2;
-  }
-  jet::Append16(page, 0xFFFF);
-  if (page.size() > jet::kPageSize) jet::Fail(jet::EngineError::NotSupported, "A table has too many columns");
-  jet::Put32(page, 8, static_cast<std::uint32_t>(page.size() - 8));
-  jet::Put16(page, 2, static_cast<std::uint16_t>(jet::kPageSize - page.size()));
-  page.resize(jet::kPageSize);
-  return page;
 }
 
 const std::vector<NewColumn>& CatalogueColumns() {
@@ -263,18 +193,18 @@ struct CatalogueEntry {
 
 StoredValues CatalogueRow(const CatalogueEntry& entry) {
   StoredValues values(CatalogueColumns().size());
-  values[0] = Bytes32(entry.id);
-  values[1] = Bytes32(entry.parent);
+  values[0] = jet::Bytes32(entry.id);
+  values[1] = jet::Bytes32(entry.parent);
   values[2] = jet::EncodeText(entry.name, true);
-  values[3] = Bytes16(static_cast<std::uint16_t>(entry.type));
+  values[3] = jet::Bytes16(static_cast<std::uint16_t>(entry.type));
   values[4] = values[5] = BytesOfDouble(kCreated);
   values[6] = std::string(kOwner);
-  values[7] = Bytes32(entry.flags);
+  values[7] = jet::Bytes32(entry.flags);
   return values;
 }
 
 StoredValues RightsRow(const CatalogueEntry& entry) {
-  return {Bytes32(entry.id), std::string(kOwner), Bytes32(kAllRights), std::nullopt};
+  return {jet::Bytes32(entry.id), std::string(kOwner), jet::Bytes32(kAllRights), std::nullopt};
 }
 
 struct NewTable {
@@ -285,7 +215,7 @@ struct NewTable {
 
 std::size_t UsageMapCount(const std::vector<NewColumn>& columns) {
   std::size_t count = 2;
-  for (const NewColumn& column : columns) count += IsLongValue(column.type) ? 2 : 0;
+  for (const NewColumn& column : columns) count += jet::IsLongValue(column.type) ? 2 : 0;
   return count;
 }
 
@@ -314,7 +244,7 @@ std::string MakeJetDatabase(std::span<const JetTable> tables) {
   const auto firstMapPage = static_cast<std::uint32_t>(jet::kCataloguePage + all.size());
   for (std::uint32_t i = 0; i < all.size(); ++i) {
     const NewTable& table = all[i];
-    definitions += DefinitionPage(ShapeOf(table.columns), table.system, firstMapPage + i);
+    definitions += jet::EncodeDefinition(ShapeOf(table.columns), table.system, firstMapPage + i);
     maps += UsageMapPage(UsageMapCount(table.columns));
     entries.push_back(
         {jet::kCataloguePage + i, kTablesContainer, table.name, jet::kTableObject, table.system ? kSystemFlag : 0});

@@ -5,6 +5,7 @@
 
 #include "adapters/posix/jet_databases.h"
 #include "formats/jet/file.h"
+#include "formats/jet/stored_text.h"
 #include "formats/jet/writer.h"
 #include "seams/automation_error.h"
 #include "tests/support/jet_readers.h"

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "adapters/posix/libmdb_table.h"
+#include "formats/jet/stored_text.h"
 #include "formats/jet/writer.h"
 
 namespace parvex::jet {

@@ -1,0 +1,67 @@
+#include "formats/jet/data_page.h"
+
+#include <numeric>
+
+#include "formats/jet/format.h"
+
+namespace parvex::jet {
+
+namespace {
+
+constexpr std::uint16_t kHiddenFlag = 0x8000;
+constexpr std::uint16_t kPointerFlag = 0x4000;
+constexpr std::uint16_t kOffsetMask = 0x1FFF;
+
+constexpr std::size_t kSlotCountAt = 12;
+constexpr std::size_t kSlotsAt = 14;
+
+}  // namespace
+
+std::ptrdiff_t DataPage::FreeBytes() const {
+  const std::size_t used = std::accumulate(slots.begin(), slots.end(), kSlotsAt, [](std::size_t sum, const Slot& slot) {
+    return sum + 2 + slot.bytes.size();
+  });
+  return static_cast<std::ptrdiff_t>(kPageSize) - static_cast<std::ptrdiff_t>(used);
+}
+
+bool DataPage::HasRoom(std::size_t rowLength) const {
+  return slots.size() < kMostRows && FreeBytes() >= static_cast<std::ptrdiff_t>(rowLength + 2);
+}
+
+std::optional<DataPage> DecodeDataPage(std::string_view page) {
+  if (page.size() != kPageSize || ByteAt(page, 0) != static_cast<std::uint8_t>(PageType::Data)) return std::nullopt;
+  DataPage decoded{.owner = Get32(page, 4), .slots = {}};
+  const std::size_t count = Get16(page, kSlotCountAt);
+  const std::size_t rowsFrom = kSlotsAt + 2 * count;
+  std::size_t end = kPageSize;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint16_t entry = Get16(page, kSlotsAt + 2 * i);
+    const std::size_t from = entry & kOffsetMask;
+    if (from < rowsFrom || from > end) return std::nullopt;
+    decoded.slots.push_back({.hidden = (entry & kHiddenFlag) != 0,
+                             .pointer = (entry & kPointerFlag) != 0,
+                             .bytes = std::string(page.substr(from, end - from))});
+    end = from;
+  }
+  return decoded;
+}
+
+std::string EncodeDataPage(const DataPage& decoded) {
+  std::string page(kPageSize, '\0');
+  page[0] = static_cast<char>(PageType::Data);
+  page[1] = 1;
+  Put16(page, 2, static_cast<std::uint16_t>(decoded.FreeBytes()));
+  Put32(page, 4, decoded.owner);
+  Put16(page, kSlotCountAt, static_cast<std::uint16_t>(decoded.slots.size()));
+  std::size_t end = kPageSize;
+  for (std::size_t i = 0; i < decoded.slots.size(); ++i) {
+    const DataPage::Slot& slot = decoded.slots[i];
+    end -= slot.bytes.size();
+    page.replace(end, slot.bytes.size(), slot.bytes);
+    const int flags = (slot.hidden ? kHiddenFlag : 0) | (slot.pointer ? kPointerFlag : 0);
+    Put16(page, kSlotsAt + 2 * i, static_cast<std::uint16_t>(end | static_cast<std::size_t>(flags)));
+  }
+  return page;
+}
+
+}  // namespace parvex::jet

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace parvex::jet {
+
+/// A data page taken apart: what its slots hold, in order. Slots are never renumbered, since indexes and other pages
+/// point at them.
+struct DataPage {
+  struct Slot {
+    bool hidden = false;   ///< reached only through a pointer elsewhere
+    bool pointer = false;  ///< holds the place of a row that has outgrown this page
+    std::string bytes;
+    bool Deleted() const { return hidden && pointer; }
+  };
+  std::uint32_t owner = 0;  ///< definition page of the table
+  std::vector<Slot> slots;
+
+  /// Free bytes on the page; negative when it is overfull and cannot be written.
+  std::ptrdiff_t FreeBytes() const;
+  /// Whether one more row of that length has room.
+  bool HasRoom(std::size_t rowLength) const;
+};
+
+/// Nothing when the bytes are not a sound data page.
+std::optional<DataPage> DecodeDataPage(std::string_view page);
+std::string EncodeDataPage(const DataPage& page);
+
+/// The longest row that a page can hold.
+inline constexpr std::size_t kLongestRow = 4060;
+/// Rows of a page are numbered in one byte.
+inline constexpr std::size_t kMostRows = 255;
+
+}  // namespace parvex::jet

@@ -3,14 +3,13 @@
 #include <string_view>
 #include <vector>
 
-#include "adapters/posix/jet_databases.h"
-#include "formats/jet/decoder.h"
+#include "formats/jet/databases.h"
 #include "formats/jet/format.h"
 #include "formats/jet/writer.h"
 #include "fuzz/fuzz_input.h"
 #include "tests/support/one_file.h"
 
-// A damaged database is read by both readers and changed. Damage is small, so the input tells what to do to a sound
+// A damaged database is read and changed. Damage is small, so the input tells what to do to a sound
 // file: a byte that chooses the database, a word of pages that are left, and then changes of five bytes each: page
 // (one byte), place in it (two), how (one), value (one). With 255 as the first byte the rest is the file itself.
 
@@ -86,7 +85,7 @@ std::string DamagedDatabase(fuzz::Input& input) {
   return bytes;
 }
 
-void ReadAll(jet::Databases databases, const std::string& table) {
+void ReadAll(jet::Databases& databases, const std::string& table) {
   MayBeRefused([&] {
     const auto database = databases.Open(kPath);
     const auto rows = database->OpenRecordSet("SELECT * FROM " + table);
@@ -98,7 +97,7 @@ void ReadAll(jet::Databases databases, const std::string& table) {
   });
 }
 
-void Change(posix::JetDatabases& databases) {
+void Change(jet::Databases& databases) {
   MayBeRefused([&] {
     const auto rows = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config WHERE sKey='key5'");
     if (rows->AtEnd()) {
@@ -122,10 +121,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::Input input(data, size);
   test::OneFile file;
   file.bytes = DamagedDatabase(input);
-  posix::JetDatabases databases(file);
+  jet::Databases databases(file);
   for (const char* table : {"Config", "TagIndex"}) {
     ReadAll(databases, table);
-    ReadAll(jet::Databases(file, jet::DecodeTable), table);
   }
   ReadAll(databases, "MSysObjects");
   Change(databases);

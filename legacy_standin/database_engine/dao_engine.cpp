@@ -2,10 +2,11 @@
 
 #include <array>
 #include <charconv>
+#include <cstring>
 #include <memory>
 
 #include "formats/jet/databases.h"
-#include "formats/jet/decoder.h"
+#include "formats/jet/engine_error.h"
 #include "formats/text/text.h"
 #include "legacy_standin/late_bound/late_bound_members.h"
 
@@ -27,10 +28,19 @@ Value NumberIn(const std::string& text) {
   return number;
 }
 
+/// A date's value is the number of its days.
+Value DateIn(const jet::TypedRecordSet& rows, const std::string& column) {
+  const std::string bytes = rows.Stored(column).value_or("");
+  double days = 0;
+  if (bytes.size() == sizeof days) std::memcpy(&days, bytes.data(), sizeof days);
+  return days;
+}
+
 /// A column's text as a value of the column's type.
-Value TypedValue(jet::ColumnType type, const std::optional<std::string>& text) {
+Value TypedValue(jet::TypedRecordSet& rows, const std::string& column) {
+  const std::optional<std::string> text = rows.Column(column);
   if (!text) return {};
-  switch (type) {
+  switch (rows.TypeOf(column)) {
     case jet::ColumnType::Boolean:
       return *text == "True";
     case jet::ColumnType::Byte:
@@ -39,7 +49,11 @@ Value TypedValue(jet::ColumnType type, const std::optional<std::string>& text) {
       return NumberIn<std::int32_t>(*text);
     case jet::ColumnType::Single:
     case jet::ColumnType::Double:
+    case jet::ColumnType::Currency:
+    case jet::ColumnType::Decimal:
       return NumberIn<double>(*text);
+    case jet::ColumnType::DateTime:
+      return DateIn(rows, column);
     default:
       return *text;
   }
@@ -90,7 +104,7 @@ class Field : public DaoObject {
   Value Get(std::string_view member) override {
     if (EqualIgnoringCase(member, "Name")) return column_;
     if (!EqualIgnoringCase(member, "Value")) RefuseMember(*this, member);
-    return TypedValue((*rows_)->TypeOf(column_), (*rows_)->Column(column_));
+    return TypedValue(**rows_, column_);
   }
 
   void Put(std::string_view member, const Value& value) override {
@@ -197,7 +211,7 @@ class DaoDatabase : public DaoObject {
 class DaoEngine : public DaoObject {
  public:
   DaoEngine(Files& files, std::string programmaticId)
-      : DaoObject(std::move(programmaticId)), files_(files), databases_(files, jet::DecodeTable) {}
+      : DaoObject(std::move(programmaticId)), files_(files), databases_(files) {}
 
   Value Call(std::string_view member, std::span<Argument> arguments) override {
     if (!EqualIgnoringCase(member, "OpenDatabase")) RefuseMember(*this, member);

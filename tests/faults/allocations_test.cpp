@@ -5,7 +5,7 @@
 
 // Every allocation of a job fails, once or with all behind it: the job ends with an error or as if nothing had
 // happened, gives back what it took (the leak checker looks), and each file is as it was or as an undisturbed run makes
-// it. What libxml2, zlib and libmdb allocate for themselves does not fail here.
+// it. What libxml2 and zlib allocate for themselves does not fail here.
 
 namespace parvex::test {
 namespace {

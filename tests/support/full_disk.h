@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "adapters/posix/jet_databases.h"
+#include "formats/jet/databases.h"
 #include "seams/platform.h"
 
 namespace parvex::test {
@@ -22,7 +22,7 @@ class FullDisk {
   int room_;
   const std::unique_ptr<Files> files_;
   const std::unique_ptr<PrivateProfile> profile_;
-  posix::JetDatabases databases_{*files_};
+  jet::Databases databases_{*files_};
   const Platform platform_;
 };
 

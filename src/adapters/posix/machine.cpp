@@ -4,12 +4,12 @@
 
 #include "adapters/posix/child_processes.h"
 #include "adapters/posix/class_table.h"
-#include "adapters/posix/jet_databases.h"
 #include "adapters/posix/machine_files.h"
 #include "adapters/posix/machine_folder.h"
 #include "adapters/posix/profile_files.h"
 #include "adapters/posix/registry_file.h"
 #include "adapters/posix/sleeping_pump.h"
+#include "formats/jet/databases.h"
 #include "formats/text/windows_1252.h"
 #include "seams/written_boxes.h"
 
@@ -26,7 +26,7 @@ struct Machine::Parts {
   ChildProcesses processes{folder};
   SleepingPump messagePump;
   WrittenBoxes messageBoxes;
-  JetDatabases projectDatabases{files};
+  jet::Databases projectDatabases{files};
   ClassTable classes;
 };
 

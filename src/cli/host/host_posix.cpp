@@ -68,7 +68,7 @@ parvex::Platform Host::Platform() {
 HostFacts Host::Facts() {
   return {.program = std::to_string(8 * sizeof(void*)) + "-bit program on a machine folder, which has no bitness",
           .xmlEngine = "libxml2",
-          .databaseEngine = "libmdb",
+          .databaseEngine = "the built-in Jet reader",
           .codePage = "1252",
           .runsWindowsPrograms = false};
 }

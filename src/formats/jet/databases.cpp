@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <map>
 
+#include "formats/jet/decoder.h"
 #include "formats/jet/file.h"
 #include "formats/jet/statement.h"
 #include "formats/jet/values.h"
+#include "seams/automation_error.h"
 
 namespace parvex::jet {
 
@@ -14,14 +16,13 @@ namespace {
 /// An open database: its bytes as they were read or written last, and the tables that were asked for.
 class OpenFile {
  public:
-  OpenFile(Files& files, TableReader reader, std::string_view path)
-      : files_(files), reader_(std::move(reader)), file_(Read(files, path)) {}
+  OpenFile(Files& files, std::string_view path) : files_(files), file_(Read(files, path)) {}
 
   const std::string& Name() const { return file_.Name(); }
 
   std::shared_ptr<Table> TableAt(std::uint32_t definitionPage) {
     std::shared_ptr<Table>& table = tables_[definitionPage];
-    if (!table) table = std::make_shared<Table>(reader_(file_, definitionPage));
+    if (!table) table = std::make_shared<Table>(DecodeTable(file_, definitionPage));
     return table;
   }
 
@@ -61,7 +62,6 @@ class OpenFile {
   }
 
   Files& files_;
-  TableReader reader_;
   File file_;
   std::map<std::uint32_t, std::shared_ptr<Table>> tables_;
 };
@@ -79,9 +79,18 @@ class JetRecordSet : public TypedRecordSet {
     change_ = Change::None;
   }
 
-  std::optional<std::string> Column(std::string_view name) override { return Current().texts[Find(name)]; }
+  std::optional<std::string> Column(std::string_view name) override {
+    const TextRow& row = Current();
+    const std::size_t column = Find(name);
+    if (!row.texts[column] && row.stored.values[column]) RefuseWithoutText(table_.shape.columns[column]);
+    return row.texts[column];
+  }
 
   ColumnType TypeOf(std::string_view name) const override { return table_.shape.columns[Find(name)].type; }
+
+  std::optional<std::string> Stored(std::string_view name) const override {
+    return Current().stored.values[Find(name)];
+  }
 
   void AddNew() override {
     values_.assign(table_.shape.columns.size(), std::nullopt);
@@ -129,6 +138,11 @@ class JetRecordSet : public TypedRecordSet {
 
   void RequireChange(const std::string& what) const {
     if (change_ == Change::None) Fail(EngineError::NothingToUpdate, what + " without AddNew or Edit" + InTable());
+  }
+
+  [[noreturn]] void RefuseWithoutText(const jet::Column& column) const {
+    throw MakeRuntimeError(RuntimeError::TypeMismatch, "Column '" + column.name + "' holds a value of type " +
+                                                           TypeName(column.type) + " that has no text" + InTable());
   }
 
   std::string InTable() const { return " in table '" + tableName_ + "' of '" + file_->Name() + "'"; }
@@ -188,7 +202,7 @@ class JetDatabase : public TypedDatabase {
 }  // namespace
 
 std::unique_ptr<TypedDatabase> Databases::OpenTyped(std::string_view path) {
-  return std::make_unique<JetDatabase>(std::make_shared<OpenFile>(files_, reader_, path));
+  return std::make_unique<JetDatabase>(std::make_shared<OpenFile>(files_, path));
 }
 
 }  // namespace parvex::jet

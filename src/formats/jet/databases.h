@@ -10,6 +10,8 @@ namespace parvex::jet {
 class TypedRecordSet : public RecordSet {
  public:
   virtual ColumnType TypeOf(std::string_view column) const = 0;
+  /// The bytes of the current row's column; nothing for a null.
+  virtual std::optional<std::string> Stored(std::string_view column) const = 0;
 };
 
 class TypedDatabase : public Database {
@@ -23,17 +25,19 @@ class TypedDatabase : public Database {
 /// A change is made in a copy of the file that then replaces it: at every moment the file is as it was or holds the
 /// whole change. A row that somebody else changed since it was read is not overwritten (3197). A record set keeps the
 /// rows that it was opened with, as changed through it; rows added show in record sets opened later. Nothing is locked.
+///
+/// A column of a type that has no text is an error when a row that has a value there is asked for it (13), which names
+/// table, column and type.
 class Databases : public ProjectDatabases {
  public:
   /// `files` has to outlive the databases opened.
-  Databases(Files& files, TableReader reader) : files_(files), reader_(std::move(reader)) {}
+  explicit Databases(Files& files) : files_(files) {}
 
   std::unique_ptr<TypedDatabase> OpenTyped(std::string_view path);
   std::unique_ptr<Database> Open(std::string_view path) override { return OpenTyped(path); }
 
  private:
   Files& files_;
-  TableReader reader_;
 };
 
 }  // namespace parvex::jet

@@ -1,44 +1,14 @@
 #include "formats/jet/decoder.h"
 
-#include <array>
-#include <charconv>
-#include <cstring>
-
-#include "formats/jet/stored_text.h"
+#include "formats/jet/values.h"
 
 namespace parvex::jet {
 
 namespace {
 
-template <typename Number>
-std::string Decimal(std::string_view stored) {
-  Number number;
-  std::memcpy(&number, stored.data(), sizeof number);
-  std::array<char, 32> text;
-  return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
-}
-
 std::optional<std::string> TextOf(const File& file, const Column& column, const std::optional<std::string>& stored) {
-  if (column.type == ColumnType::Boolean) return stored ? "True" : "False";
-  if (!stored) return std::nullopt;
-  switch (column.type) {
-    case ColumnType::Byte:
-      return Decimal<std::uint8_t>(*stored);
-    case ColumnType::Integer:
-      return Decimal<std::int16_t>(*stored);
-    case ColumnType::Long:
-      return Decimal<std::int32_t>(*stored);
-    case ColumnType::Single:
-      return Decimal<float>(*stored);
-    case ColumnType::Double:
-      return Decimal<double>(*stored);
-    case ColumnType::Text:
-      return DecodeText(*stored);
-    case ColumnType::Memo:
-      return DecodeText(file.ReadLongValue(*stored));
-    default:
-      return std::nullopt;
-  }
+  if (!stored) return column.type == ColumnType::Boolean ? std::optional<std::string>("False") : std::nullopt;
+  return DecodeValue(column, column.type == ColumnType::Memo ? file.ReadLongValue(*stored) : *stored);
 }
 
 }  // namespace

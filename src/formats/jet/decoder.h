@@ -4,8 +4,7 @@
 
 namespace parvex::jet {
 
-/// Decodes rows where no library does: texts, memos, Booleans and the binary numbers. Currency, Decimal, dates and
-/// GUIDs have no text, like binary values.
+/// Reads a table, by the page of its definition, and decodes its rows.
 Table DecodeTable(const File& file, std::uint32_t definitionPage);
 
 }  // namespace parvex::jet

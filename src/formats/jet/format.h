@@ -54,6 +54,7 @@ struct Column {
   std::uint16_t variableNumber = 0;  ///< its entry in the table of variable offsets
   std::uint16_t fixedOffset = 0;     ///< from the end of the row's column count
   std::uint16_t size = 0;            ///< bytes: exactly for fixed columns, at most for texts
+  std::uint8_t scale = 0;            ///< of a Decimal: how many of its digits are places
 };
 
 /// What the rows of one table have in common.

@@ -68,13 +68,12 @@ std::string DecodeText(std::string_view stored) {
   return Utf8FromUtf16Bytes(plain);
 }
 
-std::string EncodeMemo(std::string_view utf8, bool compress) {
+std::string EncodeLongValue(std::string_view bytes) {
   constexpr std::uint32_t kInsideRow = 0x80000000u;
-  const std::string text = EncodeText(utf8, compress);
-  std::string bytes;
-  Append32(bytes, kInsideRow | static_cast<std::uint32_t>(text.size()));
-  bytes.append(8, '\0');
-  return bytes + text;
+  std::string header;
+  Append32(header, kInsideRow | static_cast<std::uint32_t>(bytes.size()));
+  header.append(8, '\0');
+  return header.append(bytes);
 }
 
 }  // namespace parvex::jet

@@ -13,7 +13,7 @@ std::string Utf8FromUtf16Bytes(std::string_view bytes);
 std::string EncodeText(std::string_view utf8, bool compress);
 /// The reverse, for either form.
 std::string DecodeText(std::string_view stored);
-/// A memo's column bytes with the text kept inside the row.
-std::string EncodeMemo(std::string_view utf8, bool compress);
+/// The column bytes of a memo's text, or of an OLE object, that is kept inside the row.
+std::string EncodeLongValue(std::string_view bytes);
 
 }  // namespace parvex::jet

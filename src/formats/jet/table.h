@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -13,8 +11,8 @@
 
 namespace parvex::jet {
 
-/// One row as it is stored and as its columns read: numbers in decimal, a Boolean as True or False, a date as
-/// YYYY-MM-DD hh:mm:ss, nothing for a null. Binary values do not read as text and have none either.
+/// One row as it is stored and as its columns read (DecodeValue; a Boolean as True or False). A null has no text;
+/// neither has a stored value that reads as none.
 struct TextRow {
   Row stored;
   std::vector<std::optional<std::string>> texts;
@@ -40,8 +38,5 @@ class Table {
   std::vector<TextRow> rows_;
   std::unordered_map<std::string, RowsOfKey> lookups_;  ///< by the columns asked for
 };
-
-/// Reads a table, by the page of its definition, and decodes its rows.
-using TableReader = std::function<Table(const File& file, std::uint32_t definitionPage)>;
 
 }  // namespace parvex::jet

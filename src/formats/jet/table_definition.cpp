@@ -26,6 +26,8 @@ constexpr std::size_t kTreeColumns = 10;
 constexpr std::size_t kIndexNameSize = 28;
 
 constexpr std::size_t kMostColumns = 255;
+/// Of a Decimal.
+constexpr int kMostDigits = 28;
 
 /// Stands in table definitions and their columns for no known reason; the engine writes it too.
 constexpr std::uint32_t kDefinitionMark = 1625;
@@ -68,6 +70,7 @@ Column DecodeColumn(std::string_view entry) {
   column.compressed = (entry[16] & kCompressed) != 0;
   column.fixedOffset = Get16(entry, 21);
   column.size = Get16(entry, 23);
+  if (column.type == ColumnType::Decimal) column.scale = ByteAt(entry, 12);
   return column;
 }
 
@@ -134,22 +137,15 @@ std::optional<std::size_t> FixedSize(ColumnType type) {
   }
 }
 
+/// Types that are not known here are no damage: their values are passed over.
 bool SoundColumn(const Column& column, const RowShape& shape) {
   const bool fitting =
       column.fixed ? column.fixedOffset + column.size < kPageSize : column.variableNumber < shape.variableCount;
   if (column.number >= shape.columnCount || !fitting) return false;
-  switch (column.type) {
-    case ColumnType::Text:
-    case ColumnType::Binary:
-      return true;
-    case ColumnType::Memo:
-    case ColumnType::LongBinary:
-      return !column.fixed;
-    case ColumnType::Boolean:
-      return column.fixed;
-    default:
-      return column.fixed && FixedSize(column.type) == column.size;
-  }
+  if (IsLongValue(column.type)) return !column.fixed;
+  if (column.type == ColumnType::Boolean) return column.fixed;
+  const std::optional<std::size_t> size = FixedSize(column.type);
+  return !column.fixed || !size || *size == column.size;
 }
 
 std::string ColumnEntry(const Column& column) {
@@ -160,7 +156,11 @@ std::string ColumnEntry(const Column& column) {
   Append16(entry, column.number);
   Append16(entry, column.variableNumber);
   Append16(entry, column.number);
-  Append16(entry, IsText(column.type) ? kSortOrder : 0);
+  if (column.type == ColumnType::Decimal) {
+    entry += {static_cast<char>(kMostDigits), static_cast<char>(column.scale)};
+  } else {
+    Append16(entry, IsText(column.type) ? kSortOrder : 0);
+  }
   Append16(entry, 0);
   entry += static_cast<char>(kMayBeNull | (column.fixed ? kFixed : 0));
   entry += static_cast<char>(column.compressed ? 1 : 0);

@@ -12,4 +12,15 @@ namespace parvex::jet {
 /// names the column and the value when it cannot hold it: a text too long (3163), not of its type (3421).
 std::optional<std::string> EncodeValue(const Column& column, std::string_view text);
 
+/// What the stored bytes of a column that is not null read as; `stored` is a memo's whole text (File::ReadLongValue).
+///
+/// Numbers in decimal, Currency with four places and Decimal with as many as its column has, Single and Double as the
+/// shortest text that is the same number, a Boolean as True, a date as YYYY-MM-DD hh:mm:ss (rounded to seconds), a GUID
+/// in braces, its last two groups in one. Nothing for Binary and OLE object, for types that are not known, and for
+/// bytes that are no value of their type: such a column is never read as an empty text.
+std::optional<std::string> DecodeValue(const Column& column, std::string_view stored);
+
+/// What an error calls a type.
+std::string TypeName(ColumnType type);
+
 }  // namespace parvex::jet

@@ -38,6 +38,7 @@ struct NewColumn {
   ColumnType type;
   std::uint16_t size;      ///< bytes
   bool compressed = true;  ///< of meaning for texts
+  std::uint8_t scale = 0;  ///< of a Decimal
 };
 
 bool IsFixed(ColumnType type) {
@@ -54,6 +55,7 @@ jet::RowShape ShapeOf(const std::vector<NewColumn>& columns) {
     column.fixed = IsFixed(added.type);
     column.compressed = added.compressed && jet::IsText(added.type);
     column.size = added.size;
+    column.scale = added.scale;
     column.number = shape.columnCount++;
     column.fixedOffset = column.fixed ? fixedOffset : 0;
     column.variableNumber = shape.variableCount;
@@ -161,25 +163,59 @@ const std::vector<NewColumn>& RelationshipColumns() {
 
 NewColumn ColumnOf(const JetColumn& column) {
   using Type = JetColumn::Type;
+  const std::string& name = column.name;
   switch (column.type) {
     case Type::Text:
       break;
     case Type::Memo:
-      return {column.name, ColumnType::Memo, 0, column.compressed};
+      return {name, ColumnType::Memo, 0, column.compressed};
     case Type::Boolean:
-      return {column.name, ColumnType::Boolean, 1};
+      return {name, ColumnType::Boolean, 1};
     case Type::Byte:
-      return {column.name, ColumnType::Byte, 1};
+      return {name, ColumnType::Byte, 1};
     case Type::Integer:
-      return {column.name, ColumnType::Integer, 2};
+      return {name, ColumnType::Integer, 2};
     case Type::Long:
-      return {column.name, ColumnType::Long, 4};
+      return {name, ColumnType::Long, 4};
     case Type::Single:
-      return {column.name, ColumnType::Single, 4};
+      return {name, ColumnType::Single, 4};
     case Type::Double:
-      return {column.name, ColumnType::Double, 8};
+      return {name, ColumnType::Double, 8};
+    case Type::Currency:
+      return {name, ColumnType::Currency, 8};
+    case Type::DateTime:
+      return {name, ColumnType::DateTime, 8};
+    case Type::Guid:
+      return {name, ColumnType::Guid, 16};
+    case Type::Decimal:
+      return {name, ColumnType::Decimal, 17, false, static_cast<std::uint8_t>(column.scale)};
+    case Type::Binary:
+      return {name, ColumnType::Binary, 510};
+    case Type::LongBinary:
+      return {name, ColumnType::LongBinary, 0};
   }
-  return {column.name, ColumnType::Text, static_cast<std::uint16_t>(2 * column.size), column.compressed};
+  return {name, ColumnType::Text, static_cast<std::uint16_t>(2 * column.size), column.compressed};
+}
+
+std::optional<std::string> StoredValue(const jet::Column& column, const std::optional<std::string>& value) {
+  if (!value) return std::nullopt;
+  switch (column.type) {
+    case ColumnType::Currency:
+    case ColumnType::DateTime:
+    case ColumnType::Guid:
+    case ColumnType::Decimal:
+      if (value->size() == column.size) return value;
+      break;
+    case ColumnType::Binary:
+      if (value->size() <= column.size) return value;
+      break;
+    case ColumnType::LongBinary:
+      return jet::EncodeLongValue(*value);
+    default:
+      return jet::EncodeValue(column, *value);
+  }
+  jet::Fail(jet::EngineError::DataTypeConversion,
+            "Column '" + column.name + "' cannot hold " + std::to_string(value->size()) + " bytes");
 }
 
 /// An object of the catalogue: a table, a container of objects, the database itself.
@@ -264,8 +300,7 @@ std::string MakeJetDatabase(std::span<const JetTable> tables) {
     for (const auto& row : tables[i].rows) {
       StoredValues values;
       for (std::size_t column = 0; column < table.shape.columns.size(); ++column) {
-        const std::optional<std::string>& text = row.at(column);
-        values.push_back(text ? jet::EncodeValue(table.shape.columns[column], *text) : std::nullopt);
+        values.push_back(StoredValue(table.shape.columns[column], row.at(column)));
       }
       file.AddRow(table, values);
     }

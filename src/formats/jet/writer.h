@@ -8,11 +8,28 @@
 namespace parvex::standin {
 
 struct JetColumn {
-  enum class Type { Text, Memo, Boolean, Byte, Integer, Long, Single, Double };
+  enum class Type {
+    Text,
+    Memo,
+    Boolean,
+    Byte,
+    Integer,
+    Long,
+    Single,
+    Double,
+    // Columns of these types are given the bytes that they store.
+    Currency,
+    DateTime,
+    Guid,
+    Decimal,
+    Binary,
+    LongBinary
+  };
   std::string name;
   Type type = Type::Text;
   int size = 255;          ///< characters that a text may have, at most 255; of no meaning for the other types
   bool compressed = true;  ///< whether texts are stored in the compressed form where that is shorter
+  int scale = 0;           ///< of a Decimal
 };
 
 struct JetTable {

@@ -1,9 +1,10 @@
+#include "formats/jet/databases.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <map>
 
-#include "adapters/posix/jet_databases.h"
 #include "formats/jet/file.h"
 #include "formats/jet/stored_text.h"
 #include "formats/jet/writer.h"
@@ -11,10 +12,11 @@
 #include "tests/support/jet_readers.h"
 #include "tests/support/one_file.h"
 
-namespace parvex::posix {
+namespace parvex::jet {
 namespace {
 
 using standin::JetTable;
+using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using Type = standin::JetColumn::Type;
@@ -33,7 +35,7 @@ JetTable ConfigTable(int rows) {
 class JetDatabasesTest : public testing::Test {
  protected:
   test::OneFile file;
-  JetDatabases databases{file};
+  Databases databases{file};
 
   void Make(JetTable table) { file.bytes = standin::MakeJetDatabase(std::vector{std::move(table)}); }
 
@@ -148,6 +150,32 @@ TEST_F(JetDatabasesTest, ReadsBooleansAndSingles) {
   Make({"Types", {{"flag", Type::Boolean}, {"single", Type::Single}}, {{"True", "0.1"}, {"False", std::nullopt}}});
   EXPECT_THAT(Column("flag", "Types"), ElementsAre("True", "False"));
   EXPECT_THAT(Column("single", "Types"), ElementsAre("0.1", std::nullopt));
+}
+
+TEST_F(JetDatabasesTest, AColumnWithoutTextIsRefusedByNameWhereItHasAValue) {
+  Make({"Parts",
+        {{"name"}, {"photo", Type::LongBinary}, {"mark", Type::Binary}},
+        {{"a", "\1\2", "\3"}, {"b", std::nullopt, std::nullopt}}});
+  const auto rows = Rows("SELECT * FROM Parts");
+  EXPECT_EQ(rows->Column("name"), "a");
+  EXPECT_EQ(
+      ErrorOf([&] { rows->Column("photo"); }),
+      "13 Column 'photo' holds a value of type OLE object that has no text in table 'Parts' of 'C:\\Project.mdb'");
+  EXPECT_THAT(ErrorOf([&] { rows->Column("mark"); }), HasSubstr("13 Column 'mark' holds a value of type Binary"));
+  rows->MoveNext();
+  EXPECT_EQ(rows->Column("photo"), std::nullopt);
+  EXPECT_EQ(rows->Column("mark"), std::nullopt);
+}
+
+TEST_F(JetDatabasesTest, AColumnOfAnUnknownTypeIsRefusedByNameAndTheOthersAreRead) {
+  Make({"Parts", {{"name"}, {"odd", Type::Currency}}, {{"a", std::string(8, '\1')}}});
+  const std::size_t definition = file.bytes.find("n\0a\0m\0e\0"s, kDefinitionPage * kPageSize);
+  const std::size_t secondEntry = definition - 2 - 25;
+  ASSERT_EQ(file.bytes[secondEntry], 5);
+  file.bytes[secondEntry] = 17;
+  const auto rows = Rows("SELECT * FROM Parts");
+  EXPECT_EQ(rows->Column("name"), "a");
+  EXPECT_THAT(ErrorOf([&] { rows->Column("odd"); }), HasSubstr("13 Column 'odd' holds a value of type number 17"));
 }
 
 TEST_F(JetDatabasesTest, ReadsMemosThatAreKeptOutsideTheirRows) {
@@ -284,7 +312,6 @@ TEST_F(JetDatabasesTest, AMissingMapOfPagesWithRoomIsAnErrorAndNoOutput) {
   EXPECT_THAT(error, HasSubstr("3343 "));
 }
 
-// What libmdb is given has been checked before: it neither crashes nor complains, whichever byte is wrong.
 TEST_F(JetDatabasesTest, ADamagedByteGivesRowsOrAnErrorAndNoOutput) {
   JetTable table = ConfigTable(60);
   table.columns.push_back({"memo", Type::Memo});
@@ -307,4 +334,4 @@ TEST_F(JetDatabasesTest, ADamagedByteGivesRowsOrAnErrorAndNoOutput) {
 }
 
 }  // namespace
-}  // namespace parvex::posix
+}  // namespace parvex::jet

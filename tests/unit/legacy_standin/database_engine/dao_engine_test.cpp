@@ -71,6 +71,17 @@ TEST_F(DaoEngineTest, ValuesHaveTheTypesOfTheirColumns) {
   EXPECT_EQ(rows->Get("EOF"), Value(true));
 }
 
+TEST_F(DaoEngineTest, AmountsAndDatesAreNumbersAndBinaryValuesAreRefused) {
+  const JetTable table = {"Config",
+                          {{"money", Type::Currency}, {"day", Type::DateTime}, {"photo", Type::LongBinary}},
+                          {{std::string("\x39\x30\0\0\0\0\0\0", 8), std::string("\0\0\0\0\0\0\x12\xC0", 8), "x"}}};
+  machine.platform.files.Replace(kPath, MakeJetDatabase({&table, 1}));
+  const ObjectRef rows = Rows();
+  EXPECT_EQ(Column(rows, "money"), Value(1.2345));
+  EXPECT_EQ(Column(rows, "day"), Value(-4.5));
+  EXPECT_EQ(RaisedBy([&] { Column(rows, "photo"); }), 13);
+}
+
 TEST_F(DaoEngineTest, TakesTextsAndNumbers) {
   const ObjectRef rows = Rows();
   Call(rows, "Edit");

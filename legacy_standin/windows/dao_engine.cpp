@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "adapters/windows/system_automation.h"
+#include "adapters/windows/exposed_object.h"
 #include "adapters/windows/system_files.h"
 #include "adapters/windows/wide_text.h"
 #include "com_server/server.h"

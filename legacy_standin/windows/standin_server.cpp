@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include "adapters/windows/com_object.h"
+#include "adapters/windows/exposed_object.h"
 #include "adapters/windows/machine.h"
 #include "adapters/windows/wide_text.h"
 #include "com_server/failures.h"

@@ -1,6 +1,7 @@
 #include "com/legacy_orla_pull_object.h"
 
 #include "adapters/msxml/msxml_document.h"
+#include "adapters/windows/dispatch_object.h"
 #include "com/values.h"
 #include "seams/automation_error.h"
 

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "adapters/windows/com_object.h"
-#include "adapters/windows/system_automation.h"
+#include "adapters/windows/dispatch_object.h"
+#include "adapters/windows/exposed_object.h"
+#include "adapters/windows/variant_values.h"
 #include "seams/automation_error.h"
 
 // Objects of this system driven from outside, and outer objects driven from here: one drives the other through

@@ -4,7 +4,8 @@
 #include <thread>
 
 #include "adapters/windows/com_object.h"
-#include "adapters/windows/system_automation.h"
+#include "adapters/windows/exposed_object.h"
+#include "adapters/windows/variant_values.h"
 #include "parvex_idl.h"
 #include "seams/automation_error.h"
 #include "tests/com/com_session.h"

@@ -1,7 +1,9 @@
 // The probe of the process suite, for Windows: see ContractMachine::InstallProbe.
 
-#include <shellapi.h>
+// clang-format off
 #include <windows.h>
+#include <shellapi.h>
+// clang-format on
 
 #include <cstdio>
 #include <string>

@@ -1,0 +1,146 @@
+#include "adapters/msxml/component_nodes.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "adapters/windows/system_error.h"
+#include "seams/automation_error.h"
+
+namespace parvex::xml {
+namespace {
+
+using windows::Bstr;
+using windows::ComPointer;
+using windows::Hex;
+using windows::Variant;
+
+constexpr CLSID kDomDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+
+// The component shows a document's declaration as its first node; here it is none.
+ComNode SkipDeclaration(ComNode node) {
+  while (node && TypeOf(node) == NODE_PROCESSING_INSTRUCTION && NameOf(node) == "xml") {
+    ComNode next;
+    node->get_nextSibling(next.Out());
+    node = next;
+  }
+  return node;
+}
+
+}  // namespace
+
+void Check(HRESULT result, const char* doing) {
+  if (FAILED(result)) {
+    throw AutomationError(static_cast<std::uint32_t>(result), kErrorSource,
+                          std::string(doing) + " failed in MSXML with " + Hex(static_cast<std::uint32_t>(result)));
+  }
+}
+
+DOMNodeType TypeOf(const ComNode& node) {
+  DOMNodeType type = NODE_INVALID;
+  Check(node->get_nodeType(&type), "reading a node's type");
+  return type;
+}
+
+std::string NameOf(const ComNode& node) {
+  Bstr name;
+  Check(node->get_nodeName(name.Out()), "reading a node's name");
+  return name.Text();
+}
+
+std::string ValueOf(const ComNode& node) {
+  Variant value;
+  Check(node->get_nodeValue(value.Out()), "reading a node's value");
+  return V_VT(&value.Get()) == VT_BSTR ? windows::TextOf(V_BSTR(&value.Get())) : std::string();
+}
+
+Variant TextVariant(std::string_view text) {
+  Variant variant;
+  V_VT(&variant.Get()) = VT_BSTR;
+  V_BSTR(&variant.Get()) = Bstr(text).Detach();
+  return variant;
+}
+
+ComNode FirstChildOf(const ComNode& node) {
+  ComNode child;
+  node->get_firstChild(child.Out());
+  return SkipDeclaration(std::move(child));
+}
+
+ComNode NextOf(const ComNode& node) {
+  ComNode next;
+  node->get_nextSibling(next.Out());
+  return next;
+}
+
+ComNode FirstNamed(ComNode node, std::string_view name) {
+  while (node && !(TypeOf(node) == NODE_ELEMENT && NameOf(node) == name)) {
+    node = NextOf(node);
+  }
+  return node;
+}
+
+ComNode ParentOf(const ComNode& node) {
+  ComNode parent;
+  node->get_parentNode(parent.Out());
+  return parent;
+}
+
+ComElement AsElement(const ComNode& node) { return node.As<IXMLDOMElement>(kDomElement); }
+
+ComDocument DocumentOf(const ComNode& node) {
+  if (TypeOf(node) == NODE_DOCUMENT) {
+    return node.As<IXMLDOMDocument2>(kDomDocument2);
+  }
+  ComPointer<IXMLDOMDocument> owner;
+  Check(node->get_ownerDocument(owner.Out()), "finding a node's document");
+  return owner.As<IXMLDOMDocument2>(kDomDocument2);
+}
+
+ComElement RootOf(const ComDocument& document) {
+  ComElement root;
+  document->get_documentElement(root.Out());
+  return root;
+}
+
+void SelectByXPath(const ComDocument& document) {
+  const Bstr name("SelectionLanguage");
+  Check(document->setProperty(name.Get(), TextVariant("XPath").Get()), "choosing XPath");
+}
+
+ComDocument NewComDocument() {
+  ComDocument document;
+  const HRESULT result = CoCreateInstance(kDomDocument30, nullptr, CLSCTX_INPROC_SERVER, kDomDocument2,
+                                          reinterpret_cast<void**>(document.Out()));
+  if (FAILED(result)) {
+    throw MakeRuntimeError(RuntimeError::CannotCreateObject,
+                           "MSXML 3 cannot be created: " + Hex(static_cast<std::uint32_t>(result)));
+  }
+  document->put_async(VARIANT_FALSE);
+  document->put_validateOnParse(VARIANT_FALSE);
+  document->put_resolveExternals(VARIANT_FALSE);
+  SelectByXPath(document);
+  return document;
+}
+
+void ClearChildren(const ComNode& node) {
+  for (ComNode child = FirstChildOf(node); child; child = FirstChildOf(node)) {
+    ComNode removed;
+    Check(node->removeChild(child.Get(), removed.Out()), "taking out a child");
+  }
+}
+
+void AppendTextNode(const ComNode& element, std::string_view text) {
+  ComPointer<IXMLDOMText> made;
+  const Bstr value(text);
+  Check(DocumentOf(element)->createTextNode(value.Get(), made.Out()), "making a text");
+  ComNode appended;
+  Check(element->appendChild(made.Get(), appended.Out()), "appending a text");
+}
+
+void LoadText(const ComDocument& document, std::string_view text) {
+  const Bstr wide(text);
+  VARIANT_BOOL loaded = VARIANT_FALSE;
+  Check(document->loadXML(wide.Get(), &loaded), "loading a text");
+}
+
+}  // namespace parvex::xml

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <msxml2.h>
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+#include "adapters/windows/com_pointer.h"
+
+namespace parvex::xml {
+
+// Nodes and documents of MSXML 3, asked and changed without its result codes: a call that the component refuses raises
+// its code.
+
+using ComNode = windows::ComPointer<IXMLDOMNode>;
+using ComElement = windows::ComPointer<IXMLDOMElement>;
+using ComDocument = windows::ComPointer<IXMLDOMDocument2>;
+
+// The import library of the compiler knows neither.
+inline constexpr IID kDomDocument2 = {0x2933BF95, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+inline constexpr IID kDomElement = {0x2933BF86, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+
+/// Raises a failed result; `doing` says what was tried.
+void Check(HRESULT result, const char* doing);
+
+windows::Variant TextVariant(std::string_view text);
+
+DOMNodeType TypeOf(const ComNode& node);
+std::string NameOf(const ComNode& node);
+/// The value of an attribute, text, section or comment as it stands.
+std::string ValueOf(const ComNode& node);
+
+/// The component shows a document's declaration as its first node; here it is none.
+ComNode FirstChildOf(const ComNode& node);
+ComNode NextOf(const ComNode& node);
+ComNode ParentOf(const ComNode& node);
+/// The node itself or the next of its siblings that is an element of that name; null when there is none.
+ComNode FirstNamed(ComNode node, std::string_view name);
+
+/// Null for a node that is no element.
+ComElement AsElement(const ComNode& node);
+ComDocument DocumentOf(const ComNode& node);
+/// Null for an empty document.
+ComElement RootOf(const ComDocument& document);
+
+/// A new, empty document that selects by XPath.
+ComDocument NewComDocument();
+void SelectByXPath(const ComDocument& document);
+/// Leaves the document empty, with its own parse error, when the text does not parse.
+void LoadText(const ComDocument& document, std::string_view text);
+
+void ClearChildren(const ComNode& node);
+void AppendTextNode(const ComNode& element, std::string_view text);
+
+}  // namespace parvex::xml

@@ -1,0 +1,88 @@
+#include "adapters/msxml/refusals.h"
+
+#include "formats/text/xml_characters.h"
+#include "seams/automation_error.h"
+
+namespace parvex::xml {
+namespace {
+
+using windows::Bstr;
+using windows::Variant;
+
+bool IsNameOrPrefixedName(std::string_view name) {
+  const std::size_t colon = name.find(':');
+  return colon == std::string_view::npos ? IsPlainName(name)
+                                         : IsPlainName(name.substr(0, colon)) && IsPlainName(name.substr(colon + 1));
+}
+
+bool IsDeclaredAt(ComNode node, std::string_view prefix) {
+  const Bstr declaration("xmlns:" + std::string(prefix));
+  for (; node && TypeOf(node) == NODE_ELEMENT; node = ParentOf(node)) {
+    Variant value;
+    if (AsElement(node)->getAttribute(declaration.Get(), value.Out()) == S_OK) {
+      return true;
+    }
+  }
+  return prefix == "xml";
+}
+
+// Whether `node` stands at or above `below`. Nodes have no identity to be compared by, so an attribute marks it.
+bool IsAtOrAbove(const ComNode& node, ComNode below) {
+  const ComElement element = AsElement(node);
+  if (!element) {
+    return false;
+  }
+  const Bstr mark("parvex-mark");
+  element->setAttribute(mark.Get(), TextVariant("1").Get());
+  bool found = false;
+  for (; below && TypeOf(below) == NODE_ELEMENT && !found; below = ParentOf(below)) {
+    Variant value;
+    found = AsElement(below)->getAttribute(mark.Get(), value.Out()) == S_OK;
+  }
+  element->removeAttribute(mark.Get());
+  return found;
+}
+
+bool MayBeChild(DOMNodeType type) {
+  return type == NODE_ELEMENT || type == NODE_TEXT || type == NODE_CDATA_SECTION || type == NODE_COMMENT ||
+         type == NODE_PROCESSING_INSTRUCTION;
+}
+
+}  // namespace
+
+void RefuseCall(const std::string& description) { throw MakeRuntimeError(RuntimeError::InvalidCall, description); }
+
+void RefuseForbidden(std::string_view text, const std::string& where) {
+  const std::size_t offset = FindForbidden(text);
+  if (offset != std::string_view::npos) {
+    RefuseCall("the text for " + where + " holds at byte " + std::to_string(offset) + " what XML cannot carry");
+  }
+}
+
+void RefuseAttributeName(const ComNode& node, std::string_view name) {
+  const std::size_t colon = name.find(':');
+  const bool isDeclaration = name == "xmlns" || name.starts_with("xmlns:");
+  if (!IsNameOrPrefixedName(name) || isDeclaration ||
+      (colon != std::string_view::npos && !IsDeclaredAt(node, name.substr(0, colon)))) {
+    RefuseCall("\"" + std::string(name) + "\" is no name for an attribute of " + NameOf(node));
+  }
+}
+
+void RefuseAppend(const ComNode& parent, const ComNode& child) {
+  const DOMNodeType parentType = TypeOf(parent);
+  const DOMNodeType childType = TypeOf(child);
+  const std::string attempt = NameOf(child) + " cannot become a child of " + NameOf(parent);
+  if (!MayBeChild(childType) || (parentType != NODE_ELEMENT && parentType != NODE_DOCUMENT)) {
+    RefuseCall(attempt);
+  }
+  if (parentType == NODE_DOCUMENT) {
+    const bool isText = childType == NODE_TEXT || childType == NODE_CDATA_SECTION;
+    if (isText || (childType == NODE_ELEMENT && RootOf(DocumentOf(parent)))) {
+      RefuseCall(attempt + (isText ? ": text outside the root" : ": it has a root"));
+    }
+  } else if (IsAtOrAbove(child, parent)) {
+    RefuseCall(attempt + ": it stands above it");
+  }
+}
+
+}  // namespace parvex::xml

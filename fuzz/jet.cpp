@@ -3,6 +3,7 @@
 #include <string_view>
 #include <vector>
 
+#include "adapters/posix/code_pages.h"
 #include "formats/jet/databases.h"
 #include "formats/jet/format.h"
 #include "formats/jet/writer.h"
@@ -60,6 +61,8 @@ const std::string& SoundDatabase(std::uint8_t number) {
       standin::MakeJetDatabase(std::vector{Settings(24, true), TagIndex()}),
       standin::MakeJetDatabase(std::vector{Settings(70, false)}),
       standin::MakeJetDatabase(std::vector{JetTable{"Config", {{"sPdsg"}, {"sKey"}, {"sValue"}}, {}}}),
+      standin::MakeJetDatabase(std::vector{Settings(24, true), TagIndex()}, jet::Version::Jet3),
+      standin::MakeJetDatabase(std::vector{Settings(70, false)}, jet::Version::Jet3),
   };
   return databases[number % databases.size()];
 }
@@ -70,11 +73,12 @@ std::string DamagedDatabase(fuzz::Input& input) {
     return std::string(input.TakeRest());
   }
   std::string bytes = SoundDatabase(number);
+  const std::size_t pageSize = jet::PageSize(static_cast<jet::Version>(bytes[0x14]));
   const std::size_t length = input.TakeWord() * std::size_t{64};
   bytes.resize(length == 0 ? bytes.size() : std::min(length, bytes.size()));
   while (!input.Empty()) {
     const std::size_t page = input.TakeByte();
-    const std::size_t at = page * jet::kPageSize + input.TakeWord() % jet::kPageSize;
+    const std::size_t at = page * pageSize + input.TakeWord() % pageSize;
     const std::uint8_t how = input.TakeByte();
     const auto value = static_cast<char>(input.TakeByte());
     if (at >= bytes.size()) {
@@ -121,7 +125,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::Input input(data, size);
   test::OneFile file;
   file.bytes = DamagedDatabase(input);
-  jet::Databases databases(file);
+  jet::Databases databases(file, posix::CodePageOf);
   for (const char* table : {"Config", "TagIndex"}) {
     ReadAll(databases, table);
   }

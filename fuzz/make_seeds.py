@@ -208,14 +208,17 @@ def damage(page, place, how, value):
 
 
 def jet_seeds(chance):
-    inputs = [bytes([number]) for number in range(3)]
-    inputs += [bytes([number]) + struct.pack("<H", 64 * pages + part) for number in range(2) for pages in (0, 1, 3, 5,
+    inputs = [bytes([number]) for number in range(5)]
+    inputs += [bytes([number]) + struct.pack("<H", 64 * pages + part) for number in (0, 1, 3, 4) for pages in (0, 1, 3, 5,
                                                                                                            7)
                for part in (1, 33)]
     inputs += [b"\xff", b"\xff\0\1\0\0Standard Jet DB\0", b"\xff" + b"\0\1\0\0Standard Jet DB\0\1".ljust(4096, b"\0")]
-    for page in range(9):  # header, maps, catalogue, definitions and rows
+    inputs.append(b"\xff" + b"\0\1\0\0Standard Jet DB\0\0".ljust(2048, b"\0"))
+    for page in range(11):  # header, maps, catalogue, definitions and rows
         inputs.append(b"\0\0\0" + damage(page, 0, 0, page))
         inputs.append(b"\0\0\0" + damage(page, 2, 2, 1) + damage(page, 12, 0, 255))
+        inputs.append(b"\3\0\0" + damage(page, 2, 2, 1) + damage(page, 8, 0, 255))
+        inputs.append(b"\3\0\0" + damage(page, 2047, 1, 255) + damage(page, 2040, 0, chance.randrange(256)))
         inputs.append(b"\1\0\0" + b"".join(damage(page, chance.randrange(200), 1,
                                                   1 << chance.randrange(8)) for _ in range(4)))
     return inputs

@@ -23,7 +23,7 @@ using Type = standin::JetColumn::Type;
 
 constexpr const char* kPath = "C:\\Project.mdb";
 
-std::string SoundDatabase() {
+std::string SoundDatabase(jet::Version version) {
   JetTable table{"Config",
                  {{"sPdsg"},
                   {"sKey"},
@@ -36,12 +36,12 @@ std::string SoundDatabase() {
   for (int i = 0; i < 40; ++i) {
     const std::string n = std::to_string(i);
     table.rows.push_back({"KDQ47", "key" + n, i % 5 == 0 ? std::nullopt : std::optional("value " + n),
-                          std::string(static_cast<std::size_t>(i), 'm'), n, "True", "1.5"});
+                          std::string(static_cast<std::size_t>(8 * i), 'm'), n, "True", "1.5"});
   }
-  return standin::MakeJetDatabase(std::vector{table});
+  return standin::MakeJetDatabase(std::vector{table}, version);
 }
 
-class DamagedDatabase : public testing::Test {
+class DamagedDatabase : public testing::TestWithParam<jet::Version> {
  protected:
   // Reads everything, then changes a row. What was read, and what failed, is counted.
   void Use(std::string bytes) {
@@ -65,6 +65,7 @@ class DamagedDatabase : public testing::Test {
     });
   }
 
+  const std::size_t pageSize = jet::PageSize(GetParam());
   int read_ = 0;
   int refused_ = 0;
 
@@ -83,15 +84,15 @@ class DamagedDatabase : public testing::Test {
   OneFile file_;
 };
 
-TEST_F(DamagedDatabase, CutOffAtAndInEveryPageIsRefusedOrRead) {
-  const std::string sound = SoundDatabase();
+TEST_P(DamagedDatabase, CutOffAtAndInEveryPageIsRefusedOrRead) {
+  const std::string sound = SoundDatabase(GetParam());
   Use(sound);
   ASSERT_EQ(refused_, 0);
   testing::internal::CaptureStderr();
-  const std::size_t pages = sound.size() / jet::kPageSize;
+  const std::size_t pages = sound.size() / pageSize;
   for (std::size_t page = 0; page < pages; ++page) {
-    for (const std::size_t part : {std::size_t{0}, std::size_t{1}, std::size_t{100}, jet::kPageSize - 1}) {
-      Use(sound.substr(0, page * jet::kPageSize + part));
+    for (const std::size_t part : {std::size_t{0}, std::size_t{1}, std::size_t{100}, pageSize - 1}) {
+      Use(sound.substr(0, page * pageSize + part));
     }
   }
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
@@ -99,8 +100,8 @@ TEST_F(DamagedDatabase, CutOffAtAndInEveryPageIsRefusedOrRead) {
   EXPECT_GE(refused_, static_cast<int>(2 * 4 * (pages - 1)));
 }
 
-TEST_F(DamagedDatabase, WithWrongBitsIsRefusedOrRead) {
-  const std::string sound = SoundDatabase();
+TEST_P(DamagedDatabase, WithWrongBitsIsRefusedOrRead) {
+  const std::string sound = SoundDatabase(GetParam());
   std::mt19937 random(471);
   testing::internal::CaptureStderr();
   for (int variant = 0; variant < 2'400; ++variant) {
@@ -108,7 +109,7 @@ TEST_F(DamagedDatabase, WithWrongBitsIsRefusedOrRead) {
     for (std::size_t flips = 1 + random() % 8; flips > 0; --flips) {
       // Every other flip meets the beginning of a page, where the structure stands.
       std::size_t at = random() % bytes.size();
-      at -= flips % 2 == 0 ? at % jet::kPageSize - at % 64 : 0;
+      at -= flips % 2 == 0 ? at % pageSize - at % 64 : 0;
       bytes[at] = static_cast<char>(bytes[at] ^ 1 << random() % 8);
     }
     Use(std::move(bytes));
@@ -117,6 +118,11 @@ TEST_F(DamagedDatabase, WithWrongBitsIsRefusedOrRead) {
   EXPECT_GT(refused_, 500);
   EXPECT_GT(read_, 500);
 }
+
+INSTANTIATE_TEST_SUITE_P(Versions, DamagedDatabase, testing::Values(jet::Version::Jet3, jet::Version::Jet4),
+                         [](const auto& tested) {
+                           return std::string(tested.param == jet::Version::Jet3 ? "Jet3" : "Jet4");
+                         });
 
 }  // namespace
 }  // namespace parvex::test

@@ -4,6 +4,7 @@
 
 #include "adapters/posix/child_processes.h"
 #include "adapters/posix/class_table.h"
+#include "adapters/posix/code_pages.h"
 #include "adapters/posix/machine_files.h"
 #include "adapters/posix/machine_folder.h"
 #include "adapters/posix/profile_files.h"
@@ -26,7 +27,7 @@ struct Machine::Parts {
   ChildProcesses processes{folder};
   SleepingPump messagePump;
   WrittenBoxes messageBoxes;
-  jet::Databases projectDatabases{files};
+  jet::Databases projectDatabases{files, CodePageOf};
   ClassTable classes;
 };
 

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "formats/jet/format.h"
+
 namespace parvex::jet {
 
 /// A data page taken apart: what its slots hold, in order. Slots are never renumbered, since indexes and other pages
@@ -18,6 +20,7 @@ struct DataPage {
     std::string bytes;
     bool Deleted() const { return hidden && pointer; }
   };
+  Version version = Version::Jet4;
   std::uint32_t owner = 0;  ///< definition page of the table
   std::vector<Slot> slots;
 
@@ -28,11 +31,9 @@ struct DataPage {
 };
 
 /// Nothing when the bytes are not a sound data page.
-std::optional<DataPage> DecodeDataPage(std::string_view page);
+std::optional<DataPage> DecodeDataPage(Version version, std::string_view page);
 std::string EncodeDataPage(const DataPage& page);
 
-/// The longest row that a page can hold.
-inline constexpr std::size_t kLongestRow = 4060;
 /// Rows of a page are numbered in one byte.
 inline constexpr std::size_t kMostRows = 255;
 

@@ -16,9 +16,11 @@ namespace {
 /// An open database: its bytes as they were read or written last, and the tables that were asked for.
 class OpenFile {
  public:
-  OpenFile(Files& files, std::string_view path) : files_(files), file_(Read(files, path)) {}
+  OpenFile(Files& files, const CodePages& codePages, std::string_view path)
+      : files_(files), codePages_(codePages), file_(Read(path)) {}
 
   const std::string& Name() const { return file_.Name(); }
+  const TextForm& Texts() const { return file_.Texts(); }
 
   std::shared_ptr<Table> TableAt(std::uint32_t definitionPage) {
     std::shared_ptr<Table>& table = tables_[definitionPage];
@@ -45,7 +47,7 @@ class OpenFile {
   /// Makes a change to the file as it stands now; nothing has changed when it fails.
   template <typename Change>
   void Save(Change change) {
-    File changed = Read(files_, file_.Name());
+    File changed = Read(file_.Name());
     change(changed);
     files_.Replace(changed.Name(), changed.Bytes());
     file_ = std::move(changed);
@@ -53,7 +55,7 @@ class OpenFile {
   }
 
  private:
-  static File Read(Files& files, std::string_view path) { return {files.ReadAll(path), std::string(path)}; }
+  File Read(std::string_view path) const { return {files_.ReadAll(path), std::string(path), codePages_}; }
 
   std::size_t Require(const Table& catalogue, std::string_view column) const {
     const std::optional<std::size_t> found = catalogue.Definition().FindColumn(column);
@@ -62,6 +64,7 @@ class OpenFile {
   }
 
   Files& files_;
+  CodePages codePages_;
   File file_;
   std::map<std::uint32_t, std::shared_ptr<Table>> tables_;
 };
@@ -105,7 +108,7 @@ class JetRecordSet : public TypedRecordSet {
   void SetColumn(std::string_view name, std::string_view value) override {
     RequireChange("SetColumn");
     const std::size_t column = Find(name);
-    values_[column] = EncodeValue(table_.shape.columns[column], value);
+    values_[column] = EncodeValue(table_.shape.columns[column], value, file_->Texts());
   }
 
   void Update() override {
@@ -202,7 +205,7 @@ class JetDatabase : public TypedDatabase {
 }  // namespace
 
 std::unique_ptr<TypedDatabase> Databases::OpenTyped(std::string_view path) {
-  return std::make_unique<JetDatabase>(std::make_shared<OpenFile>(files_, path));
+  return std::make_unique<JetDatabase>(std::make_shared<OpenFile>(files_, codePages_, path));
 }
 
 }  // namespace parvex::jet

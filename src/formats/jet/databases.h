@@ -20,7 +20,7 @@ class TypedDatabase : public Database {
   std::unique_ptr<RecordSet> OpenRecordSet(std::string_view sql) override { return OpenTyped(sql); }
 };
 
-/// Jet 4 databases (.mdb) in files. docs/jet-databases.md says what is understood and what is refused.
+/// Jet 3 and Jet 4 databases (.mdb) in files. docs/jet-databases.md says what is understood and what is refused.
 ///
 /// A change is made in a copy of the file that then replaces it: at every moment the file is as it was or holds the
 /// whole change. A row that somebody else changed since it was read is not overwritten (3197). A record set keeps the
@@ -30,14 +30,16 @@ class TypedDatabase : public Database {
 /// table, column and type.
 class Databases : public ProjectDatabases {
  public:
-  /// `files` has to outlive the databases opened.
-  explicit Databases(Files& files) : files_(files) {}
+  /// `files` has to outlive the databases opened. `codePages` are those in which Jet 3 databases are understood.
+  explicit Databases(Files& files, CodePages codePages = WesternCodePage)
+      : files_(files), codePages_(std::move(codePages)) {}
 
   std::unique_ptr<TypedDatabase> OpenTyped(std::string_view path);
   std::unique_ptr<Database> Open(std::string_view path) override { return OpenTyped(path); }
 
  private:
   Files& files_;
+  CodePages codePages_;
 };
 
 }  // namespace parvex::jet

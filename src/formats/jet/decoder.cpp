@@ -8,7 +8,7 @@ namespace {
 
 std::optional<std::string> TextOf(const File& file, const Column& column, const std::optional<std::string>& stored) {
   if (!stored) return column.type == ColumnType::Boolean ? std::optional<std::string>("False") : std::nullopt;
-  return DecodeValue(column, column.type == ColumnType::Memo ? file.ReadLongValue(*stored) : *stored);
+  return DecodeValue(column, column.type == ColumnType::Memo ? file.ReadLongValue(*stored) : *stored, file.Texts());
 }
 
 }  // namespace

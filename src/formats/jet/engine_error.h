@@ -18,7 +18,7 @@ enum class EngineError : std::uint16_t {
   ChangedMeanwhile = 3197,  ///< somebody else changed the row after it was read
   NotSupported = 3251,      ///< a change that cannot be made without damaging the file
   NoSuchColumn = 3265,
-  UnrecognizedFormat = 3343,  ///< not a Jet 4 database, or a damaged one
+  UnrecognizedFormat = 3343,  ///< no database of Jet 3 or Jet 4, or a damaged one
   ObjectInvalid = 3420,       ///< something that was closed is used
   DataTypeConversion = 3421,  ///< a text that the column's type cannot take
   CriteriaMismatch = 3464     ///< a text compared with a column that holds none

@@ -10,37 +10,53 @@ namespace parvex::jet {
 namespace {
 
 constexpr std::size_t kVersionAt = 0x14;
-constexpr char kJet4 = 1;
+constexpr std::size_t kCodePageAt = 0x3C;
 constexpr std::size_t kEncryptionKeyAt = 0x3E;
 
 /// The usage map of the whole file: marked pages are free, and so is every page behind those that it covers.
 constexpr RowPlace kFreePages{1, 0};
 constexpr std::size_t kMapPagePrefix = 4;
-constexpr std::size_t kPagesPerMapPage = (kPageSize - kMapPagePrefix) * 8;
 
 constexpr std::size_t kFreeBytesAt = 2;
 
-constexpr std::size_t kLongestDefinition = 256 * kPageSize;
+constexpr std::size_t kMostDefinitionPages = 256;
 
-std::string EmptyMapPage(bool marked) {
-  std::string page(kPageSize, marked ? '\xFF' : '\0');
+std::size_t PagesPerMapPage(Version version) { return (PageSize(version) - kMapPagePrefix) * 8; }
+
+std::string EmptyMapPage(Version version, bool marked) {
+  std::string page(PageSize(version), marked ? '\xFF' : '\0');
   page.replace(0, kMapPagePrefix, std::string_view("\5\1\0\0", kMapPagePrefix));
   return page;
 }
 
 }  // namespace
 
-File::File(std::string bytes, std::string name) : bytes_(std::move(bytes)), name_(std::move(name)) {
+File::File(std::string bytes, std::string name, const CodePages& codePages)
+    : bytes_(std::move(bytes)), name_(std::move(name)) {
   if (!bytes_.starts_with(kFileStart)) Fail(EngineError::UnrecognizedFormat, "Not a Jet database: '" + name_ + "'");
-  if (bytes_.size() < kVersionAt + 1 || bytes_[kVersionAt] != kJet4) {
-    Fail(EngineError::UnrecognizedFormat, "A Jet database of another version than 4: '" + name_ + "'");
+  const int version = bytes_.size() > kVersionAt ? ByteAt(bytes_, kVersionAt) : -1;
+  if (version != static_cast<int>(Version::Jet3) && version != static_cast<int>(Version::Jet4)) {
+    Fail(EngineError::UnrecognizedFormat, "A Jet database of another version than 3 and 4: '" + name_ + "'");
   }
-  if (bytes_.size() % kPageSize != 0 || PageCount() <= kCataloguePage) Damaged("it does not end with a whole page");
+  version_ = static_cast<Version>(version);
+  if (bytes_.size() % PageSize(version_) != 0 || PageCount() <= kCataloguePage) {
+    Damaged("it does not end with a whole page");
+  }
   std::string header(Page(0));
-  ToggleHeaderMask(header);
+  ToggleHeaderMask(header, version_);
   if (Get32(header, kEncryptionKeyAt) != 0) {
     Fail(EngineError::UnrecognizedFormat, "An encrypted Jet database cannot be read: '" + name_ + "'");
   }
+  if (version_ == Version::Jet3) texts_ = TextForm(FindCodePage(Get16(header, kCodePageAt), codePages));
+}
+
+std::shared_ptr<TextCodec> File::FindCodePage(std::uint16_t number, const CodePages& codePages) const {
+  std::shared_ptr<TextCodec> codePage = codePages(number);
+  if (!codePage) {
+    Fail(EngineError::UnrecognizedFormat,
+         "A Jet 3 database in code page " + std::to_string(number) + ", which is not known: '" + name_ + "'");
+  }
+  return codePage;
 }
 
 TableDefinition File::ReadTable(std::uint32_t definitionPage) const {
@@ -54,10 +70,10 @@ TableDefinition File::ReadTable(std::uint32_t definitionPage) const {
   std::string bytes(part(definitionPage));
   for (std::uint32_t next = Get32(bytes, 4); next != 0; next = Get32(part(next), 4)) {
     bytes += part(next).substr(8);
-    if (bytes.size() > kLongestDefinition) Damaged("the definition of a table has no end");
+    if (bytes.size() > kMostDefinitionPages * PageSize(version_)) Damaged("the definition of a table has no end");
   }
 
-  DecodedDefinition decoded = DecodeDefinition(bytes);
+  DecodedDefinition decoded = DecodeDefinition(texts_, bytes);
   if (!decoded.fault.empty()) Damaged(decoded.fault);
   decoded.table.page = definitionPage;
   // Nothing here needs to know which pages have room, but whoever reads the table after this check looks at the map.
@@ -131,7 +147,7 @@ void File::AddRow(const TableDefinition& table, const StoredValues& values) {
     Fail(EngineError::NotSupported, "A row cannot be added where column '" + column.name + "' counts: '" + name_ + "'");
   }
   StoreRow(table, EncodeRow(table.shape, values), false);
-  const std::size_t rowCountAt = table.page * kPageSize + kRowCountAt;
+  const std::size_t rowCountAt = table.page * PageSize(version_) + RowCountAt(version_);
   Put32(bytes_, rowCountAt, Get32(bytes_, rowCountAt) + 1);
 }
 
@@ -173,11 +189,11 @@ void File::RefuseIndexed(const Index& index) const {
 
 std::string_view File::Page(std::uint32_t number) const {
   if (number >= PageCount()) Damaged("page " + std::to_string(number) + " is missing");
-  return std::string_view(bytes_).substr(number * kPageSize, kPageSize);
+  return std::string_view(bytes_).substr(number * PageSize(version_), PageSize(version_));
 }
 
 DataPage File::ReadDataPage(std::uint32_t number) const {
-  std::optional<DataPage> page = DecodeDataPage(Page(number));
+  std::optional<DataPage> page = DecodeDataPage(version_, Page(number));
   if (!page) Damaged("page " + std::to_string(number) + " is no sound data page");
   return std::move(*page);
 }
@@ -189,7 +205,7 @@ DataPage File::ReadTablePage(const TableDefinition& table, std::uint32_t number)
 }
 
 void File::WritePage(std::uint32_t number, std::string_view bytes) {
-  bytes_.replace(number * kPageSize, kPageSize, bytes);
+  bytes_.replace(number * PageSize(version_), PageSize(version_), bytes);
 }
 
 std::string File::SlotBytes(RowPlace place) const {
@@ -215,7 +231,7 @@ std::vector<std::uint32_t> File::PagesInMap(RowPlace map) const {
       if (number == 0) continue;
       const std::string_view page = Page(number);
       if (page[0] != static_cast<char>(PageType::UsageMap)) Damaged("a usage map points at another page");
-      collect(page.substr(kMapPagePrefix), i * kPagesPerMapPage);
+      collect(page.substr(kMapPagePrefix), i * PagesPerMapPage(version_));
     }
   }
   return pages;
@@ -242,19 +258,19 @@ void File::MarkInMap(RowPlace map, std::uint32_t page, bool mark, bool elsewhere
     MarkInMap(map, page, mark, elsewhere);
     return;
   }
-  const std::size_t entry = 1 + 4 * (page / kPagesPerMapPage);
+  const std::size_t entry = 1 + 4 * (page / PagesPerMapPage(version_));
   if (entry + 4 > record.size()) Fail(EngineError::NotSupported, "The database has become too large: '" + name_ + "'");
   std::uint32_t number = Get32(record, entry);
   if (number == 0) {
     if (mark == elsewhere) return;
     number = static_cast<std::uint32_t>(PageCount());
-    bytes_ += EmptyMapPage(elsewhere);
+    bytes_ += EmptyMapPage(version_, elsewhere);
     Put32(record, entry, number);
     WritePage(map.page, EncodeDataPage(holder));
     MarkInMap(kFreePages, number, false, true);
   }
   std::string mapPage(Page(number));
-  set(mapPage, page % kPagesPerMapPage, kMapPagePrefix);
+  set(mapPage, page % PagesPerMapPage(version_), kMapPagePrefix);
   WritePage(number, mapPage);
 }
 
@@ -279,7 +295,7 @@ std::uint32_t File::AppendPage(std::string_view bytes) {
 }
 
 RowPlace File::StoreRow(const TableDefinition& table, std::string rowBytes, bool hidden) {
-  if (rowBytes.size() > kLongestRow) {
+  if (rowBytes.size() > LongestRow(version_)) {
     Fail(EngineError::FieldTooSmall,
          "A row of " + std::to_string(rowBytes.size()) + " bytes is too long: '" + name_ + "'");
   }
@@ -294,7 +310,8 @@ RowPlace File::StoreRow(const TableDefinition& table, std::string rowBytes, bool
     WritePage(*number, EncodeDataPage(page));
     return {*number, static_cast<std::uint8_t>(page.slots.size() - 1)};
   }
-  const std::uint32_t number = AppendPage(EncodeDataPage({.owner = table.page, .slots = {std::move(slot)}}));
+  const std::uint32_t number =
+      AppendPage(EncodeDataPage({.version = version_, .owner = table.page, .slots = {std::move(slot)}}));
   MarkInMap(table.ownedPages, number, true, false);
   MarkInMap(table.pagesWithRoom, number, true, false);
   return {number, 0};

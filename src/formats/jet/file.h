@@ -9,6 +9,7 @@
 #include "formats/jet/data_page.h"
 #include "formats/jet/engine_error.h"
 #include "formats/jet/format.h"
+#include "formats/jet/stored_text.h"
 #include "formats/jet/table_definition.h"
 
 namespace parvex::jet {
@@ -23,11 +24,13 @@ struct Row {
 /// structure; what does not fit is an error (3343) that names the file. Changes are made to the bytes in memory only.
 class File {
  public:
-  /// `name` is what errors call the file. An encrypted or older database is refused.
-  File(std::string bytes, std::string name);
+  /// `name` is what errors call the file. Refused are an encrypted database, another version than 3 and 4, and one of
+  /// Jet 3 in a code page that `codePages` does not know.
+  File(std::string bytes, std::string name, const CodePages& codePages = WesternCodePage);
 
   const std::string& Bytes() const { return bytes_; }
   const std::string& Name() const { return name_; }
+  const TextForm& Texts() const { return texts_; }
 
   TableDefinition ReadTable(std::uint32_t definitionPage) const;
   /// In the order of the pages and of the rows in them.
@@ -43,7 +46,8 @@ class File {
  private:
   [[noreturn]] void Damaged(const std::string& what) const;
   [[noreturn]] void RefuseIndexed(const Index& index) const;
-  std::size_t PageCount() const { return bytes_.size() / kPageSize; }
+  std::shared_ptr<TextCodec> FindCodePage(std::uint16_t number, const CodePages& codePages) const;
+  std::size_t PageCount() const { return bytes_.size() / PageSize(version_); }
   std::string_view Page(std::uint32_t number) const;
   DataPage ReadDataPage(std::uint32_t number) const;
   DataPage ReadTablePage(const TableDefinition& table, std::uint32_t number) const;
@@ -59,6 +63,8 @@ class File {
 
   std::string bytes_;
   std::string name_;
+  Version version_ = Version::Jet4;
+  TextForm texts_;
 };
 
 }  // namespace parvex::jet

@@ -8,7 +8,6 @@ namespace parvex::jet {
 namespace {
 
 constexpr std::size_t kMaskedFrom = 0x18;
-constexpr std::size_t kMaskedLength = 128;
 constexpr std::array<std::uint8_t, 4> kMaskKey{0xC7, 0xDA, 0x39, 0x6B};
 
 }  // namespace
@@ -72,7 +71,8 @@ std::string BytesOfPlace(RowPlace place) {
   return bytes;
 }
 
-void ToggleHeaderMask(std::string& databasePage) {
+void ToggleHeaderMask(std::string& databasePage, Version version) {
+  const std::size_t maskedLength = version == Version::Jet3 ? 126 : 128;
   // RC4 with a key that every database shares: it hides, it does not protect.
   std::array<std::uint8_t, 256> state;
   std::iota(state.begin(), state.end(), std::uint8_t{0});
@@ -81,7 +81,7 @@ void ToggleHeaderMask(std::string& databasePage) {
     std::swap(state[i], state[j]);
   }
   std::size_t j = 0;
-  for (std::size_t n = 0; n < kMaskedLength; ++n) {
+  for (std::size_t n = 0; n < maskedLength; ++n) {
     const std::size_t i = (n + 1) % state.size();
     j = (j + state[i]) % state.size();
     std::swap(state[i], state[j]);

@@ -6,11 +6,16 @@
 #include <string_view>
 #include <vector>
 
-/// The Jet 4 file format (.mdb), as far as reading, changing and making files needs it; docs/jet-databases.md describes
-/// it in prose. Here are the numbers in it and what its structures have in common.
+/// The file format of Jet 3 and Jet 4 (.mdb), as far as reading, changing and making files needs it;
+/// docs/jet-databases.md describes it in prose. Here are the numbers in it and what its structures have in common.
 namespace parvex::jet {
 
-inline constexpr std::size_t kPageSize = 4096;
+/// As the header counts it: Jet 3 is what Access 97 writes, Jet 4 what Access 2000 and later write.
+enum class Version : std::uint8_t { Jet3 = 0, Jet4 = 1 };
+
+constexpr std::size_t PageSize(Version version) { return version == Version::Jet3 ? 2048 : 4096; }
+/// The longest row that a page can hold.
+constexpr std::size_t LongestRow(Version version) { return version == Version::Jet3 ? 2012 : 4060; }
 /// "Standard Jet DB" stands behind these four bytes at the start of every file.
 inline constexpr std::string_view kFileStart{"\0\1\0\0Standard Jet DB\0", 20};
 /// The system catalogue (MSysObjects) always has its table definition on this page.
@@ -18,8 +23,9 @@ inline constexpr std::uint32_t kCataloguePage = 2;
 /// What the catalogue calls a table; the number of a table's definition page is its object id.
 inline constexpr int kTableObject = 1;
 
-/// English, the first version of its order.
+/// Of the files made here: English, the first version of its order, and Western European characters.
 inline constexpr std::uint16_t kSortOrder = 0x0409;
+inline constexpr std::uint16_t kCodePage = 1252;
 
 enum class PageType : std::uint8_t { Database = 0, Data = 1, TableDefinition = 2, UsageMap = 5 };
 
@@ -50,15 +56,16 @@ struct Column {
   bool fixed = false;       ///< has its place in the fixed part of a row
   bool compressed = false;  ///< texts may be stored in the compressed form
   bool autonumber = false;
-  std::uint16_t number = 0;          ///< its bit in the null mask; numbers of deleted columns are not used again
-  std::uint16_t variableNumber = 0;  ///< its entry in the table of variable offsets
-  std::uint16_t fixedOffset = 0;     ///< from the end of the row's column count
-  std::uint16_t size = 0;            ///< bytes: exactly for fixed columns, at most for texts
-  std::uint8_t scale = 0;            ///< of a Decimal: how many of its digits are places
+  std::uint16_t number = 0;           ///< its bit in the null mask; numbers of deleted columns are not used again
+  std::uint16_t variableNumber = 0;   ///< its entry in the table of variable offsets
+  std::uint16_t fixedOffset = 0;      ///< from the end of the row's column count
+  std::uint16_t size = 0;             ///< bytes: exactly for fixed columns, at most for texts
+  std::optional<std::uint8_t> scale;  ///< of a Decimal of Jet 4: how many of its digits are places
 };
 
 /// What the rows of one table have in common.
 struct RowShape {
+  Version version = Version::Jet4;
   std::vector<Column> columns;
   std::uint16_t columnCount = 0;    ///< with the deleted ones
   std::uint16_t variableCount = 0;  ///< with the deleted ones
@@ -90,6 +97,6 @@ std::string Bytes32(std::uint32_t value);
 std::string BytesOfPlace(RowPlace place);
 
 /// Turns the masked part of a database page readable, or back.
-void ToggleHeaderMask(std::string& databasePage);
+void ToggleHeaderMask(std::string& databasePage, Version version);
 
 }  // namespace parvex::jet

@@ -1,8 +1,5 @@
 #include "formats/jet/stored_text.h"
 
-#include <optional>
-
-#include "formats/jet/format.h"
 #include "formats/text/text.h"
 
 namespace parvex::jet {
@@ -74,6 +71,22 @@ std::string EncodeLongValue(std::string_view bytes) {
   Append32(header, kInsideRow | static_cast<std::uint32_t>(bytes.size()));
   header.append(8, '\0');
   return header.append(bytes);
+}
+
+std::optional<std::string> TextForm::Encode(std::string_view utf8, bool compress) const {
+  return codePage_ ? codePage_->Encode(utf8) : EncodeText(utf8, compress);
+}
+
+std::string TextForm::Decode(std::string_view stored) const {
+  return codePage_ ? codePage_->Decode(stored) : DecodeText(stored);
+}
+
+std::optional<std::string> TextForm::EncodePlain(std::string_view utf8) const {
+  return codePage_ ? codePage_->Encode(utf8) : Utf16Bytes(utf8);
+}
+
+std::string TextForm::DecodePlain(std::string_view stored) const {
+  return codePage_ ? codePage_->Decode(stored) : Utf8FromUtf16Bytes(stored);
 }
 
 }  // namespace parvex::jet

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "formats/jet/format.h"
+#include "formats/jet/stored_text.h"
 
 namespace parvex::jet {
 
@@ -36,14 +37,15 @@ struct DecodedDefinition {
 };
 
 /// The pages of a definition follow each other; the later ones without their first eight bytes, which name the next.
-DecodedDefinition DecodeDefinition(std::string_view bytes);
+DecodedDefinition DecodeDefinition(const TextForm& form, std::string_view bytes);
 
-/// The page that defines a table without rows and without indexes; its usage maps are the records of the page `maps`,
-/// in the order: its pages, those with room, and both once more for each column of long values. Columns that do not fit
-/// on one page are an AutomationError (3251).
-std::string EncodeDefinition(const RowShape& shape, bool system, std::uint32_t maps);
+/// The page that defines a table without rows and without indexes. `maps` are the places of its usage maps: of its
+/// pages, of those with room, and both once more for each column of long values. Columns that do not fit on one page
+/// are an AutomationError (3251), and so is a name that the code page of the file cannot hold (3421).
+std::string EncodeDefinition(const TextForm& form, const RowShape& shape, bool system,
+                             const std::vector<RowPlace>& maps);
 
 /// Where a definition counts the rows of its table.
-inline constexpr std::size_t kRowCountAt = 0x10;
+std::size_t RowCountAt(Version version);
 
 }  // namespace parvex::jet

@@ -9,7 +9,6 @@
 #include <cstring>
 
 #include "formats/jet/engine_error.h"
-#include "formats/jet/stored_text.h"
 #include "formats/text/text.h"
 
 namespace parvex::jet {
@@ -25,6 +24,28 @@ std::optional<std::string> NumberBytes(std::string_view text) {
   std::string bytes(sizeof number, '\0');
   std::memcpy(bytes.data(), &number, sizeof number);
   return bytes;
+}
+
+[[noreturn]] void CannotHold(const Column& column, std::string_view text, const std::string& why = "") {
+  Fail(EngineError::DataTypeConversion, "Column '" + column.name + "' cannot hold '" + std::string(text) + "'" + why);
+}
+
+std::string StoredText(const Column& column, std::string_view text, const TextForm& form) {
+  std::optional<std::string> stored = column.fixed ? form.EncodePlain(text) : form.Encode(text, column.compressed);
+  if (!stored) CannotHold(column, text, ": the code page of the file lacks a character of it");
+  return std::move(*stored);
+}
+
+std::string EncodeTextValue(const Column& column, std::string_view text, const TextForm& form) {
+  std::string stored = StoredText(column, text, form);
+  const bool inUnits = form.FileVersion() == Version::Jet4;
+  if ((inUnits ? LengthInUnits(text) * 2 : stored.size()) > column.size) {
+    Fail(EngineError::FieldTooSmall, "Column '" + column.name + "' is too short for '" + std::string(text) + "'");
+  }
+  if (!column.fixed) return stored;
+  const std::string blank = inUnits ? Bytes16(u' ') : " ";
+  while (stored.size() + blank.size() <= column.size) stored += blank;
+  return stored;
 }
 
 /// Nothing when the bytes are not as many as the number has.
@@ -76,9 +97,9 @@ std::optional<std::string> CurrencyText(std::string_view stored) {
 
 /// A sign in the highest bit of the first byte, then four words, the most significant one first.
 std::optional<std::string> DecimalText(const Column& column, std::string_view stored) {
-  if (stored.size() != 17) return std::nullopt;
+  if (stored.size() != 17 || !column.scale) return std::nullopt;
   return PlacesText({Get32(stored, 1), Get32(stored, 5), Get32(stored, 9), Get32(stored, 13)},
-                    (ByteAt(stored, 0) & 0x80) != 0, column.scale);
+                    (ByteAt(stored, 0) & 0x80) != 0, *column.scale);
 }
 
 /// Days since 30 December 1899; the fraction is the time of the day, before that date too.
@@ -116,19 +137,13 @@ std::optional<std::string> GuidText(std::string_view stored) {
 
 }  // namespace
 
-std::optional<std::string> EncodeValue(const Column& column, std::string_view text) {
+std::optional<std::string> EncodeValue(const Column& column, std::string_view text, const TextForm& form) {
   std::optional<std::string> bytes;
   switch (column.type) {
     case ColumnType::Text:
-      if (LengthInUnits(text) * 2 > column.size) {
-        Fail(EngineError::FieldTooSmall, "Column '" + column.name + "' is too short for '" + std::string(text) + "'");
-      }
-      if (!column.fixed) return EncodeText(text, column.compressed);
-      bytes = Utf16Bytes(text);
-      while (bytes->size() < column.size) Append16(*bytes, u' ');
-      return bytes;
+      return EncodeTextValue(column, text, form);
     case ColumnType::Memo:
-      return EncodeLongValue(EncodeText(text, column.compressed));
+      return EncodeLongValue(StoredText(column, text, form));
     case ColumnType::Boolean:
       if (EqualIgnoringCase(text, "False") || text == "0") return std::nullopt;
       if (EqualIgnoringCase(text, "True")) return "\1";
@@ -152,13 +167,11 @@ std::optional<std::string> EncodeValue(const Column& column, std::string_view te
     default:
       break;
   }
-  if (!bytes) {
-    Fail(EngineError::DataTypeConversion, "Column '" + column.name + "' cannot hold '" + std::string(text) + "'");
-  }
+  if (!bytes) CannotHold(column, text);
   return bytes;
 }
 
-std::optional<std::string> DecodeValue(const Column& column, std::string_view stored) {
+std::optional<std::string> DecodeValue(const Column& column, std::string_view stored, const TextForm& form) {
   switch (column.type) {
     case ColumnType::Boolean:
       return "True";
@@ -178,7 +191,7 @@ std::optional<std::string> DecodeValue(const Column& column, std::string_view st
       return DateText(stored);
     case ColumnType::Text:
     case ColumnType::Memo:
-      return DecodeText(stored);
+      return form.Decode(stored);
     case ColumnType::Guid:
       return GuidText(stored);
     case ColumnType::Decimal:

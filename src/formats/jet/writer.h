@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "formats/jet/format.h"
+
 namespace parvex::standin {
 
 struct JetColumn {
@@ -39,8 +41,8 @@ struct JetTable {
   std::vector<std::vector<std::optional<std::string>>> rows;
 };
 
-/// The bytes of a new Jet 4 database that holds these tables and the system tables, none with an index. A value that
-/// its column cannot take is an AutomationError.
-std::string MakeJetDatabase(std::span<const JetTable> tables);
+/// The bytes of a new database that holds these tables and the system tables, none with an index. One of Jet 3 has code
+/// page 1252. A value or a name that it cannot hold is an AutomationError.
+std::string MakeJetDatabase(std::span<const JetTable> tables, jet::Version version = jet::Version::Jet4);
 
 }  // namespace parvex::standin

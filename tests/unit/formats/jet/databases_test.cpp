@@ -5,6 +5,7 @@
 
 #include <map>
 
+#include "adapters/posix/code_pages.h"
 #include "formats/jet/file.h"
 #include "formats/jet/stored_text.h"
 #include "formats/jet/writer.h"
@@ -24,7 +25,7 @@ using Texts = std::vector<std::optional<std::string>>;
 
 constexpr const char* kPath = "C:\\Project.mdb";
 /// Of the first table that is not the system's.
-constexpr std::uint32_t kDefinitionPage = jet::kCataloguePage + 4;
+constexpr std::uint32_t kDefinitionPage = kCataloguePage + 4;
 
 JetTable ConfigTable(int rows) {
   JetTable table{"Config", {{"sPdsg"}, {"sKey"}, {"sValue"}}, {}};
@@ -32,12 +33,15 @@ JetTable ConfigTable(int rows) {
   return table;
 }
 
-class JetDatabasesTest : public testing::Test {
+class JetDatabasesTest : public testing::TestWithParam<Version> {
  protected:
   test::OneFile file;
   Databases databases{file};
+  const std::size_t pageSize = PageSize(GetParam());
+  /// A letter beyond Latin-1 that either version can store.
+  const std::string beyond = "€";
 
-  void Make(JetTable table) { file.bytes = standin::MakeJetDatabase(std::vector{std::move(table)}); }
+  void Make(JetTable table) { file.bytes = standin::MakeJetDatabase(std::vector{std::move(table)}, GetParam()); }
 
   std::unique_ptr<RecordSet> Rows(const std::string& sql) {
     database_ = databases.Open(kPath);
@@ -69,26 +73,54 @@ class JetDatabasesTest : public testing::Test {
   std::unique_ptr<Database> database_;
 };
 
-/// The database with an index over one column of its first table: its tree and its name, without entries.
-std::string WithIndex(const std::string& database, std::uint16_t columnNumber, const std::string& name) {
-  const std::size_t at = kDefinitionPage * jet::kPageSize;
-  std::string page = database.substr(at, jet::kPageSize);
-  page.resize(jet::Get32(page, 8) + 8 - 2);
-  std::string tree(52, '\xFF');
-  jet::Put16(tree, 4, columnNumber);
-  std::string naming(28, '\0');
-  const std::string nameBytes = jet::Utf16Bytes(name);
-  std::string nameLength;
-  jet::Append16(nameLength, static_cast<std::uint16_t>(nameBytes.size()));
-  jet::Put32(page, 0x2F, 1);
-  jet::Put32(page, 0x33, 1);
-  page.insert(0x3F, std::string(12, '\0'));
-  page += tree + naming + nameLength + nameBytes + "\xFF\xFF";
-  page.resize(jet::kPageSize);
-  return std::string(database).replace(at, jet::kPageSize, page);
+/// The database with its header changed behind its mask.
+template <typename Change>
+std::string WithHeader(const std::string& database, Change change) {
+  const Version version = static_cast<Version>(database[0x14]);
+  std::string header = database.substr(0, PageSize(version));
+  ToggleHeaderMask(header, version);
+  change(header);
+  ToggleHeaderMask(header, version);
+  return header + database.substr(PageSize(version));
 }
 
-TEST_F(JetDatabasesTest, AFailedUpdateLeavesTheFileAndCanBeTriedAgain) {
+/// Where a definition has what an index adds to it, and how long its parts are.
+struct IndexPlaces {
+  std::size_t nameCount;
+  std::size_t treeCount;
+  std::size_t treeCounters;
+  std::size_t treeCounterSize;
+  std::size_t treeSize;
+  std::size_t treeColumns;
+  std::size_t namingSize;
+};
+
+IndexPlaces IndexPlacesOf(Version version) {
+  if (version == Version::Jet3) return {0x1B, 0x1F, 0x2B, 8, 39, 0, 20};
+  return {0x2F, 0x33, 0x3F, 12, 52, 4, 28};
+}
+
+/// The database with an index over one column of its first table: its tree and its name, without entries.
+std::string WithIndex(Version version, const std::string& database, std::uint16_t columnNumber,
+                      const std::string& name) {
+  const IndexPlaces places = IndexPlacesOf(version);
+  const std::size_t at = kDefinitionPage * PageSize(version);
+  std::string page = database.substr(at, PageSize(version));
+  page.resize(Get32(page, 8) + (version == Version::Jet4 ? 8 : 0) - 2);
+  std::string tree(places.treeSize, '\xFF');
+  Put16(tree, places.treeColumns, columnNumber);
+  const std::string nameBytes = version == Version::Jet4 ? Utf16Bytes(name) : name;
+  std::string nameLength = Bytes16(static_cast<std::uint16_t>(nameBytes.size()));
+  if (version == Version::Jet3) nameLength.pop_back();
+  Put32(page, places.nameCount, 1);
+  Put32(page, places.treeCount, 1);
+  page.insert(places.treeCounters, std::string(places.treeCounterSize, '\0'));
+  page += tree + std::string(places.namingSize, '\0') + nameLength + nameBytes + "\xFF\xFF";
+  page.resize(PageSize(version));
+  return std::string(database).replace(at, PageSize(version), page);
+}
+
+TEST_P(JetDatabasesTest, AFailedUpdateLeavesTheFileAndCanBeTriedAgain) {
   Make(ConfigTable(2));
   const std::string before = file.bytes;
   const auto rows = Rows("SELECT * FROM Config");
@@ -106,7 +138,7 @@ TEST_F(JetDatabasesTest, AFailedUpdateLeavesTheFileAndCanBeTriedAgain) {
   EXPECT_THAT(Column("sValue"), ElementsAre("new", "v1"));
 }
 
-TEST_F(JetDatabasesTest, ARowThatSomebodyElseChangedIsNotOverwritten) {
+TEST_P(JetDatabasesTest, ARowThatSomebodyElseChangedIsNotOverwritten) {
   Make(ConfigTable(2));
   const auto mine = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config");
   const auto theirs = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config");
@@ -115,7 +147,7 @@ TEST_F(JetDatabasesTest, ARowThatSomebodyElseChangedIsNotOverwritten) {
   EXPECT_THAT(Column("sValue"), ElementsAre("theirs", "v1"));
 }
 
-TEST_F(JetDatabasesTest, ChangesOfSomebodyElseToOtherRowsSurvive) {
+TEST_P(JetDatabasesTest, ChangesOfSomebodyElseToOtherRowsSurvive) {
   Make(ConfigTable(3));
   const auto mine = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config WHERE sKey='key0'");
   SetValue(*databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config WHERE sKey='key2'"), std::string(250, 'x'));
@@ -123,9 +155,9 @@ TEST_F(JetDatabasesTest, ChangesOfSomebodyElseToOtherRowsSurvive) {
   EXPECT_THAT(Column("sValue"), ElementsAre("mine", "v1", std::string(250, 'x')));
 }
 
-TEST_F(JetDatabasesTest, ARowIsNotAddedToAnIndexedTable) {
+TEST_P(JetDatabasesTest, ARowIsNotAddedToAnIndexedTable) {
   Make(ConfigTable(1));
-  file.bytes = WithIndex(file.bytes, 1, "PrimaryKey");
+  file.bytes = WithIndex(GetParam(), file.bytes, 1, "PrimaryKey");
   const std::string before = file.bytes;
   const auto rows = Rows("SELECT * FROM Config");
   rows->AddNew();
@@ -134,9 +166,9 @@ TEST_F(JetDatabasesTest, ARowIsNotAddedToAnIndexedTable) {
   EXPECT_EQ(file.bytes, before);
 }
 
-TEST_F(JetDatabasesTest, ARowOfAnIndexedTableIsChangedWhereTheIndexDoesNotLook) {
+TEST_P(JetDatabasesTest, ARowOfAnIndexedTableIsChangedWhereTheIndexDoesNotLook) {
   Make(ConfigTable(100));
-  file.bytes = WithIndex(file.bytes, 1, "PrimaryKey");
+  file.bytes = WithIndex(GetParam(), file.bytes, 1, "PrimaryKey");
   const auto rows = Rows("SELECT * FROM Config WHERE sKey='key7'");
   SetValue(*rows, std::string(255, 'x'));
   SetValue(*rows, std::string(254, 'y'));
@@ -146,13 +178,13 @@ TEST_F(JetDatabasesTest, ARowOfAnIndexedTableIsChangedWhereTheIndexDoesNotLook) 
   EXPECT_THAT(ErrorOf([&] { rows->Update(); }), HasSubstr("3251 Index 'PrimaryKey'"));
 }
 
-TEST_F(JetDatabasesTest, ReadsBooleansAndSingles) {
+TEST_P(JetDatabasesTest, ReadsBooleansAndSingles) {
   Make({"Types", {{"flag", Type::Boolean}, {"single", Type::Single}}, {{"True", "0.1"}, {"False", std::nullopt}}});
   EXPECT_THAT(Column("flag", "Types"), ElementsAre("True", "False"));
   EXPECT_THAT(Column("single", "Types"), ElementsAre("0.1", std::nullopt));
 }
 
-TEST_F(JetDatabasesTest, AColumnWithoutTextIsRefusedByNameWhereItHasAValue) {
+TEST_P(JetDatabasesTest, AColumnWithoutTextIsRefusedByNameWhereItHasAValue) {
   Make({"Parts",
         {{"name"}, {"photo", Type::LongBinary}, {"mark", Type::Binary}},
         {{"a", "\1\2", "\3"}, {"b", std::nullopt, std::nullopt}}});
@@ -167,10 +199,11 @@ TEST_F(JetDatabasesTest, AColumnWithoutTextIsRefusedByNameWhereItHasAValue) {
   EXPECT_EQ(rows->Column("mark"), std::nullopt);
 }
 
-TEST_F(JetDatabasesTest, AColumnOfAnUnknownTypeIsRefusedByNameAndTheOthersAreRead) {
+TEST_P(JetDatabasesTest, AColumnOfAnUnknownTypeIsRefusedByNameAndTheOthersAreRead) {
   Make({"Parts", {{"name"}, {"odd", Type::Currency}}, {{"a", std::string(8, '\1')}}});
-  const std::size_t definition = file.bytes.find("n\0a\0m\0e\0"s, kDefinitionPage * kPageSize);
-  const std::size_t secondEntry = definition - 2 - 25;
+  const std::string name = GetParam() == Version::Jet4 ? "\x8\0n\0a\0m\0e\0"s : "\4name"s;
+  const std::size_t entrySize = GetParam() == Version::Jet4 ? 25 : 18;
+  const std::size_t secondEntry = file.bytes.find(name, kDefinitionPage * pageSize) - entrySize;
   ASSERT_EQ(file.bytes[secondEntry], 5);
   file.bytes[secondEntry] = 17;
   const auto rows = Rows("SELECT * FROM Parts");
@@ -178,66 +211,68 @@ TEST_F(JetDatabasesTest, AColumnOfAnUnknownTypeIsRefusedByNameAndTheOthersAreRea
   EXPECT_THAT(ErrorOf([&] { rows->Column("odd"); }), HasSubstr("13 Column 'odd' holds a value of type number 17"));
 }
 
-TEST_F(JetDatabasesTest, ReadsMemosThatAreKeptOutsideTheirRows) {
+TEST_P(JetDatabasesTest, ReadsMemosThatAreKeptOutsideTheirRows) {
   constexpr std::uint32_t kLongValueOwner = 0x4C41564C;  // "LVAL"
   Make({"Notes", {{"note", Type::Memo}}, {{"inside"}, {"on one page"}, {"over two pages"}}});
-  const auto onePage = static_cast<std::uint32_t>(file.bytes.size() / jet::kPageSize);
-  const std::string text = jet::EncodeText(std::string(1000, 'a') + "Ω", false);
+  const auto onePage = static_cast<std::uint32_t>(file.bytes.size() / pageSize);
+  const std::string text = *File(file.bytes, "f").Texts().Encode(std::string(1000, 'a') + beyond, false);
   const std::string link = "\1" + std::string({static_cast<char>(onePage + 2), 0, 0});
-  jet::DataPage whole{.owner = kLongValueOwner, .slots = {{.bytes = text}}};
-  jet::DataPage head{.owner = kLongValueOwner, .slots = {{.bytes = link + text.substr(0, 1500)}}};
-  jet::DataPage tail{.owner = kLongValueOwner,
-                     .slots = {{.bytes = "another"}, {.bytes = std::string(4, '\0') + text.substr(1500)}}};
-  const std::string pages = jet::EncodeDataPage(whole) + jet::EncodeDataPage(head) + jet::EncodeDataPage(tail);
-  jet::File changed(file.bytes + pages, "f");
-  const jet::TableDefinition table = changed.ReadTable(kDefinitionPage);
-  const std::vector<jet::Row> rows = changed.ReadRows(table);
+  DataPage whole{.version = GetParam(), .owner = kLongValueOwner, .slots = {{.bytes = text}}};
+  DataPage head{.version = GetParam(), .owner = kLongValueOwner, .slots = {{.bytes = link + text.substr(0, 900)}}};
+  DataPage tail{.version = GetParam(),
+                .owner = kLongValueOwner,
+                .slots = {{.bytes = "another"}, {.bytes = std::string(4, '\0') + text.substr(900)}}};
+  const std::string pages = EncodeDataPage(whole) + EncodeDataPage(head) + EncodeDataPage(tail);
+  File changed(file.bytes + pages, "f");
+  const TableDefinition table = changed.ReadTable(kDefinitionPage);
+  const std::vector<Row> rows = changed.ReadRows(table);
   const auto header = [&](std::uint32_t kind, std::uint32_t page) {
     std::string bytes(12, '\0');
-    jet::Put32(bytes, 0, kind | static_cast<std::uint32_t>(text.size()));
-    jet::PutPlace(bytes, 4, {page, 0});
+    Put32(bytes, 0, kind | static_cast<std::uint32_t>(text.size()));
+    PutPlace(bytes, 4, {page, 0});
     return bytes;
   };
   changed.ReplaceRow(table, rows[1], {header(0x40000000u, onePage)});
   changed.ReplaceRow(table, rows[2], {header(0, onePage + 1)});
   file.bytes = changed.Bytes();
-  const std::string expected = std::string(1000, 'a') + "Ω";
+  const std::string expected = std::string(1000, 'a') + beyond;
   EXPECT_THAT(Column("note", "Notes"), ElementsAre("inside", expected, expected));
 }
 
-TEST_F(JetDatabasesTest, AMemoWhoseChainHasNoEndIsAnError) {
+TEST_P(JetDatabasesTest, AMemoWhoseChainHasNoEndIsAnError) {
   Make({"Notes", {{"note", Type::Memo}}, {{"x"}}});
-  const auto page = static_cast<std::uint32_t>(file.bytes.size() / jet::kPageSize);
-  jet::DataPage part{.owner = 0, .slots = {{.bytes = std::string({0, static_cast<char>(page), 0, 0}) + "text"}}};
-  jet::File changed(file.bytes + jet::EncodeDataPage(part), "f");
-  const jet::TableDefinition table = changed.ReadTable(kDefinitionPage);
+  const auto page = static_cast<std::uint32_t>(file.bytes.size() / pageSize);
+  DataPage part{.version = GetParam(),
+                .owner = 0,
+                .slots = {{.bytes = std::string({0, static_cast<char>(page), 0, 0}) + "text"}}};
+  File changed(file.bytes + EncodeDataPage(part), "f");
+  const TableDefinition table = changed.ReadTable(kDefinitionPage);
   std::string header(12, '\0');
-  jet::Put32(header, 0, static_cast<std::uint32_t>(file.bytes.size()));
-  jet::PutPlace(header, 4, {page, 0});
+  Put32(header, 0, static_cast<std::uint32_t>(file.bytes.size()));
+  PutPlace(header, 4, {page, 0});
   changed.ReplaceRow(table, changed.ReadRows(table)[0], {header});
   file.bytes = changed.Bytes();
   EXPECT_THAT(ErrorOf([&] { Column("note", "Notes"); }), HasSubstr("3343 "));
 }
 
-TEST_F(JetDatabasesTest, AnOlderVersionAndAnEncryptedDatabaseAreRefusedByName) {
+TEST_P(JetDatabasesTest, AnotherVersionAndAnEncryptedDatabaseAreRefusedByName) {
   Make(ConfigTable(1));
   const std::string sound = file.bytes;
-  file.bytes[0x14] = 0;
-  EXPECT_THAT(ErrorOf([&] { databases.Open(kPath); }), HasSubstr("3343 A Jet database of another version than 4"));
-  std::string header = sound.substr(0, jet::kPageSize);
-  jet::ToggleHeaderMask(header);
-  jet::Put32(header, 0x3E, 0x12345678);
-  jet::ToggleHeaderMask(header);
-  file.bytes = header + sound.substr(jet::kPageSize);
+  for (const char version : {'\2', '\3', '\xFF'}) {
+    file.bytes[0x14] = version;
+    EXPECT_EQ(ErrorOf([&] { databases.Open(kPath); }),
+              "3343 A Jet database of another version than 3 and 4: 'C:\\Project.mdb'");
+  }
+  file.bytes = WithHeader(sound, [](std::string& header) { Put32(header, 0x3E, 0x12345678); });
   EXPECT_THAT(ErrorOf([&] { databases.Open(kPath); }), HasSubstr("3343 An encrypted Jet database"));
 }
 
-TEST_F(JetDatabasesTest, ATextComparedWithANumberColumnIsAnError) {
+TEST_P(JetDatabasesTest, ATextComparedWithANumberColumnIsAnError) {
   Make({"TagIndex", {{"lTagId", Type::Long}}, {{"1"}}});
   EXPECT_THAT(ErrorOf([&] { Rows("SELECT * FROM TagIndex WHERE lTagId='1'"); }), HasSubstr("3464 "));
 }
 
-TEST_F(JetDatabasesTest, StatementsBeyondTheUnderstoodFormAreSyntaxErrors) {
+TEST_P(JetDatabasesTest, StatementsBeyondTheUnderstoodFormAreSyntaxErrors) {
   Make(ConfigTable(1));
   for (const char* sql :
        {"", "SELECT", "SELECT sKey FROM Config", "SELECT * FROM", "SELECT * FROM Config WHERE", "DELETE FROM Config",
@@ -249,12 +284,12 @@ TEST_F(JetDatabasesTest, StatementsBeyondTheUnderstoodFormAreSyntaxErrors) {
   }
 }
 
-TEST_F(JetDatabasesTest, BracketsQuotesAndAFinalSemicolonAreUnderstood) {
+TEST_P(JetDatabasesTest, BracketsQuotesAndAFinalSemicolonAreUnderstood) {
   Make(ConfigTable(2));
   EXPECT_EQ(Rows("SELECT * FROM [Config] WHERE [sKey]=\"key1\";")->Column("sValue"), "v1");
 }
 
-TEST_F(JetDatabasesTest, MdbtoolsReadWhatWasAddedAndWhatHasMoved) {
+TEST_P(JetDatabasesTest, MdbtoolsReadWhatWasAddedAndWhatHasMoved) {
   Make(ConfigTable(120));
   SetValue(*Rows("SELECT * FROM Config WHERE sKey='key5'"), std::string(250, 'x'));
   SetValue(*Rows("SELECT * FROM Config WHERE sKey='key6'"), std::string(250, 'x'));
@@ -272,47 +307,48 @@ TEST_F(JetDatabasesTest, MdbtoolsReadWhatWasAddedAndWhatHasMoved) {
   EXPECT_THAT(*test::RunMdbTool("mdb-count", "", file.bytes, "Config"), ElementsAre("121"));
 }
 
-TEST_F(JetDatabasesTest, MdbReaderReadsWhatWasAddedAndWhatHasMoved) {
+TEST_P(JetDatabasesTest, MdbReaderReadsWhatWasAddedAndWhatHasMoved) {
   Make(ConfigTable(120));
   SetValue(*Rows("SELECT * FROM Config WHERE sKey='key5'"), std::string(250, 'x'));
   const auto rows = Rows("SELECT * FROM Config");
   rows->AddNew();
-  rows->SetColumn("sKey", "Ω added");
+  rows->SetColumn("sKey", beyond + " added");
   rows->Update();
   const auto read = test::MdbReader(file.bytes, "Config");
   if (!read) GTEST_SKIP() << "mdb-reader is not installed";
   EXPECT_EQ(read->size(), 121u);
-  for (const std::string& row : {"KDQ47|key5|" + std::string(250, 'x'), std::string("<null>|Ω added|<null>")}) {
+  for (const std::string& row : {"KDQ47|key5|" + std::string(250, 'x'), "<null>|" + beyond + " added|<null>"}) {
     EXPECT_THAT(*read, testing::Contains(row)) << row;
   }
 }
 
-TEST_F(JetDatabasesTest, NewPagesAreNotFreeInTheMapOfTheFile) {
+TEST_P(JetDatabasesTest, NewPagesAreNotFreeInTheMapOfTheFile) {
   Make(ConfigTable(1));
   const auto rows = Rows("SELECT * FROM Config");
   for (int i = 0; i < 20; ++i) {
     rows->AddNew();
-    rows->SetColumn("sValue", std::string(250, 'x') + "Ω");
+    rows->SetColumn("sValue", std::string(250, 'x') + beyond);
     rows->Update();
   }
-  const std::string_view mapPage = std::string_view(file.bytes).substr(jet::kPageSize, jet::kPageSize);
-  const std::string map = jet::DecodeDataPage(mapPage)->slots.at(0).bytes;
-  const std::size_t pages = file.bytes.size() / jet::kPageSize;
+  const std::string_view mapPage = std::string_view(file.bytes).substr(pageSize, pageSize);
+  const std::string map = DecodeDataPage(GetParam(), mapPage)->slots.at(0).bytes;
+  const std::size_t pages = file.bytes.size() / pageSize;
   for (std::size_t page = 0; page < pages + 8; ++page) {
     EXPECT_EQ((map[5 + page / 8] >> page % 8 & 1) != 0, page >= pages) << "page " << page;
   }
 }
 
-TEST_F(JetDatabasesTest, AMissingMapOfPagesWithRoomIsAnErrorAndNoOutput) {
+TEST_P(JetDatabasesTest, AMissingMapOfPagesWithRoomIsAnErrorAndNoOutput) {
   Make(ConfigTable(1));
-  jet::Put32(file.bytes, kDefinitionPage * jet::kPageSize + 0x3B, 0x00FFFF00);
+  const std::size_t place = GetParam() == Version::Jet3 ? 0x27 : 0x3B;
+  Put32(file.bytes, kDefinitionPage * pageSize + place, 0x00FFFF00);
   testing::internal::CaptureStderr();
   const std::string error = ErrorOf([&] { Column("sValue"); });
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   EXPECT_THAT(error, HasSubstr("3343 "));
 }
 
-TEST_F(JetDatabasesTest, ADamagedByteGivesRowsOrAnErrorAndNoOutput) {
+TEST_P(JetDatabasesTest, ADamagedByteGivesRowsOrAnErrorAndNoOutput) {
   JetTable table = ConfigTable(60);
   table.columns.push_back({"memo", Type::Memo});
   table.columns.push_back({"number", Type::Long});
@@ -331,6 +367,61 @@ TEST_F(JetDatabasesTest, ADamagedByteGivesRowsOrAnErrorAndNoOutput) {
   }
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   EXPECT_GT(errors, 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, JetDatabasesTest, testing::Values(Version::Jet3, Version::Jet4),
+                         [](const auto& tested) { return tested.param == Version::Jet3 ? "Jet3"s : "Jet4"s; });
+
+class Jet3Texts : public testing::Test {
+ protected:
+  test::OneFile file;
+
+  /// A database whose header names another code page than the one that its texts are written in.
+  void MakeInCodePage(std::uint16_t number, const std::string& value) {
+    const JetTable table{"Config", {{"sKey"}, {"sValue"}}, {{"k", value}}};
+    file.bytes = WithHeader(standin::MakeJetDatabase({&table, 1}, Version::Jet3),
+                            [number](std::string& header) { Put16(header, 0x3C, number); });
+  }
+};
+
+TEST_F(Jet3Texts, AreReadAndWrittenInTheCodePageOfTheFile) {
+  MakeInCodePage(1251, "Ìèð");
+  Databases databases(file, posix::CodePageOf);
+  const auto found = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config WHERE sValue='Мир'");
+  EXPECT_EQ(found->Column("sValue"), "Мир");
+  found->Edit();
+  found->SetColumn("sValue", "Да");
+  found->Update();
+  EXPECT_EQ(databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config")->Column("sValue"), "Да");
+  EXPECT_NE(file.bytes.find("k\xC4\xE0"), std::string::npos);
+}
+
+TEST_F(Jet3Texts, InACodePageThatIsNotKnownAreRefusedByItsNumber) {
+  MakeInCodePage(1251, "x");
+  try {
+    Databases(file).Open(kPath);
+    ADD_FAILURE() << "opened";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.RuntimeNumber(), 3343);
+    EXPECT_EQ(error.Description(), "A Jet 3 database in code page 1251, which is not known: 'C:\\Project.mdb'");
+  }
+}
+
+TEST_F(Jet3Texts, ThatTheCodePageLacksAreRefusedByNameAndNeverReplaced) {
+  MakeInCodePage(1252, "x");
+  const std::string before = file.bytes;
+  Databases databases(file);
+  const auto rows = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config");
+  rows->Edit();
+  try {
+    rows->SetColumn("sValue", "5 Ω");
+    ADD_FAILURE() << "taken";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.RuntimeNumber(), 3421);
+    EXPECT_EQ(error.Description(),
+              "Column 'sValue' cannot hold '5 Ω': the code page of the file lacks a character of it");
+  }
+  EXPECT_EQ(file.bytes, before);
 }
 
 }  // namespace

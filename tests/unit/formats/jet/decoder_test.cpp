@@ -100,6 +100,20 @@ TEST(DecodeTable, ReadsWhatMdbtoolsRead) {
   EXPECT_EQ(read, expected);
 }
 
+// Jet 3 has the same types but Decimal, and texts of its code page.
+TEST(DecodeTable, ReadsEveryTypeOfJet3) {
+  standin::JetTable table = EveryType();
+  std::vector<std::vector<std::optional<std::string>>> expected = kEveryText;
+  table.columns.resize(table.columns.size() - 2);
+  for (std::size_t i = 0; i < table.rows.size(); ++i) {
+    table.rows[i].resize(table.columns.size());
+    expected[i].resize(table.columns.size());
+    for (std::size_t text = 0; text < 3 && i < 3; ++text) table.rows[i][text] = expected[i][text] = "€ Müller\r\n";
+  }
+  const File file{standin::MakeJetDatabase({&table, 1}, Version::Jet3), "C:\\Project.mdb"};
+  EXPECT_EQ(TextsOf(DecodeTable(file, kDefinitionPage)), expected);
+}
+
 TEST(DecodeText, ReadsBothFormsAndWhatIsCutShort) {
   using namespace std::string_view_literals;
   EXPECT_EQ(DecodeText(""), "");

@@ -8,7 +8,7 @@
 namespace parvex::jet {
 namespace {
 
-Column ColumnOf(ColumnType type, std::uint8_t scale = 0) {
+Column ColumnOf(ColumnType type, std::optional<std::uint8_t> scale = 0) {
   Column column;
   column.type = type;
   column.scale = scale;
@@ -18,7 +18,7 @@ Column ColumnOf(ColumnType type, std::uint8_t scale = 0) {
 std::optional<std::string> DateText(double days) {
   std::string stored(sizeof days, '\0');
   std::memcpy(stored.data(), &days, sizeof days);
-  return DecodeValue(ColumnOf(ColumnType::DateTime), stored);
+  return DecodeValue(ColumnOf(ColumnType::DateTime), stored, TextForm());
 }
 
 TEST(DecodeValue, DatesAreRoundedToSecondsAndBeginAnotherDayWhereTheyReachIt) {
@@ -44,7 +44,7 @@ TEST(DecodeValue, BytesOfAnotherLengthThanTheTypesHaveNoText) {
        {ColumnType::Byte, ColumnType::Integer, ColumnType::Long, ColumnType::Currency, ColumnType::Single,
         ColumnType::Double, ColumnType::DateTime, ColumnType::Guid, ColumnType::Decimal}) {
     for (const std::size_t length : {0, 3, 18}) {
-      EXPECT_EQ(DecodeValue(ColumnOf(type), std::string(length, '\1')), std::nullopt) << TypeName(type);
+      EXPECT_EQ(DecodeValue(ColumnOf(type), std::string(length, '\1'), TextForm()), std::nullopt) << TypeName(type);
     }
   }
 }
@@ -52,12 +52,17 @@ TEST(DecodeValue, BytesOfAnotherLengthThanTheTypesHaveNoText) {
 TEST(DecodeValue, ADecimalMayHaveMorePlacesThanDigits) {
   std::string stored(17, '\0');
   stored[13] = 7;
-  EXPECT_EQ(DecodeValue(ColumnOf(ColumnType::Decimal, 5), stored), "0.00007");
-  EXPECT_EQ(DecodeValue(ColumnOf(ColumnType::Decimal, 255), stored)->size(), 257u);
+  EXPECT_EQ(DecodeValue(ColumnOf(ColumnType::Decimal, 5), stored, TextForm()), "0.00007");
+  EXPECT_EQ(DecodeValue(ColumnOf(ColumnType::Decimal, 255), stored, TextForm())->size(), 257u);
+}
+
+TEST(DecodeValue, ADecimalOfWhichTheScaleIsNotKnownHasNoText) {
+  EXPECT_EQ(DecodeValue(ColumnOf(ColumnType::Decimal, std::nullopt), std::string(17, '\0'), TextForm()), std::nullopt);
 }
 
 TEST(DecodeValue, ADecimalZeroHasNoSign) {
-  EXPECT_EQ(DecodeValue(ColumnOf(ColumnType::Decimal, 1), std::string("\x80") + std::string(16, '\0')), "0.0");
+  EXPECT_EQ(DecodeValue(ColumnOf(ColumnType::Decimal, 1), std::string("\x80") + std::string(16, '\0'), TextForm()),
+            "0.0");
 }
 
 }  // namespace

@@ -82,6 +82,13 @@ TEST_F(DaoEngineTest, AmountsAndDatesAreNumbersAndBinaryValuesAreRefused) {
   EXPECT_EQ(RaisedBy([&] { Column(rows, "photo"); }), 13);
 }
 
+TEST_F(DaoEngineTest, ReadsJet3Too) {
+  const JetTable table = {"Config", {{"sKey"}, {"lId", Type::Long}}, {{"Köln €", "7"}}};
+  machine.platform.files.Replace(kPath, MakeJetDatabase({&table, 1}, jet::Version::Jet3));
+  EXPECT_EQ(Column(Rows(), "sKey"), Value("Köln €"));
+  EXPECT_EQ(Column(Rows(), "lId"), Value(7));
+}
+
 TEST_F(DaoEngineTest, TakesTextsAndNumbers) {
   const ObjectRef rows = Rows();
   Call(rows, "Edit");

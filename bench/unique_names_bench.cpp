@@ -33,9 +33,11 @@ struct Instance {
 
   posix::Machine machine{std::filesystem::temp_directory_path()};
   SilentRouters routers;
-  LegacyLink link{{machine.GetRegistry(), machine.GetPrivateProfile(), machine.GetFiles(), machine.GetProcesses(),
-                   machine.GetMessagePump(), machine.GetMessageBoxes(), routers, machine.GetAutomation(),
-                   machine.GetProjectDatabases(), machine.GetCodePage()}};
+  LegacyLink link{[this] {
+    Platform platform = machine.AsPlatform();
+    platform.messageRouters = &routers;
+    return platform;
+  }()};
 
   std::string Unique(const std::string& wanted) { return MakeUniqueTagName(link, "P", wanted, "G"); }
   int Counter() const { return link.tagNames.counter; }

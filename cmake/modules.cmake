@@ -1,15 +1,55 @@
-# A folder is a module: every .cpp directly in FOLDER, those left out whose path matches EXCLUDE or whose name ends in the
-# name of the other platform, belongs to the static library NAME.
+# A folder is a module: every .cpp directly in FOLDER belongs to the static library NAME, those left out whose name ends
+# in the name of the other platform. DEPENDS is what the folder may include; it names only what was declared before, so
+# that arrows point down (scripts/lib/check_uses.py compares each include with it). With PLATFORM the module is built on
+# that platform only; on the other it is an empty name.
 #
-#   parvex_module(NAME FOLDER [EXCLUDE regex] [DEPENDS library...])
+#   parvex_module(NAME FOLDER [PLATFORM posix|windows] [DEPENDS library...])
 function(parvex_module name folder)
-  cmake_parse_arguments(ARG "" "EXCLUDE" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "" "PLATFORM" "DEPENDS" ${ARGN})
+  parvex_uses(${folder} NAME ${name} PLATFORM "${ARG_PLATFORM}" DEPENDS ${ARG_DEPENDS})
+  if(ARG_PLATFORM AND NOT ARG_PLATFORM STREQUAL PARVEX_PLATFORM)
+    add_library(${name} INTERFACE)
+    return()
+  endif()
+  parvex_sources(sources ${folder})
+  if(sources)
+    add_library(${name} STATIC ${sources})
+    set(scope PUBLIC)
+    target_link_libraries(${name} PRIVATE parvex_warnings)
+  else()
+    add_library(${name} INTERFACE)
+    set(scope INTERFACE)
+  endif()
+  target_include_directories(${name} ${scope}
+    ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
+  target_link_libraries(${name} ${scope} ${ARG_DEPENDS})
+endfunction()
+
+# The same for a folder that becomes a program.
+#
+#   parvex_executable(NAME FOLDER [DEPENDS library...])
+function(parvex_executable name folder)
+  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  parvex_uses(${folder} NAME ${name} DEPENDS ${ARG_DEPENDS})
+  parvex_sources(sources ${folder})
+  add_executable(${name} ${sources})
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} parvex_warnings)
+endfunction()
+
+# One name for several libraries.
+#
+#   parvex_group(NAME library...)
+function(parvex_group name)
+  add_library(${name} INTERFACE)
+  target_link_libraries(${name} INTERFACE ${ARGN})
+  set_property(GLOBAL APPEND_STRING PROPERTY PARVEX_USES "\t${name}\t\t${ARGN}\n")
+endfunction()
+
+# The sources of the folder, without those of the other platform, into the variable named VARIABLE.
+function(parvex_sources variable folder)
   file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp)
   parvex_without_other_platform(sources)
-  if(ARG_EXCLUDE)
-    list(FILTER sources EXCLUDE REGEX ${ARG_EXCLUDE})
-  endif()
-  parvex_library(${name} SOURCES ${sources} DEPENDS ${ARG_DEPENDS})
+  set(${variable} ${sources} PARENT_SCOPE)
 endfunction()
 
 # Takes sources of the platform that is not built out of the list named VARIABLE.
@@ -22,21 +62,23 @@ function(parvex_without_other_platform variable)
   set(${variable} ${${variable}} PARENT_SCOPE)
 endfunction()
 
-# The same with the sources named one by one.
+# Notes what a folder, or a single source, may include, for what is put together in another way than by the functions
+# above.
 #
-#   parvex_library(NAME SOURCES file... DEPENDS library...)
-function(parvex_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
-  if(ARG_SOURCES)
-    add_library(${name} STATIC ${ARG_SOURCES})
-    set(scope PUBLIC)
-    target_link_libraries(${name} PRIVATE parvex_warnings)
-  else()
-    add_library(${name} INTERFACE)
-    set(scope INTERFACE)
-  endif()
-  target_include_directories(${name} ${scope} ${PROJECT_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
-  target_link_libraries(${name} ${scope} ${ARG_DEPENDS})
+#   parvex_uses(PATH [NAME library] [PLATFORM posix|windows] [DEPENDS library...])
+function(parvex_uses path)
+  cmake_parse_arguments(ARG "" "NAME;PLATFORM" "DEPENDS" ${ARGN})
+  cmake_path(ABSOLUTE_PATH path NORMALIZE)
+  cmake_path(RELATIVE_PATH path BASE_DIRECTORY ${PROJECT_SOURCE_DIR})
+  string(REGEX REPLACE "/$" "" path ${path})
+  set_property(GLOBAL APPEND_STRING PROPERTY PARVEX_USES "${path}\t${ARG_NAME}\t${ARG_PLATFORM}\t${ARG_DEPENDS}\n")
+endfunction()
+
+# Writes what was noted to uses.tsv of the build tree: path, library, platform, what it may include; in the order of
+# declaration.
+function(parvex_write_uses)
+  get_property(uses GLOBAL PROPERTY PARVEX_USES)
+  file(WRITE ${CMAKE_BINARY_DIR}/uses.tsv "${uses}")
 endfunction()
 
 # One test program for the .cpp files of FOLDER and of the folders in it, those of the other platform left out; each of

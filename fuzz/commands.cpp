@@ -26,8 +26,8 @@ const std::string& ProjectDatabase() {
 
 struct Machine {
   test::FakeMachine fake;
-  standin::Standin substitute{{fake.platform.registry, fake.platform.files, fake.platform.projectDatabases,
-                               fake.platform.codePage, standin::StandinSettings()}};
+  standin::Standin substitute{{*fake.platform.registry, *fake.platform.files, *fake.platform.projectDatabases,
+                               *fake.platform.codePage, standin::StandinSettings()}};
 
   Machine() {
     const std::string bin = kBin;
@@ -48,10 +48,10 @@ struct Machine {
   }
 
   Platform With(MessageRouters& routers) {
-    const Platform& seams = fake.platform;
-    return {seams.registry,         seams.privateProfile, seams.files, seams.processes,
-            seams.messagePump,      seams.messageBoxes,   routers,     fake.machine.GetAutomation(),
-            seams.projectDatabases, seams.codePage};
+    Platform platform = fake.platform;
+    platform.messageRouters = &routers;
+    platform.automation = &fake.machine.GetAutomation();
+    return platform;
   }
 };
 

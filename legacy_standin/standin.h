@@ -1,21 +1,14 @@
 #pragma once
 
-#include <functional>
-#include <string>
+#include <memory>
 #include <vector>
 
 #include "legacy_standin/installation/application.h"
+#include "legacy_standin/late_bound/late_bound_class.h"
 #include "legacy_standin/router/router.h"
-#include "seams/automation.h"
 #include "seams/message_router.h"
 
 namespace parvex::standin {
-
-/// A class that the substitute offers to late binding.
-struct LateBoundClass {
-  std::string programmaticId;
-  std::function<automation::ObjectRef()> create;
-};
 
 /// The components of the substitute legacy application on one machine.
 class Standin {

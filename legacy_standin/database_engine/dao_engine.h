@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "legacy_standin/standin.h"
+#include "legacy_standin/late_bound/late_bound_class.h"
 #include "seams/files.h"
 
 namespace parvex::standin {

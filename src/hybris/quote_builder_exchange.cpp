@@ -45,15 +45,15 @@ QuoteBuilderRun RunQuoteBuilderNoUI(const Platform& platform, const std::string&
 }
 
 void WriteQuoteBuilderInput(const Platform& platform) {
-  platform.files.Replace(GetDesignTempFolder(platform) + "QBInput.ini",
-                         "[Header]\r\naction=cancel\r\nQBversion=3.9N\r\n");
+  platform.files->Replace(GetDesignTempFolder(platform) + "QBInput.ini",
+                          "[Header]\r\naction=cancel\r\nQBversion=3.9N\r\n");
 }
 
 void ClearQuoteBuilderOutput(const Platform& platform) {
   const std::string folder = GetDesignTempFolder(platform);
   for (const char* name : {"output.ini", "QBOutput.ini", "ubout.ini"}) {
     if (FileExists(platform, folder + name)) {
-      platform.files.Remove(folder + name);
+      platform.files->Remove(folder + name);
     }
   }
 }
@@ -64,7 +64,7 @@ std::string SaveUserSelection(const Platform& platform, const xml::Document& com
   const xml::Document selection =
       xml::Document::Parse(Required(command.First(kSelection), kSelection, "the command document").Xml());
   const std::string projectName = Required(selection.First(kProjectName), kProjectName, "UserSelectionTransfer").Text();
-  platform.files.Replace(GetDesignTempFolder(platform) + "HBInput.ini", selection.Bytes());
+  platform.files->Replace(GetDesignTempFolder(platform) + "HBInput.ini", selection.Bytes());
   return projectName;
 }
 

@@ -22,7 +22,7 @@ std::string InTag(std::string_view path) {
 }
 
 void ShowBox(const Platform& platform, std::string_view text) {
-  platform.messageBoxes.Show(text, kDefaultCaption, MessageBoxes::Icon::None);
+  platform.messageBoxes->Show(text, kDefaultCaption, MessageBoxes::Icon::None);
 }
 
 xml::Document Refuse(const Platform& platform, std::string_view boxText, std::string_view errorMessage) {
@@ -32,7 +32,7 @@ xml::Document Refuse(const Platform& platform, std::string_view boxText, std::st
 
 void DeleteWhenThere(const Platform& platform, const std::string& path) {
   if (FileExists(platform, path)) {
-    platform.files.Remove(path);
+    platform.files->Remove(path);
   }
 }
 
@@ -83,7 +83,7 @@ xml::Document ReturnTagToLegacy(LegacyLink& link, const xml::Document& command) 
   const std::string root = GetDataRoot(platform);
   const std::string selectionFile = root + "\\Temp\\QPblob.tmp";
   DeleteWhenThere(platform, selectionFile);
-  cBinEncoder(platform.codePage, platform.files).DecodeToFile(blob.Text(), selectionFile);
+  cBinEncoder(*platform.codePage, *platform.files).DecodeToFile(blob.Text(), selectionFile);
 
   const std::string instructionFile = root + "\\Temp\\input.ini";
   DeleteWhenThere(platform, instructionFile);

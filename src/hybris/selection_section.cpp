@@ -14,7 +14,7 @@ constexpr std::size_t kBufferSize = 255;  // with its terminating zero
 
 SelectionSection::SelectionSection(const Platform& platform, std::string_view qbOutputFile, std::string_view word,
                                    std::int32_t tagIndex)
-    : section_(platform.privateProfile.Section(std::string(word) + std::to_string(tagIndex), qbOutputFile)) {}
+    : section_(platform.privateProfile->Section(std::string(word) + std::to_string(tagIndex), qbOutputFile)) {}
 
 std::string SelectionSection::Text(std::string_view key, std::string_view fallback) {
   return section_->ReadString(key, fallback, kBufferSize);

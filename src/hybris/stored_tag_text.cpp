@@ -60,11 +60,11 @@ std::string TagFileBeside(std::string_view blobPath) {
 
 // The bytes of a file "Tag" that an earlier run left beside the blob, which is deleted; null when there is none.
 std::optional<std::string> TakeTagFile(const Platform& platform, const std::string& tagFile) {
-  if (tagFile.empty() || !platform.files.IsFile(tagFile)) {
+  if (tagFile.empty() || !platform.files->IsFile(tagFile)) {
     return std::nullopt;
   }
-  std::string bytes = platform.files.ReadAll(tagFile);
-  platform.files.Remove(tagFile);
+  std::string bytes = platform.files->ReadAll(tagFile);
+  platform.files->Remove(tagFile);
   return bytes;
 }
 
@@ -112,19 +112,19 @@ StoredTagText TextAmong(CodePage& codePage, const std::optional<PackedEntry>& ta
 }  // namespace
 
 StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileName) {
-  if (fileName.empty() || !platform.files.IsFile(fileName)) {
+  if (fileName.empty() || !platform.files->IsFile(fileName)) {
     return {};
   }
-  std::string archive = platform.files.ReadAll(fileName);
+  std::string archive = platform.files->ReadAll(fileName);
   if (archive.empty()) {
     return {};
   }
-  std::vector<PackedEntry> entries = Unpack(platform.codePage, archive, fileName);
+  std::vector<PackedEntry> entries = Unpack(*platform.codePage, archive, fileName);
   const std::string tagFile = TagFileBeside(fileName);
   const std::optional<PackedEntry> tag = tagFile.empty() ? std::nullopt : TakeTagEntry(entries);
-  ExtractBesideBlob(platform.files, entries, fileName);
+  ExtractBesideBlob(*platform.files, entries, fileName);
   const std::optional<std::string> left = TakeTagFile(platform, tagFile);
-  StoredTagText read = TextAmong(platform.codePage, tag, left, entries);
+  StoredTagText read = TextAmong(*platform.codePage, tag, left, entries);
   if (entries.empty() && !left) {
     read.archive = std::move(archive);
   }

@@ -34,7 +34,7 @@ std::unique_ptr<Database> OpenProjectDatabase(const Platform& platform, const st
     return nullptr;
   }
   try {
-    return platform.projectDatabases.Open(path);
+    return platform.projectDatabases->Open(path);
   } catch (const AutomationError&) {
     return nullptr;  // deliberate: a tag can be quoted without its project's index
   }

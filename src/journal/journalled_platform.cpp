@@ -125,10 +125,10 @@ class JournalledMessageBoxes : public MessageBoxes {
 struct JournalledPlatform::Parts {
   Parts(const parvex::Platform& theOutside, std::ostream& out)
       : outside(theOutside),
-        routers(outside.messageRouters, out),
-        automation(outside.automation, out),
-        processes(outside.processes, out),
-        boxes(outside.messageBoxes, out) {}
+        routers(*outside.messageRouters, out),
+        automation(*outside.automation, out),
+        processes(*outside.processes, out),
+        boxes(*outside.messageBoxes, out) {}
 
   const parvex::Platform outside;
   JournalledRouters routers;
@@ -143,9 +143,12 @@ JournalledPlatform::JournalledPlatform(const parvex::Platform& outside, std::ost
 JournalledPlatform::~JournalledPlatform() = default;
 
 parvex::Platform JournalledPlatform::Platform() {
-  const parvex::Platform& outside = parts_->outside;
-  return {outside.registry, outside.privateProfile, outside.files,      parts_->processes,        outside.messagePump,
-          parts_->boxes,    parts_->routers,        parts_->automation, outside.projectDatabases, outside.codePage};
+  parvex::Platform journalled = parts_->outside;
+  journalled.messageRouters = &parts_->routers;
+  journalled.automation = &parts_->automation;
+  journalled.processes = &parts_->processes;
+  journalled.messageBoxes = &parts_->boxes;
+  return journalled;
 }
 
 }  // namespace parvex::journal

@@ -13,7 +13,7 @@ bool FileExists(const Platform& platform, std::string_view path) {
     return false;
   }
   const bool isPattern = path.find_first_of("*?") != std::string_view::npos || path.back() == '\\';
-  return isPattern ? !platform.files.ListFiles(path).empty() : platform.files.IsFile(path);
+  return isPattern ? !platform.files->ListFiles(path).empty() : platform.files->IsFile(path);
 }
 
 void ReadFileBytes(const Platform& platform, std::string_view path, std::string& bytes) {
@@ -21,7 +21,7 @@ void ReadFileBytes(const Platform& platform, std::string_view path, std::string&
     if (!FileExists(platform, path)) {
       return;
     }
-    std::string content = platform.files.ReadAll(path);
+    std::string content = platform.files->ReadAll(path);
     if (!content.empty()) {
       bytes = std::move(content);
     }
@@ -38,7 +38,7 @@ std::string EncodeFileBase64(const Platform& platform, std::string_view path) {
 
 std::string EncodeFileBase64(const Platform& platform, std::string_view path, std::string_view bytes) {
   if (path.find("\\Temp") != std::string_view::npos && FileExists(platform, path)) {
-    platform.files.Remove(path);
+    platform.files->Remove(path);
   }
   return EncodeBase64(bytes);
 }

@@ -20,11 +20,11 @@ constexpr std::size_t kBufferSize = 255;
 // The target's section as the file is now; null, with the box shown, when no target was ever set.
 std::unique_ptr<ProfileSection> OpenTarget(const Platform& platform) {
   if (!target) {
-    platform.messageBoxes.Show("[Section] and FileName Not Registered in Private.Ini!", "IniFile Logic Error",
-                               MessageBoxes::Icon::Stop);
+    platform.messageBoxes->Show("[Section] and FileName Not Registered in Private.Ini!", "IniFile Logic Error",
+                                MessageBoxes::Icon::Stop);
     return nullptr;
   }
-  return platform.privateProfile.Section(target->section, target->fileName);
+  return platform.privateProfile->Section(target->section, target->fileName);
 }
 
 }  // namespace

@@ -48,8 +48,8 @@ std::string ReadRegistryString(const Platform& platform, std::string_view key, s
     if (key == kUiKey) {
       return getUIValue(platform, valueName);
     }
-    const std::optional<std::string> value = platform.registry.LocalMachineString(key, valueName);
-    if (value && platform.codePage.ToAnsi(*value).size() <= kLongestValue) {
+    const std::optional<std::string> value = platform.registry->LocalMachineString(key, valueName);
+    if (value && platform.codePage->ToAnsi(*value).size() <= kLongestValue) {
       return *value;
     }
     return std::string(fallback);

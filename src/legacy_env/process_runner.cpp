@@ -17,8 +17,8 @@ std::int32_t WaitForExit(const Platform& platform, Process& process) {
   std::uint32_t exitCode = kStillActive;
   do {
     exitCode = process.ExitCode();
-    platform.messagePump.RunPending();
-    platform.messagePump.Sleep(kPollInterval);
+    platform.messagePump->RunPending();
+    platform.messagePump->Sleep(kPollInterval);
   } while (exitCode == kStillActive);
   return static_cast<std::int32_t>(exitCode);
 }
@@ -30,7 +30,7 @@ std::int32_t RunAndWait(const Platform& platform, std::string_view commandLine, 
   const int style = asked >= 0 && asked <= 6 ? asked : kMinimisedWithoutFocus;
   std::unique_ptr<Process> process;
   try {
-    process = platform.processes.Start(commandLine, style);
+    process = platform.processes->Start(commandLine, style);
   } catch (const AutomationError& error) {
     return static_cast<std::int32_t>(kObjectErrorBase + error.RuntimeNumber());
   }

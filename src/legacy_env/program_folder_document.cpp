@@ -13,7 +13,7 @@ xml::Document LoadFromProgramFolder(const Platform& platform, std::string_view f
 
 xml::Document LoadFromFolder(const Platform& platform, std::string_view folder, std::string_view fileName) {
   try {
-    return xml::Document::Load(platform.files.ReadAll(std::string(folder).append("\\").append(fileName)));
+    return xml::Document::Load(platform.files->ReadAll(std::string(folder).append("\\").append(fileName)));
   } catch (const AutomationError&) {
     return xml::Document::New();
   }

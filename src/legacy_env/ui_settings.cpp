@@ -35,7 +35,7 @@ std::string SettingsFile(const Platform& platform) {
 
 // The lines of the file, each without its line break (CR LF, CR or LF).
 std::vector<std::string> ReadLines(const Platform& platform, const std::string& path) {
-  const std::string text = platform.codePage.FromAnsi(platform.files.ReadAll(path));
+  const std::string text = platform.codePage->FromAnsi(platform.files->ReadAll(path));
   std::vector<std::string> lines;
   for (std::size_t from = 0; from < text.size();) {
     const std::size_t end = std::min(text.find_first_of("\r\n", from), text.size());
@@ -84,7 +84,7 @@ void setUIValue(const Platform& platform, std::string_view value) {
           RuntimeError::SubscriptOutOfRange,
           path + " has " + std::to_string(lines.size()) + " lines; it may have at most " + std::to_string(kMostLines));
     }
-    platform.files.Replace(path, platform.codePage.ToAnsi(RewrittenText(lines, value)));
+    platform.files->Replace(path, platform.codePage->ToAnsi(RewrittenText(lines, value)));
   });
 }
 

@@ -28,7 +28,7 @@ xml::Node RequiredInAnswer(const xml::Document& answer, std::string_view path) {
 }
 
 std::unique_ptr<Database> OpenProjectDatabase(const Platform& platform, std::string_view folder) {
-  return platform.projectDatabases.Open(std::string(folder) + "\\Project.mdb");
+  return platform.projectDatabases->Open(std::string(folder) + "\\Project.mdb");
 }
 
 }  // namespace

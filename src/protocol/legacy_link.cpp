@@ -5,7 +5,7 @@
 namespace parvex {
 
 LegacyLink::LegacyLink(const Platform& thePlatform)
-    : platform(thePlatform), router(thePlatform.messageRouters.Create()) {}
+    : platform(thePlatform), router(thePlatform.messageRouters->Create()) {}
 
 bool LegacyLink::SendRequestMessage(const std::string& request, std::string& answer) const {
   answer.clear();

@@ -68,8 +68,8 @@ std::string CustomTemplatePath(const Platform& platform, std::string_view folder
       return std::string(customName == kBareFileReport ? "" : folder).append(report.templateFile);
     }
   }
-  platform.messageBoxes.Show("Unrecognized Report " + std::string(customName), kDefaultCaption,
-                             MessageBoxes::Icon::None);
+  platform.messageBoxes->Show("Unrecognized Report " + std::string(customName), kDefaultCaption,
+                              MessageBoxes::Icon::None);
   return {};
 }
 

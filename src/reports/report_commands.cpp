@@ -65,7 +65,7 @@ bool HoldReportServer(LegacyLink& link) {
   if (link.reportServer != nullptr) {
     return true;
   }
-  link.reportServer = link.platform.automation.Create(legacy::kReportServerClass);
+  link.reportServer = link.platform.automation->Create(legacy::kReportServerClass);
   return false;
 }
 
@@ -126,7 +126,7 @@ bool MakeReportOf(const Platform& platform, const ObjectRef& server, std::size_t
   if (added > 0) {
     return MakeReport(server);
   }
-  platform.messageBoxes.Show(emptyText, kDefaultCaption, MessageBoxes::Icon::None);
+  platform.messageBoxes->Show(emptyText, kDefaultCaption, MessageBoxes::Icon::None);
   return false;
 }
 
@@ -139,9 +139,9 @@ bool IsTemporaryReport(std::string_view fileName) {
 
 void DeleteTemporaryReports(const Platform& platform) {
   const std::string folder = ReportsTempFolder(platform) + "\\";
-  for (const std::string& fileName : platform.files.ListFiles(folder + "*.*")) {
+  for (const std::string& fileName : platform.files->ListFiles(folder + "*.*")) {
     if (IsTemporaryReport(fileName)) {
-      platform.files.Remove(folder + fileName);
+      platform.files->Remove(folder + fileName);
     }
   }
 }
@@ -188,7 +188,7 @@ xml::Document ShowEquipmentSchedule(LegacyLink& link, const xml::Document& comma
   named->emplace_back("projectName", Argument{tags.projectName});
   named->emplace_back("projectID", Argument{tags.projectId});
   named->emplace_back("tags", Argument{tagsXml});
-  const ObjectRef request = link.platform.automation.Create(legacy::kScheduleRequestClass);
+  const ObjectRef request = link.platform.automation->Create(legacy::kScheduleRequestClass);
   Argument arguments[] = {{std::string("SHOWSCHEDULE")}, {automation::CollectionRef(named)}};
   return AnswerMade(IsTrue(request->Call("SendRequest", arguments)));
 }
@@ -228,7 +228,7 @@ xml::Document MakeSeveralReports(LegacyLink& link, const xml::Document& command,
 /// The root element of the report that the server has just written, with its drawings.
 xml::Node LoadSubmittal(const Platform& platform, std::string_view pdsg) {
   const std::string path = ReportsTempFolder(platform) + "\\NGreport.xml";
-  const xml::Document report = xml::Document::Load(platform.files.ReadAll(path));
+  const xml::Document report = xml::Document::Load(platform.files->ReadAll(path));
   if (report.IsEmpty()) {
     throw MakeRuntimeError(RuntimeError::ObjectNotSet, path + " is no XML document: " + report.ParseError());
   }

@@ -13,19 +13,20 @@
 
 namespace parvex {
 
-/// The machine that the system works on, seam by seam. XML documents are not among them: they are values
-/// (platform/xml.h). The members are owned by whoever composes the machine and outlive every user of this.
+/// The machine that the system works on, seam by seam. XML documents are not among them: they are values (seams/xml.h).
+/// The members are set, each of them, by whoever composes the machine; he owns them, and they outlive every user of
+/// this. Who watches or replaces a seam copies the machine and sets one member.
 struct Platform {
-  Registry& registry;
-  PrivateProfile& privateProfile;
-  Files& files;
-  Processes& processes;
-  MessagePump& messagePump;
-  MessageBoxes& messageBoxes;
-  MessageRouters& messageRouters;
-  automation::Automation& automation;
-  ProjectDatabases& projectDatabases;
-  CodePage& codePage;
+  Registry* registry = nullptr;
+  PrivateProfile* privateProfile = nullptr;
+  Files* files = nullptr;
+  Processes* processes = nullptr;
+  MessagePump* messagePump = nullptr;
+  MessageBoxes* messageBoxes = nullptr;
+  MessageRouters* messageRouters = nullptr;
+  automation::Automation* automation = nullptr;
+  ProjectDatabases* projectDatabases = nullptr;
+  CodePage* codePage = nullptr;
 };
 
 }  // namespace parvex

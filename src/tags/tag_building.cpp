@@ -39,15 +39,15 @@ class HeldBuilder {
 
 void LetGoOfEarlierObjects(LegacyLink& link) {
   link.reportServer.reset();
-  link.platform.messagePump.RunPending();
+  link.platform.messagePump->RunPending();
   link.builder.reset();
-  link.platform.messagePump.Sleep(100ms);
-  link.platform.messagePump.RunPending();
+  link.platform.messagePump->Sleep(100ms);
+  link.platform.messagePump->RunPending();
 }
 
 void OpenBuilder(LegacyLink& link, bool existingTags) {
   if (link.builder == nullptr) {
-    link.builder = link.platform.automation.Create(legacy::kBuilderClass);
+    link.builder = link.platform.automation->Create(legacy::kBuilderClass);
     link.builder->Put("standalone", false);
   }
   Argument arguments[] = {{existingTags}, {ObjectRef()}};
@@ -71,8 +71,8 @@ bool IsLoaded(const ObjectRef& builder) {
 
 void WaitUntilLoaded(LegacyLink& link) {
   while (!IsLoaded(link.builder)) {
-    link.platform.messagePump.RunPending();
-    link.platform.messagePump.Sleep(kPollPause);
+    link.platform.messagePump->RunPending();
+    link.platform.messagePump->Sleep(kPollPause);
   }
 }
 
@@ -130,7 +130,7 @@ xml::Document ConfigureTag(LegacyLink& link, const xml::Document& command) {
     WaitUntilLoaded(link);
     const Value given = RunWorkflow(link, ConfigureCommandLine(command));
     WaitUntilLoaded(link);
-    link.platform.messagePump.Sleep(200ms);
+    link.platform.messagePump->Sleep(200ms);
     setUIValue(link.platform, kShowAll);
     link.builder.reset();
     return MakeReplyEnvelope();

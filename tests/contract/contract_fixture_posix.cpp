@@ -4,6 +4,7 @@
 
 #include "adapters/posix/machine.h"
 #include "adapters/posix/machine_folder.h"
+#include "cli/host/written_boxes.h"
 #include "tests/contract/contract_fixture.h"
 #include "tests/support/fake_platform.h"
 
@@ -33,6 +34,7 @@ bool RunsUnderWine() { return false; }
 struct ContractMachine::Host {
   TemporaryFolder folder;
   posix::Machine machine{BareMachine(folder.Path())};
+  WrittenBoxes messageBoxes;
   std::string registryText = "\xEF\xBB\xBFWindows Registry Editor Version 5.00\r\n";
 
   std::filesystem::path HostPath(std::string_view path) { return posix::MachineFolder(folder.Path()).Target(path); }
@@ -45,7 +47,7 @@ ContractMachine::ContractMachine()
       files(host_->machine.GetFiles()),
       processes(host_->machine.GetProcesses()),
       messagePump(host_->machine.GetMessagePump()),
-      messageBoxes(host_->machine.GetMessageBoxes()),
+      messageBoxes(host_->messageBoxes),
       automation(host_->machine.GetAutomation()),
       projectDatabases(host_->machine.GetProjectDatabases()),
       codePage(host_->machine.GetCodePage()),

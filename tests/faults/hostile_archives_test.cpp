@@ -179,7 +179,7 @@ TEST(LargestArchive, IsReadInTheMemoryThatHostileOnesMayTake) {
   const std::string archive = Zeros(63 * kMegabyte, 2);
   FakeMachine machine;
   const ChildOutcome outcome =
-      InLimitedChild([&] { return std::to_string(Unpack(machine.platform.codePage, archive, kBlob).size()); });
+      InLimitedChild([&] { return std::to_string(Unpack(*machine.platform.codePage, archive, kBlob).size()); });
   ExpectQuick(outcome);
   EXPECT_EQ(outcome.answer, "2");
 }

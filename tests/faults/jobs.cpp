@@ -146,21 +146,21 @@ const std::vector<Job>& WritingJobs() {
        [](FakeMachine& machine) { setUIValue(machine.platform, "-1"); }},
       {"ProfileValue", [](FakeMachine& machine) { machine.Write("C:\\a.ini", "[S]\r\nk=old\r\n"); },
        [](FakeMachine& machine) {
-         machine.platform.privateProfile.Section("S", "C:\\a.ini")->WriteString("k", "new");
+         machine.platform.privateProfile->Section("S", "C:\\a.ini")->WriteString("k", "new");
        }},
       {"NewProfile", Nothing,
        [](FakeMachine& machine) {
-         machine.platform.privateProfile.Section("S", "C:\\new.ini")->WriteString("k", "v");
+         machine.platform.privateProfile->Section("S", "C:\\new.ini")->WriteString("k", "v");
        }},
       {"DecodedFile", Nothing,
        [](FakeMachine& machine) {
-         cBinEncoder(machine.platform.codePage, machine.platform.files).DecodeToFile("TWFuAP8=", "C:\\decoded.bin");
+         cBinEncoder(*machine.platform.codePage, *machine.platform.files).DecodeToFile("TWFuAP8=", "C:\\decoded.bin");
        }},
       {"FolderAndFile", Nothing,
        [](FakeMachine& machine) {
-         machine.platform.files.CreateFolder("C:\\one\\two");
-         machine.platform.files.Replace("C:\\one\\two\\file", std::string(20'000, 'x'));
-         machine.platform.files.Remove("C:\\one\\two\\file");
+         machine.platform.files->CreateFolder("C:\\one\\two");
+         machine.platform.files->Replace("C:\\one\\two\\file", std::string(20'000, 'x'));
+         machine.platform.files->Remove("C:\\one\\two\\file");
        }},
   };
   return jobs;

@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(Of, SystemCalls, testing::ValuesIn(WritingJobs()),
 // A value that could not be stored is told, wherever it was that it failed.
 TEST(SystemCallsOfAFile, AreTold) {
   const Job replace = {"", [](FakeMachine& machine) { machine.Write("C:\\file", "old"); },
-                       [](FakeMachine& machine) { machine.platform.files.Replace("C:\\file", "new"); }};
+                       [](FakeMachine& machine) { machine.platform.files->Replace("C:\\file", "new"); }};
   JobMachine counted(replace);
   const std::size_t calls = WithCallFault({}, [&] { replace.run(counted); });
   EXPECT_EQ(calls, 4u) << "open, write, permissions, rename";

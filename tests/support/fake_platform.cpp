@@ -86,18 +86,12 @@ TemporaryFolder::~TemporaryFolder() {
   std::filesystem::remove_all(path_, ignored);
 }
 
-FakeMachine::FakeMachine()
-    : machine(InstalledMachine(folder.Path())),
-      platform{machine.GetRegistry(),
-               machine.GetPrivateProfile(),
-               machine.GetFiles(),
-               processes,
-               pump,
-               boxes,
-               routers,
-               automation,
-               machine.GetProjectDatabases(),
-               machine.GetCodePage()} {
+FakeMachine::FakeMachine() : machine(InstalledMachine(folder.Path())), platform(machine.AsPlatform()) {
+  platform.processes = &processes;
+  platform.messagePump = &pump;
+  platform.messageBoxes = &boxes;
+  platform.messageRouters = &routers;
+  platform.automation = &automation;
   ForgetInstallPaths();
   ForgetIniTarget();
   SetBinPath(kBinPath);

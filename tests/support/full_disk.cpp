@@ -84,11 +84,12 @@ class FullDisk::FullProfile : public PrivateProfile {
 
 FullDisk::FullDisk(const Platform& machine, int room)
     : room_(room),
-      files_(std::make_unique<FullFiles>(machine.files, room_)),
-      profile_(std::make_unique<FullProfile>(machine.privateProfile, room_)),
-      platform_{machine.registry,       *profile_,           *files_,
-                machine.processes,      machine.messagePump, machine.messageBoxes,
-                machine.messageRouters, machine.automation,  databases_,
-                machine.codePage} {}
+      files_(std::make_unique<FullFiles>(*machine.files, room_)),
+      profile_(std::make_unique<FullProfile>(*machine.privateProfile, room_)),
+      platform_(machine) {
+  platform_.privateProfile = profile_.get();
+  platform_.files = files_.get();
+  platform_.projectDatabases = &databases_;
+}
 
 }  // namespace parvex::test

@@ -23,7 +23,7 @@ class FullDisk {
   const std::unique_ptr<Files> files_;
   const std::unique_ptr<PrivateProfile> profile_;
   jet::Databases databases_{*files_};
-  const Platform platform_;
+  Platform platform_;
 };
 
 }  // namespace parvex::test

@@ -7,7 +7,7 @@
 #include <chrono>
 #include <memory>
 
-#include "adapters/posix/machine_folder.h"
+#include "formats/text/letter_case.h"
 
 namespace parvex::posix {
 namespace {

@@ -12,7 +12,6 @@
 #include "adapters/posix/sleeping_pump.h"
 #include "formats/jet/databases.h"
 #include "formats/text/windows_1252.h"
-#include "seams/written_boxes.h"
 
 namespace parvex::posix {
 
@@ -26,7 +25,6 @@ struct Machine::Parts {
   MachineFiles files{folder};
   ChildProcesses processes{folder};
   SleepingPump messagePump;
-  WrittenBoxes messageBoxes;
   jet::Databases projectDatabases{files, CodePageOf};
   ClassTable classes;
 };
@@ -41,13 +39,23 @@ PrivateProfile& Machine::GetPrivateProfile() { return parts_->privateProfile; }
 Files& Machine::GetFiles() { return parts_->files; }
 Processes& Machine::GetProcesses() { return parts_->processes; }
 MessagePump& Machine::GetMessagePump() { return parts_->messagePump; }
-MessageBoxes& Machine::GetMessageBoxes() { return parts_->messageBoxes; }
 ProjectDatabases& Machine::GetProjectDatabases() { return parts_->projectDatabases; }
 CodePage& Machine::GetCodePage() { return parts_->codePage; }
 automation::Automation& Machine::GetAutomation() { return parts_->classes; }
 
 void Machine::RegisterClass(const std::string& programmaticId, std::function<automation::ObjectRef()> factory) {
   parts_->classes.Register(programmaticId, std::move(factory));
+}
+
+Platform Machine::AsPlatform() {
+  return {.registry = &parts_->registry,
+          .privateProfile = &parts_->privateProfile,
+          .files = &parts_->files,
+          .processes = &parts_->processes,
+          .messagePump = &parts_->messagePump,
+          .automation = &parts_->classes,
+          .projectDatabases = &parts_->projectDatabases,
+          .codePage = &parts_->codePage};
 }
 
 }  // namespace parvex::posix

@@ -25,14 +25,16 @@ class Machine {
   Files& GetFiles();
   Processes& GetProcesses();
   MessagePump& GetMessagePump();
-  /// Boxes are written to standard error; they never block.
-  MessageBoxes& GetMessageBoxes();
   ProjectDatabases& GetProjectDatabases();
   CodePage& GetCodePage();
 
   /// The automation adapter: a table of registered classes, empty at first.
   automation::Automation& GetAutomation();
   void RegisterClass(const std::string& programmaticId, std::function<automation::ObjectRef()> factory);
+
+  /// All seams but the message boxes and the message routers, which are null: how a program speaks to its user is its
+  /// own affair, and a folder has no legacy application of itself.
+  Platform AsPlatform();
 
  private:
   struct Parts;

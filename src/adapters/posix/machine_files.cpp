@@ -8,6 +8,8 @@
 #include <utility>
 
 #include "adapters/posix/host_file.h"
+#include "formats/text/file_names.h"
+#include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 #include "seams/automation_error.h"
 

@@ -2,64 +2,17 @@
 
 #include <dirent.h>
 #include <limits.h>
-#include <locale.h>
 #include <stdlib.h>
 #include <sys/stat.h>
-#include <wctype.h>
 
-#include <algorithm>
-#include <array>
 #include <memory>
 
-#include "formats/text/text.h"
 #include "seams/automation_error.h"
 
 namespace parvex::posix {
 namespace {
 
 constexpr std::size_t kMostFoundPaths = 10'000;
-
-bool IsSeparator(char c) { return c == '\\' || c == '/'; }
-
-bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
-// Names of devices stay devices with an extension ("nul.txt") and in every folder.
-bool IsDeviceName(std::string_view name) {
-  static constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
-  const std::string stem = FoldName(TrimBlanks(name.substr(0, name.find('.'))));
-  if (stem.size() == 4 && (stem.starts_with("COM") || stem.starts_with("LPT"))) {
-    return stem[3] >= '1' && stem[3] <= '9';
-  }
-  return std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end();
-}
-
-std::string_view WithoutTrailingDotsAndBlanks(std::string_view name) {
-  const std::size_t last = name.find_last_not_of(". ");
-  return name.substr(0, last == std::string_view::npos ? 0 : last + 1);
-}
-
-// One component between separators. False when no file can be called that.
-bool AppendComponent(std::vector<std::string>& names, std::string_view component) {
-  if (component.empty() || component == ".") {
-    return true;
-  }
-  if (component == "..") {
-    if (!names.empty()) {
-      names.pop_back();
-    }
-    return true;
-  }
-  const std::string_view name = WithoutTrailingDotsAndBlanks(component);
-  if (!IsFileName(name)) {
-    return false;
-  }
-  names.emplace_back(name);
-  return true;
-}
 
 bool IsHostFolder(const std::string& host) {
   struct stat status;
@@ -72,64 +25,6 @@ std::optional<std::string> RealPath(const std::string& host) {
 }
 
 }  // namespace
-
-std::optional<MachinePath> MachinePath::Parse(std::string_view text) {
-  MachinePath path;
-  if (text.empty() || (text.size() >= 2 && IsSeparator(text[0]) && IsSeparator(text[1]))) {
-    return std::nullopt;
-  }
-  if (text.size() >= 2 && text[1] == ':' && IsLetter(text[0])) {
-    path.drive = static_cast<char>(text[0] & ~0x20);
-    text.remove_prefix(2);
-  }
-  path.endsInSeparator = !text.empty() && IsSeparator(text.back());
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find_first_of("\\/"), text.size());
-    if (!AppendComponent(path.names, text.substr(0, end))) {
-      return std::nullopt;
-    }
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return path;
-}
-
-std::string MachinePath::Text() const {
-  std::string text{drive, ':'};
-  for (const std::string& name : names) {
-    text.append("\\").append(name);
-  }
-  return names.empty() ? text + "\\" : text;
-}
-
-MachinePath MachinePath::Parent() const {
-  MachinePath parent{drive, names, true};
-  if (!names.empty()) {
-    parent.names.pop_back();
-  }
-  return parent;
-}
-
-bool IsFileName(std::string_view name) {
-  const auto refused = [](char c) {
-    return static_cast<unsigned char>(c) < 0x20 || std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos;
-  };
-  return !name.empty() && name == WithoutTrailingDotsAndBlanks(name) &&
-         std::none_of(name.begin(), name.end(), refused) && !IsDeviceName(name);
-}
-
-std::string FoldName(std::string_view name) {
-  // The letters of the C library's own UTF-8 locale, whatever locale the process runs in.
-  static const locale_t letters = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-  if (letters == nullptr || IsAscii(name)) {
-    return ToUpper(name);
-  }
-  std::u16string units = ToUtf16(name);
-  for (char16_t& unit : units) {
-    const wint_t upper = towupper_l(unit, letters);
-    unit = upper <= 0xFFFF ? static_cast<char16_t>(upper) : unit;
-  }
-  return FromUtf16(units);
-}
 
 MachineFolder::MachineFolder(const std::filesystem::path& root) : root_(std::filesystem::absolute(root)) {
   if (!root_.has_filename()) {

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <utility>
 
+#include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 #include "seams/automation_error.h"
 

@@ -32,8 +32,16 @@ class Machine {
   CodePage& GetCodePage() { return codePage_; }
 
   Platform AsPlatform() {
-    return {registry_,     privateProfile_, files_,      processes_, messagePump_,
-            messageBoxes_, messageRouters_, automation_, databases_, codePage_};
+    return {.registry = &registry_,
+            .privateProfile = &privateProfile_,
+            .files = &files_,
+            .processes = &processes_,
+            .messagePump = &messagePump_,
+            .messageBoxes = &messageBoxes_,
+            .messageRouters = &messageRouters_,
+            .automation = &automation_,
+            .projectDatabases = &databases_,
+            .codePage = &codePage_};
   }
 
  private:

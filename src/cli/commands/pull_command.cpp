@@ -58,7 +58,7 @@ ExitStatus SendAll(const Platform& platform, const std::vector<std::string>& nam
   bool anyCallFailed = false;
   for (std::size_t i = 0; i < contents.size(); ++i) {
     try {
-      status = sendOne(pull, contents[i], platform.codePage) ? kFailedReply : kReply;
+      status = sendOne(pull, contents[i], *platform.codePage) ? kFailedReply : kReply;
     } catch (const AutomationError& error) {
       ReportError(names[i], error);
       anyCallFailed = true;

@@ -46,7 +46,7 @@ Found RoundTripCodePage(const Platform& platform, const HostFacts& facts) {
   for (int byte = 1; byte < 256; ++byte) {
     bytes += static_cast<char>(byte);
   }
-  const bool keepsBytes = platform.codePage.ToAnsi(platform.codePage.FromAnsi(bytes)) == bytes;
+  const bool keepsBytes = platform.codePage->ToAnsi(platform.codePage->FromAnsi(bytes)) == bytes;
   return {facts.codePage + (keepsBytes ? "" : " loses bytes on the way to text and back"),
           keepsBytes ? State::Ok : State::Failure};
 }
@@ -65,7 +65,7 @@ Found ReadProgramFolder(const Platform& platform, std::string& binPath) {
 }
 
 Found FindFolder(const Platform& platform, const std::string& folder) {
-  const bool exists = platform.files.IsFolder(folder);
+  const bool exists = platform.files->IsFolder(folder);
   return {folder + (exists ? "" : " does not exist"), exists ? State::Ok : State::Failure};
 }
 
@@ -73,14 +73,14 @@ Found WriteIntoFolder(const Platform& platform, const std::string& folder) {
   const Found found = FindFolder(platform, folder);
   if (found.state == State::Ok) {
     const std::string probe = folder + "\\parvex-doctor.tmp";
-    platform.files.Replace(probe, "written by parvex doctor\r\n");
-    platform.files.Remove(probe);
+    platform.files->Replace(probe, "written by parvex doctor\r\n");
+    platform.files->Remove(probe);
   }
   return found;
 }
 
 Found FindWorkflowProgram(const Platform& platform, const HostFacts& facts, const std::string& path) {
-  const bool isForWindows = platform.files.ReadAll(path).starts_with("MZ");
+  const bool isForWindows = platform.files->ReadAll(path).starts_with("MZ");
   if (isForWindows == facts.runsWindowsPrograms) {
     return {path};
   }
@@ -92,14 +92,14 @@ Found FindWorkflowProgram(const Platform& platform, const HostFacts& facts, cons
 constexpr std::ptrdiff_t kMostSettingsLines = 101;
 
 Found FindSettings(const Platform& platform, const std::string& path) {
-  const std::ptrdiff_t lines = std::ranges::count(platform.files.ReadAll(path), '\n');
+  const std::ptrdiff_t lines = std::ranges::count(platform.files->ReadAll(path), '\n');
   const bool fits = lines <= kMostSettingsLines;
   return {path + (fits ? "" : " has " + std::to_string(lines) + " lines, more than can be changed"),
           fits ? State::Ok : State::Failure};
 }
 
 Found FindXml(const Platform& platform, const std::string& path) {
-  const xml::Document document = xml::Document::Load(platform.files.ReadAll(path));
+  const xml::Document document = xml::Document::Load(platform.files->ReadAll(path));
   return {path + (document.IsEmpty() ? " does not parse: " + document.ParseError() : ""),
           document.IsEmpty() ? State::Failure : State::Ok};
 }
@@ -111,15 +111,15 @@ Found AskRouter(const Platform& platform) {
 }
 
 Found CreateComponent(const Platform& platform, std::string_view programmaticId) {
-  platform.automation.Create(programmaticId);
+  platform.automation->Create(programmaticId);
   return {std::string(programmaticId)};
 }
 
 // The first project that has a database.
 std::optional<std::string> FindDatabase(const Platform& platform, const std::string& projects) {
-  for (const std::string& project : platform.files.ListFolders(projects)) {
+  for (const std::string& project : platform.files->ListFolders(projects)) {
     const std::string path = projects + "\\" + project + "\\project.mdb";
-    if (platform.files.IsFile(path)) {
+    if (platform.files->IsFile(path)) {
       return path;
     }
   }
@@ -128,11 +128,11 @@ std::optional<std::string> FindDatabase(const Platform& platform, const std::str
 
 Found ReadDatabase(const Platform& platform, const HostFacts& facts, const std::string& projects) {
   if (const std::optional<std::string> path = FindDatabase(platform, projects)) {
-    platform.projectDatabases.Open(*path)->OpenRecordSet("SELECT * FROM Config");
+    platform.projectDatabases->Open(*path)->OpenRecordSet("SELECT * FROM Config");
     return {facts.databaseEngine + " reads " + *path};
   }
   try {
-    platform.projectDatabases.Open(projects + "\\parvex-doctor\\project.mdb");
+    platform.projectDatabases->Open(projects + "\\parvex-doctor\\project.mdb");
   } catch (const AutomationError& error) {
     if (error.RuntimeNumber() == static_cast<std::uint16_t>(RuntimeError::CannotCreateObject)) {
       throw;

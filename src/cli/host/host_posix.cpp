@@ -6,6 +6,7 @@
 #include "adapters/posix/machine.h"
 #include "cli/host/exit_status.h"
 #include "cli/host/host.h"
+#include "cli/host/written_boxes.h"
 #include "legacy_standin/sample/sample_machine.h"
 #include "legacy_standin/standin.h"
 
@@ -45,6 +46,7 @@ struct Host::Parts {
     }
   }
   posix::Machine machine;
+  WrittenBoxes messageBoxes;
   standin::Standin standin;
 };
 
@@ -58,11 +60,10 @@ Host::Host(const std::string& machineFolder) {
 Host::~Host() = default;
 
 parvex::Platform Host::Platform() {
-  posix::Machine& machine = parts_->machine;
-  return {machine.GetRegistry(),     machine.GetPrivateProfile(), machine.GetFiles(),
-          machine.GetProcesses(),    machine.GetMessagePump(),    machine.GetMessageBoxes(),
-          parts_->standin.Routers(), machine.GetAutomation(),     machine.GetProjectDatabases(),
-          machine.GetCodePage()};
+  parvex::Platform platform = parts_->machine.AsPlatform();
+  platform.messageBoxes = &parts_->messageBoxes;
+  platform.messageRouters = &parts_->standin.Routers();
+  return platform;
 }
 
 HostFacts Host::Facts() {

@@ -8,9 +8,9 @@
 #include "adapters/windows/this_program.h"
 #include "cli/host/exit_status.h"
 #include "cli/host/host.h"
+#include "cli/host/written_boxes.h"
 #include "com_server/router_ids.h"
 #include "legacy_standin/sample/sample_machine.h"
-#include "seams/written_boxes.h"
 
 namespace parvex::cli {
 namespace {
@@ -35,11 +35,9 @@ Host::Host(const std::string& machineFolder) : parts_(std::make_unique<Parts>())
 Host::~Host() = default;
 
 parvex::Platform Host::Platform() {
-  windows::Machine& machine = parts_->machine;
-  return {machine.GetRegistry(),       machine.GetPrivateProfile(), machine.GetFiles(),
-          machine.GetProcesses(),      machine.GetMessagePump(),    parts_->messageBoxes,
-          machine.GetMessageRouters(), machine.GetAutomation(),     machine.GetProjectDatabases(),
-          machine.GetCodePage()};
+  parvex::Platform platform = parts_->machine.AsPlatform();
+  platform.messageBoxes = &parts_->messageBoxes;
+  return platform;
 }
 
 HostFacts Host::Facts() {

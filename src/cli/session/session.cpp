@@ -30,10 +30,11 @@ Session::Session(const SessionOptions& options) : journalName_(options.journal) 
 parvex::Platform Session::Platform() { return journalled_ ? journalled_->Platform() : Unjournalled(); }
 
 parvex::Platform Session::Unjournalled() {
-  const parvex::Platform own = host_->Platform();
-  MessageRouters& routers = replay_ ? static_cast<MessageRouters&>(*replay_) : own.messageRouters;
-  return {own.registry,   own.privateProfile,   own.files,   own.processes, own.messagePump, own.messageBoxes, routers,
-          own.automation, own.projectDatabases, own.codePage};
+  parvex::Platform machine = host_->Platform();
+  if (replay_) {
+    machine.messageRouters = &*replay_;
+  }
+  return machine;
 }
 
 void Session::Close() {

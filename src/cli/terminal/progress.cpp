@@ -82,9 +82,9 @@ void ProgressLine::Show(const std::string& text) {
 struct WatchedExport::Parts {
   Parts(const parvex::Platform& outside, ProgressLine& line)
       : outside(outside),
-        processes(outside.processes, line),
-        pump(outside.messagePump, processes),
-        profile(outside.privateProfile, line) {}
+        processes(*outside.processes, line),
+        pump(*outside.messagePump, processes),
+        profile(*outside.privateProfile, line) {}
   const parvex::Platform outside;
   WatchedProcesses processes;
   WatchedPump pump;
@@ -97,9 +97,11 @@ WatchedExport::WatchedExport(const parvex::Platform& outside, ProgressLine& line
 WatchedExport::~WatchedExport() = default;
 
 parvex::Platform WatchedExport::Platform() {
-  const parvex::Platform& own = parts_->outside;
-  return {own.registry,     parts_->profile,    own.files,      parts_->processes,    parts_->pump,
-          own.messageBoxes, own.messageRouters, own.automation, own.projectDatabases, own.codePage};
+  parvex::Platform watched = parts_->outside;
+  watched.privateProfile = &parts_->profile;
+  watched.processes = &parts_->processes;
+  watched.messagePump = &parts_->pump;
+  return watched;
 }
 
 }  // namespace parvex::cli

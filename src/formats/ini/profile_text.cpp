@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "adapters/posix/machine_folder.h"
 #include "formats/ini/profile_names.h"
+#include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 
 namespace parvex::posix {

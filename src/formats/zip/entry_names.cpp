@@ -1,8 +1,8 @@
 #include "formats/zip/entry_names.h"
 
 #include <algorithm>
-#include <array>
 
+#include "formats/text/file_names.h"
 #include "formats/text/text.h"
 
 namespace parvex {
@@ -10,30 +10,11 @@ namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// Such names mean a device in every folder, also with an extension.
-bool IsDeviceName(std::string_view component) {
-  static constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
-  static constexpr std::array<std::string_view, 3> kSuperscripts = {"\xC2\xB9", "\xC2\xB2", "\xC2\xB3"};
-  const std::string stem = ToUpper(TrimBlanks(component.substr(0, component.find('.'))));
-  if (stem.starts_with("COM") || stem.starts_with("LPT")) {
-    const std::string_view port = std::string_view(stem).substr(3);
-    return (port.size() == 1 && IsDigit(port[0]) && port[0] != '0') ||
-           std::find(kSuperscripts.begin(), kSuperscripts.end(), port) != kSuperscripts.end();
-  }
-  return std::find(kDevices.begin(), kDevices.end(), stem) != kDevices.end();
-}
-
 // Windows keeps a second, short name for files ("TAGDAT~1.ZIP"): a name of that form can mean another file, the archive
 // itself among them.
 bool MayBeShortName(std::string_view component) {
   const std::size_t tilde = component.find('~');
   return tilde != std::string_view::npos && tilde + 1 < component.size() && IsDigit(component[tilde + 1]);
-}
-
-bool HasForbiddenCharacter(std::string_view component) {
-  return std::any_of(component.begin(), component.end(), [](char c) {
-    return static_cast<unsigned char>(c) < 0x20 || std::string_view("<>:\"|?*").find(c) != std::string_view::npos;
-  });
 }
 
 // Why a component of an entry's name is refused; nothing when it is not.
@@ -44,10 +25,10 @@ std::optional<std::string> ProblemOfComponent(std::string_view component) {
   if (component == "." || component == "..") {
     return "has '" + std::string(component) + "' in its name";
   }
-  if (HasForbiddenCharacter(component)) {
+  if (std::any_of(component.begin(), component.end(), IsForbiddenInFileName)) {
     return "has a colon or another character in its name that file names do not hold";
   }
-  if (component.back() == '.' || component.back() == ' ') {
+  if (component != WithoutTrailingDotsAndBlanks(component)) {
     return "has a name component that ends with a dot or a blank";
   }
   if (IsDeviceName(component)) {

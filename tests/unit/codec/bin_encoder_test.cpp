@@ -11,7 +11,7 @@ namespace {
 class BinEncoder : public testing::Test {
  protected:
   test::FakeMachine machine_;
-  cBinEncoder encoder_{machine_.platform.codePage, machine_.platform.files};
+  cBinEncoder encoder_{*machine_.platform.codePage, *machine_.platform.files};
 
   // The error that a call ends with; a test fails when there is none.
   template <typename Call>
@@ -97,7 +97,7 @@ TEST_F(BinEncoder, KeepsTheErrorOfAFileThatCannotBeMade) {
 }
 
 TEST_F(BinEncoder, DoesNotCallAFolderOfThatNameAnExistingFile) {
-  machine_.platform.files.CreateFolder("C:\\taken");
+  machine_.platform.files->CreateFolder("C:\\taken");
   const AutomationError error = ErrorOf([&] { encoder_.DecodeToFile("TWFu", "C:\\taken"); });
   EXPECT_NE(error.Number(), 0x800403E8u);
 }

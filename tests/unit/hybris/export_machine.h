@@ -74,16 +74,12 @@ class ExportMachine {
   FakeMachine machine;
   FakeProjectDatabases databases;
   CountingProfile profile{machine.machine.GetPrivateProfile()};
-  Platform platform{machine.platform.registry,
-                    profile,
-                    machine.platform.files,
-                    machine.platform.processes,
-                    machine.platform.messagePump,
-                    machine.platform.messageBoxes,
-                    machine.platform.messageRouters,
-                    machine.platform.automation,
-                    databases,
-                    machine.platform.codePage};
+  Platform platform = [this] {
+    Platform own = machine.platform;
+    own.privateProfile = &profile;
+    own.projectDatabases = &databases;
+    return own;
+  }();
 
   static constexpr const char* kTemp = "C:\\Korvane\\TQ5-VX\\Temp\\";
   static constexpr const char* kOutput = "C:\\Korvane\\TQ5-VX\\Temp\\QBOutput.ini";

@@ -131,7 +131,7 @@ TEST_F(ReturnToLegacyTest, AcceptsOnlyTheReturnCommandsOwnPlaceForTheDocument) {
 }
 
 TEST_F(ReturnToLegacyTest, MissingTempFolderEndsTheCallAndLeavesNoHalfFile) {
-  machine.platform.files.RemoveFolder("C:\\Korvane\\TQ5-VX\\Temp");
+  machine.platform.files->RemoveFolder("C:\\Korvane\\TQ5-VX\\Temp");
   EXPECT_EQ(RaisedBy([&] { Return("<PDSG>38A</PDSG><BLOB>TWFu</BLOB>"); }), RuntimeError::PathNotFound);
   ExpectNothingWritten();
 }
@@ -162,7 +162,8 @@ TEST_F(ReturnToLegacyTest, OnAFullDiskEndsTheCallAndLeavesNoHalfFile) {
         EXPECT_EQ(raised, std::nullopt);
     }
   }
-  EXPECT_THAT(machine.platform.files.ListFiles("C:\\Korvane\\TQ5-VX\\Temp\\*"), ElementsAre("input.ini", "QPblob.tmp"));
+  EXPECT_THAT(machine.platform.files->ListFiles("C:\\Korvane\\TQ5-VX\\Temp\\*"),
+              ElementsAre("input.ini", "QPblob.tmp"));
 }
 
 TEST_F(ReturnToLegacyTest, FilesThatAreReadOnlyEndTheCallAndStay) {

@@ -40,7 +40,7 @@ class Journalled : public testing::Test {
 
 TEST_F(Journalled, RouterRequestsWithTheirAnswers) {
   machine_.routers.answers = {{true, "<A x=\"1\"/>"}, {false, "no"}};
-  const auto router = platform_.messageRouters.Create();
+  const auto router = platform_.messageRouters->Create();
   std::string response;
   EXPECT_TRUE(router->SendRequestMessage("<C>\xC3\xBC\n</C>", response));
   EXPECT_EQ(response, "<A x=\"1\"/>");
@@ -58,7 +58,7 @@ TEST_F(Journalled, FailedRouterCalls) {
     throw AutomationError(0x800706BAu, "router", "gone \"away\"");
   };
   std::string response;
-  EXPECT_THROW(platform_.messageRouters.Create()->SendRequestMessage("r", response), AutomationError);
+  EXPECT_THROW(platform_.messageRouters->Create()->SendRequestMessage("r", response), AutomationError);
   EXPECT_EQ(Lines(),
             "{\"kind\":\"router\",\"request\":\"r\",\"answer\":\"\",\"success\":false,\"error\":"
             "{\"number\":\"0x800706BA\",\"source\":\"router\",\"description\":\"gone \\\"away\\\"\"}}\n");
@@ -66,21 +66,21 @@ TEST_F(Journalled, FailedRouterCalls) {
 
 TEST_F(Journalled, ARouterThatCannotBeCreatedIsAnErrorOfItsCallerOnly) {
   machine_.routers.missing = true;
-  EXPECT_THROW(platform_.messageRouters.Create(), AutomationError);
+  EXPECT_THROW(platform_.messageRouters->Create(), AutomationError);
   EXPECT_EQ(Lines(), "");
 }
 
 TEST_F(Journalled, TextsThatAreNotUtf8AreWrittenWithReplacementCharacters) {
   machine_.routers.answers = {{true, "\xFF"}};
   std::string response;
-  platform_.messageRouters.Create()->SendRequestMessage("a\xFC", response);
+  platform_.messageRouters->Create()->SendRequestMessage("a\xFC", response);
   EXPECT_EQ(response, "\xFF");
   EXPECT_EQ(Lines(),
             "{\"kind\":\"router\",\"request\":\"a\xEF\xBF\xBD\",\"answer\":\"\xEF\xBF\xBD\",\"success\":true}\n");
 }
 
 TEST_F(Journalled, EachLineIsFlushed) {
-  const auto router = platform_.messageRouters.Create();
+  const auto router = platform_.messageRouters->Create();
   std::string response;
   router->SendRequestMessage("1", response);
   EXPECT_EQ(out_.Flushes(), 1);
@@ -91,7 +91,7 @@ TEST_F(Journalled, EachLineIsFlushed) {
 TEST_F(Journalled, ProgramsWhenTheirExitCodeIsKnown) {
   machine_.processes.polls = 1;
   machine_.processes.exitCode = 5;
-  const auto process = platform_.processes.Start("C:\\a.exe /x", 6);
+  const auto process = platform_.processes->Start("C:\\a.exe /x", 6);
   EXPECT_EQ(process->ExitCode(), kStillActive);
   EXPECT_EQ(Lines(), "");
   EXPECT_EQ(process->ExitCode(), 5u);
@@ -105,27 +105,27 @@ TEST_F(Journalled, ProgramsWhenTheirExitCodeIsKnown) {
 
 TEST_F(Journalled, ExitCodesAsTheRunnerReturnsThem) {
   machine_.processes.exitCode = 0xC0000005u;
-  platform_.processes.Start("p", 1)->ExitCode();
+  platform_.processes->Start("p", 1)->ExitCode();
   EXPECT_NE(std::string::npos, Lines().find("\"exitCode\":-1073741819}")) << Lines();
 }
 
 TEST_F(Journalled, AProgramDroppedWhileRunningHasNoExitCode) {
   machine_.processes.polls = 10;
-  platform_.processes.Start("p", 1)->ExitCode();
+  platform_.processes->Start("p", 1)->ExitCode();
   EXPECT_EQ(Lines(), "{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":1,\"exitCode\":null}\n");
 }
 
 TEST_F(Journalled, AProgramThatCannotBeStartedHasTheNegativeCodeOfTheRunnerAndTheError) {
   machine_.processes.startError = 53;
-  EXPECT_THROW(platform_.processes.Start("p", 6), AutomationError);
+  EXPECT_THROW(platform_.processes->Start("p", 6), AutomationError);
   EXPECT_EQ(Lines(),
             "{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":6,\"exitCode\":-2147221451,\"error\":"
             "{\"number\":\"0x800A0035\",\"source\":\"Parvex\",\"description\":\"cannot start p\"}}\n");
 }
 
 TEST_F(Journalled, MessageBoxes) {
-  platform_.messageBoxes.Show("text", "caption", MessageBoxes::Icon::Stop);
-  platform_.messageBoxes.Show("text", kDefaultCaption, MessageBoxes::Icon::None);
+  platform_.messageBoxes->Show("text", "caption", MessageBoxes::Icon::Stop);
+  platform_.messageBoxes->Show("text", kDefaultCaption, MessageBoxes::Icon::None);
   EXPECT_EQ(Lines(),
             "{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"caption\",\"icon\":\"stop\"}\n"
             "{\"kind\":\"messageBox\",\"text\":\"text\",\"caption\":\"Parvex\",\"icon\":\"none\"}\n");
@@ -145,29 +145,28 @@ class LookingBoxes : public MessageBoxes {
 
 TEST_F(Journalled, MessageBoxesBeforeTheyOpen) {
   LookingBoxes boxes(out_);
-  const Platform& own = machine_.platform;
-  JournalledPlatform journalled({own.registry, own.privateProfile, own.files, own.processes, own.messagePump, boxes,
-                                 own.messageRouters, own.automation, own.projectDatabases, own.codePage},
-                                out_);
-  journalled.Platform().messageBoxes.Show("t", "c", MessageBoxes::Icon::None);
+  Platform outside = machine_.platform;
+  outside.messageBoxes = &boxes;
+  JournalledPlatform journalled(outside, out_);
+  journalled.Platform().messageBoxes->Show("t", "c", MessageBoxes::Icon::None);
   EXPECT_FALSE(boxes.linesWhileOpen.empty());
   EXPECT_EQ(boxes.linesWhileOpen, out_.Text());
 }
 
 TEST_F(Journalled, NothingElseOfTheMachineChanges) {
-  EXPECT_EQ(&machine_.platform.files, &platform_.files);
-  EXPECT_EQ(&machine_.platform.registry, &platform_.registry);
-  EXPECT_EQ(&machine_.platform.privateProfile, &platform_.privateProfile);
-  EXPECT_EQ(&machine_.platform.messagePump, &platform_.messagePump);
-  EXPECT_EQ(&machine_.platform.projectDatabases, &platform_.projectDatabases);
-  EXPECT_EQ(&machine_.platform.codePage, &platform_.codePage);
+  EXPECT_EQ(machine_.platform.files, platform_.files);
+  EXPECT_EQ(machine_.platform.registry, platform_.registry);
+  EXPECT_EQ(machine_.platform.privateProfile, platform_.privateProfile);
+  EXPECT_EQ(machine_.platform.messagePump, platform_.messagePump);
+  EXPECT_EQ(machine_.platform.projectDatabases, platform_.projectDatabases);
+  EXPECT_EQ(machine_.platform.codePage, platform_.codePage);
 }
 
 TEST_F(Journalled, AStreamThatFailsInterruptsNobody) {
   out_.setstate(std::ios::badbit);
   machine_.routers.answers = {{true, "answer"}};
   std::string response;
-  EXPECT_TRUE(platform_.messageRouters.Create()->SendRequestMessage("r", response));
+  EXPECT_TRUE(platform_.messageRouters->Create()->SendRequestMessage("r", response));
   EXPECT_EQ(response, "answer");
 }
 

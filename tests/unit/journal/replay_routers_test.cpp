@@ -149,11 +149,11 @@ TEST(ReplayRouters, AnswerFromAJournalAsTheOutsideDid) {
   test::FakeMachine machine;
   machine.routers.answers = {{true, "<A>\xC3\xBC</A>\r\n"}, {false, "no"}};
   JournalledPlatform journalled(machine.platform, journal);
-  const auto router = journalled.Platform().messageRouters.Create();
+  const auto router = journalled.Platform().messageRouters->Create();
   std::string response;
   router->SendRequestMessage("first \"request\"", response);
   router->SendRequestMessage("second", response);
-  journalled.Platform().messageBoxes.Show("t", "c", MessageBoxes::Icon::None);
+  journalled.Platform().messageBoxes->Show("t", "c", MessageBoxes::Icon::None);
 
   Replay replay(journal.str());
   EXPECT_EQ(replay.Send("first \"request\""), "true:<A>\xC3\xBC</A>\r\n");

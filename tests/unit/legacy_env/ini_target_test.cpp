@@ -69,7 +69,7 @@ TEST_F(IniTarget, CutsValuesAt254Characters) {
   SetIniTarget(platform_, "A", kFile);
   EXPECT_EQ(ReadIniString(platform_, "Short", ""), std::string(254, 'x'));
   EXPECT_EQ(ReadIniString(platform_, "Long", ""), std::string(254, 'y'));
-  EXPECT_EQ(platform_.codePage.ToAnsi(ReadIniString(platform_, "Umlauts", "")), std::string(254, '\xFC'));
+  EXPECT_EQ(platform_.codePage->ToAnsi(ReadIniString(platform_, "Umlauts", "")), std::string(254, '\xFC'));
 }
 
 TEST_F(IniTarget, SeesWhatAnotherProgramWroteMeanwhile) {

@@ -49,16 +49,11 @@ class InstallPaths : public testing::Test {
 
   FakeRegistry registry_;
   test::FakeMachine machine_;
-  const Platform platform_ = {registry_,
-                              machine_.platform.privateProfile,
-                              machine_.platform.files,
-                              machine_.platform.processes,
-                              machine_.platform.messagePump,
-                              machine_.platform.messageBoxes,
-                              machine_.platform.messageRouters,
-                              machine_.platform.automation,
-                              machine_.platform.projectDatabases,
-                              machine_.platform.codePage};
+  const Platform platform_ = [this] {
+    Platform platform = machine_.platform;
+    platform.registry = &registry_;
+    return platform;
+  }();
 };
 
 using Asked = std::vector<std::pair<std::string, std::string>>;

@@ -80,10 +80,10 @@ class Recorder : public Processes, public MessagePump {
 
 TEST_F(RunAndWaitTest, ReadsThenPumpsThenSleepsAndClosesAtTheEnd) {
   Recorder recorder;
-  const Platform& own = machine_.platform;
-  RunAndWait({own.registry, own.privateProfile, own.files, recorder, recorder, own.messageBoxes, own.messageRouters,
-              own.automation, own.projectDatabases, own.codePage},
-             "program");
+  Platform recorded = machine_.platform;
+  recorded.processes = &recorder;
+  recorded.messagePump = &recorder;
+  RunAndWait(recorded, "program");
   EXPECT_EQ(recorder.steps, "start read pump sleep100 read pump sleep100 close");
 }
 

@@ -140,7 +140,7 @@ TEST_F(OptionsCommandsTest, SetOnAFullDiskFailsAndLeavesTheOldFile) {
   LegacyLink full(disk.OfMachine());
   EXPECT_FALSE(Set(full, {{"a", "2"}}));
   EXPECT_EQ(machine.Read(kPath), kOptions);
-  EXPECT_EQ(machine.platform.files.ListFiles("C:\\Korvane\\TQ5-VX\\Bin\\*"), std::vector<std::string>{"Options.xml"});
+  EXPECT_EQ(machine.platform.files->ListFiles("C:\\Korvane\\TQ5-VX\\Bin\\*"), std::vector<std::string>{"Options.xml"});
 }
 
 TEST_F(OptionsCommandsTest, SetWithoutBinPathFails) {

@@ -31,7 +31,7 @@ class ProjectMachine {
 
   std::vector<Row> ReadConfig() {
     std::vector<Row> rows;
-    const auto database = machine.platform.projectDatabases.Open(kDatabase);
+    const auto database = machine.platform.projectDatabases->Open(kDatabase);
     for (const auto set = database->OpenRecordSet("SELECT * FROM Config"); !set->AtEnd(); set->MoveNext()) {
       rows.push_back({set->Column("sPdsg"), set->Column("sKey"), set->Column("sValue")});
     }

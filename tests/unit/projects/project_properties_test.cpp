@@ -111,7 +111,7 @@ TEST_F(ProjectPropertiesTest, AnswerWithoutTheNeededElementsEndsTheCall) {
 TEST_F(ProjectPropertiesTest, MissingDatabaseEndsTheCall) {
   AnswerProject();
   EXPECT_EQ(RaisedBy([&] { Properties(); }), 76) << "no folder";
-  machine.platform.files.CreateFolder(kFolder);
+  machine.platform.files->CreateFolder(kFolder);
   AnswerProject();
   EXPECT_EQ(RaisedBy([&] { Properties(); }), 53) << "no file";
   EXPECT_EQ(RaisedBy([&] { Store("c", "e", "n"); }), 53);
@@ -253,9 +253,8 @@ class LockedDatabases : public ProjectDatabases {
 
 TEST_F(ProjectPropertiesTest, LockedDatabaseEndsTheCallWithTheEnginesOwnError) {
   LockedDatabases locked;
-  const Platform& own = machine.platform;
-  const Platform platform{own.registry,     own.privateProfile, own.files,      own.processes, own.messagePump,
-                          own.messageBoxes, own.messageRouters, own.automation, locked,        own.codePage};
+  Platform platform = machine.platform;
+  platform.projectDatabases = &locked;
   LegacyLink lockedLink(platform);
   AnswerProject();
   try {

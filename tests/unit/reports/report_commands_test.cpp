@@ -511,7 +511,7 @@ TEST_F(GetSubmittalTest, AReportThatCannotBeReadEndsTheCall) {
   EXPECT_EQ(failure(), "91 no //root in " + path);
   WriteTemporary("NGreport.xml", "<r><root>");
   EXPECT_THAT(failure(), testing::StartsWith("91 " + path + " is no XML document: "));
-  machine.platform.files.Remove(path);
+  machine.platform.files->Remove(path);
   EXPECT_EQ(failure(), "53 " + path + " does not exist");
 }
 

@@ -19,10 +19,11 @@ class ReportMachine {
 
   FakeMachine machine;
   FakeAutomation automation;
-  LegacyLink link{Platform{machine.platform.registry, machine.platform.privateProfile, machine.platform.files,
-                           machine.platform.processes, machine.platform.messagePump, machine.platform.messageBoxes,
-                           machine.platform.messageRouters, automation, machine.platform.projectDatabases,
-                           machine.platform.codePage}};
+  LegacyLink link{[this] {
+    Platform platform = machine.platform;
+    platform.automation = &automation;
+    return platform;
+  }()};
 
   ReportMachine() {
     automation.Offer(kServer);
@@ -44,7 +45,7 @@ class ReportMachine {
   void WriteTemporary(const std::string& name, std::string_view bytes = "x") {
     machine.Write(kReportsTemp + name, bytes);
   }
-  std::vector<std::string> Temporary() { return machine.platform.files.ListFiles(std::string(kReportsTemp) + "*.*"); }
+  std::vector<std::string> Temporary() { return machine.platform.files->ListFiles(std::string(kReportsTemp) + "*.*"); }
   const std::vector<FakeMessageBoxes::Box>& Boxes() const { return machine.boxes.boxes; }
 
   /// A tag as the router answers it, in the form in which it is handed to the report server.

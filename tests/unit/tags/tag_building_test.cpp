@@ -310,7 +310,7 @@ TEST(UiSettings, AreLeftAloneByNewTagAndByWhatFailsBeforeThem) {
 
 TEST(UiSettings, ThatCannotBeWrittenEndConfigureTagBeforeTheBuilderIsMade) {
   BuilderMachine builder;
-  builder.machine.platform.files.Remove(BuilderMachine::UiKeys());
+  builder.machine.platform.files->Remove(BuilderMachine::UiKeys());
   EXPECT_EQ(test::RaisedBy([&] { Send(builder, kConfigureTag); }), 53);
   EXPECT_EQ(builder.automation.lines, Lines{"release report server"});
 }
@@ -318,7 +318,7 @@ TEST(UiSettings, ThatCannotBeWrittenEndConfigureTagBeforeTheBuilderIsMade) {
 TEST(UiSettings, ThatCannotBeWrittenBehindTheWorkflowAreAFailureOfEachKind) {
   const auto removeFile = [](BuilderMachine& builder) {
     builder.automation.Do(kBroker + ".CallService", [&](auto) {
-      builder.machine.platform.files.Remove(BuilderMachine::UiKeys());
+      builder.machine.platform.files->Remove(BuilderMachine::UiKeys());
       return automation::Value();
     });
   };

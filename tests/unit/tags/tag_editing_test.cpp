@@ -121,7 +121,7 @@ TEST(TagUpdateInfo, IsAnEmptyParameterWhenTheFileIsMissingOrMalformed) {
     EditingMachine tags;
     tags.WriteProgramFile("TagUpdateInfo.xml", content);
     if (*content == '\0') {
-      tags.machine.platform.files.Remove(std::string(test::FakeMachine::kBinPath) + "TagUpdateInfo.xml");
+      tags.machine.platform.files->Remove(std::string(test::FakeMachine::kBinPath) + "TagUpdateInfo.xml");
     }
     EXPECT_EQ(RenameTag(tags.link, Command("renameTag", Renaming(""))).Xml(), test::kSuccess);
     EXPECT_EQ(RenamingSent("", kTable + Parameter("data", "")), tags.Request()) << content;

@@ -26,7 +26,7 @@ class Packing : public testing::Test {
   std::vector<PackedEntry> UnpackBytes(const std::string& archive) {
     // A buffer of exactly the archive's size, so that the sanitizers see a read beyond it.
     const std::vector<char> exact(archive.begin(), archive.end());
-    return Unpack(machine_.platform.codePage, std::string_view(exact.data(), exact.size()), kBlob);
+    return Unpack(*machine_.platform.codePage, std::string_view(exact.data(), exact.size()), kBlob);
   }
 
   // The description of the error that refuses an archive; a test fails when it is accepted.
@@ -534,17 +534,17 @@ class ExtractBesideBlobTest : public Packing {
     for (const std::string& name : names) {
       entries.push_back({name, "content of " + name, false});
     }
-    ExtractBesideBlob(machine_.platform.files, entries, blob);
+    ExtractBesideBlob(*machine_.platform.files, entries, blob);
   }
 };
 
 TEST_F(ExtractBesideBlobTest, WritesFilesAndTheirFolders) {
-  ExtractBesideBlob(machine_.platform.files,
+  ExtractBesideBlob(*machine_.platform.files,
                     {{"Tag", "text", false}, {"empty", "", true}, {"a\\b\\c.txt", "deep", false}, {"a", "", true}},
                     kBlob);
   EXPECT_EQ(machine_.Read("C:\\data\\Tag"), "text");
   EXPECT_EQ(machine_.Read("C:\\data\\a\\b\\c.txt"), "deep");
-  EXPECT_TRUE(machine_.platform.files.IsFolder("C:\\data\\empty"));
+  EXPECT_TRUE(machine_.platform.files->IsFolder("C:\\data\\empty"));
   EXPECT_EQ(machine_.Read(kBlob), "the blob");
 }
 

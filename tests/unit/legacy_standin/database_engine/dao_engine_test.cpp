@@ -30,7 +30,7 @@ class DaoEngineTest : public testing::Test {
     const JetTable table = {"Config",
                             {{"sKey"}, {"lId", Type::Long}, {"dRate", Type::Double}, {"bUsed", Type::Boolean}},
                             {{"CompanyName", "7", "0.5", "True"}, {std::nullopt, std::nullopt, std::nullopt, "False"}}};
-    machine.platform.files.Replace(kPath, MakeJetDatabase({&table, 1}));
+    machine.platform.files->Replace(kPath, MakeJetDatabase({&table, 1}));
   }
 
   static Value Call(const ObjectRef& object, std::string_view member, std::vector<Value> values = {}) {
@@ -40,7 +40,7 @@ class DaoEngineTest : public testing::Test {
   }
   static ObjectRef ObjectOf(const Value& value) { return std::get<ObjectRef>(value); }
 
-  ObjectRef Engine() { return DaoClasses(machine.platform.files).front().create(); }
+  ObjectRef Engine() { return DaoClasses(*machine.platform.files).front().create(); }
   ObjectRef Database() { return ObjectOf(Call(Engine(), "OpenDatabase", {std::string(kPath)})); }
   ObjectRef Rows() { return ObjectOf(Call(Database(), "OpenRecordset", {std::string("SELECT * FROM Config"), 2})); }
   static Value Column(const ObjectRef& rows, const std::string& name) {
@@ -52,7 +52,7 @@ class DaoEngineTest : public testing::Test {
 
 TEST_F(DaoEngineTest, IsOfferedUnderBothIdentifiers) {
   std::vector<std::string> names;
-  for (const LateBoundClass& offered : DaoClasses(machine.platform.files)) names.push_back(offered.create()->Name());
+  for (const LateBoundClass& offered : DaoClasses(*machine.platform.files)) names.push_back(offered.create()->Name());
   EXPECT_THAT(names, testing::ElementsAre("DAO.DBEngine.36", "DAO.DBEngine.120"));
 }
 

@@ -11,10 +11,10 @@ namespace {
 class ApplicationTest : public ::testing::Test {
  protected:
   std::string Root() const {
-    return Application{machine.platform.registry,
-                       machine.platform.files,
-                       machine.platform.projectDatabases,
-                       machine.platform.codePage,
+    return Application{*machine.platform.registry,
+                       *machine.platform.files,
+                       *machine.platform.projectDatabases,
+                       *machine.platform.codePage,
                        {}}
         .Root();
   }

@@ -31,7 +31,7 @@ class ProjectStoreTest : public testing::Test, protected StandinMachine {
   /// The rows of a table of the project's database.
   Rows Table(const std::string& project, const std::string& table, const std::vector<std::string>& columns) {
     Rows rows;
-    const auto database = machine.platform.projectDatabases.Open(store.Folder(project) + "\\Project.mdb");
+    const auto database = machine.platform.projectDatabases->Open(store.Folder(project) + "\\Project.mdb");
     for (const auto set = database->OpenRecordSet("SELECT * FROM " + table); !set->AtEnd(); set->MoveNext()) {
       auto& row = rows.emplace_back();
       for (const std::string& column : columns) {
@@ -56,7 +56,7 @@ class ProjectStoreTest : public testing::Test, protected StandinMachine {
   std::string Path(const std::string& project, const std::string& file) { return store.Folder(project) + "\\" + file; }
 
   void StoreContact(const std::string& project) {
-    const auto database = machine.platform.projectDatabases.Open(Path(project, "project.mdb"));
+    const auto database = machine.platform.projectDatabases->Open(Path(project, "project.mdb"));
     const auto rows = database->OpenRecordSet("SELECT * FROM Config");
     rows->AddNew();
     rows->SetColumn("sPdsg", "KDQ47");
@@ -80,7 +80,7 @@ TEST_F(ProjectStoreTest, NamesAreThoseOfFoldersWithADatabaseInUpperCasedOrder) {
   store.Create("b");
   store.Create("A");
   store.Create("Ärzte");
-  machine.platform.files.CreateFolder("C:\\Korvane\\TQ5-VX\\Projects\\empty");
+  machine.platform.files->CreateFolder("C:\\Korvane\\TQ5-VX\\Projects\\empty");
   EXPECT_THAT(store.Names(), ElementsAre("A", "b", "Ärzte"));
   EXPECT_FALSE(store.Exists("empty"));
 }
@@ -110,7 +110,7 @@ TEST_F(ProjectStoreTest, ANameThatNoFolderCanHaveIsRefusedAndDoesNotExist) {
     EXPECT_EQ(RaisedBy([&] { store.Remove(name); }), 76) << name;
   }
   EXPECT_EQ(RaisedBy([&] { store.Create(std::string(256, 'a')); }), 5);
-  EXPECT_THAT(machine.platform.files.ListFolders("C:\\Korvane\\TQ5-VX\\Projects"), IsEmpty());
+  EXPECT_THAT(machine.platform.files->ListFolders("C:\\Korvane\\TQ5-VX\\Projects"), IsEmpty());
 }
 
 TEST_F(ProjectStoreTest, AFolderThatIsNoProjectStaysAsItIs) {
@@ -164,7 +164,7 @@ TEST_F(ProjectStoreTest, ACopyHasEveryFileAndIsAProjectOfItsOwn) {
 TEST_F(ProjectStoreTest, ARemovedProjectIsGoneWithItsFolder) {
   store.Create("Clinic");
   store.Remove("CLINIC");
-  EXPECT_FALSE(machine.platform.files.IsFolder("C:\\Korvane\\TQ5-VX\\Projects\\Clinic"));
+  EXPECT_FALSE(machine.platform.files->IsFolder("C:\\Korvane\\TQ5-VX\\Projects\\Clinic"));
 }
 
 TEST_F(ProjectStoreTest, ReplacingTheFilesLeavesNoOthers) {
@@ -178,7 +178,7 @@ TEST_F(ProjectStoreTest, AChangeThatFailsPutsBackWhatItHadChanged) {
   store.Create("Clinic");
   machine.Write(Path("Clinic", "a.blb"), "a");
   // A folder in the place of a file: writing there fails.
-  machine.platform.files.CreateFolder(Path("Clinic", "zz"));
+  machine.platform.files->CreateFolder(Path("Clinic", "zz"));
   const std::string units = machine.Read(Path("Clinic", "units.json"));
   EXPECT_NE(RaisedBy([&] {
               store.ReplaceFiles("Clinic", {{"units.json", "other"}, {"new.blb", "n"}, {"zz", ""}});
@@ -215,13 +215,13 @@ TEST_F(ProjectStoreTest, AFullDiskLeavesTheProjectsAsTheyWere) {
     for (bool failed = true; failed; ++room) {
       test::FullDisk disk(machine.platform, room);
       const Platform full = disk.OfMachine();
-      const Application onFullDisk{full.registry, full.files, full.projectDatabases, full.codePage, {}};
+      const Application onFullDisk{*full.registry, *full.files, *full.projectDatabases, *full.codePage, {}};
       failed = RaisedBy([&] { change(ProjectStore(onFullDisk)); }) == 61;
       EXPECT_EQ(failed, StateOf(store) == before) << name << " with room for " << room;
     }
     EXPECT_GT(room, 1) << name;
   }
-  EXPECT_THAT(machine.platform.files.ListFolders("C:\\Korvane\\TQ5-VX\\Projects"),
+  EXPECT_THAT(machine.platform.files->ListFolders("C:\\Korvane\\TQ5-VX\\Projects"),
               ElementsAre("Clinic", "Copy", "New"));
 }
 

@@ -41,7 +41,7 @@ class ReportClassesTest : public testing::Test, protected StandinMachine {
     }
   }
 
-  std::vector<std::string> Files() { return machine.platform.files.ListFiles(std::string(kTemp) + "*.*"); }
+  std::vector<std::string> Files() { return machine.platform.files->ListFiles(std::string(kTemp) + "*.*"); }
 };
 
 class ReportServerTest : public ReportClassesTest {

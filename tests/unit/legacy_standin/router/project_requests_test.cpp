@@ -212,7 +212,7 @@ TEST_F(ProjectRequestsTest, APartOfAnArchiveRestoresTheNamedFamiliesOnly) {
                    {{"projectName", "Clinic"}, {"archiveFile", kArchive}, {"dataList", "KDQ47, XRC47"}}));
   EXPECT_THAT(UnitNames("Clinic"), ElementsAre("CH-1"));
   EXPECT_FALSE(machine.Exists(std::string(kProjects) + "Clinic\\acc1.blb"));
-  const auto database = machine.platform.projectDatabases.Open(std::string(kProjects) + "Clinic\\Project.mdb");
+  const auto database = machine.platform.projectDatabases->Open(std::string(kProjects) + "Clinic\\Project.mdb");
   const auto rows = database->OpenRecordSet("SELECT * FROM TagIndex");
   EXPECT_EQ(rows->Column("sTagName"), "CH-1");
   rows->MoveNext();

@@ -53,7 +53,7 @@ TEST_P(DelicateValue, ReadsBackUnchanged) {
   unit.keys = {{"PartNumber", "P1"}, {"Description", GetParam()}};
   test::FakeMachine machine;
   machine.Write("C:\\out.ini", FormatSelection({}, {unit}, PathOf));
-  const auto section = machine.platform.privateProfile.Section("PartNumber1", "C:\\out.ini");
+  const auto section = machine.platform.privateProfile->Section("PartNumber1", "C:\\out.ini");
   EXPECT_EQ(section->ReadString("Description", "", 255), GetParam());
 }
 

@@ -38,12 +38,12 @@ class WorkflowTest : public testing::Test {
   }
 
   WorkflowResult Run(const std::vector<std::string>& arguments = {"/OrlaImportNoUI"}) {
-    return RunWorkflow({machine_.platform.files, machine_.platform.privateProfile, machine_.platform.codePage},
+    return RunWorkflow({*machine_.platform.files, *machine_.platform.privateProfile, *machine_.platform.codePage},
                        test::FakeMachine::kRoot, arguments, settings_);
   }
 
   /// The output, as UTF-8.
-  std::string Output() { return machine_.platform.codePage.FromAnsi(machine_.Read(kOutput)); }
+  std::string Output() { return machine_.platform.codePage->FromAnsi(machine_.Read(kOutput)); }
 
   void ExpectCancelled(const std::string& reason) {
     const WorkflowResult result = Run();
@@ -145,12 +145,12 @@ TEST_F(WorkflowTest, ASelectionThatDoesNotParseCancels) {
 }
 
 TEST_F(WorkflowTest, AMissingHandOverCancels) {
-  machine_.platform.files.Remove("C:\\Korvane\\TQ5-VX\\Temp\\HBInput.ini");
+  machine_.platform.files->Remove("C:\\Korvane\\TQ5-VX\\Temp\\HBInput.ini");
   ExpectCancelled("HBInput.ini was not handed over");
 }
 
 TEST_F(WorkflowTest, AMissingBuilderInputCancels) {
-  machine_.platform.files.Remove("C:\\Korvane\\TQ5-VX\\Temp\\QBInput.ini");
+  machine_.platform.files->Remove("C:\\Korvane\\TQ5-VX\\Temp\\QBInput.ini");
   ExpectCancelled("QBInput.ini was not handed over");
 }
 
@@ -160,8 +160,8 @@ TEST_F(WorkflowTest, AProjectFileThatCannotBeReadCancelsAndSaysWhere) {
 }
 
 TEST_F(WorkflowTest, AnInteractiveRunTakesTheFirstProjectWithoutAnyHandOver) {
-  machine_.platform.files.Remove("C:\\Korvane\\TQ5-VX\\Temp\\HBInput.ini");
-  machine_.platform.files.Remove("C:\\Korvane\\TQ5-VX\\Temp\\QBInput.ini");
+  machine_.platform.files->Remove("C:\\Korvane\\TQ5-VX\\Temp\\HBInput.ini");
+  machine_.platform.files->Remove("C:\\Korvane\\TQ5-VX\\Temp\\QBInput.ini");
   machine_.Write("C:\\Korvane\\TQ5-VX\\Projects\\Zoo\\units.json", R"({"units":[]})");
   EXPECT_EQ(Run({"/OrlaProjectImport"}).exitCode, kWorkflowDone);
   EXPECT_THAT(Output(), StartsWith("[Header]\r\nAction=OK\r\nProjectName=Clinic\r\n"));
@@ -169,7 +169,7 @@ TEST_F(WorkflowTest, AnInteractiveRunTakesTheFirstProjectWithoutAnyHandOver) {
 }
 
 TEST_F(WorkflowTest, AnInteractiveRunWithoutProjectsCancels) {
-  machine_.platform.files.RemoveFolder("C:\\Korvane\\TQ5-VX\\Projects\\Clinic");
+  machine_.platform.files->RemoveFolder("C:\\Korvane\\TQ5-VX\\Projects\\Clinic");
   EXPECT_EQ(Run({"/OrlaProjectImport"}).exitCode, kWorkflowNothingSelected);
   EXPECT_THAT(Output(), StartsWith("[Header]\r\nAction=Cancel\r\nReason=there is no project"));
 }
@@ -203,7 +203,7 @@ TEST_F(WorkflowTest, ToldAnExitCodeItStillDoesItsWork) {
 }
 
 TEST_F(WorkflowTest, WithoutTempFolderThereIsNoOutputAndTheExitCodeSaysSo) {
-  machine_.platform.files.RemoveFolder("C:\\Korvane\\TQ5-VX\\Temp");
+  machine_.platform.files->RemoveFolder("C:\\Korvane\\TQ5-VX\\Temp");
   const WorkflowResult result = Run();
   EXPECT_EQ(result.exitCode, kWorkflowNoOutput);
   EXPECT_THAT(result.message, HasSubstr("QBOutput.ini"));

@@ -1,4 +1,4 @@
-#include "seams/written_boxes.h"
+#include "cli/host/written_boxes.h"
 
 #include <iostream>
 #include <string>

@@ -1,0 +1,135 @@
+#!/usr/bin/env python3
+"""Arrows point down: compares every include of src/, legacy_standin/, bench/ and fuzz/ with the uses that the build
+declares for the folder of the file (uses.tsv of the build tree, cmake/modules.cmake).
+
+    check_uses.py SOURCE_TREE USES [FOLDER...]
+
+Prints "file:line: what is wrong" for each include that is not declared, each source that belongs to nothing that is
+declared, and each folder that names what is declared after it. Ends with 1 when there was any.
+"""
+import pathlib
+import re
+import sys
+
+FOLDERS = ("src", "legacy_standin", "bench", "fuzz")
+INCLUDE = re.compile(r'\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')
+
+# Headers of libraries, which only those may include that name the library.
+LIBRARIES = (
+    ("libxml/", ("LibXml2::LibXml2",)),
+    ("zlib.h", ("ZLIB::ZLIB",)),
+    ("nlohmann/", ("nlohmann_json::nlohmann_json",)),
+    ("CLI/", ("CLI11::CLI11",)),
+    ("benchmark/", ("benchmark::benchmark", "benchmark::benchmark_main")),
+)
+# Headers of a system belong to what is built on it only: to modules that say so, and to sources named after it.
+SYSTEM_HEADERS = {
+    "windows": re.compile(r"(windows|windowsx|objbase|objidl|ole2|oleauto|ocidl|oaidl|olectl|shellapi|shlwapi|shlobj|tlhelp32|"
+                          r"msxml2?|comdef|comcat|activscp|winsvc|io|direct|process)\.h$"),
+    "posix": re.compile(r"(sys/|linux/|(unistd|dirent|spawn|dlfcn|pthread|langinfo|poll|termios|pwd)\.h$)"),
+}
+PLATFORM_NAMES = {"windows": ("_windows", "_msxml"), "posix": ("_posix", "_libxml2")}
+
+
+class Declared:
+    """What the build declares: path -> (library, platform, libraries that it names), and the library of each path."""
+
+    def __init__(self, text):
+        self.paths = {}
+        self.folder_of = {}
+        self.groups = {}
+        self.problems = []
+        order = {}
+        for line in text.splitlines():
+            path, name, platform, depends = line.split("\t")
+            depends = [one for one in depends.split(";") if one]
+            if not path:
+                self.groups[name] = depends
+                order[name] = len(order)
+                continue
+            self.paths[path] = (name, platform, depends)
+            for used in depends:
+                if used.startswith("parvex_") and used not in order:
+                    self.problems.append(f"{path}: uses {used}, which is declared after it or nowhere")
+            if name:
+                self.folder_of[name] = path
+                order[name] = len(order)
+
+    def of(self, path):
+        """The declaration that a source falls under: its own, else its folder's."""
+        return self.paths.get(path) or self.paths.get(str(pathlib.PurePosixPath(path).parent))
+
+    def reachable(self, depends):
+        """The folders and libraries that these names give: a group gives its members, nothing gives what it uses."""
+        found = set()
+        for name in depends:
+            if name in self.groups:
+                found |= self.reachable(self.groups[name])
+            else:
+                found.add(self.folder_of.get(name, name))
+        return found
+
+
+def own_platform(path, platform):
+    """The platform that a source belongs to alone: by its module, else by its name."""
+    stem = pathlib.PurePosixPath(path).stem
+    for name, endings in PLATFORM_NAMES.items():
+        if platform == name or stem.endswith(endings):
+            return name
+    return ""
+
+
+def problem_of(top, declared, path, quoted, angled):
+    name, platform, depends = declared.of(path)
+    allowed = declared.reachable(depends)
+    if quoted:
+        for root in ("src/", ""):
+            if (top / root / quoted).is_file():
+                folder = str(pathlib.PurePosixPath(root + quoted).parent)
+                if folder == str(pathlib.PurePosixPath(path).parent) or folder in allowed:
+                    return ""
+                if folder.startswith("tests/"):
+                    return "" if "parvex_test_support" in depends else f"includes {quoted}, which is the tests'"
+                return f"includes {quoted}, but the build declares no use of {folder} there"
+        return ""  # made by the build
+    for prefix, libraries in LIBRARIES:
+        if angled.startswith(prefix) and not allowed.intersection(libraries):
+            return f"includes <{angled}>, but the build declares no use of {libraries[0]} there"
+    for system, headers in SYSTEM_HEADERS.items():
+        if headers.match(angled) and own_platform(path, platform) != system:
+            return f"includes <{angled}>, which only sources of {system} may"
+    return ""
+
+
+def check(top, uses_text, folders=FOLDERS):
+    declared = Declared(uses_text)
+    problems = list(declared.problems)
+    count = 0
+    for folder in folders:
+        for file in sorted((top / folder).rglob("*")):
+            if file.suffix not in (".cpp", ".h") or not file.is_file():
+                continue
+            path = file.relative_to(top).as_posix()
+            count += 1
+            if declared.of(path) is None:
+                problems.append(f"{path}:1: belongs to no folder that the build declares")
+                continue
+            for number, line in enumerate(file.read_text(encoding="utf-8").splitlines(), 1):
+                found = INCLUDE.match(line)
+                problem = found and problem_of(top, declared, path, *found.groups(default=""))
+                if problem:
+                    problems.append(f"{path}:{number}: {problem}")
+    return count, problems
+
+
+def main():
+    top, uses = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+    count, problems = check(top, uses.read_text(encoding="utf-8"), sys.argv[3:] or FOLDERS)
+    for problem in problems:
+        print(problem)
+    print(f"{count} sources, {len(problems)} includes or uses that are not declared")
+    return 1 if problems or not count else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

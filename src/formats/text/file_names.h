@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string_view>
+
+namespace parvex {
+
+// What Windows makes of the names of files, for every place that takes names from outside or stands for Windows.
+
+/// Whether a file can have this name, one component of a path: it is not empty, holds no control character and none of
+/// \ / : * ? " < > |, does not end with a dot or a blank, and means no device.
+bool IsFileName(std::string_view name);
+
+/// Whether a component means a device in every folder: NUL, CON, COM1 and the like, in any letter case, with blanks or
+/// an extension behind it ("nul.txt") or without. The superscript digits one to three count as digits of a port.
+bool IsDeviceName(std::string_view name);
+
+/// Whether a character is one of those that no component may hold: control characters and \ / : * ? " < > |
+bool IsForbiddenInFileName(char c);
+
+/// The component without the dots and blanks at its end, which Windows drops.
+std::string_view WithoutTrailingDotsAndBlanks(std::string_view name);
+
+}  // namespace parvex

@@ -75,7 +75,7 @@ TEST_F(DaoEngineTest, AmountsAndDatesAreNumbersAndBinaryValuesAreRefused) {
   const JetTable table = {"Config",
                           {{"money", Type::Currency}, {"day", Type::DateTime}, {"photo", Type::LongBinary}},
                           {{std::string("\x39\x30\0\0\0\0\0\0", 8), std::string("\0\0\0\0\0\0\x12\xC0", 8), "x"}}};
-  machine.platform.files.Replace(kPath, MakeJetDatabase({&table, 1}));
+  machine.platform.files->Replace(kPath, MakeJetDatabase({&table, 1}));
   const ObjectRef rows = Rows();
   EXPECT_EQ(Column(rows, "money"), Value(1.2345));
   EXPECT_EQ(Column(rows, "day"), Value(-4.5));

@@ -84,7 +84,7 @@ TEST_F(DaoEngineTest, AmountsAndDatesAreNumbersAndBinaryValuesAreRefused) {
 
 TEST_F(DaoEngineTest, ReadsJet3Too) {
   const JetTable table = {"Config", {{"sKey"}, {"lId", Type::Long}}, {{"Köln €", "7"}}};
-  machine.platform.files.Replace(kPath, MakeJetDatabase({&table, 1}, jet::Version::Jet3));
+  machine.platform.files->Replace(kPath, MakeJetDatabase({&table, 1}, jet::Version::Jet3));
   EXPECT_EQ(Column(Rows(), "sKey"), Value("Köln €"));
   EXPECT_EQ(Column(Rows(), "lId"), Value(7));
 }

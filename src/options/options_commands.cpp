@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "legacy_env/install_paths.h"
 #include "legacy_env/program_folder_document.h"
@@ -37,23 +38,44 @@ void SetGeneralOption(const xml::Document& options, const xml::Document& command
   ValueBelow(option, ".//Value").SetText(ValueBelow(given.Parent(), ".//VALUE").Text());
 }
 
-/// The options of tool SOV01 by name; of several with one name the first.
-std::unordered_map<std::string, xml::Node> PassedOptions(const xml::Document& options) {
-  std::unordered_map<std::string, xml::Node> byName;
-  for (const xml::Node& name : options.All("//Tool[@ID='SOV01']/Option/Name")) {
-    byName.try_emplace(name.Text(), name.Parent());
+/// The options of tool SOV01, by a text that stands in their names.
+class PassedOptions {
+ public:
+  explicit PassedOptions(const xml::Document& options) {
+    for (const xml::Node& text : options.All("//Tool[@ID='SOV01']/Option/Name/text()")) {
+      texts_[text.Text()].push_back(text);
+    }
   }
-  return byName;
-}
+
+  /// The first option whose Name holds exactly this text; a null node when there is none, as for a name with an
+  /// apostrophe. Blanks around an option's name count, deliberately, while those around a parameter's are never seen:
+  /// no parameter sets an option that is written with them.
+  xml::Node Find(const std::string& name) const {
+    const auto texts = texts_.find(name);
+    if (texts == texts_.end() || name.find('\'') != std::string::npos) {
+      return {};
+    }
+    const std::string exactly = "self::node()[.='" + name + "']";
+    for (const xml::Node& text : texts->second) {
+      if (text.First(exactly)) {
+        return text.Parent().Parent();
+      }
+    }
+    return {};
+  }
+
+ private:
+  // A node's own text has no outer blanks, so that nodes of one key may still differ in them.
+  std::unordered_map<std::string, std::vector<xml::Node>> texts_;
+};
 
 void SetPassedOptions(const xml::Document& options, const xml::Document& command) {
-  const auto byName = PassedOptions(options);
+  const PassedOptions passed(options);
   for (const xml::Node& parameter : command.All("//COMMAND/PARAMETER")) {
     const std::string name = ValueBelow(parameter, ".//NAME").Text();
     const std::string value = ValueBelow(parameter, ".//VALUE").Text();
-    const auto option = byName.find(name);
-    if (!name.empty() && option != byName.end() && name.find('\'') == std::string::npos) {
-      ValueBelow(option->second, ".//Value").SetText(value);
+    if (const xml::Node option = passed.Find(name)) {
+      ValueBelow(option, ".//Value").SetText(value);
     }
   }
 }

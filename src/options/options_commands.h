@@ -14,7 +14,9 @@ namespace parvex {
 xml::Document GetOptions(LegacyLink& link, const xml::Document& command);
 
 /// Writes the command's values into the file, which stays as it was when anything fails: the failed reply then.
-/// Parameters that name no option are ignored; a name with an apostrophe matches nothing.
+/// Parameters that name no option are ignored; a name with an apostrophe matches nothing. An option is named by its
+/// text as it stands in the file: one with blanks around it is matched by nothing, for a parameter's name is read
+/// without.
 xml::Document SetOptions(LegacyLink& link, const xml::Document& command);
 
 }  // namespace parvex

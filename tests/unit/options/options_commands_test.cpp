@@ -188,6 +188,36 @@ TEST_F(OptionsCommandsTest, SetMatchesNothingByAnEmptyName) {
   EXPECT_THAT(machine.Read(kPath), HasSubstr("<Value>1</Value>"));
 }
 
+TEST_F(OptionsCommandsTest, SetMatchesNoOptionWrittenWithBlanksAroundItsName) {
+  const std::string options =
+      "<O><Tool ID=\"SOV02\"><Option><Name> cmbUnitOfMeasure</Name><Value>u</Value></Option></Tool><Tool ID=\"SOV01\">"
+      "<Option><Name> a </Name><Value>1</Value></Option><Option><Name>a\n</Name><Value>2</Value></Option>"
+      "<Option><Name><![CDATA[ a]]></Name><Value>3</Value></Option></Tool></O>\r\n";
+  machine.Write(kPath, options);
+  EXPECT_TRUE(Set({{"a", "9"}, {" a ", "9"}}));
+  EXPECT_EQ(machine.Read(kPath), options);
+  EXPECT_FALSE(Set({{"cmbUnitOfMeasure", "9"}})) << "which is an option that has to be there";
+}
+
+TEST_F(OptionsCommandsTest, SetPassesOverANameWithBlanksToTheOneWithout) {
+  machine.Write(kPath,
+                "<O><Tool ID=\"SOV01\"><Option><Name>a </Name><Value>1</Value></Option><Option><Name>a</Name>"
+                "<Value>2</Value></Option></Tool></O>");
+  EXPECT_TRUE(Set({{"a", "9"}}));
+  EXPECT_THAT(machine.Read(kPath), HasSubstr("<Value>1</Value></Option><Option><Name>a</Name><Value>9</Value>"));
+}
+
+TEST_F(OptionsCommandsTest, SetTakesANameFromTheTextBesideOtherContentOfTheElement) {
+  machine.Write(kPath,
+                "<O><Tool ID=\"SOV01\"><Option><Name>a<!-- b -->c</Name><Value>1</Value></Option><Option>"
+                "<Name><![CDATA[d]]><x>e</x></Name><Value>2</Value></Option></Tool></O>");
+  EXPECT_TRUE(Set({{"ac", "8"}, {"de", "8"}}));
+  EXPECT_THAT(machine.Read(kPath), testing::Not(HasSubstr("8")));
+  EXPECT_TRUE(Set({{"c", "7"}, {"d", "9"}}));
+  EXPECT_THAT(machine.Read(kPath), HasSubstr("<Value>7</Value>"));
+  EXPECT_THAT(machine.Read(kPath), HasSubstr("<Value>9</Value>"));
+}
+
 TEST_F(OptionsCommandsTest, SetFailsAsAWholeWhenAParameterHasNoValue) {
   machine.Write(kPath, kOptions);
   const xml::Document command = xml::Document::Parse(

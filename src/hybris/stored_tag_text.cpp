@@ -112,13 +112,10 @@ StoredTagText TextAmong(CodePage& codePage, const std::optional<PackedEntry>& ta
 }  // namespace
 
 StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileName) {
-  if (fileName.empty() || !platform.files->IsFile(fileName)) {
+  if (fileName.empty()) {
     return {};
   }
-  std::string archive = platform.files->ReadAll(fileName);
-  if (archive.empty()) {
-    return {};
-  }
+  std::string archive = platform.files->IsFile(fileName) ? platform.files->ReadAll(fileName) : std::string();
   std::vector<PackedEntry> entries = Unpack(*platform.codePage, archive, fileName);
   const std::string tagFile = TagFileBeside(fileName);
   const std::optional<PackedEntry> tag = tagFile.empty() ? std::nullopt : TakeTagEntry(entries);

@@ -20,10 +20,11 @@ struct StoredTagText {
 ///
 /// First the archive is unpacked into its folder; when a file named "Tag" is there then, its lines, each with a CR LF
 /// behind it, are the text, and that file is deleted. When this yields no text, the text is that of the archive's only
-/// file, provided that it holds "SAPDATA". A blob without a name, without content or that does not exist has no text.
+/// file, provided that it holds "SAPDATA". A file "Tag" counts whoever left it there, also beside a blob that is
+/// missing, empty or no archive; a blob without a name has no folder and no text.
 ///
 /// Texts are ANSI, or what a byte order mark in front says. A refused archive is the AutomationError of Unpack
-/// (hybris/packing.h), and nothing is written then.
+/// (formats/zip/zip_reader.h), and nothing is written then.
 StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileName);
 
 }  // namespace parvex

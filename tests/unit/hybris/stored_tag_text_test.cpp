@@ -177,13 +177,58 @@ TEST_F(StoredText, TriesTheSecondWayWhenTheTagFileIsEmpty) {
 // --- No blob, a bad blob ---
 
 TEST_F(StoredText, IsNoneWithoutABlob) {
-  machine_.Write(kTagFile, "left behind");
-  ExpectNoText(Read(""));
   ExpectNoText(Read("C:\\data\\missing.dat"));
   ExpectNoText(Read("C:\\missing\\unit.dat"));
   ExpectNoText(Read("C:\\data"));
   machine_.Write(kBlob, "");
   ExpectNoText(Read());
+}
+
+TEST_F(StoredText, IsNoneForABlobWithoutANameWhateverLiesAround) {
+  machine_.Write(kTagFile, "left behind");
+  machine_.Write("C:\\Tag", "left behind");
+  ExpectNoText(Read(""));
+  EXPECT_TRUE(machine_.Exists(kTagFile));
+  EXPECT_TRUE(machine_.Exists("C:\\Tag"));
+}
+
+TEST_F(StoredText, TakesATagFileThatWasLeftBesideAMissingBlob) {
+  machine_.Write(kTagFile, "left behind");
+  const StoredTagText read = Read("C:\\data\\missing.dat");
+  EXPECT_EQ(read.text, "left behind\r\n");
+  EXPECT_TRUE(read.status);
+  EXPECT_EQ(read.archive, "");
+  EXPECT_FALSE(machine_.Exists(kTagFile));
+}
+
+TEST_F(StoredText, TakesATagFileThatWasLeftBesideAnEmptyBlob) {
+  machine_.Write(kTagFile, "left behind");
+  machine_.Write(kBlob, "");
+  EXPECT_EQ(Read().text, "left behind\r\n");
+  EXPECT_FALSE(machine_.Exists(kTagFile));
+  EXPECT_TRUE(machine_.Exists(kBlob));
+}
+
+TEST_F(StoredText, TakesATagFileThatWasLeftBesideABlobThatIsNoArchiveOrAFolder) {
+  machine_.Write(kTagFile, "left behind");
+  machine_.Write(kBlob, "no archive");
+  EXPECT_EQ(Read().text, "left behind\r\n");
+  EXPECT_FALSE(machine_.Exists(kTagFile));
+  machine_.Write("C:\\Tag", "beside the folder");
+  EXPECT_EQ(Read("C:\\data").text, "beside the folder\r\n");
+  EXPECT_FALSE(machine_.Exists("C:\\Tag"));
+}
+
+TEST_F(StoredText, LeavesATagFileOfAnotherFolderThanTheMissingBlobs) {
+  machine_.Write(kTagFile, "left behind");
+  ExpectNoText(Read("C:\\missing\\unit.dat"));
+  ExpectNoText(Read("C:\\unit.dat"));
+  EXPECT_TRUE(machine_.Exists(kTagFile));
+}
+
+TEST_F(StoredText, DoesNotTakeAnEmptyBlobNamedTagForItsContent) {
+  machine_.Write(kTagFile, "");
+  ExpectNoText(Read(kTagFile));
   EXPECT_TRUE(machine_.Exists(kTagFile));
 }
 

@@ -10,8 +10,6 @@
 namespace parvex {
 namespace {
 
-constexpr std::size_t kMostLines = 101;
-
 // There is no blank before WidthP: deliberate, the builder's own reader expects the text as it was always written.
 constexpr std::string_view kSplitterLine = "SplitterPosition=<ColSplitter Index=\"0\"WidthP=\"22819\">";
 
@@ -31,18 +29,6 @@ std::string SettingsFile(const Platform& platform) {
     throw AutomationError(kBinPathUnknown, kErrorSource, "Unable to read BinPath");
   }
   return binPath + "\\UIKeys.txt";
-}
-
-// The lines of the file, each without its line break (CR LF, CR or LF).
-std::vector<std::string> ReadLines(const Platform& platform, const std::string& path) {
-  const std::string text = platform.codePage->FromAnsi(platform.files->ReadAll(path));
-  std::vector<std::string> lines;
-  for (std::size_t from = 0; from < text.size();) {
-    const std::size_t end = std::min(text.find_first_of("\r\n", from), text.size());
-    lines.push_back(text.substr(from, end - from));
-    from = end + (text.compare(end, 2, "\r\n") == 0 ? 2 : 1);
-  }
-  return lines;
 }
 
 bool IsSettingOf(std::string_view line, std::string_view key) {
@@ -72,17 +58,28 @@ std::string RewrittenText(const std::vector<std::string>& lines, std::string_vie
 }  // namespace
 
 std::string getUIValue(const Platform& platform, std::string_view key) {
-  return Under("KDQU470.getUIValue", [&] { return FindValue(ReadLines(platform, SettingsFile(platform)), key); });
+  return Under("KDQU470.getUIValue", [&] { return FindValue(ReadUiLines(platform, SettingsFile(platform)), key); });
+}
+
+std::vector<std::string> ReadUiLines(const Platform& platform, std::string_view path) {
+  const std::string text = platform.codePage->FromAnsi(platform.files->ReadAll(path));
+  std::vector<std::string> lines;
+  for (std::size_t from = 0; from < text.size();) {
+    const std::size_t end = std::min(text.find_first_of("\r\n", from), text.size());
+    lines.push_back(text.substr(from, end - from));
+    from = end + (text.compare(end, 2, "\r\n") == 0 ? 2 : 1);
+  }
+  return lines;
 }
 
 void setUIValue(const Platform& platform, std::string_view value) {
   Under("KDQU470.setUIValue", [&] {
     const std::string path = SettingsFile(platform);
-    const std::vector<std::string> lines = ReadLines(platform, path);
-    if (lines.size() > kMostLines) {
-      throw MakeRuntimeError(
-          RuntimeError::SubscriptOutOfRange,
-          path + " has " + std::to_string(lines.size()) + " lines; it may have at most " + std::to_string(kMostLines));
+    const std::vector<std::string> lines = ReadUiLines(platform, path);
+    if (lines.size() > kMostUiLines) {
+      throw MakeRuntimeError(RuntimeError::SubscriptOutOfRange, path + " has " + std::to_string(lines.size()) +
+                                                                    " lines; it may have at most " +
+                                                                    std::to_string(kMostUiLines));
     }
     platform.files->Replace(path, platform.codePage->ToAnsi(RewrittenText(lines, value)));
   });

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "seams/automation_error.h"
 #include "seams/platform.h"
@@ -21,8 +23,14 @@ inline constexpr std::uint32_t kBinPathUnknown = kObjectErrorBase + 0x200u;
 /// there is none.
 std::string getUIValue(const Platform& platform, std::string_view key);
 
+/// The lines of a file of that kind, each without its line break (CR LF, CR or LF); the last one needs none.
+std::vector<std::string> ReadUiLines(const Platform& platform, std::string_view path);
+
+/// So many lines setUIValue has room for.
+inline constexpr std::size_t kMostUiLines = 101;
+
 /// Gives the lines of ToolBarActive and TreeViewActive the new value and the line of SplitterPosition its fixed text;
-/// all other lines stay. A file of more than 101 lines is an error (9) and stays as it is.
+/// all other lines stay. A file of more than kMostUiLines lines is an error (9) and stays as it is.
 void setUIValue(const Platform& platform, std::string_view value);
 
 }  // namespace parvex

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <functional>
 #include <optional>
 
 #include "formats/text/text.h"
 #include "legacy_env/install_paths.h"
+#include "legacy_env/ui_settings.h"
 #include "projects/project_properties.h"
 #include "protocol/legacy_names.h"
 #include "protocol/reply_envelope.h"
@@ -88,12 +90,9 @@ Found FindWorkflowProgram(const Platform& platform, const HostFacts& facts, cons
           State::Failure};
 }
 
-// The reader of this file has room for so many lines.
-constexpr std::ptrdiff_t kMostSettingsLines = 101;
-
 Found FindSettings(const Platform& platform, const std::string& path) {
-  const std::ptrdiff_t lines = std::ranges::count(platform.files->ReadAll(path), '\n');
-  const bool fits = lines <= kMostSettingsLines;
+  const std::size_t lines = ReadUiLines(platform, path).size();
+  const bool fits = lines <= kMostUiLines;
   return {path + (fits ? "" : " has " + std::to_string(lines) + " lines, more than can be changed"),
           fits ? State::Ok : State::Failure};
 }

@@ -1,6 +1,6 @@
 # A folder is a module: every .cpp directly in FOLDER belongs to the static library NAME, those left out whose name ends
 # in the name of the other platform. DEPENDS is what the folder may include; it names only what was declared before, so
-# that arrows point down (scripts/lib/check_uses.py compares each include with it). With PLATFORM the module is built on
+# that arrows point down (scripts/lib/check_house.py compares each include with it). With PLATFORM the module is built on
 # that platform only; on the other it is an empty name.
 #
 #   parvex_module(NAME FOLDER [PLATFORM posix|windows] [DEPENDS library...])

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of scripts/lib/check_uses.py on a small tree of its own, and that it finds something to look at in this one."""
+"""Tests of scripts/lib/check_house.py on a small tree of its own, and that it finds something to look at in this one."""
 import pathlib
 import sys
 import tempfile
@@ -9,7 +9,7 @@ HERE = pathlib.Path(__file__).resolve().parent
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(HERE.parent.parent / "scripts" / "lib"))
 
-import check_uses  # noqa: E402
+import check_house  # noqa: E402
 
 USES = ("src/low\tlow\t\t\n"
         "src/middle\tmiddle\t\tlow;ZLIB::ZLIB\n"
@@ -24,7 +24,7 @@ class Uses(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.top = pathlib.Path(folder.name)
-        for folder in check_uses.FOLDERS:
+        for folder in check_house.FOLDERS:
             (self.top / folder).mkdir()
         self.write("src/low/low.h")
         self.write("src/middle/middle.h")
@@ -35,7 +35,7 @@ class Uses(unittest.TestCase):
         (self.top / path).write_text("\n".join(lines) + "\n", encoding="utf-8")
 
     def problems(self, uses=USES):
-        return check_uses.check(self.top, uses)[1]
+        return check_house.check(self.top, uses)[1]
 
     def test_an_arrow_down_is_no_problem(self):
         self.write("src/middle/middle.cpp", '#include "middle/middle.h"', '#include "low/low.h"', "#include <string>")
@@ -76,6 +76,22 @@ class Uses(unittest.TestCase):
     def test_a_use_of_what_is_declared_later_is_a_problem_without_any_include(self):
         later = "src/a\tparvex_a\t\tparvex_b\nsrc/b\tparvex_b\t\t\n"
         self.assertIn("src/a: uses parvex_b, which is declared after it or nowhere", self.problems(later))
+
+    def test_a_source_may_have_450_lines_and_no_more_tests_included(self):
+        (self.top / "tests").mkdir()
+        self.write("src/low/low.cpp", *[""] * 449, "// the end")
+        self.write("tests/low_test.cpp", *[""] * 450, "// the end")
+        sizes = [problem for problem in check_house.sizes(self.top) if "a source" in problem]
+        self.assertEqual(sizes, ["tests/low_test.cpp:451: a source has at most 450 lines, this one has 451"])
+
+    def test_a_folder_with_more_than_a_quarter_of_all_lines_is_a_problem(self):
+        for folder in ("low", "middle", "high", "for_windows"):
+            self.write(f"src/{folder}/a.cpp", *["//"] * 100)
+        for name in ("low/low.h", "middle/middle.h", "high/high.h"):
+            (self.top / "src" / name).unlink()
+        self.assertEqual(check_house.sizes(self.top), [])
+        self.write("src/low/a.cpp", *["//"] * 101)
+        self.assertEqual(check_house.sizes(self.top), ["src/low: holds 101 of 401 lines, more than a quarter"])
 
     def test_a_folder_that_is_not_declared_is_a_problem(self):
         self.write("src/forgotten/a.cpp")

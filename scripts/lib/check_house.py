@@ -1,17 +1,26 @@
 #!/usr/bin/env python3
-"""Arrows point down: compares every include of src/, legacy_standin/, bench/ and fuzz/ with the uses that the build
-declares for the folder of the file (uses.tsv of the build tree, cmake/modules.cmake).
+"""Whether the house stands as it was planned.
 
-    check_uses.py SOURCE_TREE USES [FOLDER...]
+    check_house.py SOURCE_TREE USES
+
+Arrows point down: compares every include of src/, legacy_standin/, bench/ and fuzz/ with the uses that the build declares
+for the folder of the file (USES is uses.tsv of the build tree, cmake/modules.cmake). Rooms stay small enough to be looked
+over: no source is longer than 450 lines, those of tests included, and no folder holds more than a quarter of all lines of
+src/ and legacy_standin/.
 
 Prints "file:line: what is wrong" for each include that is not declared, each source that belongs to nothing that is
-declared, and each folder that names what is declared after it. Ends with 1 when there was any.
+declared, each folder that names what is declared after it, and whatever has grown too large. Ends with 1 when there was
+any.
 """
+import collections
 import pathlib
 import re
 import sys
 
 FOLDERS = ("src", "legacy_standin", "bench", "fuzz")
+ROOMS = ("src", "legacy_standin")
+LONGEST_SOURCE = 450  # lines
+LARGEST_ROOM = 0.25  # of all lines of the rooms
 INCLUDE = re.compile(r'\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')
 
 # Headers of libraries, which only those may include that name the library.
@@ -101,33 +110,52 @@ def problem_of(top, declared, path, quoted, angled):
     return ""
 
 
-def check(top, uses_text, folders=FOLDERS):
+def sources_of(top, folders):
+    for folder in folders:
+        for file in sorted((top / folder).rglob("*")):
+            if file.suffix in (".cpp", ".h") and file.is_file():
+                yield file.relative_to(top).as_posix(), file.read_text(encoding="utf-8").splitlines()
+
+
+def sizes(top):
+    """What has grown too large."""
+    problems = []
+    rooms = collections.Counter()
+    for path, lines in sources_of(top, FOLDERS + ("tests",)):
+        if len(lines) > LONGEST_SOURCE:
+            problems.append(f"{path}:{LONGEST_SOURCE + 1}: a source has at most {LONGEST_SOURCE} lines, this one has {len(lines)}")
+        if path.startswith(tuple(room + "/" for room in ROOMS)):
+            rooms[str(pathlib.PurePosixPath(path).parent)] += len(lines)
+    for folder, lines in rooms.items():
+        if lines > LARGEST_ROOM * rooms.total():
+            problems.append(f"{folder}: holds {lines} of {rooms.total()} lines, more than a quarter")
+    return problems
+
+
+def check(top, uses_text):
     declared = Declared(uses_text)
     problems = list(declared.problems)
     count = 0
-    for folder in folders:
-        for file in sorted((top / folder).rglob("*")):
-            if file.suffix not in (".cpp", ".h") or not file.is_file():
-                continue
-            path = file.relative_to(top).as_posix()
-            count += 1
-            if declared.of(path) is None:
-                problems.append(f"{path}:1: belongs to no folder that the build declares")
-                continue
-            for number, line in enumerate(file.read_text(encoding="utf-8").splitlines(), 1):
-                found = INCLUDE.match(line)
-                problem = found and problem_of(top, declared, path, *found.groups(default=""))
-                if problem:
-                    problems.append(f"{path}:{number}: {problem}")
+    for path, lines in sources_of(top, FOLDERS):
+        count += 1
+        if declared.of(path) is None:
+            problems.append(f"{path}:1: belongs to no folder that the build declares")
+            continue
+        for number, line in enumerate(lines, 1):
+            found = INCLUDE.match(line)
+            problem = found and problem_of(top, declared, path, *found.groups(default=""))
+            if problem:
+                problems.append(f"{path}:{number}: {problem}")
     return count, problems
 
 
 def main():
     top, uses = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
-    count, problems = check(top, uses.read_text(encoding="utf-8"), sys.argv[3:] or FOLDERS)
+    count, problems = check(top, uses.read_text(encoding="utf-8"))
+    problems += sizes(top)
     for problem in problems:
         print(problem)
-    print(f"{count} sources, {len(problems)} includes or uses that are not declared")
+    print(f"{count} sources, {len(problems)} of them or of their includes not as planned")
     return 1 if problems or not count else 0
 
 

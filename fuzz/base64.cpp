@@ -4,7 +4,7 @@
 
 #include "codec/base64_kernels.h"
 #include "codec/bin_encoder.h"
-#include "formats/text/text.h"
+#include "formats/text/unicode.h"
 #include "fuzz/fuzz_input.h"
 
 // The codec on every path of code against the plainest one imaginable; the input serves as bytes and as text.

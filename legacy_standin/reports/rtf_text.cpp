@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "formats/text/text.h"
+#include "formats/text/unicode.h"
 
 namespace parvex::standin {
 namespace {

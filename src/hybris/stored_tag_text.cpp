@@ -4,7 +4,9 @@
 #include <optional>
 #include <vector>
 
+#include "formats/text/encoded_text.h"
 #include "formats/text/text.h"
+#include "formats/text/unicode.h"
 #include "formats/zip/zip_reader.h"
 
 namespace parvex {
@@ -12,27 +14,9 @@ namespace {
 
 constexpr std::string_view kTagFile = "Tag";
 
-std::string TextOfUtf16(std::string_view bytes, bool lowByteFirst) {
-  std::u16string units;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    const auto first = static_cast<unsigned char>(bytes[i]);
-    const auto second = static_cast<unsigned char>(bytes[i + 1]);
-    units.push_back(static_cast<char16_t>(lowByteFirst ? first | second << 8 : first << 8 | second));
-  }
-  return FromUtf16(units);
-}
-
 std::string TextOf(CodePage& codePage, std::string_view bytes) {
-  if (bytes.starts_with("\xEF\xBB\xBF")) {
-    return FromUtf16(ToUtf16(bytes.substr(3)));
-  }
-  if (bytes.starts_with("\xFF\xFE")) {
-    return TextOfUtf16(bytes.substr(2), true);
-  }
-  if (bytes.starts_with("\xFE\xFF")) {
-    return TextOfUtf16(bytes.substr(2), false);
-  }
-  return codePage.FromAnsi(bytes);
+  const std::optional<std::string> marked = MarkedText(bytes);
+  return marked ? WellFormed(*marked) : codePage.FromAnsi(bytes);
 }
 
 // The lines of a text, each with CR LF behind it. CR LF, LF and CR end a line; what follows the last one is a line of

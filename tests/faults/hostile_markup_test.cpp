@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "formats/text/text.h"
+#include "formats/text/unicode.h"
 #include "seams/xml.h"
 #include "tests/faults/limited_child.h"
 #include "tests/support/fake_platform.h"

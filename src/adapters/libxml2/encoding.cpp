@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 
+#include "formats/text/unicode.h"
 #include "formats/text/xml_characters.h"
 
 namespace parvex::xml {

@@ -11,6 +11,7 @@
 #endif
 
 #include "adapters/libxml2/large_pages.h"
+#include "formats/text/unicode.h"
 #include "formats/text/xml_characters.h"
 
 namespace parvex::xml {

@@ -5,7 +5,9 @@
 #include <optional>
 
 #include "adapters/windows/wide_text.h"
+#include "formats/text/encoded_text.h"
 #include "formats/text/text.h"
+#include "formats/text/unicode.h"
 #include "formats/text/xml_characters.h"
 
 namespace parvex::windows {
@@ -67,17 +69,6 @@ std::string_view DeclarationIn(std::string_view text) {
   return end == std::string_view::npos ? std::string_view() : text.substr(5, end - 5);
 }
 
-std::string FromUtf16(std::string_view bytes, bool bigEndian) {
-  std::wstring wide;
-  wide.reserve(bytes.size() / 2);
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    const auto first = static_cast<unsigned char>(bytes[i]);
-    const auto second = static_cast<unsigned char>(bytes[i + 1]);
-    wide.push_back(static_cast<wchar_t>(bigEndian ? first * 256 + second : second * 256 + first));
-  }
-  return Narrow(wide);
-}
-
 /// Nothing when the bytes are not valid in the code page.
 std::optional<std::string> FromCodePage(std::string_view bytes, UINT codePage) {
   if (bytes.empty()) {
@@ -103,15 +94,6 @@ std::optional<std::string> InCodePage(std::string_view character, UINT codePage)
   return count == 0 || replaced ? std::nullopt : std::optional(std::string(bytes, static_cast<std::size_t>(count)));
 }
 
-std::string ToUtf16(std::string_view text) {
-  std::string bytes = "\xFF\xFE";
-  for (const wchar_t unit : Widen(text)) {
-    bytes.push_back(static_cast<char>(unit & 0xFF));
-    bytes.push_back(static_cast<char>((unit >> 8) & 0xFF));
-  }
-  return bytes;
-}
-
 /// Markup in a single-byte code page.
 std::string ToCodePage(std::string_view markup, UINT codePage) {
   std::string bytes;
@@ -125,7 +107,7 @@ std::string ToCodePage(std::string_view markup, UINT codePage) {
       inSection = false;
     }
     const std::size_t from = pos;
-    const char32_t code = xml::NextCodePoint(markup, pos);
+    const char32_t code = NextCodePoint(markup, pos);
     const std::string_view character = markup.substr(from, pos - from);
     if (code < 0x80) {
       bytes.append(character);
@@ -234,11 +216,13 @@ std::string RefusedEntities(std::string_view text) {
 }  // namespace
 
 std::string DecodeMarkup(std::string_view bytes, std::string& refusal) {
-  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
-    return FromUtf16(bytes.substr(2), bytes.starts_with("\xFE\xFF"));
+  const TextEncoding encoding = EncodingOf(bytes);
+  const std::string_view content = bytes.substr(MarkOf(encoding).size());
+  if (IsUtf16(encoding)) {
+    // Half of a surrogate pair is kept: the component refuses it.
+    return FromUtf16(UnitsOf(content, encoding), LoneSurrogates::Kept);
   }
-  const bool hasMark = bytes.starts_with("\xEF\xBB\xBF");
-  const std::string_view content = hasMark ? bytes.substr(3) : bytes;
+  const bool hasMark = encoding == TextEncoding::Utf8;
   const std::string name = hasMark ? "UTF-8" : PseudoAttribute(DeclarationIn(content), "encoding");
   const std::optional<UINT> codePage = name.empty() ? kUtf8 : CodePageOf(name);
   if (!codePage || *codePage == kUtf16) {
@@ -269,7 +253,7 @@ std::string EncodeMarkup(std::string_view markup, std::string_view declaration) 
   text += "?>";
   text.append(DeclarationIn(markup).empty() ? markup : markup.substr(markup.find("?>") + 2));
   if (codePage == kUtf16) {
-    return ToUtf16(text);
+    return WithMark(text, TextEncoding::Utf16Little);
   }
   return codePage == kUtf8 || codePage == 0 ? text : ToCodePage(text, codePage);
 }

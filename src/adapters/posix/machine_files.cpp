@@ -10,7 +10,7 @@
 #include "adapters/posix/host_file.h"
 #include "formats/text/file_names.h"
 #include "formats/text/letter_case.h"
-#include "formats/text/text.h"
+#include "formats/text/unicode.h"
 #include "seams/automation_error.h"
 
 namespace parvex::posix {

@@ -4,8 +4,10 @@
 #include <charconv>
 #include <utility>
 
+#include "formats/text/encoded_text.h"
 #include "formats/text/letter_case.h"
 #include "formats/text/text.h"
+#include "formats/text/unicode.h"
 #include "seams/automation_error.h"
 
 namespace parvex::posix {
@@ -27,21 +29,9 @@ std::string_view TakeLine(std::string_view& rest) {
   return Trim(line);
 }
 
-// Bytes in pairs as 16-bit units, the lower byte first; an odd last byte is dropped.
-std::string FromLittleEndian(std::string_view bytes) {
-  std::u16string units(bytes.size() / 2, u'\0');
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    units[i] = static_cast<char16_t>(static_cast<unsigned char>(bytes[2 * i]) |
-                                     (static_cast<unsigned char>(bytes[2 * i + 1]) << 8));
-  }
-  return FromUtf16(units);
-}
-
 std::string Decode(std::string_view bytes, CodePage& codePage) {
-  if (bytes.starts_with("\xFF\xFE")) {
-    return FromLittleEndian(bytes.substr(2));
-  }
-  return bytes.starts_with("\xEF\xBB\xBF") ? std::string(bytes.substr(3)) : codePage.FromAnsi(bytes);
+  std::optional<std::string> marked = MarkedText(bytes);
+  return marked ? *std::move(marked) : codePage.FromAnsi(bytes);
 }
 
 // "a\\b\" c" from its opening quote on; nothing when it is not closed. `text` is moved behind the closing quote.
@@ -117,7 +107,7 @@ class ValueReader {
  private:
   // The bytes hold the text's terminating zero.
   std::string Text(std::string_view bytes) const {
-    std::string text = bytesAreAnsi_ ? codePage_.FromAnsi(bytes) : FromLittleEndian(bytes);
+    std::string text = bytesAreAnsi_ ? codePage_.FromAnsi(bytes) : FromUtf16(UnitsOf(bytes, TextEncoding::Utf16Little));
     if (text.ends_with('\0')) {
       text.pop_back();
     }

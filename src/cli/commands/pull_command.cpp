@@ -1,11 +1,14 @@
 #include "cli/commands/pull_command.h"
 
 #include <cstddef>
+#include <optional>
+#include <utility>
 
 #include "cli/session/consumer.h"
 #include "cli/session/replies.h"
 #include "cli/terminal/standard_streams.h"
-#include "formats/text/text.h"
+#include "formats/text/encoded_text.h"
+#include "formats/text/unicode.h"
 #include "interface/legacy_orla_pull.h"
 #include "protocol/reply_envelope.h"
 #include "seams/automation_error.h"
@@ -27,21 +30,10 @@ bool SendDocument(LegacyORLAPull& pull, const std::string& bytes, CodePage&) {
 // The text that a file's bytes are: UTF-16 or UTF-8 as its byte order mark says, else UTF-8 when it is well-formed,
 // else text of the machine's ANSI code page.
 std::string DecodeText(std::string_view bytes, CodePage& codePage) {
-  const bool isLittleEndian = bytes.starts_with("\xFF\xFE");
-  if (isLittleEndian || bytes.starts_with("\xFE\xFF")) {
-    std::u16string units;
-    for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
-      const auto low = static_cast<unsigned char>(bytes[isLittleEndian ? i : i + 1]);
-      const auto high = static_cast<unsigned char>(bytes[isLittleEndian ? i + 1 : i]);
-      units.push_back(static_cast<char16_t>(high << 8 | low));
-    }
-    return FromUtf16(units);
+  if (std::optional<std::string> marked = MarkedText(bytes)) {
+    return *std::move(marked);
   }
-  if (bytes.starts_with("\xEF\xBB\xBF")) {
-    return std::string(bytes.substr(3));
-  }
-  const bool isUtf8 = FromUtf16(ToUtf16(bytes)) == bytes;
-  return isUtf8 ? std::string(bytes) : codePage.FromAnsi(bytes);
+  return IsWellFormed(bytes) ? std::string(bytes) : codePage.FromAnsi(bytes);
 }
 
 bool SendText(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage) {

@@ -4,6 +4,7 @@
 
 #include "cli/terminal/colours.h"
 #include "formats/text/text.h"
+#include "formats/text/unicode.h"
 
 namespace parvex::cli {
 namespace {

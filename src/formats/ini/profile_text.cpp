@@ -7,50 +7,12 @@
 #include "formats/ini/profile_names.h"
 #include "formats/text/letter_case.h"
 #include "formats/text/text.h"
+#include "formats/text/unicode.h"
 
 namespace parvex::posix {
 namespace {
 
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-constexpr std::string_view kUtf16LittleMark = "\xFF\xFE";
-constexpr std::string_view kUtf16BigMark = "\xFE\xFF";
 constexpr std::string_view kLineBreak = "\r\n";
-
-ProfileEncoding EncodingOf(std::string_view bytes) {
-  if (bytes.starts_with(kUtf8Mark)) {
-    return ProfileEncoding::Utf8;
-  }
-  if (bytes.starts_with(kUtf16LittleMark)) {
-    return ProfileEncoding::Utf16Little;
-  }
-  return bytes.starts_with(kUtf16BigMark) ? ProfileEncoding::Utf16Big : ProfileEncoding::Ansi;
-}
-
-bool IsUtf16(ProfileEncoding encoding) {
-  return encoding == ProfileEncoding::Utf16Little || encoding == ProfileEncoding::Utf16Big;
-}
-
-// An odd byte at the end is no character.
-std::u16string UnitsOf(std::string_view bytes, ProfileEncoding encoding) {
-  const std::size_t low = encoding == ProfileEncoding::Utf16Little ? 0 : 1;
-  std::u16string units(bytes.size() / 2, u'\0');
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    const auto lowByte = static_cast<unsigned char>(bytes[2 * i + low]);
-    const auto highByte = static_cast<unsigned char>(bytes[2 * i + 1 - low]);
-    units[i] = static_cast<char16_t>(highByte << 8 | lowByte);
-  }
-  return units;
-}
-
-std::string BytesOf(std::u16string_view units, ProfileEncoding encoding) {
-  const std::size_t low = encoding == ProfileEncoding::Utf16Little ? 0 : 1;
-  std::string bytes(2 * units.size(), '\0');
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    bytes[2 * i + low] = static_cast<char>(units[i] & 0xFF);
-    bytes[2 * i + 1 - low] = static_cast<char>(units[i] >> 8);
-  }
-  return bytes;
-}
 
 // The first CR or LF from `pos` on. Looks at a piece at a time, so that in a file with only one of them the search for
 // the other does not run to the end.
@@ -110,7 +72,7 @@ Place FindPlace(const ProfileText& file, std::string_view section, std::string_v
 ProfileText::ProfileText(std::string bytes, CodePage& codePage)
     : codePage_(codePage), bytes_(std::move(bytes)), encoding_(EncodingOf(bytes_)) {
   if (IsUtf16(encoding_)) {
-    converted_ = FromUtf16(UnitsOf(std::string_view(bytes_).substr(kUtf16LittleMark.size()), encoding_));
+    converted_ = FromUtf16(UnitsOf(std::string_view(bytes_).substr(MarkOf(encoding_).size()), encoding_));
   }
 }
 
@@ -118,14 +80,14 @@ std::string_view ProfileText::Text() const {
   if (IsUtf16(encoding_)) {
     return converted_;
   }
-  return std::string_view(bytes_).substr(encoding_ == ProfileEncoding::Utf8 ? kUtf8Mark.size() : 0);
+  return std::string_view(bytes_).substr(MarkOf(encoding_).size());
 }
 
 std::string ProfileText::Read(std::string_view piece, std::size_t mostBytes) const {
   if (IsAsciiText(piece)) {
     return std::string(piece.substr(0, mostBytes));
   }
-  if (encoding_ == ProfileEncoding::Ansi) {
+  if (encoding_ == TextEncoding::Unmarked) {
     return codePage_.FromAnsi(piece.substr(0, mostBytes));
   }
   return codePage_.FromAnsi(std::string_view(codePage_.ToAnsi(piece)).substr(0, mostBytes));
@@ -140,11 +102,11 @@ bool ProfileText::SameName(std::string_view a, std::string_view b) const {
 }
 
 std::string ProfileText::Folded(std::string_view name) const {
-  return FoldName(encoding_ == ProfileEncoding::Ansi ? codePage_.FromAnsi(name) : std::string(name));
+  return FoldName(encoding_ == TextEncoding::Unmarked ? codePage_.FromAnsi(name) : std::string(name));
 }
 
 std::string ProfileText::Piece(std::string_view ansi) const {
-  return encoding_ == ProfileEncoding::Ansi ? std::string(ansi) : codePage_.FromAnsi(ansi);
+  return encoding_ == TextEncoding::Unmarked ? std::string(ansi) : codePage_.FromAnsi(ansi);
 }
 
 // Only the new piece is converted: what cannot be (half of a surrogate pair, say) stays as it is.
@@ -154,7 +116,7 @@ std::string ProfileText::Splice(std::size_t begin, std::size_t end, std::string_
     return std::string(bytes_).replace(mark + begin, end - begin, piece);
   }
   const auto byteOffset = [&](std::size_t offset) {
-    return kUtf16LittleMark.size() + 2 * LengthInUnits(Text().substr(0, offset));
+    return MarkOf(encoding_).size() + 2 * LengthInUnits(Text().substr(0, offset));
   };
   const std::size_t first = byteOffset(begin);
   return std::string(bytes_).replace(first, byteOffset(end) - first, BytesOf(ToUtf16(piece), encoding_));

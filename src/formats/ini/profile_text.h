@@ -8,14 +8,12 @@
 #include <string_view>
 
 #include "formats/ini/profile_names.h"
+#include "formats/text/encoded_text.h"
 #include "seams/code_page.h"
 
 namespace parvex::posix {
 
 // The text of private profile (ini) files; docs/private-profile.md describes the format in prose.
-
-/// How a file's bytes stand for text. The byte order mark tells; a file without one is in the ANSI code page.
-enum class ProfileEncoding { Ansi, Utf8, Utf16Little, Utf16Big };
 
 /// A file's bytes, and the text in them. Pieces of the text are as the file has them: ANSI bytes in an ANSI file, UTF-8
 /// in any other.
@@ -24,7 +22,8 @@ class ProfileText {
   ProfileText(std::string bytes, CodePage& codePage);
 
   const std::string& Bytes() const { return bytes_; }
-  ProfileEncoding Encoding() const { return encoding_; }
+  /// A file without a byte order mark is in the ANSI code page.
+  TextEncoding Encoding() const { return encoding_; }
   /// Everything behind the byte order mark.
   std::string_view Text() const;
 
@@ -49,7 +48,7 @@ class ProfileText {
 
   CodePage& codePage_;
   std::string bytes_;
-  ProfileEncoding encoding_;
+  TextEncoding encoding_;
   std::string converted_;  // the text of a UTF-16 file
   std::uint64_t seed_ = NameHashSeed();
 };

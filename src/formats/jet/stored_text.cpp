@@ -1,6 +1,7 @@
 #include "formats/jet/stored_text.h"
 
-#include "formats/text/text.h"
+#include "formats/text/encoded_text.h"
+#include "formats/text/unicode.h"
 
 namespace parvex::jet {
 
@@ -27,17 +28,9 @@ std::optional<std::string> Compress(std::string_view utf16) {
 
 }  // namespace
 
-std::string Utf16Bytes(std::string_view utf8) {
-  std::string bytes;
-  for (const char16_t unit : ToUtf16(utf8)) Append16(bytes, unit);
-  return bytes;
-}
+std::string Utf16Bytes(std::string_view utf8) { return BytesOf(ToUtf16(utf8), TextEncoding::Utf16Little); }
 
-std::string Utf8FromUtf16Bytes(std::string_view bytes) {
-  std::u16string units;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) units += static_cast<char16_t>(Get16(bytes, i));
-  return FromUtf16(units);
-}
+std::string Utf8FromUtf16Bytes(std::string_view bytes) { return FromUtf16(UnitsOf(bytes, TextEncoding::Utf16Little)); }
 
 std::string EncodeText(std::string_view utf8, bool compress) {
   std::string plain = Utf16Bytes(utf8);

@@ -5,6 +5,7 @@
 
 #include "formats/text/letter_case.h"
 #include "formats/text/text.h"
+#include "formats/text/unicode.h"
 
 namespace parvex {
 namespace {

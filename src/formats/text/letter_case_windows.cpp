@@ -1,7 +1,7 @@
 #include <windows.h>
 
 #include "formats/text/letter_case.h"
-#include "formats/text/text.h"
+#include "formats/text/unicode.h"
 
 namespace parvex {
 

@@ -9,7 +9,7 @@ namespace parvex {
 // Text inside the system is UTF-8. The legacy protocol counts characters as its platform does, in UTF-16 units; the
 // functions here are the only place that counts them. A surrogate pair (one UTF-8 sequence of four bytes, two units) is
 // never cut in two: a cut that would fall inside it falls before it. A byte that belongs to no UTF-8 sequence counts as
-// a character of its own.
+// a character of its own (formats/text/unicode.h).
 
 /// Length in UTF-16 units.
 std::size_t LengthInUnits(std::string_view text);
@@ -19,10 +19,6 @@ std::string_view FirstUnits(std::string_view text, std::size_t units);
 std::string_view DropUnits(std::string_view text, std::size_t units);
 /// The last `units` UTF-16 units, all of the text when it is shorter.
 std::string_view LastUnits(std::string_view text, std::size_t units);
-
-/// The text in UTF-16, and back. What is not well-formed (a stray byte, half of a surrogate pair) becomes U+FFFD.
-std::u16string ToUtf16(std::string_view text);
-std::string FromUtf16(std::u16string_view units);
 
 /// The text without leading and trailing blanks (U+0020 only, as the legacy runtime trims).
 std::string_view TrimBlanks(std::string_view text);

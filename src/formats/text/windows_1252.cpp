@@ -6,7 +6,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "formats/text/text.h"
+#include "formats/text/unicode.h"
 
 namespace parvex::posix {
 namespace {

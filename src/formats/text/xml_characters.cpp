@@ -5,14 +5,14 @@
 #include <cstring>
 #include <iterator>
 
+#include "formats/text/unicode.h"
+
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
 
 namespace parvex::xml {
 namespace {
-
-bool IsTail(unsigned char c) { return (c & 0xC0) == 0x80; }
 
 // Whether any of eight bytes is above 0x7F or below 0x20.
 bool NeedsALook(const char* bytes) {
@@ -43,29 +43,11 @@ bool BlockNeedsALook(const char* bytes) {
 #endif
 }
 
-// Bytes of the allowed character beyond ASCII that begins at `p`; 0 when there is none.
-std::size_t AllowedSequence(const unsigned char* p, std::size_t left) {
-  if (p[0] >= 0xC2 && p[0] <= 0xDF) {
-    return left >= 2 && IsTail(p[1]) ? 2 : 0;
-  }
-  if (p[0] >= 0xE0 && p[0] <= 0xEF) {
-    if (left < 3 || !IsTail(p[1]) || !IsTail(p[2])) {
-      return 0;
-    }
-    const bool overlong = p[0] == 0xE0 && p[1] < 0xA0;
-    const bool surrogate = p[0] == 0xED && p[1] >= 0xA0;
-    const bool noCharacter = p[0] == 0xEF && p[1] == 0xBF && p[2] >= 0xBE;
-    return overlong || surrogate || noCharacter ? 0 : 3;
-  }
-  if (p[0] >= 0xF0 && p[0] <= 0xF4) {
-    if (left < 4 || !IsTail(p[1]) || !IsTail(p[2]) || !IsTail(p[3])) {
-      return 0;
-    }
-    const bool overlong = p[0] == 0xF0 && p[1] < 0x90;
-    const bool tooLarge = p[0] == 0xF4 && p[1] > 0x8F;
-    return overlong || tooLarge ? 0 : 4;
-  }
-  return 0;
+// Bytes of the allowed character that a text beyond ASCII begins with; 0 when there is none.
+std::size_t AllowedSequence(std::string_view text) {
+  const Utf8Character character = FirstCharacter(text);
+  const bool isAllowed = character.isCharacter && character.code != 0xFFFE && character.code != 0xFFFF;
+  return isAllowed ? character.bytes : 0;
 }
 
 bool IsLetterOrUnderscore(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
@@ -117,8 +99,7 @@ std::size_t FindForbidden(std::string_view text) {
       ++pos;
       continue;
     }
-    const std::size_t length =
-        AllowedSequence(reinterpret_cast<const unsigned char*>(text.data()) + pos, text.size() - pos);
+    const std::size_t length = AllowedSequence(text.substr(pos));
     if (length == 0) {
       return pos;
     }
@@ -149,31 +130,6 @@ bool IsPlainName(std::string_view text) {
 
 bool IsBlank(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return IsBlank(c); });
-}
-
-char32_t NextCodePoint(std::string_view text, std::size_t& pos) {
-  const auto lead = static_cast<unsigned char>(text[pos++]);
-  if (lead < 0x80) {
-    return lead;
-  }
-  const int tails = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-  char32_t codePoint = lead & (0x3F >> tails);
-  for (int i = 0; i < tails; ++i) {
-    codePoint = (codePoint << 6) | (static_cast<unsigned char>(text[pos++]) & 0x3F);
-  }
-  return codePoint;
-}
-
-std::string Utf8Of(char32_t codePoint) {
-  if (codePoint < 0x80) {
-    return std::string(1, static_cast<char>(codePoint));
-  }
-  const int tails = codePoint >= 0x10000 ? 3 : codePoint >= 0x800 ? 2 : 1;
-  std::string bytes(1, static_cast<char>((0xF0 << (3 - tails)) | (codePoint >> (6 * tails))));
-  for (int i = tails - 1; i >= 0; --i) {
-    bytes += static_cast<char>(0x80 | ((codePoint >> (6 * i)) & 0x3F));
-  }
-  return bytes;
 }
 
 std::string PlaceOf(std::string_view text, std::size_t offset) {

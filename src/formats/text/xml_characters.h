@@ -17,11 +17,6 @@ bool IsPlainName(std::string_view text);
 inline bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 bool IsBlank(std::string_view text);
 
-/// Code point of the sequence of valid UTF-8 that begins at `pos`; `pos` is moved behind it.
-char32_t NextCodePoint(std::string_view text, std::size_t& pos);
-
-std::string Utf8Of(char32_t codePoint);
-
 /// "line L, column C" of an offset, both from 1, columns in bytes.
 std::string PlaceOf(std::string_view text, std::size_t offset);
 

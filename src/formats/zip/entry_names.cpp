@@ -4,6 +4,7 @@
 
 #include "formats/text/file_names.h"
 #include "formats/text/text.h"
+#include "formats/text/unicode.h"
 
 namespace parvex {
 namespace {
@@ -47,7 +48,7 @@ std::optional<std::string> ProblemOfPackedName(std::string_view name) {
   if (name.empty()) {
     return "has no name";
   }
-  if (FromUtf16(ToUtf16(name)) != name) {
+  if (!IsWellFormed(name)) {
     return "has a name that is no valid UTF-8";
   }
   if (LengthInUnits(name) > kLongestName) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "formats/text/text.h"
+#include "formats/text/unicode.h"
 #include "formats/zip/entry_names.h"
 #include "seams/automation_error.h"
 
@@ -56,7 +57,7 @@ std::uint32_t Read32(std::string_view bytes, std::size_t at) {
 // Names in messages keep to one line, and to the end: a NUL would cut the message off.
 std::string Shown(std::string_view name) {
   constexpr std::size_t kShownUnits = 260;
-  std::string shown(FirstUnits(FromUtf16(ToUtf16(name)), kShownUnits));
+  std::string shown(FirstUnits(WellFormed(name), kShownUnits));
   std::replace_if(
       shown.begin(), shown.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
   return shown;

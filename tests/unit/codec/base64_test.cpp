@@ -7,7 +7,7 @@
 
 #include "codec/base64_kernels.h"
 #include "codec/bin_encoder.h"
-#include "formats/text/text.h"
+#include "formats/text/unicode.h"
 
 namespace parvex {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "formats/text/text.h"
+#include "formats/text/unicode.h"
 #include "formats/text/windows_1252.h"
 #include "tests/support/fake_platform.h"
 

@@ -6,7 +6,6 @@ namespace parvex {
 namespace {
 
 constexpr std::string_view kPair = "\U0001F600";  // one character of two units
-constexpr std::string_view kReplacement = "\uFFFD";
 
 TEST(Text, LengthCountsUtf16Units) {
   EXPECT_EQ(LengthInUnits(""), 0u);
@@ -82,43 +81,6 @@ TEST(Text, ReplaceAllReplacesEveryOccurrenceOnce) {
   EXPECT_EQ(ReplaceAll("aa", "a", "aa"), "aaaa");
   EXPECT_EQ(ReplaceAll("abc", "x", "y"), "abc");
   EXPECT_EQ(ReplaceAll("abc", "b", ""), "ac");
-}
-
-TEST(Text, TravelsToUtf16AndBack) {
-  const std::string text =
-      "a\u007F\u0080ä\u07FF\u0800日\uFFFF" + std::string(kPair) + "\U0010FFFF" + std::string(1, '\0');
-  EXPECT_EQ(ToUtf16(text), u"a\u007F\u0080ä\u07FF\u0800日\uFFFF\U0001F600\U0010FFFF" + std::u16string(1, u'\0'));
-  EXPECT_EQ(FromUtf16(ToUtf16(text)), text);
-}
-
-struct BadRow {
-  std::string_view bytes;
-  std::size_t replacements;
-  const char* reason;
-};
-
-TEST(Text, WhatIsNoUtf8BecomesReplacementCharacters) {
-  static constexpr BadRow kRows[] = {
-      {"\x80", 1, "a continuation without lead"},
-      {"\xC3", 1, "a lead without continuation"},
-      {"\xC0\x80", 2, "zero in two bytes"},
-      {"\xE0\x80\x80", 1, "zero in three bytes"},
-      {"\xED\xA0\x80", 1, "a surrogate"},
-      {"\xF4\x90\x80\x80", 1, "beyond the last character"},
-      {"\xF8\x88\x80\x80\x80", 5, "a sequence of five bytes"},
-  };
-  for (const BadRow& row : kRows) {
-    std::string expected;
-    for (std::size_t i = 0; i < row.replacements; ++i) {
-      expected += kReplacement;
-    }
-    EXPECT_EQ(FromUtf16(ToUtf16(row.bytes)), expected) << row.reason;
-  }
-}
-
-TEST(Text, HalvesOfSurrogatePairsBecomeReplacementCharacters) {
-  EXPECT_EQ(FromUtf16(std::u16string{0xD83D, u'a'}), std::string(kReplacement) + "a");
-  EXPECT_EQ(FromUtf16(std::u16string{0xDE00, 0xD83D}), std::string(kReplacement) + std::string(kReplacement));
 }
 
 }  // namespace

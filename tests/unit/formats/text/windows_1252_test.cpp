@@ -4,7 +4,7 @@
 
 #include <set>
 
-#include "formats/text/text.h"
+#include "formats/text/unicode.h"
 
 namespace parvex::posix {
 namespace {

@@ -97,7 +97,7 @@ std::string PlainLenientDecode(std::string_view text) {
       in += 2;
     } else if (lead >= 0xE0 && lead < 0xF0 && end - in >= 3 && Continues(in[1]) && Continues(in[2])) {
       const unsigned code = (lead & 15) << 12 | (in[1] & 63u) << 6 | (in[2] & 63u);
-      add(code >= 0x800 && (code < 0xD800 || code >= 0xE000) ? code : 0);
+      add(code >= 0x800 ? code : 0);
       in += 3;
     } else if (lead >= 0xF0 && lead < 0xF5 && end - in >= 4 && Continues(in[1]) && Continues(in[2]) &&
                Continues(in[3])) {

@@ -34,7 +34,7 @@ std::string PlainEncode(std::string_view bytes) {
 }
 
 std::string PlainDecode(std::string_view text) {
-  const std::u16string units = ToUtf16(text);
+  const std::u16string units = ToUtf16(text, LoneSurrogates::Kept);
   std::string bits;
   for (std::size_t i = 0; i < units.size(); ++i) {
     if (units[i] == u'=') {

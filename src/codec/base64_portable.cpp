@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "codec/base64_kernels.h"
+#include "formats/text/unicode.h"
 
 namespace parvex::base64 {
 namespace {
@@ -35,46 +36,24 @@ std::uint8_t ValueOfUnit(std::uint32_t unit) { return kMeanings[unit & 0xFF] & k
 
 bool BeginsSequence(char byte) { return static_cast<unsigned char>(byte) >= 0xC2; }
 
-bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
-
-std::uint32_t Low6(char byte) { return static_cast<unsigned char>(byte) & 0x3F; }
-
 struct Position {
   const char* at;
   std::uint8_t* out;
 };
 
-// Takes the character that a byte above 0xC1 begins and puts the values of its one or two units to `out`. As in all
-// text (platform/text.h), a byte that belongs to no UTF-8 sequence is a character of its own, and what is not
-// well-formed is U+FFFD, which has the value 0.
+// Takes the character that a byte above 0xC1 begins and puts the values of its one or two units to `out`. What is no
+// character is U+FFFD, whose value is 0; half of a surrogate pair is a unit like any other.
 Position StageBeyondAscii(Position position, const char* textEnd) {
   const auto [at, out] = position;
-  const auto lead = static_cast<unsigned char>(*at);
-  const std::ptrdiff_t room = textEnd - at;
-  if (lead < 0xE0 && room >= 2 && IsContinuation(at[1])) {
-    *out = ValueOfUnit(static_cast<std::uint32_t>(lead) << 6 | Low6(at[1]));
-    return {at + 2, out + 1};
+  const Utf8Character character = FirstCharacter({at, static_cast<std::size_t>(textEnd - at)});
+  const char* const behind = at + character.bytes;
+  if (character.code < 0x10000) {
+    *out = ValueOfUnit(character.code);
+    return {behind, out + 1};
   }
-  *out = 0;
-  if (lead < 0xE0 || room < 3 || !IsContinuation(at[1]) || !IsContinuation(at[2])) {
-    return {at + 1, out + 1};
-  }
-  if (lead < 0xF0) {
-    const std::uint32_t code = (lead & 15u) << 12 | Low6(at[1]) << 6 | Low6(at[2]);
-    const bool surrogate = code >= 0xD800 && code < 0xE000;
-    *out = code < 0x800 || surrogate ? 0 : ValueOfUnit(code);
-    return {at + 3, out + 1};
-  }
-  if (room < 4 || !IsContinuation(at[3])) {
-    return {at + 1, out + 1};
-  }
-  const std::uint32_t code = (lead & 7u) << 18 | Low6(at[1]) << 12 | Low6(at[2]) << 6 | Low6(at[3]);
-  if (code < 0x10000 || code > 0x10FFFF) {
-    return {at + 4, out + 1};
-  }
-  out[0] = ValueOfUnit((code - 0x10000) >> 10);
-  out[1] = ValueOfUnit(code);
-  return {at + 4, out + 2};
+  out[0] = ValueOfUnit((character.code - 0x10000) >> 10);
+  out[1] = ValueOfUnit(character.code);
+  return {behind, out + 2};
 }
 
 void StageAll(std::string_view& text, Stage& stage) { StageByTable(text, text.data() + text.size(), stage); }

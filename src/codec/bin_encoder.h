@@ -11,8 +11,9 @@ namespace parvex {
 /// Base64 of bytes. One line whatever the length; "=" fills the last group.
 std::string EncodeBase64(std::string_view bytes);
 /// Bytes of a Base64 text, read leniently: CR LF pairs and "=" are dropped; every other character counts with the value
-/// of the low 8 bits of its UTF-16 code (a surrogate pair as two characters), and one outside the alphabet, a lone CR
-/// or LF included, with the value 0. A single character left over at the end is ignored. Nothing is ever an error.
+/// of the low 8 bits of its UTF-16 code (a surrogate pair as two characters, half of one as itself), and one outside
+/// the alphabet, a lone CR or LF included, with the value 0. A single character left over at the end is ignored.
+/// Nothing is ever an error.
 std::string DecodeBase64(std::string_view text);
 
 /// The public codec: Base64 of texts, byte arrays and files. Texts travel through the ANSI code page. No state.

@@ -27,6 +27,10 @@ class BinEncoder : public testing::Test {
   std::string Decoded(std::string_view base64) {
     SAFEARRAY* array = nullptr;
     EXPECT_EQ(encoder->DecodeArr(Bstr(base64).Get(), &array), S_OK);
+    return TextOfBytes(array);
+  }
+  /// The bytes of an array that starts at 0, which is destroyed.
+  static std::string TextOfBytes(SAFEARRAY* array) {
     LONG lower = -1;
     LONG upper = -99;
     SafeArrayGetLBound(array, 1, &lower);
@@ -84,6 +88,21 @@ TEST_F(BinEncoder, ArraysTravelThereAndBackWhateverTheirBounds) {
     SafeArrayDestroy(bytes);
   }
   EXPECT_EQ(Decoded("AAH/\r\nAA=="), std::string_view("\0\x01\xFF\0", 4));
+}
+
+TEST_F(BinEncoder, HalfOfASurrogatePairCountsWithTheLowEightBitsOfItsCode) {
+  // DC62 and D842 end like "b" and "B".
+  const wchar_t units[] = {0xDC62, 0xD842, L'T', L'W', 0xD842};
+  BSTR text = SysAllocStringLen(units, 5);
+  SAFEARRAY* array = nullptr;
+  ASSERT_EQ(encoder->DecodeArr(text, &array), S_OK);
+  EXPECT_EQ(TextOfBytes(array), Decoded("bBTWB"));
+  Bstr decoded;
+  ASSERT_EQ(encoder->Decode(text, decoded.Out()), S_OK);
+  Bstr expected;
+  ASSERT_EQ(encoder->Decode(Bstr("bBTWB").Get(), expected.Out()), S_OK);
+  EXPECT_EQ(decoded.Text(), expected.Text());
+  SysFreeString(text);
 }
 
 TEST_F(BinEncoder, AnEmptyTextDecodesToAnArrayWithoutElementsAndBack) {

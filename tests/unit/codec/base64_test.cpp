@@ -16,7 +16,7 @@ using base64::Kernels;
 
 // The rules, written down as plainly as they can be: whole texts, one step after the other.
 std::string PlainDecode(const std::string& text) {
-  std::u16string characters = ToUtf16(text);
+  std::u16string characters = ToUtf16(text, LoneSurrogates::Kept);
   std::u16string withoutBreaks;
   for (std::size_t i = 0; i < characters.size(); ++i) {
     if (characters[i] == u'\r' && i + 1 < characters.size() && characters[i + 1] == u'\n') {
@@ -235,6 +235,22 @@ TEST_P(Base64Kernels, CountsACharacterBeyondTheBasePlaneAsTwo) {
   EXPECT_EQ(Decode("\xF0\x9F\x91\x82"
                    "TW"),
             Decode("ABTW"));
+}
+
+// A text of the front end may hold half of a pair, which has a sequence of three bytes in a text of ours.
+TEST_P(Base64Kernels, LooksHalfOfASurrogatePairUpByTheLowEightBitsOfItsCode) {
+  const std::string firstHalf = "\xED\xA1\x82";   // D842
+  const std::string secondHalf = "\xED\xB1\xA2";  // DC62
+  EXPECT_EQ(Decode(firstHalf + firstHalf + firstHalf + firstHalf), Decode("BBBB"));
+  EXPECT_EQ(Decode(secondHalf + firstHalf + "TW"), Decode("bBTW"));
+  EXPECT_EQ(Decode("T" + secondHalf + "Fu"), Decode("TbFu"));
+  EXPECT_EQ(Decode("TW" + firstHalf), Decode("TWB"));
+}
+
+TEST_P(Base64Kernels, CountsWhatIsNoCharacterAsAZero) {
+  EXPECT_EQ(Decode("\xE0\x81\x82TWF"), Decode("ATWF"));      // "B" in three bytes
+  EXPECT_EQ(Decode("\xF4\x90\x81\x82TWF"), Decode("ATWF"));  // beyond the last character
+  EXPECT_EQ(Decode("\xED\xA1TW"), Decode("AATW"));           // a sequence that is cut
 }
 
 TEST_P(Base64Kernels, IgnoresASingleCharacterLeftOver) {

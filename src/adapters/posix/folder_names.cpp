@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <chrono>
 #include <memory>
 
 #include "formats/text/letter_case.h"
@@ -13,11 +12,15 @@ namespace parvex::posix {
 namespace {
 
 constexpr std::size_t kMostListings = 64;
-constexpr std::chrono::milliseconds kSettled{50};
 
 bool LeadsSomewhere(const std::string& host) {
   struct stat status;
   return stat(host.c_str(), &status) == 0;
+}
+
+std::optional<FileVersion> VersionOfFolder(const std::string& folder) {
+  struct stat status;
+  return stat(folder.c_str(), &status) == 0 ? std::optional(VersionIn(status)) : std::nullopt;
 }
 
 }  // namespace
@@ -42,7 +45,7 @@ std::optional<std::string> FolderNames::Find(const std::string& folder, const st
 
 void FolderNames::BeforeChange(const std::string& folder) {
   const auto known = listings_.find(folder);
-  if (known != listings_.end() && VersionOf(folder) != known->second.version) {
+  if (known != listings_.end() && VersionOfFolder(folder) != known->second.version) {
     listings_.erase(known);
   }
 }
@@ -62,25 +65,8 @@ void FolderNames::AfterRemoving(const std::string& folder, const std::string& na
   }
 }
 
-std::optional<FolderNames::Version> FolderNames::VersionOf(const std::string& folder) {
-  struct stat status;
-  if (stat(folder.c_str(), &status) != 0) {
-    return std::nullopt;
-  }
-  return VersionIn(status);
-}
-
-FolderNames::Version FolderNames::VersionIn(const struct stat& status) {
-  return {status.st_dev, status.st_ino, status.st_mtim.tv_sec * 1'000'000'000ll + status.st_mtim.tv_nsec};
-}
-
-bool FolderNames::IsSettled(const Version& version) {
-  const auto now = std::chrono::system_clock::now().time_since_epoch();
-  return now - std::chrono::nanoseconds(version.modifiedNanoseconds) > kSettled;
-}
-
 // The listing that holds for this version of the folder; null when it cannot be read.
-const FolderNames::Listing* FolderNames::Current(const std::string& folder, const Version& version) {
+const FolderNames::Listing* FolderNames::Current(const std::string& folder, const FileVersion& version) {
   const bool isSettled = IsSettled(version);
   const auto known = listings_.find(folder);
   if (known != listings_.end() && known->second.version == version &&
@@ -104,7 +90,7 @@ const FolderNames::Listing* FolderNames::Current(const std::string& folder, cons
 // The listing to note a change of our own in, with the version that the change made; null when there is none.
 FolderNames::Listing* FolderNames::Noted(const std::string& folder) {
   const auto known = listings_.find(folder);
-  const std::optional<Version> version = known == listings_.end() ? std::nullopt : VersionOf(folder);
+  const std::optional<FileVersion> version = known == listings_.end() ? std::nullopt : VersionOfFolder(folder);
   if (!version) {
     return nullptr;
   }

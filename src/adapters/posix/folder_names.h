@@ -1,14 +1,14 @@
 #pragma once
 
 #include <sys/stat.h>
-#include <sys/types.h>
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
+
+#include "adapters/posix/file_version.h"
 
 namespace parvex::posix {
 
@@ -31,15 +31,8 @@ class FolderNames {
   void AfterRemoving(const std::string& folder, const std::string& name);
 
  private:
-  struct Version {
-    dev_t device = 0;
-    ino_t inode = 0;
-    std::int64_t modifiedNanoseconds = 0;
-    bool operator==(const Version&) const = default;
-  };
-
   struct Listing {
-    Version version;
+    FileVersion version;
     /// No later change can carry the version's time.
     bool isExact = false;
     /// Not exact, but only because of changes of our own, which are noted.
@@ -47,10 +40,7 @@ class FolderNames {
     std::unordered_map<std::string, std::vector<std::string>> names;  // by folded name
   };
 
-  static std::optional<Version> VersionOf(const std::string& folder);
-  static bool IsSettled(const Version& version);
-  static Version VersionIn(const struct stat& status);
-  const Listing* Current(const std::string& folder, const Version& version);
+  const Listing* Current(const std::string& folder, const FileVersion& version);
   Listing* Noted(const std::string& folder);
 
   std::unordered_map<std::string, Listing> listings_;

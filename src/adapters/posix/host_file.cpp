@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -15,8 +14,6 @@
 
 namespace parvex::posix {
 namespace {
-
-constexpr std::int64_t kLongestClockStep = 50'000'000;  // nanoseconds; usual are 1 to 10 ms
 
 constexpr mode_t kWriteBits = S_IWUSR | S_IWGRP | S_IWOTH;
 
@@ -121,24 +118,7 @@ void RefuseReadOnly(const struct stat& status, std::string_view shownPath) {
   }
 }
 
-std::int64_t Nanoseconds(const timespec& time) { return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
-
 }  // namespace
-
-std::optional<FileVersion> VersionOf(const std::filesystem::path& host) {
-  struct stat status;
-  if (stat(host.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    return std::nullopt;
-  }
-  return FileVersion{status.st_dev, status.st_ino, status.st_size, Nanoseconds(status.st_mtim),
-                     Nanoseconds(status.st_ctim)};
-}
-
-bool IsSettled(const FileVersion& version) {
-  timespec now;
-  clock_gettime(CLOCK_REALTIME, &now);
-  return Nanoseconds(now) - version.changedNanoseconds > kLongestClockStep;
-}
 
 std::string ReadHostFile(const std::filesystem::path& host, std::string_view shownPath) {
   const OpenFile file(host, O_RDONLY | O_NONBLOCK);  // a pipe must not be waited for

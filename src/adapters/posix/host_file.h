@@ -1,31 +1,12 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace parvex::posix {
 
 // Whole files of this system. Errors are AutomationErrors that call the file by `shownPath`, its path on the machine.
-
-/// Tells one version of a file from the next.
-struct FileVersion {
-  std::uint64_t device = 0;
-  std::uint64_t inode = 0;
-  std::int64_t size = 0;
-  std::int64_t modifiedNanoseconds = 0;
-  std::int64_t changedNanoseconds = 0;
-  bool operator==(const FileVersion&) const = default;
-};
-
-/// Nothing when the file does not exist or is none.
-std::optional<FileVersion> VersionOf(const std::filesystem::path& host);
-
-/// Whether whatever changes the file from now on is sure to give it another version. A file that was changed just now
-/// is not settled: its next change may carry the same time, since a file system's clock moves in steps.
-bool IsSettled(const FileVersion& version);
 
 /// Not found (53), a folder or not readable (75).
 std::string ReadHostFile(const std::filesystem::path& host, std::string_view shownPath);

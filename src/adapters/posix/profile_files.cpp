@@ -1,10 +1,10 @@
 #include "adapters/posix/profile_files.h"
 
 #include <algorithm>
-#include <chrono>
 #include <optional>
 #include <utility>
 
+#include "adapters/posix/file_version.h"
 #include "adapters/posix/host_file.h"
 #include "formats/ini/profile_index.h"
 #include "formats/ini/profile_text.h"
@@ -15,15 +15,6 @@ namespace {
 
 constexpr std::size_t kMostKnownFiles = 4;
 constexpr std::int64_t kMostBytes = std::int64_t{1} << 30;
-
-// Longer than the grain of a local file system's times. A file that is older than this when it is read cannot be
-// changed later without showing it in its time of change, which only the system sets.
-constexpr std::int64_t kYoungNanoseconds = 50'000'000;
-
-std::int64_t Now() {
-  const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
-  return std::chrono::duration_cast<std::chrono::nanoseconds>(sinceEpoch).count();
-}
 
 void RefuseTooLarge(const FileVersion& version, const std::string& file) {
   if (version.size > kMostBytes) {
@@ -193,7 +184,7 @@ void ProfileFiles::Refresh(Known& known) {
     return;
   }
   RefuseTooLarge(*version, known.file);
-  const std::int64_t now = Now();
+  const std::int64_t now = NowInNanoseconds();  // a change while it is read is later
   try {
     std::string bytes = ReadHostFile(known.host, known.file);
     if (known.parsed == nullptr || known.parsed->text.Bytes() != bytes) {
@@ -205,7 +196,7 @@ void ProfileFiles::Refresh(Known& known) {
     return;
   }
   known.version = *version;
-  known.changesWillShow = now - version->changedNanoseconds > kYoungNanoseconds && VersionOf(known.host) == version;
+  known.changesWillShow = IsSettled(*version, now) && VersionOf(known.host) == version;
 }
 
 void ProfileFiles::Write(const std::string& file, std::string_view section, std::string_view key,

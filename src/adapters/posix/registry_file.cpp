@@ -4,6 +4,7 @@
 #include <charconv>
 #include <utility>
 
+#include "adapters/posix/host_file.h"
 #include "formats/text/encoded_text.h"
 #include "formats/text/letter_case.h"
 #include "formats/text/text.h"

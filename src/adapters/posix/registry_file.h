@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/posix/host_file.h"
+#include "adapters/posix/file_version.h"
 #include "adapters/posix/machine_folder.h"
 #include "seams/code_page.h"
 #include "seams/registry.h"

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <thread>
-
 #include "tests/support/fake_platform.h"
 #include "tests/support/raised_by.h"
 
@@ -16,26 +13,6 @@ class HostFileTest : public testing::Test {
   test::TemporaryFolder folder;
   const std::filesystem::path file = folder.Path() / "file";
 };
-
-TEST_F(HostFileTest, EachReplacementIsAnotherVersion) {
-  EXPECT_EQ(VersionOf(file), std::nullopt);
-  WriteHostFile(file, "1", IfPresent::Replace, "C:\\file");
-  const std::optional<FileVersion> first = VersionOf(file);
-  EXPECT_EQ(VersionOf(file), first);
-  WriteHostFile(file, "2", IfPresent::Replace, "C:\\file");
-  EXPECT_NE(VersionOf(file), first);
-}
-
-TEST_F(HostFileTest, AFolderHasNoVersion) { EXPECT_EQ(VersionOf(folder.Path()), std::nullopt); }
-
-TEST_F(HostFileTest, AFileIsSettledSomeTimeAfterItsLastChange) {
-  WriteHostFile(file, "1", IfPresent::Replace, "C:\\file");
-  FileVersion version = *VersionOf(file);
-  version.changedNanoseconds = std::chrono::nanoseconds(std::chrono::system_clock::now().time_since_epoch()).count();
-  EXPECT_FALSE(IsSettled(version));
-  std::this_thread::sleep_for(std::chrono::milliseconds(60));
-  EXPECT_TRUE(IsSettled(version));
-}
 
 // Such a file says that it is empty, as a file does that grows after it was looked at.
 TEST_F(HostFileTest, AFileThatHoldsMoreThanItSaysIsReadToItsEnd) {

@@ -8,7 +8,7 @@
 #include <chrono>
 #include <thread>
 
-#include "adapters/posix/host_file.h"
+#include "adapters/posix/file_version.h"
 #include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 

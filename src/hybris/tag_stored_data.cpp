@@ -1,7 +1,6 @@
 #include "hybris/tag_stored_data.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -9,6 +8,7 @@
 #include "hybris/stored_tag_text.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/install_paths.h"
+#include "legacy_env/thread_state.h"
 #include "protocol/required_node.h"
 #include "seams/automation_error.h"
 
@@ -17,14 +17,12 @@ namespace {
 
 constexpr std::string_view kDocument = "the Hybris document";
 
-thread_local std::uint32_t unstoredTagCount = 0;
-
 void ReadProduct(const xml::Document& stored, TagStoredData& data) {
   if (const xml::Node product = stored.First("descendant::Product")) {
     data.buildVersion = product.Attribute("TagVersion").value_or("");
     data.legacyTagId = product.Attribute("lTagID").value_or("");
   } else {
-    data.legacyTagId = std::to_string(++unstoredTagCount);
+    data.legacyTagId = std::to_string(++ThisThread().unstoredTagCount);
   }
 }
 
@@ -141,7 +139,5 @@ TagStoredData ReadTagStoredData(const Platform& platform, const xml::Document& d
   AppendBlob(platform, document, tag.blob, blobFileName, read.archive);
   return data;
 }
-
-void ForgetUnstoredTagCount() { unstoredTagCount = 0; }
 
 }  // namespace parvex

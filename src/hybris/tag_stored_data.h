@@ -21,23 +21,19 @@ struct TagStoredData {
 ///
 /// - Build version and legacy tag id are the attributes TagVersion and lTagID of the stored Product, empty texts when
 /// it
-///   lacks them. A tag without a stored Product gets the next number of a counter that this thread never resets, so
-///   that such tags stay different across all exports of a process.
+///   lacks them. A tag without a stored Product gets the next number of the thread's counter (ThreadState), so that
+///   such tags stay different across all exports of a process.
 /// - With the document's last tag, every tag of the document is looked up in the project's TagIndex table, except those
 ///   whose PDSG begins with "SD3" or has fewer than three characters. A row found gives that tag's LEGACY_TAGID element
 ///   its lTagId (an empty text for a null), and also the id that is returned: the last row found counts, deliberately
 ///   even when it belongs to an earlier tag. A database that is missing or does not open leaves everything as it is; a
 ///   statement that fails is an error.
 /// - The SAP configuration comes from a blob that holds nothing but an SAP document; and for the families whose code
-/// begins
-///   with "XR", from the stored document.
+///   begins with "XR", from the stored document.
 ///
 /// `tag` is the element of this tag, the last one of `document`, with its texts PDSG and MARKFOR set. Encoding a blob
 /// consumes a file under "\Temp", so it comes last.
 TagStoredData ReadTagStoredData(const Platform& platform, const xml::Document& document, const TagElement& tag,
                                 std::string_view blobFileName, std::string_view brandCode, bool isLastTag);
-
-/// Restarts this thread's counter of tags without stored data. For tests; the component never does.
-void ForgetUnstoredTagCount();
 
 }  // namespace parvex

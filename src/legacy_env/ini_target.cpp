@@ -4,21 +4,17 @@
 #include <optional>
 
 #include "formats/text/text.h"
+#include "legacy_env/thread_state.h"
 
 namespace parvex {
 namespace {
-
-struct IniTarget {
-  std::string section;
-  std::string fileName;
-};
-thread_local std::optional<IniTarget> target;
 
 // The legacy reader's buffer, its terminating zero included.
 constexpr std::size_t kBufferSize = 255;
 
 // The target's section as the file is now; null, with the box shown, when no target was ever set.
 std::unique_ptr<ProfileSection> OpenTarget(const Platform& platform) {
+  const std::optional<ThreadState::IniTarget>& target = ThisThread().iniTarget;
   if (!target) {
     platform.messageBoxes->Show("[Section] and FileName Not Registered in Private.Ini!", "IniFile Logic Error",
                                 MessageBoxes::Icon::Stop);
@@ -30,7 +26,7 @@ std::unique_ptr<ProfileSection> OpenTarget(const Platform& platform) {
 }  // namespace
 
 void SetIniTarget(const Platform&, std::string_view section, std::string_view fileName) {
-  target = IniTarget{std::string(TrimBlanks(section)), std::string(TrimBlanks(fileName))};
+  ThisThread().iniTarget = {std::string(TrimBlanks(section)), std::string(TrimBlanks(fileName))};
 }
 
 std::string ReadIniString(const Platform& platform, std::string_view key, std::string_view fallback) {
@@ -47,7 +43,5 @@ std::int32_t WriteIniString(const Platform& platform, std::string_view key, std:
   const auto section = OpenTarget(platform);
   return section && section->WriteString(key, value) ? 1 : 0;
 }
-
-void ForgetIniTarget() { target.reset(); }
 
 }  // namespace parvex

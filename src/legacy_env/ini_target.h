@@ -9,8 +9,8 @@
 namespace parvex {
 
 // Ini access of the exchange code: a section and a file are set once, keys are read and written after. The target is
-// one per thread and stays set until the next SetIniTarget. Access before the first one shows a message box that marks
-// a programming error, deliberately, and gives an empty result.
+// one per thread (legacy_env/thread_state.h) and stays set until the next SetIniTarget. Access before the first one
+// shows a message box that marks a programming error, deliberately, and gives an empty result.
 //
 // Each access sees the file as it is at that moment. Who reads many keys of one section in a row opens that section
 // itself (PrivateProfile::Section) and so has the file looked at once.
@@ -23,8 +23,5 @@ std::string ReadIniString(const Platform& platform, std::string_view key, std::s
 std::int32_t ReadIniInt(const Platform& platform, std::string_view key, std::int32_t fallback);
 /// Nonzero on success.
 std::int32_t WriteIniString(const Platform& platform, std::string_view key, std::string_view value);
-
-/// Drops this thread's target as if none had ever been set. For a thread that turns to another machine, as tests do.
-void ForgetIniTarget();
 
 }  // namespace parvex

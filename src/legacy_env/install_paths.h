@@ -8,13 +8,8 @@
 namespace parvex {
 
 // Where the legacy application is. Its setup writes one registry value, BinPath, which normally ends with a backslash;
-// all other folders are derived from it by cutting text.
-
-/// A string value under the local-machine hive, `fallback` when it cannot be read or is longer than 254 bytes in the
-/// ANSI code page. The key "SOFTWARE\Korvane\UI\" (exactly so) is never looked up in the registry: it stands for
-/// UIKeys.txt.
-std::string ReadRegistryString(const Platform& platform, std::string_view key, std::string_view valueName,
-                               std::string_view fallback);
+// all other folders are derived from it by cutting text. What is kept is kept in the thread's state
+// (legacy_env/thread_state.h).
 
 /// The program folder as the registry gives it; "error" when it could not be read. Read once a thread: also a failed
 /// read is kept for the thread's life, deliberately, so that paths made of it fail later, at the file.
@@ -33,8 +28,5 @@ bool ReadBinPath(const Platform& platform, std::string& binPath);
 std::string GetDesignRoot(const Platform& platform);
 /// The design root followed by "\TQ5-VX\Temp\".
 std::string GetDesignTempFolder(const Platform& platform);
-
-/// Drops this thread's kept paths. For a thread that turns to another machine, as tests do; the component never does.
-void ForgetInstallPaths();
 
 }  // namespace parvex

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include "legacy_env/install_paths.h"
 #include "legacy_env/program_folder_document.h"
+#include "legacy_env/registry_strings.h"
 #include "protocol/command_document.h"
 #include "protocol/reply_envelope.h"
 #include "tags/tag_names.h"

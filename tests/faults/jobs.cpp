@@ -6,7 +6,6 @@
 #include "codec/bin_encoder.h"
 #include "formats/jet/writer.h"
 #include "formats/zip/zip_writer.h"
-#include "hybris/tag_stored_data.h"
 #include "interface/legacy_orla_pull.h"
 #include "legacy_env/ui_settings.h"
 #include "seams/automation_error.h"
@@ -56,7 +55,6 @@ const std::string& ProjectDatabase() {
 }
 
 void PrepareExport(FakeMachine& machine) {
-  ForgetUnstoredTagCount();
   machine.Write(TemporaryFile("QBOutput.ini"), "[Header]\r\nAction=cancel\r\n");
   machine.Write(kBlob, Blob());
   machine.Write(std::string(kFolder) + "\\project.mdb", ProjectDatabase());

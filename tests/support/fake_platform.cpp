@@ -6,8 +6,7 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "legacy_env/ini_target.h"
-#include "legacy_env/install_paths.h"
+#include "legacy_env/thread_state.h"
 #include "seams/automation_error.h"
 
 namespace parvex::test {
@@ -92,8 +91,7 @@ FakeMachine::FakeMachine() : machine(InstalledMachine(folder.Path())), platform(
   platform.messageBoxes = &boxes;
   platform.messageRouters = &routers;
   platform.automation = &automation;
-  ForgetInstallPaths();
-  ForgetIniTarget();
+  ForgetThisThread();
   SetBinPath(kBinPath);
 }
 

@@ -6,6 +6,7 @@
 #include "adapters/windows/machine.h"
 #include "adapters/windows/wide_text.h"
 #include "legacy_env/ini_target.h"
+#include "legacy_env/thread_state.h"
 #include "tests/com/com_session.h"
 #include "tests/support/own_boxes_windows.h"
 
@@ -27,7 +28,7 @@ TEST(IniTargetOnThreads, OneThreadsTargetIsNoneOfAnother) {
   user.join();
   EXPECT_EQ(read, "");
   EXPECT_THAT(windows::Narrow(seen), HasSubstr("Not Registered"));
-  ForgetIniTarget();
+  ForgetThisThread();
 }
 
 }  // namespace

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "formats/zip/zip_writer.h"
-#include "hybris/tag_stored_data.h"
 #include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 
@@ -66,11 +65,9 @@ class CountingProfile : public PrivateProfile {
 };
 
 /// A machine with an installed legacy application, for which the quote builder's output and stored tag data can be laid
-/// out. Starts with no tag counted as being without stored data.
+/// out.
 class ExportMachine {
  public:
-  ExportMachine() { ForgetUnstoredTagCount(); }
-
   FakeMachine machine;
   FakeProjectDatabases databases;
   CountingProfile profile{machine.machine.GetPrivateProfile()};

@@ -2,39 +2,24 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "legacy_env/thread_state.h"
 #include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
+#include "tests/unit/legacy_env/fake_registry.h"
 
 namespace parvex {
 namespace {
-
-// Answers every value alike and records what was asked.
-class FakeRegistry : public Registry {
- public:
-  std::vector<std::pair<std::string, std::string>> asked;
-  std::optional<std::string> value;
-  std::function<void()> onRead;
-
-  std::optional<std::string> LocalMachineString(std::string_view key, std::string_view valueName) override {
-    asked.emplace_back(key, valueName);
-    if (onRead) {
-      onRead();
-    }
-    return value;
-  }
-};
 
 class InstallPaths : public testing::Test {
  protected:
   void SetBinPath(std::optional<std::string> value) {
     registry_.value = std::move(value);
-    ForgetInstallPaths();
+    ForgetThisThread();
   }
 
   std::uint16_t NumberOfErrorFrom(std::string (*operation)(const Platform&)) {
@@ -47,7 +32,7 @@ class InstallPaths : public testing::Test {
     return 0;
   }
 
-  FakeRegistry registry_;
+  test::FakeRegistry registry_;
   test::FakeMachine machine_;
   const Platform platform_ = [this] {
     Platform platform = machine_.platform;
@@ -201,54 +186,6 @@ TEST_F(InstallPaths, DesignRootEndsOneCharacterBeforeTheFirstDesignFolder) {
   // Whatever the character before it is.
   SetBinPath("C:\\KüTQ5-VX\\Bin\\");
   EXPECT_EQ(GetDesignRoot(platform_), "C:\\K");
-}
-
-TEST_F(InstallPaths, ReadRegistryStringKeepsValuesOf254BytesAndNoLonger) {
-  SetBinPath(std::string(254, 'x'));
-  EXPECT_EQ(ReadRegistryString(platform_, "K", "V", "fallback"), std::string(254, 'x'));
-  SetBinPath(std::string(255, 'x'));
-  EXPECT_EQ(ReadRegistryString(platform_, "K", "V", "fallback"), "fallback");
-}
-
-TEST_F(InstallPaths, ReadRegistryStringCountsBytesOfTheCodePage) {
-  std::string umlauts;
-  for (int i = 0; i < 254; ++i) {
-    umlauts += "ü";  // two bytes in UTF-8, one in the code page
-  }
-  SetBinPath(umlauts);
-  EXPECT_EQ(umlauts, ReadRegistryString(platform_, "K", "V", "fallback"));
-}
-
-TEST_F(InstallPaths, ReadRegistryStringKeepsAnEmptyValue) {
-  SetBinPath("");
-  EXPECT_EQ(ReadRegistryString(platform_, "K", "V", "fallback"), "");
-}
-
-TEST_F(InstallPaths, ReadRegistryStringTrapsErrorsWithNothingRead) {
-  registry_.onRead = [] { throw MakeRuntimeError(RuntimeError::PathFileAccess, "no right"); };
-  EXPECT_EQ(ReadRegistryString(platform_, "K", "V", "fallback"), "");
-}
-
-TEST_F(InstallPaths, TheUiKeyIsAnsweredFromTheSettingsFileAndNeverFromTheRegistry) {
-  SetBinPath("C:\\Korvane\\TQ5-VX\\Bin\\");
-  machine_.Write("C:\\Korvane\\TQ5-VX\\Bin\\UIKeys.txt", "ToolBarActive=-1\r\n");
-  EXPECT_EQ(ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "ToolBarActive", "fallback"), "-1");
-  EXPECT_EQ(ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "NoSuchKey", "fallback"), "");
-  for (const auto& [key, valueName] : registry_.asked) {
-    EXPECT_EQ(valueName, "BinPath");  // only for where the file is
-  }
-}
-
-TEST_F(InstallPaths, TheUiKeyWithoutSettingsFileReadsAsEmpty) {
-  SetBinPath("C:\\Korvane\\TQ5-VX\\Bin\\");
-  EXPECT_EQ(ReadRegistryString(platform_, "SOFTWARE\\Korvane\\UI\\", "ToolBarActive", "fallback"), "");
-}
-
-TEST_F(InstallPaths, OtherSpellingsOfTheUiKeyAreOrdinaryKeys) {
-  SetBinPath("from the registry");
-  for (const char* key : {"SOFTWARE\\Korvane\\UI", "software\\korvane\\ui\\"}) {
-    EXPECT_EQ(ReadRegistryString(platform_, key, "ToolBarActive", ""), "from the registry") << key;
-  }
 }
 
 }  // namespace

@@ -3,22 +3,22 @@
 #include <optional>
 #include <string>
 
+#include "com/class_data.h"
 #include "com/values.h"
 #include "com_server/dual_object.h"
-#include "hybris/unit_model.h"
 #include "parvex_idl.h"
 
 namespace parvex::com {
 
-// The public data classes, over the unit model's own. Properties stand in the order of their slots.
+// The public data classes, over what they hold (com/class_data.h). Properties stand in the order of their slots.
 
 /// Both accessors of a text property over the member of that name of `data_`.
-#define PARVEX_TEXT_PROPERTY(name)                                                \
-  HRESULT STDMETHODCALLTYPE get_##name(BSTR* value) override {                    \
-    return Guard([&] { GiveText(value, static_cast<std::string>(data_.name)); }); \
-  }                                                                               \
-  HRESULT STDMETHODCALLTYPE put_##name(BSTR value) override {                     \
-    return Guard([&] { data_.name = windows::TextOf(value); });                   \
+#define PARVEX_TEXT_PROPERTY(name)                                      \
+  HRESULT STDMETHODCALLTYPE get_##name(BSTR* value) override {          \
+    return Guard([&] { GiveText(value, TextOfProperty(data_.name)); }); \
+  }                                                                     \
+  HRESULT STDMETHODCALLTYPE put_##name(BSTR value) override {           \
+    return Guard([&] { data_.name = windows::TextOf(value); });         \
   }
 
 /// Parvex.TagCls
@@ -33,7 +33,7 @@ class TagClsObject : public DualObject<ITagCls> {
   PARVEX_TEXT_PROPERTY(TagVersion)
 
  private:
-  TagCls data_;
+  TagData data_;
 };
 
 /// Parvex.AccessoryCls
@@ -73,7 +73,7 @@ class AccessoryClsObject : public DualObject<IAccessoryCls> {
   }
 
  private:
-  AccessoryCls data_;
+  AccessoryData data_;
 };
 
 /// Parvex.WarrantyCls
@@ -96,7 +96,7 @@ class WarrantyClsObject : public DualObject<IWarrantyCls> {
   }
 
  private:
-  WarrantyCls data_;
+  WarrantyData data_;
 };
 
 /// Parvex.BaseUnitCls. Its two arrays hold what hosts gave it, with their bounds; a new one's are empty.
@@ -160,7 +160,7 @@ class BaseUnitClsObject : public DualObject<IBaseUnitCls> {
  private:
   static void GiveReferences(SAFEARRAY** value, const ReferenceArray& references, REFIID elementId);
 
-  BaseUnitCls data_;
+  BaseUnitData data_;
   ReferenceArray accessories_;
   ReferenceArray warranties_;
 };

@@ -27,25 +27,22 @@ void SetYesNo(const xml::Node& element, std::string_view value) {
 }
 
 /// A base unit's own properties.
-void FillBaseUnit(const BaseUnitElement& to, const BaseUnitCls& unit, std::int16_t sequence,
-                  std::string_view familyCode) {
-  to.element.SetAttribute("PARTNUMBER", unit.PartNumber);
-  to.element.SetAttribute("ID", BaseUnitId(unit.PartNumber));
-  to.element.SetAttribute("QUANTITY", unit.Quantity);
-  to.element.SetAttribute("PRICE", unit.MasterPrice);
+void FillBaseUnit(const BaseUnitElement& to, const BaseUnit& unit, std::int16_t sequence, std::string_view familyCode) {
+  to.element.SetAttribute("PARTNUMBER", unit.partNumber);
+  to.element.SetAttribute("ID", BaseUnitId(unit.partNumber));
+  to.element.SetAttribute("QUANTITY", unit.quantity);
+  to.element.SetAttribute("PRICE", unit.masterPrice);
   to.element.SetAttribute("SEQUENCE", std::to_string(sequence));
-  to.supplier.SetText(unit.Supplier);
-  to.typeOfSale.SetText(unit.TypeOfSale);
-  to.ton.SetText(unit.Ton);
-  to.cfm.SetText(RoundToWhole(unit.CFM));
-  SetAttributeSlot(to, familyCode, 1, unit.Attribute1);
-  SetAttributeSlot(to, familyCode, 2, unit.Attribute2);
-  SetAttributeSlot(to, familyCode, 3, unit.Attribute3);
-  SetAttributeSlot(to, familyCode, 4, unit.Attribute4);
-  SetAttributeSlot(to, familyCode, 5, unit.Attribute5);
-  SetYesNo(to.preOrderReq, unit.preorderreq);
-  SetYesNo(to.eto, unit.ETO);
-  to.eto.SetAttribute("ETODESCRIPTION", unit.ETODescription);
+  to.supplier.SetText(unit.supplier);
+  to.typeOfSale.SetText(unit.typeOfSale);
+  to.ton.SetText(unit.ton);
+  to.cfm.SetText(RoundToWhole(unit.cfm));
+  for (int slot = 1; slot <= static_cast<int>(unit.attributes.size()); ++slot) {
+    SetAttributeSlot(to, familyCode, slot, unit.attributes[static_cast<std::size_t>(slot - 1)]);
+  }
+  SetYesNo(to.preOrderReq, unit.preOrder);
+  SetYesNo(to.eto, unit.eto);
+  to.eto.SetAttribute("ETODESCRIPTION", unit.etoDescription);
 }
 
 void SetComponentAttributes(const ComponentElement& component, std::string_view type, std::string_view partNumber,
@@ -65,17 +62,17 @@ void AppendBaseUnits(const Platform& platform, const xml::Document& document, st
   for (const auto& unit : baseUnits) {
     sequence.Advance();
     const BaseUnitElement element = NewBaseUnitElement(document, baseUnitsElement);
-    AddDescription(document, element.extendedDescriptions, unit->Description);
+    AddDescription(document, element.extendedDescriptions, unit->description);
     if (sequence.Value() == 1) {
       AddExtendedDescriptions(platform, document, tagIndex, qbOutputFile, element.extendedDescriptions);
     }
     FillBaseUnit(element, *unit, sequence.Value(), familyCode);
 
     Counter16 components("components of one base unit");
-    AppendAccessoryComponents(document, unit->Accessories, element.components, components);
-    AppendWarrantyComponents(document, element.components, unit->Warranties, components);
+    AppendAccessoryComponents(document, unit->accessories, element.components, components);
+    AppendWarrantyComponents(document, element.components, unit->warranties, components);
     AppendBlanketComponents(platform, document, tagIndex, qbOutputFile, element.components, components);
-    SetSapXml(document, element.sapXml, unit->SAPXml);
+    SetSapXml(document, element.sapXml, unit->sapXml);
   }
 }
 
@@ -143,11 +140,11 @@ void AppendAccessoryComponents(const xml::Document& document, const Accessories&
                                const xml::Node& componentsElement, Counter16& sequenceCounter) {
   for (const auto& accessory : accessories) {
     const ComponentElement component = NewComponentElement(document, componentsElement, sequenceCounter);
-    SetComponentAttributes(component, "ACCESSORY", accessory->PartNumber, accessory->Quantity, accessory->MasterPrice);
-    component.description.SetText(accessory->Description);
-    component.supplier.SetText(accessory->Supplier);
-    component.typeOfSale.SetText(accessory->TypeOfSale);
-    component.preOrderReq.SetText(accessory->preorderreq.Text());
+    SetComponentAttributes(component, "ACCESSORY", accessory->partNumber, accessory->quantity, accessory->masterPrice);
+    component.description.SetText(accessory->description);
+    component.supplier.SetText(accessory->supplier);
+    component.typeOfSale.SetText(accessory->typeOfSale);
+    component.preOrderReq.SetText(accessory->preOrder.Text());
   }
 }
 
@@ -155,10 +152,10 @@ void AppendWarrantyComponents(const xml::Document& document, const xml::Node& co
                               const Warranties& warranties, Counter16& sequenceCounter) {
   for (const auto& warranty : warranties) {
     const ComponentElement component = NewComponentElement(document, componentsElement, sequenceCounter);
-    SetComponentAttributes(component, "WARRANTY", warranty->Name, warranty->Quantity, warranty->MasterPrice);
-    component.description.SetText(warranty->Description);
+    SetComponentAttributes(component, "WARRANTY", warranty->name, warranty->quantity, warranty->masterPrice);
+    component.description.SetText(warranty->description);
     component.supplier.SetText(kWarrantySupplier);
-    component.preOrderReq.SetText(warranty->preorderreq.Text());
+    component.preOrderReq.SetText(warranty->preOrder.Text());
   }
 }
 

@@ -16,10 +16,10 @@ namespace {
 constexpr std::string_view kMadeIntoBaseUnit = "XX1";
 
 /// A BaseUnit1 of fewer than three characters has nothing behind its first two, which reads as 0.
-bool IsFurtherBaseUnit(const AccessoryCls& accessory) { return LeadingNumber(DropUnits(accessory.BaseUnit1, 2)) > 1; }
+bool IsFurtherBaseUnit(const Accessory& accessory) { return LeadingNumber(DropUnits(accessory.baseUnit1, 2)) > 1; }
 
-bool HasStoredDataOfItsOwn(const AccessoryCls& accessory) {
-  return accessory.BaseUnit1.empty() && !accessory.FileName.empty();
+bool HasStoredDataOfItsOwn(const Accessory& accessory) {
+  return accessory.baseUnit1.empty() && !accessory.fileName.empty();
 }
 
 /// The whole number of the base unit that a line belongs to. A double, so that no number is out of range.
@@ -38,13 +38,13 @@ double BaseUnitNumber(std::string_view baseUnit2) {
 /// says of an item's number whether the first base unit gets the item besides. Every item is looked at once, whatever
 /// the number of base units.
 template <class Items, class AlsoToFirst>
-void DealOut(const Items& items, const BaseUnits& baseUnits, Items BaseUnitCls::*list, AlsoToFirst alsoToFirst) {
+void DealOut(const Items& items, const BaseUnits& baseUnits, Items BaseUnit::*list, AlsoToFirst alsoToFirst) {
   if (baseUnits.Count() == 0) {
     return;
   }
   std::vector<Items> dealt(baseUnits.Count());
   for (const auto& item : items) {
-    const double number = BaseUnitNumber(item->BaseUnit2);
+    const double number = BaseUnitNumber(item->baseUnit2);
     if (number >= 1 && number <= static_cast<double>(dealt.size())) {
       dealt[static_cast<std::size_t>(number) - 1].Append(item);
     }
@@ -58,12 +58,12 @@ void DealOut(const Items& items, const BaseUnits& baseUnits, Items BaseUnitCls::
 }
 
 bool FirstIs(const BaseUnits& baseUnits, std::string_view baseUnit1) {
-  return baseUnits.Count() > 0 && baseUnits.At(1)->BaseUnit1 == baseUnit1;
+  return baseUnits.Count() > 0 && baseUnits.At(1)->baseUnit1 == baseUnit1;
 }
 
 }  // namespace
 
-BaseUnits BuildBaseUnits(const Platform& platform, std::shared_ptr<BaseUnitCls> first, const Accessories& accessories) {
+BaseUnits BuildBaseUnits(const Platform& platform, std::shared_ptr<BaseUnit> first, const Accessories& accessories) {
   BaseUnits baseUnits;
   baseUnits.Append(std::move(first));
   for (const auto& accessory : accessories) {
@@ -71,40 +71,36 @@ BaseUnits BuildBaseUnits(const Platform& platform, std::shared_ptr<BaseUnitCls> 
       baseUnits.Append(BaseUnitFromAccessory(platform, *accessory));
     } else if (HasStoredDataOfItsOwn(*accessory)) {
       baseUnits.Append(BaseUnitFromAccessory(platform, *accessory));
-      accessory->BaseUnit1 = kMadeIntoBaseUnit;
+      accessory->baseUnit1 = kMadeIntoBaseUnit;
     }
   }
   return baseUnits;
 }
 
-std::shared_ptr<BaseUnitCls> BaseUnitFromAccessory(const Platform& platform, const AccessoryCls& accessory) {
-  auto unit = std::make_shared<BaseUnitCls>();
-  unit->Description = accessory.Description;
-  unit->PartNumber = accessory.PartNumber;
-  unit->Quantity = accessory.Quantity;
-  unit->MasterPrice = accessory.MasterPrice;
-  unit->Supplier = accessory.Supplier;
-  unit->TypeOfSale = accessory.TypeOfSale;
-  unit->SAPXml = ReadStoredTagText(platform, accessory.FileName).text;
-  if (!unit->SAPXml.empty()) {
-    if (const xml::Node sapData = NewXPathDocument(unit->SAPXml).First("descendant::SAPDATA")) {
-      unit->SAPXml = sapData.Xml();
+std::shared_ptr<BaseUnit> BaseUnitFromAccessory(const Platform& platform, const Accessory& accessory) {
+  auto unit = std::make_shared<BaseUnit>();
+  unit->description = accessory.description;
+  unit->partNumber = accessory.partNumber;
+  unit->quantity = accessory.quantity;
+  unit->masterPrice = accessory.masterPrice;
+  unit->supplier = accessory.supplier;
+  unit->typeOfSale = accessory.typeOfSale;
+  unit->sapXml = ReadStoredTagText(platform, accessory.fileName).text;
+  if (!unit->sapXml.empty()) {
+    if (const xml::Node sapData = NewXPathDocument(unit->sapXml).First("descendant::SAPDATA")) {
+      unit->sapXml = sapData.Xml();
     }
   }
-  unit->Attribute1 = accessory.Attribute1;
-  unit->Attribute2 = accessory.Attribute2;
-  unit->Attribute3 = accessory.Attribute3;
-  unit->Attribute4 = accessory.Attribute4;
-  unit->Attribute5 = accessory.Attribute5;
-  unit->BaseUnit1 = accessory.BaseUnit1;
-  unit->BaseUnit2 = accessory.BaseUnit2;
+  unit->attributes = accessory.attributes;
+  unit->baseUnit1 = accessory.baseUnit1;
+  unit->baseUnit2 = accessory.baseUnit2;
   return unit;
 }
 
 Accessories SelectLooseAccessories(const Accessories& accessories) {
   Accessories loose;
   for (const auto& accessory : accessories) {
-    if (accessory->BaseUnit1.empty()) {
+    if (accessory->baseUnit1.empty()) {
       loose.Append(accessory);
     }
   }
@@ -113,13 +109,13 @@ Accessories SelectLooseAccessories(const Accessories& accessories) {
 
 void AttachAccessories(const BaseUnits& baseUnits, const Accessories& accessories) {
   const bool firstTakesAll = FirstIs(baseUnits, "BU2");
-  DealOut(accessories, baseUnits, &BaseUnitCls::Accessories, [&](double) { return firstTakesAll; });
+  DealOut(accessories, baseUnits, &BaseUnit::accessories, [&](double) { return firstTakesAll; });
 }
 
 void AttachWarranties(const BaseUnits& baseUnits, const Warranties& warranties) {
   const bool firstTakesAll = FirstIs(baseUnits, "BU2");
   const bool firstTakesUnnumbered = FirstIs(baseUnits, "BU1");
-  DealOut(warranties, baseUnits, &BaseUnitCls::Warranties,
+  DealOut(warranties, baseUnits, &BaseUnit::warranties,
           [&](double number) { return firstTakesAll || (firstTakesUnnumbered && number == 0); });
 }
 

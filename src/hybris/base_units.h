@@ -14,11 +14,11 @@ namespace parvex {
 /// The base units of a tag: `first`, filled by the caller, and those that accessories make, in their order. An
 /// accessory that becomes a base unit for its file gets the BaseUnit1 "XX1", deliberately: the mark keeps it out of
 /// SelectLooseAccessories.
-BaseUnits BuildBaseUnits(const Platform& platform, std::shared_ptr<BaseUnitCls> first, const Accessories& accessories);
+BaseUnits BuildBaseUnits(const Platform& platform, std::shared_ptr<BaseUnit> first, const Accessories& accessories);
 
 /// A base unit from an accessory line; its SAP configuration is the accessory's stored text, or the SAPDATA element in
 /// it.
-std::shared_ptr<BaseUnitCls> BaseUnitFromAccessory(const Platform& platform, const AccessoryCls& accessory);
+std::shared_ptr<BaseUnit> BaseUnitFromAccessory(const Platform& platform, const Accessory& accessory);
 
 /// The accessories with an empty BaseUnit1 (a blank is not empty), in their order.
 Accessories SelectLooseAccessories(const Accessories& accessories);

@@ -28,43 +28,41 @@ xml::Document AnswerUnknownBinPath() { return MakeFailedReply("System Error: Una
 std::string_view BrandCode(std::string_view pdsg) { return LengthInUnits(pdsg) >= 3 ? FirstUnits(pdsg, 3) : "XXX"; }
 
 /// A tag's first base unit, as the tag's section describes it.
-std::shared_ptr<BaseUnitCls> ReadFirstBaseUnit(const Platform& platform, std::string_view qbOutputFile,
-                                               std::int32_t tagIndex) {
+std::shared_ptr<BaseUnit> ReadFirstBaseUnit(const Platform& platform, std::string_view qbOutputFile,
+                                            std::int32_t tagIndex) {
   SelectionSection section(platform, qbOutputFile, "PartNumber", tagIndex);
-  auto unit = std::make_shared<BaseUnitCls>();
-  unit->Description = section.Text("Description");
-  unit->Quantity = std::to_string(section.Integer("Quantity", 1));
-  unit->MasterPrice = section.Text("MasterPrice");
-  unit->TypeOfSale = section.Text("TypeOfSale");
-  unit->Supplier = MapBrand(section.Text("Supplier"), unit->TypeOfSale);
-  unit->Ton = section.Text("Ton");
-  unit->CFM = section.Text("CFM");
-  unit->preorderreq = section.Text("PreOrderReq", "N");
-  unit->ETO = section.Text("ETO");
-  unit->Attribute1 = section.Text("Attribute1");
-  unit->Attribute2 = section.Text("Attribute2");
-  unit->Attribute3 = section.Text("Attribute3");
-  unit->Attribute4 = section.Text("Attribute4");
-  unit->Attribute5 = section.Text("Attribute5");
-  unit->BaseUnit1 = section.Text("BaseUnit1");
-  unit->BaseUnit2 = section.Text("BaseUnit2");
+  auto unit = std::make_shared<BaseUnit>();
+  unit->description = section.Text("Description");
+  unit->quantity = std::to_string(section.Integer("Quantity", 1));
+  unit->masterPrice = section.Text("MasterPrice");
+  unit->typeOfSale = section.Text("TypeOfSale");
+  unit->supplier = MapBrand(section.Text("Supplier"), unit->typeOfSale);
+  unit->ton = section.Text("Ton");
+  unit->cfm = section.Text("CFM");
+  unit->preOrder = section.Text("PreOrderReq", "N");
+  unit->eto = section.Text("ETO");
+  for (std::size_t i = 0; i < unit->attributes.size(); ++i) {
+    unit->attributes[i] = section.Text("Attribute" + std::to_string(i + 1));
+  }
+  unit->baseUnit1 = section.Text("BaseUnit1");
+  unit->baseUnit2 = section.Text("BaseUnit2");
   return unit;
 }
 
 void AppendTag(const Platform& platform, const xml::Document& document, std::string_view qbOutputFile,
-               const TagCls& tag, std::int32_t tagIndex, bool isLastTag) {
+               const SelectedTag& tag, std::int32_t tagIndex, bool isLastTag) {
   const TagElement element = AppendTagElement(document);
-  element.pdsg.SetText(tag.PDSG);
-  element.markFor.SetText(tag.MarkFor);
-  const std::string_view brandCode = BrandCode(tag.PDSG);
-  const TagStoredData stored = ReadTagStoredData(platform, document, element, tag.BlobFileName, brandCode, isLastTag);
+  element.pdsg.SetText(tag.pdsg);
+  element.markFor.SetText(tag.markFor);
+  const std::string_view brandCode = BrandCode(tag.pdsg);
+  const TagStoredData stored = ReadTagStoredData(platform, document, element, tag.blobFileName, brandCode, isLastTag);
   element.buildVersion.SetText(stored.buildVersion);
   element.legacyTagId.SetText(stored.legacyTagId);
 
-  const std::shared_ptr<BaseUnitCls> first = ReadFirstBaseUnit(platform, qbOutputFile, tagIndex);
-  first->PartNumber = tag.PartNumber;
-  first->ETODescription = BuildEtoDescription(platform, qbOutputFile, tagIndex);
-  first->SAPXml = stored.sapXml;
+  const std::shared_ptr<BaseUnit> first = ReadFirstBaseUnit(platform, qbOutputFile, tagIndex);
+  first->partNumber = tag.partNumber;
+  first->etoDescription = BuildEtoDescription(platform, qbOutputFile, tagIndex);
+  first->sapXml = stored.sapXml;
   const Accessories accessories = ReadAccessories(platform, qbOutputFile, tagIndex);
   const Warranties warranties = ReadWarranties(platform, qbOutputFile, tagIndex);
 

@@ -1,5 +1,7 @@
 #include "hybris/selected_items.h"
 
+#include <array>
+#include <cstddef>
 #include <memory>
 #include <utility>
 
@@ -9,40 +11,47 @@
 namespace parvex {
 namespace {
 
-/// Which property a numbered key fills.
+/// Which text a numbered key fills.
 template <class T>
-struct KeyedProperty {
+struct KeyedText {
   std::string_view prefix;
-  std::string T::*property;
+  std::string T::*text;
 };
 
-constexpr KeyedProperty<AccessoryCls> kAccessoryKeys[] = {
-    {"Description:", &AccessoryCls::Description}, {"MasterPrice:", &AccessoryCls::MasterPrice},
-    {"Quantity:", &AccessoryCls::Quantity},       {"TypeOfSale:", &AccessoryCls::TypeOfSale},
-    {"MarkFor:", &AccessoryCls::MarkFor},         {"MarkFor2:", &AccessoryCls::MarkFor2},
-    {"MarkFor3:", &AccessoryCls::MarkFor3},       {"MarkFor4:", &AccessoryCls::MarkFor4},
-    {"Supplier:", &AccessoryCls::Supplier},       {"Attribute1:", &AccessoryCls::Attribute1},
-    {"Attribute2:", &AccessoryCls::Attribute2},   {"Attribute3:", &AccessoryCls::Attribute3},
-    {"Attribute4:", &AccessoryCls::Attribute4},   {"Attribute5:", &AccessoryCls::Attribute5},
-    {"BaseUnit1:", &AccessoryCls::BaseUnit1},     {"BaseUnit2:", &AccessoryCls::BaseUnit2},
-    {"FileName:", &AccessoryCls::FileName},
+constexpr KeyedText<Accessory> kAccessoryKeys[] = {
+    {"Description:", &Accessory::description}, {"MasterPrice:", &Accessory::masterPrice},
+    {"Quantity:", &Accessory::quantity},       {"TypeOfSale:", &Accessory::typeOfSale},
+    {"Supplier:", &Accessory::supplier},       {"BaseUnit1:", &Accessory::baseUnit1},
+    {"BaseUnit2:", &Accessory::baseUnit2},     {"FileName:", &Accessory::fileName},
 };
 
-constexpr KeyedProperty<WarrantyCls> kWarrantyKeys[] = {
-    {"Quantity:", &WarrantyCls::Quantity},       {"Description:", &WarrantyCls::Description},
-    {"MasterPrice:", &WarrantyCls::MasterPrice}, {"MarkFor:", &WarrantyCls::MarkFor},
-    {"BaseUnit1:", &WarrantyCls::BaseUnit1},     {"BaseUnit2:", &WarrantyCls::BaseUnit2},
+constexpr std::array<std::string_view, 4> kMarkForKeys = {"MarkFor:", "MarkFor2:", "MarkFor3:", "MarkFor4:"};
+constexpr std::array<std::string_view, 5> kAttributeKeys = {
+    "Attribute1:", "Attribute2:", "Attribute3:", "Attribute4:", "Attribute5:"};
+
+constexpr KeyedText<Warranty> kWarrantyKeys[] = {
+    {"Quantity:", &Warranty::quantity},       {"Description:", &Warranty::description},
+    {"MasterPrice:", &Warranty::masterPrice}, {"MarkFor:", &Warranty::markFor},
+    {"BaseUnit1:", &Warranty::baseUnit1},     {"BaseUnit2:", &Warranty::baseUnit2},
 };
 
 /// One line item; its name key has been read already.
 template <class T, std::size_t N>
-std::shared_ptr<T> ReadLineItem(SelectionSection& section, std::int32_t number, const KeyedProperty<T> (&keys)[N]) {
+std::shared_ptr<T> ReadLineItem(SelectionSection& section, std::int32_t number, const KeyedText<T> (&keys)[N]) {
   auto item = std::make_shared<T>();
-  for (const KeyedProperty<T>& key : keys) {
-    (*item).*key.property = section.Numbered(key.prefix, number);
+  for (const KeyedText<T>& key : keys) {
+    (*item).*key.text = section.Numbered(key.prefix, number);
   }
-  item->preorderreq = section.Numbered("preorderreq:", number);
+  item->preOrder = section.Numbered("preorderreq:", number);
   return item;
+}
+
+template <std::size_t N>
+void ReadNumbered(SelectionSection& section, std::int32_t number, const std::array<std::string_view, N>& prefixes,
+                  std::array<std::string, N>& texts) {
+  for (std::size_t i = 0; i < N; ++i) {
+    texts[i] = section.Numbered(prefixes[i], number);
+  }
 }
 
 }  // namespace
@@ -57,11 +66,11 @@ Tags ReadSelectedTags(const Platform& platform, std::string_view qbOutputFile) {
       return tags;
     }
     count.Advance();
-    auto tag = std::make_shared<TagCls>();
-    tag->PartNumber = std::move(partNumber);
-    tag->PDSG = section.Text("PDSG");
-    tag->MarkFor = section.Text("MarkFor");
-    tag->BlobFileName = section.Text("FileName");
+    auto tag = std::make_shared<SelectedTag>();
+    tag->partNumber = std::move(partNumber);
+    tag->pdsg = section.Text("PDSG");
+    tag->markFor = section.Text("MarkFor");
+    tag->blobFileName = section.Text("FileName");
     tags.Append(std::move(tag));
   }
 }
@@ -81,8 +90,10 @@ Accessories ReadAccessories(const Platform& platform, std::string_view qbOutputF
   Accessories accessories;
   section.ForEach("PartNumber:", "accessories", [&](std::int16_t number, std::string partNumber) {
     auto accessory = ReadLineItem(section, number, kAccessoryKeys);
-    accessory->PartNumber = std::move(partNumber);
-    accessory->Supplier = MapBrand(accessory->Supplier, accessory->TypeOfSale);
+    ReadNumbered(section, number, kMarkForKeys, accessory->markFor);
+    ReadNumbered(section, number, kAttributeKeys, accessory->attributes);
+    accessory->partNumber = std::move(partNumber);
+    accessory->supplier = MapBrand(accessory->supplier, accessory->typeOfSale);
     accessories.Append(std::move(accessory));
   });
   return accessories;
@@ -93,7 +104,7 @@ Warranties ReadWarranties(const Platform& platform, std::string_view qbOutputFil
   Warranties warranties;
   section.ForEach("Name:", "warranties", [&](std::int16_t number, std::string name) {
     auto warranty = ReadLineItem(section, number, kWarrantyKeys);
-    warranty->Name = std::move(name);
+    warranty->name = std::move(name);
     warranties.Append(std::move(warranty));
   });
   return warranties;

@@ -21,14 +21,14 @@ class BaseUnitElements : public testing::Test {
   ExportMachine export_;
   xml::Document document_ = xml::Document::Parse("<BASEUNITS/>");
 
-  static std::shared_ptr<BaseUnitCls> Unit(const std::string& partNumber = "38AUZ") {
-    auto unit = std::make_shared<BaseUnitCls>();
-    unit->PartNumber = partNumber;
+  static std::shared_ptr<BaseUnit> Unit(const std::string& partNumber = "38AUZ") {
+    auto unit = std::make_shared<BaseUnit>();
+    unit->partNumber = partNumber;
     return unit;
   }
 
   /// Appends the units as those of tag 1 and gives their elements.
-  std::vector<xml::Node> Append(std::initializer_list<std::shared_ptr<BaseUnitCls>> units,
+  std::vector<xml::Node> Append(std::initializer_list<std::shared_ptr<BaseUnit>> units,
                                 std::string_view familyCode = "38A") {
     BaseUnits baseUnits;
     for (const auto& unit : units) {
@@ -58,22 +58,22 @@ TEST_F(BaseUnitElements, AnEmptyUnitHasAllElementsAndNoComponents) {
 
 TEST_F(BaseUnitElements, AFilledUnitCarriesEveryValue) {
   auto unit = Unit();
-  unit->Quantity = "2";
-  unit->MasterPrice = "1200.50";
-  unit->Description = "Cooler \"S\" < 5 & more";
-  unit->Supplier = "Tessel";
-  unit->TypeOfSale = "21";
-  unit->Ton = "7.5";
-  unit->CFM = "1234.5";
-  unit->Attribute1 = "a1";
-  unit->Attribute2 = "a2";
-  unit->Attribute3 = "a3";
-  unit->Attribute4 = "a4";
-  unit->Attribute5 = "a5";
-  unit->preorderreq = "Y";
-  unit->ETO = "Y";
-  unit->ETODescription = "one\r\ntwo";
-  unit->SAPXml = "<SAPDATA a=\"1\"/>";
+  unit->quantity = "2";
+  unit->masterPrice = "1200.50";
+  unit->description = "Cooler \"S\" < 5 & more";
+  unit->supplier = "Tessel";
+  unit->typeOfSale = "21";
+  unit->ton = "7.5";
+  unit->cfm = "1234.5";
+  unit->attributes[0] = "a1";
+  unit->attributes[1] = "a2";
+  unit->attributes[2] = "a3";
+  unit->attributes[3] = "a4";
+  unit->attributes[4] = "a5";
+  unit->preOrder = "Y";
+  unit->eto = "Y";
+  unit->etoDescription = "one\r\ntwo";
+  unit->sapXml = "<SAPDATA a=\"1\"/>";
   const xml::Node element = Append({unit}).at(0);
   EXPECT_EQ(element.Attribute("PARTNUMBER"), "38AUZ");
   EXPECT_EQ(element.Attribute("ID"), "38A");
@@ -108,7 +108,7 @@ TEST_F(BaseUnitElements, OnlyTheFirstUnitCarriesTheTagsExtendedDescription) {
       "[Extended Description1]\r\nDescription:1=line 1\r\nDescription:2=line 2\r\nDescription:4=unread\r\n"
       "[Extended Description2]\r\nDescription:1=of another tag\r\n");
   auto first = Unit();
-  first->Description = "first";
+  first->description = "first";
   const auto units = Append({first, Unit(), Unit()});
   EXPECT_THAT(Texts(units[0], "EXTENDED_DESCRIPTIONS/DESCRIPTION"), ElementsAre("first", "line 1", "line 2"));
   EXPECT_THAT(Texts(units[1], "EXTENDED_DESCRIPTIONS/DESCRIPTION"), ElementsAre(""));
@@ -123,8 +123,8 @@ TEST_F(BaseUnitElements, YesIsOneAndAnythingElseZeroAndEmptyStaysEmpty) {
   for (const auto& c : cases) {
     document_ = xml::Document::Parse("<BASEUNITS/>");
     auto unit = Unit();
-    unit->preorderreq = c.value;
-    unit->ETO = c.value;
+    unit->preOrder = c.value;
+    unit->eto = c.value;
     const xml::Node element = Append({unit}).at(0);
     EXPECT_THAT(Texts(element, "ATTRIBUTES_LIST/PREORDERREQ"), ElementsAre(c.text)) << c.value;
     EXPECT_THAT(Texts(element, "ATTRIBUTES_LIST/ETO"), ElementsAre(c.text)) << c.value;
@@ -134,7 +134,7 @@ TEST_F(BaseUnitElements, YesIsOneAndAnythingElseZeroAndEmptyStaysEmpty) {
 
 TEST_F(BaseUnitElements, TheEtoDescriptionStandsThereAlsoWithoutEto) {
   auto unit = Unit();
-  unit->ETODescription = "why";
+  unit->etoDescription = "why";
   EXPECT_EQ(Append({unit}).at(0).First("ATTRIBUTES_LIST/ETO").Xml(), "<ETO ETODESCRIPTION=\"why\"/>");
 }
 
@@ -150,8 +150,8 @@ TEST(AttributeTypeFor, IsReportInfoForAFilledFirstSlotOfFcbOnly) {
 
 TEST_F(BaseUnitElements, OnlyTheFirstAttributeOfFcbCarriesAType) {
   auto unit = Unit();
-  unit->Attribute1 = "x";
-  unit->Attribute2 = "y";
+  unit->attributes[0] = "x";
+  unit->attributes[1] = "y";
   const xml::Node fcb = Append({unit}, "FCB").at(0);
   EXPECT_EQ(fcb.First("ATTRIBUTES_LIST/ATTRIBUTE1").Xml(), "<ATTRIBUTE1 TYPE=\"REPORTINFO\">x</ATTRIBUTE1>");
   EXPECT_EQ(fcb.First("ATTRIBUTES_LIST/ATTRIBUTE2").Xml(), "<ATTRIBUTE2>y</ATTRIBUTE2>");
@@ -161,17 +161,17 @@ TEST_F(BaseUnitElements, OnlyTheFirstAttributeOfFcbCarriesAType) {
 
 class Components : public BaseUnitElements {
  protected:
-  static std::shared_ptr<BaseUnitCls> UnitWith(int accessories, int warranties) {
+  static std::shared_ptr<BaseUnit> UnitWith(int accessories, int warranties) {
     auto unit = Unit();
     for (int i = 1; i <= accessories; ++i) {
-      auto accessory = std::make_shared<AccessoryCls>();
-      accessory->PartNumber = "A" + std::to_string(i);
-      unit->Accessories.Append(accessory);
+      auto accessory = std::make_shared<Accessory>();
+      accessory->partNumber = "A" + std::to_string(i);
+      unit->accessories.Append(accessory);
     }
     for (int i = 1; i <= warranties; ++i) {
-      auto warranty = std::make_shared<WarrantyCls>();
-      warranty->Name = "W" + std::to_string(i);
-      unit->Warranties.Append(warranty);
+      auto warranty = std::make_shared<Warranty>();
+      warranty->name = "W" + std::to_string(i);
+      unit->warranties.Append(warranty);
     }
     return unit;
   }
@@ -189,13 +189,13 @@ class Components : public BaseUnitElements {
 
 TEST_F(Components, AnAccessoryCarriesItsValues) {
   auto unit = UnitWith(1, 0);
-  AccessoryCls& accessory = *unit->Accessories.At(1);
-  accessory.Quantity = "3";
-  accessory.MasterPrice = "15";
-  accessory.Description = "Curb 14\" & more";
-  accessory.Supplier = "QZN";
-  accessory.TypeOfSale = "9";
-  accessory.preorderreq = "Y";
+  Accessory& accessory = *unit->accessories.At(1);
+  accessory.quantity = "3";
+  accessory.masterPrice = "15";
+  accessory.description = "Curb 14\" & more";
+  accessory.supplier = "QZN";
+  accessory.typeOfSale = "9";
+  accessory.preOrder = "Y";
   EXPECT_EQ(Append({unit}).at(0).First("COMPONENTS").Xml(),
             "<COMPONENTS><COMPONENT SEQUENCE=\"1\" TYPE=\"ACCESSORY\" PARTNUMBER=\"A1\" QUANTITY=\"3\" PRICE=\"15\">"
             "<DESCRIPTION>Curb 14\" &amp; more</DESCRIPTION><ATTRIBUTES_LIST><DELIVERYGROUP/><SUPPLIER>QZN</SUPPLIER>"
@@ -204,17 +204,17 @@ TEST_F(Components, AnAccessoryCarriesItsValues) {
 
 TEST_F(Components, AnAccessorysPreOrderTextIsWrittenAsStored) {
   auto unit = UnitWith(1, 0);
-  unit->Accessories.At(1)->preorderreq = "y";
+  unit->accessories.At(1)->preOrder = "y";
   EXPECT_EQ(Append({unit}).at(0).First("COMPONENTS/COMPONENT/ATTRIBUTES_LIST/PREORDERREQ").Text(), "y");
 }
 
 TEST_F(Components, AWarrantyHasTheFixedSupplierAndNoTypeOfSale) {
   auto unit = UnitWith(0, 1);
-  WarrantyCls& warranty = *unit->Warranties.At(1);
-  warranty.Quantity = "1";
-  warranty.MasterPrice = "99";
-  warranty.Description = "five years";
-  warranty.preorderreq = "N";
+  Warranty& warranty = *unit->warranties.At(1);
+  warranty.quantity = "1";
+  warranty.masterPrice = "99";
+  warranty.description = "five years";
+  warranty.preOrder = "N";
   EXPECT_EQ(Append({unit}).at(0).First("COMPONENTS").Xml(),
             "<COMPONENTS><COMPONENT SEQUENCE=\"1\" TYPE=\"WARRANTY\" PARTNUMBER=\"W1\" QUANTITY=\"1\" PRICE=\"99\">"
             "<DESCRIPTION>five years</DESCRIPTION><ATTRIBUTES_LIST><DELIVERYGROUP/><SUPPLIER>Korvane</SUPPLIER>"
@@ -310,7 +310,7 @@ TEST_F(BaseUnitElements, TheKeptNodesAreThoseThatASelectionFinds) {
 
 TEST_F(BaseUnitElements, SapTextIsNeitherParsedNorEscaped) {
   auto unit = Unit();
-  unit->SAPXml = "  <not closed & \"raw\" >\r\n";
+  unit->sapXml = "  <not closed & \"raw\" >\r\n";
   EXPECT_THAT(Append({unit}).at(0).First("SAP_XML").Xml(),
               testing::StartsWith("<SAP_XML><![CDATA[  <not closed & \"raw\" >"));
 }

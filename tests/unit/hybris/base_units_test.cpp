@@ -15,20 +15,20 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::shared_ptr<AccessoryCls> Accessory(const std::string& part, const std::string& baseUnit1 = "",
+std::shared_ptr<Accessory> NewAccessory(const std::string& part, const std::string& baseUnit1 = "",
                                         const std::string& baseUnit2 = "", const std::string& file = "") {
-  auto accessory = std::make_shared<AccessoryCls>();
-  accessory->PartNumber = part;
-  accessory->BaseUnit1 = baseUnit1;
-  accessory->BaseUnit2 = baseUnit2;
-  accessory->FileName = file;
+  auto accessory = std::make_shared<Accessory>();
+  accessory->partNumber = part;
+  accessory->baseUnit1 = baseUnit1;
+  accessory->baseUnit2 = baseUnit2;
+  accessory->fileName = file;
   return accessory;
 }
 
-std::shared_ptr<WarrantyCls> Warranty(const std::string& name, const std::string& baseUnit2) {
-  auto warranty = std::make_shared<WarrantyCls>();
-  warranty->Name = name;
-  warranty->BaseUnit2 = baseUnit2;
+std::shared_ptr<Warranty> NewWarranty(const std::string& name, const std::string& baseUnit2) {
+  auto warranty = std::make_shared<Warranty>();
+  warranty->name = name;
+  warranty->baseUnit2 = baseUnit2;
   return warranty;
 }
 
@@ -41,17 +41,17 @@ List ListOf(std::initializer_list<typename std::decay_t<decltype(std::declval<Li
   return list;
 }
 
-Accessories AccessoriesOf(std::initializer_list<std::shared_ptr<AccessoryCls>> items) {
+Accessories AccessoriesOf(std::initializer_list<std::shared_ptr<Accessory>> items) {
   return ListOf<Accessories>(items);
 }
-Warranties WarrantiesOf(std::initializer_list<std::shared_ptr<WarrantyCls>> items) { return ListOf<Warranties>(items); }
+Warranties WarrantiesOf(std::initializer_list<std::shared_ptr<Warranty>> items) { return ListOf<Warranties>(items); }
 
 /// Base units whose BaseUnit1 are these.
 BaseUnits Units(std::initializer_list<const char*> baseUnit1s) {
   BaseUnits units;
   for (const char* baseUnit1 : baseUnit1s) {
-    auto unit = std::make_shared<BaseUnitCls>();
-    unit->BaseUnit1 = baseUnit1;
+    auto unit = std::make_shared<BaseUnit>();
+    unit->baseUnit1 = baseUnit1;
     units.Append(unit);
   }
   return units;
@@ -60,7 +60,7 @@ BaseUnits Units(std::initializer_list<const char*> baseUnit1s) {
 std::vector<std::string> PartNumbers(const Accessories& accessories) {
   std::vector<std::string> parts;
   for (const auto& accessory : accessories) {
-    parts.push_back(accessory->PartNumber);
+    parts.push_back(accessory->partNumber);
   }
   return parts;
 }
@@ -68,7 +68,7 @@ std::vector<std::string> PartNumbers(const Accessories& accessories) {
 std::vector<std::string> Names(const Warranties& warranties) {
   std::vector<std::string> names;
   for (const auto& warranty : warranties) {
-    names.push_back(warranty->Name);
+    names.push_back(warranty->name);
   }
   return names;
 }
@@ -78,15 +78,15 @@ class BuiltBaseUnits : public testing::Test {
   ExportMachine export_;
 
   BaseUnits Build(const Accessories& accessories) {
-    auto first = std::make_shared<BaseUnitCls>();
-    first->PartNumber = "first";
+    auto first = std::make_shared<BaseUnit>();
+    first->partNumber = "first";
     return BuildBaseUnits(export_.platform, first, accessories);
   }
 
   std::vector<std::string> PartsBuiltFrom(const Accessories& accessories) {
     std::vector<std::string> parts;
     for (const auto& unit : Build(accessories)) {
-      parts.push_back(unit->PartNumber);
+      parts.push_back(unit->partNumber);
     }
     return parts;
   }
@@ -126,83 +126,82 @@ TEST_F(BuiltBaseUnits, ABaseUnit1NumberAboveOneMakesABaseUnit) {
       {" ", false, "a blank is not empty, nor a number"},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(Build(AccessoriesOf({Accessory("a", c.baseUnit1)})).Count(), c.makesOne ? 2u : 1u)
+    EXPECT_EQ(Build(AccessoriesOf({NewAccessory("a", c.baseUnit1)})).Count(), c.makesOne ? 2u : 1u)
         << c.baseUnit1 << ": " << c.reason;
   }
 }
 
 TEST_F(BuiltBaseUnits, AnAccessoryWithAFileOfItsOwnMakesABaseUnitAndIsMarked) {
-  const Accessories accessories = AccessoriesOf({Accessory("a", "", "ABCD7", "C:\\none.blb")});
+  const Accessories accessories = AccessoriesOf({NewAccessory("a", "", "ABCD7", "C:\\none.blb")});
   const BaseUnits units = Build(accessories);
   ASSERT_EQ(units.Count(), 2u);
-  EXPECT_EQ(units.At(2)->PartNumber, "a");
-  EXPECT_EQ(units.At(2)->BaseUnit1, "");
-  EXPECT_EQ(units.At(2)->BaseUnit2, "ABCD7");
-  EXPECT_EQ(accessories.At(1)->BaseUnit1, "XX1");
+  EXPECT_EQ(units.At(2)->partNumber, "a");
+  EXPECT_EQ(units.At(2)->baseUnit1, "");
+  EXPECT_EQ(units.At(2)->baseUnit2, "ABCD7");
+  EXPECT_EQ(accessories.At(1)->baseUnit1, "XX1");
   EXPECT_EQ(SelectLooseAccessories(accessories).Count(), 0u);
 }
 
 TEST_F(BuiltBaseUnits, AFileDoesNotMatterBesideABaseUnit1) {
-  const Accessories accessories = AccessoriesOf({Accessory("a", "BU1", "", "x.blb"), Accessory("b", " ", "", "x.blb")});
+  const Accessories accessories =
+      AccessoriesOf({NewAccessory("a", "BU1", "", "x.blb"), NewAccessory("b", " ", "", "x.blb")});
   EXPECT_EQ(Build(accessories).Count(), 1u);
-  EXPECT_EQ(accessories.At(1)->BaseUnit1, "BU1");
+  EXPECT_EQ(accessories.At(1)->baseUnit1, "BU1");
 }
 
 TEST_F(BuiltBaseUnits, OnlyTheAccessoryMadeForItsFileIsMarked) {
-  const Accessories accessories = AccessoriesOf({Accessory("a", "BU2", "", "x.blb")});
+  const Accessories accessories = AccessoriesOf({NewAccessory("a", "BU2", "", "x.blb")});
   EXPECT_EQ(Build(accessories).Count(), 2u);
-  EXPECT_EQ(accessories.At(1)->BaseUnit1, "BU2");
+  EXPECT_EQ(accessories.At(1)->baseUnit1, "BU2");
 }
 
 TEST_F(BuiltBaseUnits, StandInTheOrderOfTheAccessories) {
-  EXPECT_THAT(PartsBuiltFrom(AccessoriesOf(
-                  {Accessory("c", "BU3"), Accessory("loose"), Accessory("f", "", "", "f.blb"), Accessory("b", "BU2")})),
+  EXPECT_THAT(PartsBuiltFrom(AccessoriesOf({NewAccessory("c", "BU3"), NewAccessory("loose"),
+                                            NewAccessory("f", "", "", "f.blb"), NewAccessory("b", "BU2")})),
               ElementsAre("first", "c", "f", "b"));
 }
 
 TEST_F(BuiltBaseUnits, AnAccessorysTextsAreTakenOverButNotItsMarkForFileAndPreOrder) {
-  auto accessory = Accessory("part", "BU2", "ABCD2", "C:\\none.blb");
-  accessory->Description = "desc";
-  accessory->Quantity = "4";
-  accessory->MasterPrice = "7.5";
-  accessory->Supplier = "Tessel";
-  accessory->TypeOfSale = "2";
-  accessory->MarkFor = "mark";
-  accessory->preorderreq = "Y";
-  accessory->Attribute1 = "a1";
-  accessory->Attribute2 = "a2";
-  accessory->Attribute3 = "a3";
-  accessory->Attribute4 = "a4";
-  accessory->Attribute5 = "a5";
+  auto accessory = NewAccessory("part", "BU2", "ABCD2", "C:\\none.blb");
+  accessory->description = "desc";
+  accessory->quantity = "4";
+  accessory->masterPrice = "7.5";
+  accessory->supplier = "Tessel";
+  accessory->typeOfSale = "2";
+  accessory->markFor[0] = "mark";
+  accessory->preOrder = "Y";
+  accessory->attributes[0] = "a1";
+  accessory->attributes[1] = "a2";
+  accessory->attributes[2] = "a3";
+  accessory->attributes[3] = "a4";
+  accessory->attributes[4] = "a5";
   const auto unit = BaseUnitFromAccessory(export_.platform, *accessory);
-  EXPECT_EQ(unit->PartNumber, "part");
-  EXPECT_EQ(unit->Description, "desc");
-  EXPECT_EQ(unit->Quantity, "4");
-  EXPECT_EQ(unit->MasterPrice, "7.5");
-  EXPECT_EQ(unit->Supplier, "Tessel");
-  EXPECT_EQ(unit->TypeOfSale, "2");
-  EXPECT_EQ(unit->Attribute1, "a1");
-  EXPECT_EQ(unit->Attribute2, "a2");
-  EXPECT_EQ(unit->Attribute3, "a3");
-  EXPECT_EQ(unit->Attribute4, "a4");
-  EXPECT_EQ(unit->Attribute5, "a5");
-  EXPECT_EQ(unit->BaseUnit1, "BU2");
-  EXPECT_EQ(unit->BaseUnit2, "ABCD2");
-  EXPECT_EQ(unit->MarkFor, "");
-  EXPECT_EQ(unit->preorderreq, "");
-  EXPECT_EQ(unit->ETO, "");
-  EXPECT_EQ(unit->ETODescription, "");
-  EXPECT_EQ(unit->Ton, "");
-  EXPECT_EQ(unit->CFM, "");
-  EXPECT_EQ(unit->FileName.Field(), "");
-  EXPECT_EQ(unit->SAPXml, "");
+  EXPECT_EQ(unit->partNumber, "part");
+  EXPECT_EQ(unit->description, "desc");
+  EXPECT_EQ(unit->quantity, "4");
+  EXPECT_EQ(unit->masterPrice, "7.5");
+  EXPECT_EQ(unit->supplier, "Tessel");
+  EXPECT_EQ(unit->typeOfSale, "2");
+  EXPECT_EQ(unit->attributes[0], "a1");
+  EXPECT_EQ(unit->attributes[1], "a2");
+  EXPECT_EQ(unit->attributes[2], "a3");
+  EXPECT_EQ(unit->attributes[3], "a4");
+  EXPECT_EQ(unit->attributes[4], "a5");
+  EXPECT_EQ(unit->baseUnit1, "BU2");
+  EXPECT_EQ(unit->baseUnit2, "ABCD2");
+  EXPECT_EQ(unit->preOrder, "");
+  EXPECT_EQ(unit->eto, "");
+  EXPECT_EQ(unit->etoDescription, "");
+  EXPECT_EQ(unit->ton, "");
+  EXPECT_EQ(unit->cfm, "");
+  EXPECT_EQ(unit->sapXml, "");
 }
 
 class SapOfAnAccessory : public BuiltBaseUnits {
  protected:
   std::string SapFor(std::string_view entry, std::string_view text) {
     export_.WriteBlob("C:\\blobs\\a.blb", entry, text);
-    return BaseUnitFromAccessory(export_.platform, *Accessory("a", "", "", "C:\\blobs\\a.blb"))->SAPXml;
+    return BaseUnitFromAccessory(export_.platform, *NewAccessory("a", "", "", "C:\\blobs\\a.blb"))->sapXml;
   }
 };
 
@@ -221,8 +220,8 @@ TEST_F(SapOfAnAccessory, IsTheElementOfAnSapDocumentOfItsOwn) {
 }
 
 TEST(SelectLooseAccessories, KeepsThoseWithAnEmptyBaseUnit1InTheirOrder) {
-  const Accessories all = AccessoriesOf(
-      {Accessory("a"), Accessory("blank", " "), Accessory("b", "BU2"), Accessory("c"), Accessory("made", "XX1")});
+  const Accessories all = AccessoriesOf({NewAccessory("a"), NewAccessory("blank", " "), NewAccessory("b", "BU2"),
+                                         NewAccessory("c"), NewAccessory("made", "XX1")});
   const Accessories loose = SelectLooseAccessories(all);
   EXPECT_THAT(PartNumbers(loose), ElementsAre("a", "c"));
   EXPECT_EQ(loose.At(1), all.At(1)) << "the same object, not a copy";
@@ -230,9 +229,9 @@ TEST(SelectLooseAccessories, KeepsThoseWithAnEmptyBaseUnit1InTheirOrder) {
 
 TEST(AttachAccessories, AnEmptyBaseUnit2MeansTheFirst) {
   const BaseUnits units = Units({"", ""});
-  AttachAccessories(units, AccessoriesOf({Accessory("a"), Accessory("b")}));
-  EXPECT_THAT(PartNumbers(units.At(1)->Accessories), ElementsAre("a", "b"));
-  EXPECT_THAT(PartNumbers(units.At(2)->Accessories), IsEmpty());
+  AttachAccessories(units, AccessoriesOf({NewAccessory("a"), NewAccessory("b")}));
+  EXPECT_THAT(PartNumbers(units.At(1)->accessories), ElementsAre("a", "b"));
+  EXPECT_THAT(PartNumbers(units.At(2)->accessories), IsEmpty());
 }
 
 TEST(AttachAccessories, TheNumberStandsBehindFourCharacters) {
@@ -265,9 +264,9 @@ TEST(AttachAccessories, TheNumberStandsBehindFourCharacters) {
   };
   for (const auto& c : cases) {
     const BaseUnits units = Units({"", "", ""});
-    AttachAccessories(units, AccessoriesOf({Accessory("a", "", c.baseUnit2)}));
+    AttachAccessories(units, AccessoriesOf({NewAccessory("a", "", c.baseUnit2)}));
     for (std::size_t k = 1; k <= 3; ++k) {
-      EXPECT_EQ(units.At(k)->Accessories.Count(), k == c.unit ? 1u : 0u)
+      EXPECT_EQ(units.At(k)->accessories.Count(), k == c.unit ? 1u : 0u)
           << c.baseUnit2 << " in unit " << k << ": " << c.reason;
     }
   }
@@ -275,50 +274,50 @@ TEST(AttachAccessories, TheNumberStandsBehindFourCharacters) {
 
 TEST(AttachAccessories, AFirstUnitMarkedBU2GetsEveryAccessoryBesidesItsOwnUnit) {
   const BaseUnits units = Units({"BU2", ""});
-  AttachAccessories(units, AccessoriesOf({Accessory("two", "", "ABCD2"), Accessory("one"),
-                                          Accessory("none", "", "ABCD"), Accessory("nine", "", "ABCD9")}));
-  EXPECT_THAT(PartNumbers(units.At(1)->Accessories), ElementsAre("two", "one", "none", "nine"));
-  EXPECT_THAT(PartNumbers(units.At(2)->Accessories), ElementsAre("two"));
-  EXPECT_EQ(units.At(1)->Accessories.At(1), units.At(2)->Accessories.At(1)) << "one object in both";
+  AttachAccessories(units, AccessoriesOf({NewAccessory("two", "", "ABCD2"), NewAccessory("one"),
+                                          NewAccessory("none", "", "ABCD"), NewAccessory("nine", "", "ABCD9")}));
+  EXPECT_THAT(PartNumbers(units.At(1)->accessories), ElementsAre("two", "one", "none", "nine"));
+  EXPECT_THAT(PartNumbers(units.At(2)->accessories), ElementsAre("two"));
+  EXPECT_EQ(units.At(1)->accessories.At(1), units.At(2)->accessories.At(1)) << "one object in both";
 }
 
 TEST(AttachAccessories, OnlyTheFirstUnitsMarkCountsAndOnlyInThisLetterCase) {
   const BaseUnits second = Units({"", "BU2"});
-  AttachAccessories(second, AccessoriesOf({Accessory("one"), Accessory("nine", "", "ABCD9")}));
-  EXPECT_THAT(PartNumbers(second.At(1)->Accessories), ElementsAre("one"));
-  EXPECT_THAT(PartNumbers(second.At(2)->Accessories), IsEmpty());
+  AttachAccessories(second, AccessoriesOf({NewAccessory("one"), NewAccessory("nine", "", "ABCD9")}));
+  EXPECT_THAT(PartNumbers(second.At(1)->accessories), ElementsAre("one"));
+  EXPECT_THAT(PartNumbers(second.At(2)->accessories), IsEmpty());
   const BaseUnits lower = Units({"bu2"});
-  AttachAccessories(lower, AccessoriesOf({Accessory("nine", "", "ABCD9")}));
-  EXPECT_THAT(PartNumbers(lower.At(1)->Accessories), IsEmpty());
+  AttachAccessories(lower, AccessoriesOf({NewAccessory("nine", "", "ABCD9")}));
+  EXPECT_THAT(PartNumbers(lower.At(1)->accessories), IsEmpty());
 }
 
 TEST(AttachAccessories, AFirstUnitMarkedBU1GetsNoUnnumberedAccessory) {
   const BaseUnits units = Units({"BU1"});
-  AttachAccessories(units, AccessoriesOf({Accessory("none", "", "ABCD")}));
-  EXPECT_THAT(PartNumbers(units.At(1)->Accessories), IsEmpty());
+  AttachAccessories(units, AccessoriesOf({NewAccessory("none", "", "ABCD")}));
+  EXPECT_THAT(PartNumbers(units.At(1)->accessories), IsEmpty());
 }
 
 TEST(AttachAccessories, ReplacesWhatWasAttachedBefore) {
   const BaseUnits units = Units({"", ""});
-  AttachAccessories(units, AccessoriesOf({Accessory("old"), Accessory("old2", "", "ABCD2")}));
-  AttachAccessories(units, AccessoriesOf({Accessory("new")}));
-  EXPECT_THAT(PartNumbers(units.At(1)->Accessories), ElementsAre("new"));
-  EXPECT_THAT(PartNumbers(units.At(2)->Accessories), IsEmpty());
+  AttachAccessories(units, AccessoriesOf({NewAccessory("old"), NewAccessory("old2", "", "ABCD2")}));
+  AttachAccessories(units, AccessoriesOf({NewAccessory("new")}));
+  EXPECT_THAT(PartNumbers(units.At(1)->accessories), ElementsAre("new"));
+  EXPECT_THAT(PartNumbers(units.At(2)->accessories), IsEmpty());
 }
 
 TEST(AttachAccessories, ABaseUnit2OfOneToThreeCharactersIsAnInvalidCallThatShowsIt) {
   for (const char* tooShort : {"A", "AB", "ABC", "1", "\xC3\x84\xC3\x96\xC3\x9C"}) {
     const BaseUnits units = Units({""});
-    const Accessories accessories = AccessoriesOf({Accessory("fine"), Accessory("a", "", tooShort)});
+    const Accessories accessories = AccessoriesOf({NewAccessory("fine"), NewAccessory("a", "", tooShort)});
     EXPECT_EQ(RaisedBy([&] { AttachAccessories(units, accessories); }), RuntimeError::InvalidCall) << tooShort;
     EXPECT_THAT(DescriptionOfErrorIn([&] { AttachAccessories(units, accessories); }), testing::HasSubstr(tooShort));
-    EXPECT_EQ(units.At(1)->Accessories.Count(), 0u) << "nothing is attached halfway";
+    EXPECT_EQ(units.At(1)->accessories.Count(), 0u) << "nothing is attached halfway";
   }
 }
 
 TEST(AttachAccessories, WithoutBaseUnitsABaseUnit2IsNotLookedAt) {
-  AttachAccessories(BaseUnits(), AccessoriesOf({Accessory("a", "", "AB")}));
-  AttachWarranties(BaseUnits(), WarrantiesOf({Warranty("w", "AB")}));
+  AttachAccessories(BaseUnits(), AccessoriesOf({NewAccessory("a", "", "AB")}));
+  AttachWarranties(BaseUnits(), WarrantiesOf({NewWarranty("w", "AB")}));
 }
 
 TEST(AttachAccessories, ManyAccessoriesOfManyBaseUnitsAreDealtOutInOneGo) {
@@ -327,51 +326,53 @@ TEST(AttachAccessories, ManyAccessoriesOfManyBaseUnitsAreDealtOutInOneGo) {
   BaseUnits units;
   Accessories accessories;
   for (int i = 1; i <= kMany; ++i) {
-    units.Append(std::make_shared<BaseUnitCls>());
-    accessories.Append(Accessory("a", "", "ABCD" + std::to_string(i)));
+    units.Append(std::make_shared<BaseUnit>());
+    accessories.Append(NewAccessory("a", "", "ABCD" + std::to_string(i)));
   }
   AttachAccessories(units, accessories);
   for (std::size_t k = 1; k <= kMany; ++k) {
-    ASSERT_EQ(units.At(k)->Accessories.Count(), 1u);
-    ASSERT_EQ(units.At(k)->Accessories.At(1), accessories.At(k));
+    ASSERT_EQ(units.At(k)->accessories.Count(), 1u);
+    ASSERT_EQ(units.At(k)->accessories.At(1), accessories.At(k));
   }
 }
 
 TEST(AttachWarranties, AWarrantyGoesToTheUnitOfItsNumber) {
   const BaseUnits units = Units({"", ""});
-  AttachWarranties(units, WarrantiesOf({Warranty("w2", "ABCD2"), Warranty("w1", ""), Warranty("w1 too", "ABCD1")}));
-  EXPECT_THAT(Names(units.At(1)->Warranties), ElementsAre("w1", "w1 too"));
-  EXPECT_THAT(Names(units.At(2)->Warranties), ElementsAre("w2"));
+  AttachWarranties(units,
+                   WarrantiesOf({NewWarranty("w2", "ABCD2"), NewWarranty("w1", ""), NewWarranty("w1 too", "ABCD1")}));
+  EXPECT_THAT(Names(units.At(1)->warranties), ElementsAre("w1", "w1 too"));
+  EXPECT_THAT(Names(units.At(2)->warranties), ElementsAre("w2"));
 }
 
 TEST(AttachWarranties, AnUnnumberedOneGoesToAFirstUnitMarkedBU1OrBU2Only) {
   for (const char* unnumbered : {"ABCD", "ABCDx", "ABCD0", "ABCD0.5"}) {
     for (const char* baseUnit1 : {"", "BU1", "BU2", "bu1", "BU3", "XX1"}) {
       const BaseUnits units = Units({baseUnit1, "BU1"});
-      AttachWarranties(units, WarrantiesOf({Warranty("w", unnumbered)}));
+      AttachWarranties(units, WarrantiesOf({NewWarranty("w", unnumbered)}));
       const bool taken = std::string(baseUnit1) == "BU1" || std::string(baseUnit1) == "BU2";
-      EXPECT_EQ(units.At(1)->Warranties.Count(), taken ? 1u : 0u) << baseUnit1 << ' ' << unnumbered;
-      EXPECT_EQ(units.At(2)->Warranties.Count(), 0u);
+      EXPECT_EQ(units.At(1)->warranties.Count(), taken ? 1u : 0u) << baseUnit1 << ' ' << unnumbered;
+      EXPECT_EQ(units.At(2)->warranties.Count(), 0u);
     }
   }
 }
 
 TEST(AttachWarranties, AFirstUnitMarkedBU1DoesNotGetThoseOfOtherUnits) {
   const BaseUnits units = Units({"BU1", ""});
-  AttachWarranties(units, WarrantiesOf({Warranty("w2", "ABCD2"), Warranty("w9", "ABCD9"), Warranty("wm", "ABCD-1")}));
-  EXPECT_THAT(Names(units.At(1)->Warranties), IsEmpty());
-  EXPECT_THAT(Names(units.At(2)->Warranties), ElementsAre("w2"));
+  AttachWarranties(units,
+                   WarrantiesOf({NewWarranty("w2", "ABCD2"), NewWarranty("w9", "ABCD9"), NewWarranty("wm", "ABCD-1")}));
+  EXPECT_THAT(Names(units.At(1)->warranties), IsEmpty());
+  EXPECT_THAT(Names(units.At(2)->warranties), ElementsAre("w2"));
 }
 
 TEST(AttachWarranties, AFirstUnitMarkedBU2GetsEveryWarranty) {
   const BaseUnits units = Units({"BU2", ""});
-  AttachWarranties(units, WarrantiesOf({Warranty("w2", "ABCD2"), Warranty("w1", ""), Warranty("w0", "ABCD")}));
-  EXPECT_THAT(Names(units.At(1)->Warranties), ElementsAre("w2", "w1", "w0"));
-  EXPECT_THAT(Names(units.At(2)->Warranties), ElementsAre("w2"));
+  AttachWarranties(units, WarrantiesOf({NewWarranty("w2", "ABCD2"), NewWarranty("w1", ""), NewWarranty("w0", "ABCD")}));
+  EXPECT_THAT(Names(units.At(1)->warranties), ElementsAre("w2", "w1", "w0"));
+  EXPECT_THAT(Names(units.At(2)->warranties), ElementsAre("w2"));
 }
 
 TEST(AttachWarranties, ABaseUnit2OfOneToThreeCharactersIsAnInvalidCall) {
-  EXPECT_EQ(RaisedBy([] { AttachWarranties(Units({""}), WarrantiesOf({Warranty("w", "ABC")})); }),
+  EXPECT_EQ(RaisedBy([] { AttachWarranties(Units({""}), WarrantiesOf({NewWarranty("w", "ABC")})); }),
             RuntimeError::InvalidCall);
 }
 

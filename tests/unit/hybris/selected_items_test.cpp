@@ -23,26 +23,23 @@ TEST_F(SelectedItems, ATagHasItsFourTexts) {
   export_.Select("[PartNumber1]\r\nPartNumber=38AU\r\nPDSG=38A47\r\nMarkFor=RTU-1\r\nFileName=C:\\T\\1.blb\r\n");
   const Tags tags = ReadTags();
   ASSERT_EQ(tags.Count(), 1u);
-  EXPECT_EQ(tags.At(1)->PartNumber, "38AU");
-  EXPECT_EQ(tags.At(1)->PDSG, "38A47");
-  EXPECT_EQ(tags.At(1)->MarkFor, "RTU-1");
-  EXPECT_EQ(tags.At(1)->BlobFileName, "C:\\T\\1.blb");
-  EXPECT_EQ(tags.At(1)->BuildVersion, "");
-  EXPECT_EQ(tags.At(1)->LegacyTagId, "");
-  EXPECT_EQ(tags.At(1)->TagVersion, "");
+  EXPECT_EQ(tags.At(1)->partNumber, "38AU");
+  EXPECT_EQ(tags.At(1)->pdsg, "38A47");
+  EXPECT_EQ(tags.At(1)->markFor, "RTU-1");
+  EXPECT_EQ(tags.At(1)->blobFileName, "C:\\T\\1.blb");
 }
 
 TEST_F(SelectedItems, ATagNeedsOnlyItsPartNumber) {
   export_.Select("[PartNumber1]\r\nPartNumber=38AU\r\n");
   ASSERT_EQ(ReadTags().Count(), 1u);
-  EXPECT_EQ(ReadTags().At(1)->PDSG, "");
+  EXPECT_EQ(ReadTags().At(1)->pdsg, "");
 }
 
 TEST_F(SelectedItems, TagsBehindAGapAreNeverRead) {
   export_.Select("[PartNumber1]\r\nPartNumber=A\r\n[PartNumber2]\r\nPartNumber=B\r\n[PartNumber4]\r\nPartNumber=D\r\n");
   const Tags tags = ReadTags();
   ASSERT_EQ(tags.Count(), 2u);
-  EXPECT_EQ(tags.At(2)->PartNumber, "B");
+  EXPECT_EQ(tags.At(2)->partNumber, "B");
 }
 
 TEST_F(SelectedItems, AnEmptyFirstPartNumberMeansNoTags) {
@@ -64,8 +61,8 @@ TEST_F(SelectedItems, TheTenthTagIsReadFromItsOwnSection) {
   export_.Select(text);
   const Tags tags = ReadTags();
   ASSERT_EQ(tags.Count(), 11u);
-  EXPECT_EQ(tags.At(10)->PartNumber, "P10");
-  EXPECT_EQ(tags.At(11)->PartNumber, "P11");
+  EXPECT_EQ(tags.At(10)->partNumber, "P10");
+  EXPECT_EQ(tags.At(11)->partNumber, "P11");
 }
 
 TEST_F(SelectedItems, EtoLinesAreJoinedWithCrLfBetweenTwo) {
@@ -88,44 +85,44 @@ TEST_F(SelectedItems, AnAccessoryTakesEveryPropertyFromItsKey) {
       "BaseUnit1:1=BU2\r\nBaseUnit2:1=ABCD2\r\nFileName:1=x.blb\r\npreorderreq:1=Y\r\n");
   const Accessories accessories = AccessoriesOf(1);
   ASSERT_EQ(accessories.Count(), 1u);
-  const AccessoryCls& accessory = *accessories.At(1);
-  EXPECT_EQ(accessory.PartNumber, "AC1");
-  EXPECT_EQ(accessory.Description, "desc");
-  EXPECT_EQ(accessory.MasterPrice, "10.5");
-  EXPECT_EQ(accessory.Quantity, "2");
-  EXPECT_EQ(accessory.TypeOfSale, "21");
-  EXPECT_EQ(accessory.MarkFor, "m1");
-  EXPECT_EQ(accessory.MarkFor2, "m2");
-  EXPECT_EQ(accessory.MarkFor3, "m3");
-  EXPECT_EQ(accessory.MarkFor4, "m4");
-  EXPECT_EQ(accessory.Supplier, "QZN");
-  EXPECT_EQ(accessory.Attribute1, "a1");
-  EXPECT_EQ(accessory.Attribute2, "a2");
-  EXPECT_EQ(accessory.Attribute3, "a3");
-  EXPECT_EQ(accessory.Attribute4, "a4");
-  EXPECT_EQ(accessory.Attribute5, "a5");
-  EXPECT_EQ(accessory.BaseUnit1, "BU2");
-  EXPECT_EQ(accessory.BaseUnit2, "ABCD2");
-  EXPECT_EQ(accessory.FileName, "x.blb");
-  EXPECT_EQ(accessory.preorderreq.Text(), "1");
+  const Accessory& accessory = *accessories.At(1);
+  EXPECT_EQ(accessory.partNumber, "AC1");
+  EXPECT_EQ(accessory.description, "desc");
+  EXPECT_EQ(accessory.masterPrice, "10.5");
+  EXPECT_EQ(accessory.quantity, "2");
+  EXPECT_EQ(accessory.typeOfSale, "21");
+  EXPECT_EQ(accessory.markFor[0], "m1");
+  EXPECT_EQ(accessory.markFor[1], "m2");
+  EXPECT_EQ(accessory.markFor[2], "m3");
+  EXPECT_EQ(accessory.markFor[3], "m4");
+  EXPECT_EQ(accessory.supplier, "QZN");
+  EXPECT_EQ(accessory.attributes[0], "a1");
+  EXPECT_EQ(accessory.attributes[1], "a2");
+  EXPECT_EQ(accessory.attributes[2], "a3");
+  EXPECT_EQ(accessory.attributes[3], "a4");
+  EXPECT_EQ(accessory.attributes[4], "a5");
+  EXPECT_EQ(accessory.baseUnit1, "BU2");
+  EXPECT_EQ(accessory.baseUnit2, "ABCD2");
+  EXPECT_EQ(accessory.fileName, "x.blb");
+  EXPECT_EQ(accessory.preOrder.Text(), "1");
 }
 
 TEST_F(SelectedItems, AccessoriesStandAtOneToTheCount) {
   export_.Select("[Accessory1]\r\nPartNumber:1=A\r\nPartNumber:2=B\r\nPartNumber:4=never read\r\n");
   const Accessories accessories = AccessoriesOf(1);
   ASSERT_EQ(accessories.Count(), 2u);
-  EXPECT_EQ(accessories.At(1)->PartNumber, "A");
-  EXPECT_EQ(accessories.At(2)->PartNumber, "B");
+  EXPECT_EQ(accessories.At(1)->partNumber, "A");
+  EXPECT_EQ(accessories.At(2)->partNumber, "B");
 }
 
 TEST_F(SelectedItems, AnAccessoryWithoutSupplierGetsTheBrandOfItsTypeOfSale) {
   export_.Select("[Accessory1]\r\nPartNumber:1=A\r\nSupplier:1=\r\nTypeOfSale:1=2X\r\n");
-  EXPECT_EQ(AccessoriesOf(1).At(1)->Supplier, "Tessel");
+  EXPECT_EQ(AccessoriesOf(1).At(1)->supplier, "Tessel");
 }
 
 TEST_F(SelectedItems, AnAccessorysPreOrderKeyHasAColon) {
   export_.Select("[Accessory1]\r\nPartNumber:1=A\r\npreorderreq1=Y\r\n");
-  EXPECT_EQ(AccessoriesOf(1).At(1)->preorderreq.Text(), "");
+  EXPECT_EQ(AccessoriesOf(1).At(1)->preOrder.Text(), "");
 }
 
 TEST_F(SelectedItems, AWarrantyTakesEveryPropertyFromItsKey) {
@@ -134,16 +131,16 @@ TEST_F(SelectedItems, AWarrantyTakesEveryPropertyFromItsKey) {
       "BaseUnit1:1=BU1\r\nBaseUnit2:1=ABCD\r\npreorderreq:1=Y\r\nName:2=W2\r\npreorderreq:2=n\r\n");
   const Warranties warranties = WarrantiesOf(2);
   ASSERT_EQ(warranties.Count(), 2u);
-  const WarrantyCls& warranty = *warranties.At(1);
-  EXPECT_EQ(warranty.Name, "W1");
-  EXPECT_EQ(warranty.Quantity, "3");
-  EXPECT_EQ(warranty.Description, "five years");
-  EXPECT_EQ(warranty.MasterPrice, "99");
-  EXPECT_EQ(warranty.MarkFor, "m");
-  EXPECT_EQ(warranty.BaseUnit1, "BU1");
-  EXPECT_EQ(warranty.BaseUnit2, "ABCD");
-  EXPECT_EQ(warranty.preorderreq.Text(), "1");
-  EXPECT_EQ(warranties.At(2)->preorderreq.Text(), "n");
+  const Warranty& warranty = *warranties.At(1);
+  EXPECT_EQ(warranty.name, "W1");
+  EXPECT_EQ(warranty.quantity, "3");
+  EXPECT_EQ(warranty.description, "five years");
+  EXPECT_EQ(warranty.masterPrice, "99");
+  EXPECT_EQ(warranty.markFor, "m");
+  EXPECT_EQ(warranty.baseUnit1, "BU1");
+  EXPECT_EQ(warranty.baseUnit2, "ABCD");
+  EXPECT_EQ(warranty.preOrder.Text(), "1");
+  EXPECT_EQ(warranties.At(2)->preOrder.Text(), "n");
 }
 
 TEST_F(SelectedItems, AMissingSectionGivesAListWithUpperBoundZero) {

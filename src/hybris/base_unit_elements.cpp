@@ -4,9 +4,7 @@
 #include <limits>
 
 #include "formats/text/text.h"
-#include "hybris/hybris_document.h"
 #include "hybris/leading_number.h"
-#include "hybris/selection_section.h"
 #include "seams/automation_error.h"
 
 namespace parvex {
@@ -55,71 +53,63 @@ void SetComponentAttributes(const ComponentElement& component, std::string_view 
 
 }  // namespace
 
-void AppendBaseUnits(const Platform& platform, const xml::Document& document, std::int32_t tagIndex,
-                     std::string_view qbOutputFile, const xml::Node& baseUnitsElement, const BaseUnits& baseUnits,
-                     std::string_view familyCode) {
+void AppendBaseUnits(const SelectedTag& tag, const xml::Node& baseUnitsElement, const BaseUnits& baseUnits) {
   Counter16 sequence("base units");
   for (const auto& unit : baseUnits) {
     sequence.Advance();
-    const BaseUnitElement element = NewBaseUnitElement(document, baseUnitsElement);
-    AddDescription(document, element.extendedDescriptions, unit->description);
+    const BaseUnitElement element = NewBaseUnitElement(baseUnitsElement);
+    xml::AppendElement(element.extendedDescriptions, "DESCRIPTION", unit->description);
     if (sequence.Value() == 1) {
-      AddExtendedDescriptions(platform, document, tagIndex, qbOutputFile, element.extendedDescriptions);
+      AddExtendedDescriptions(tag, element.extendedDescriptions);
     }
-    FillBaseUnit(element, *unit, sequence.Value(), familyCode);
+    FillBaseUnit(element, *unit, sequence.Value(), tag.FamilyCode());
 
     Counter16 components("components of one base unit");
-    AppendAccessoryComponents(document, unit->accessories, element.components, components);
-    AppendWarrantyComponents(document, element.components, unit->warranties, components);
-    AppendBlanketComponents(platform, document, tagIndex, qbOutputFile, element.components, components);
-    SetSapXml(document, element.sapXml, unit->sapXml);
+    AppendAccessoryComponents(element.components, unit->accessories, components);
+    AppendWarrantyComponents(element.components, unit->warranties, components);
+    AppendBlanketComponents(tag, element.components, components);
+    SetSapXml(element.sapXml, unit->sapXml);
   }
 }
 
-BaseUnitElement NewBaseUnitElement(const xml::Document& document, const xml::Node& baseUnitsElement) {
+BaseUnitElement NewBaseUnitElement(const xml::Node& baseUnitsElement) {
   BaseUnitElement unit;
-  unit.element = AppendElement(document, baseUnitsElement, "BASEUNIT");
-  unit.extendedDescriptions = AppendElement(document, unit.element, "EXTENDED_DESCRIPTIONS");
-  const xml::Node attributes = AppendElement(document, unit.element, "ATTRIBUTES_LIST");
-  AppendElement(document, attributes, "DELIVERYGROUP");
-  unit.supplier = AppendElement(document, attributes, "SUPPLIER");
-  unit.typeOfSale = AppendElement(document, attributes, "TYPEOFSALE");
-  unit.ton = AppendElement(document, attributes, "TON");
-  unit.cfm = AppendElement(document, attributes, "CFM");
+  unit.element = xml::AppendElement(baseUnitsElement, "BASEUNIT");
+  unit.extendedDescriptions = xml::AppendElement(unit.element, "EXTENDED_DESCRIPTIONS");
+  const xml::Node attributes = xml::AppendElement(unit.element, "ATTRIBUTES_LIST");
+  xml::AppendElement(attributes, "DELIVERYGROUP");
+  unit.supplier = xml::AppendElement(attributes, "SUPPLIER");
+  unit.typeOfSale = xml::AppendElement(attributes, "TYPEOFSALE");
+  unit.ton = xml::AppendElement(attributes, "TON");
+  unit.cfm = xml::AppendElement(attributes, "CFM");
   for (std::size_t i = 0; i < unit.attributes.size(); ++i) {
-    unit.attributes[i] = AppendElement(document, attributes, "ATTRIBUTE" + std::to_string(i + 1));
+    unit.attributes[i] = xml::AppendElement(attributes, "ATTRIBUTE" + std::to_string(i + 1));
   }
-  unit.preOrderReq = AppendElement(document, attributes, "PREORDERREQ");
-  unit.eto = AppendElement(document, attributes, "ETO");
-  unit.components = AppendElement(document, unit.element, "COMPONENTS");
-  unit.sapXml = AppendElement(document, unit.element, "SAP_XML");
+  unit.preOrderReq = xml::AppendElement(attributes, "PREORDERREQ");
+  unit.eto = xml::AppendElement(attributes, "ETO");
+  unit.components = xml::AppendElement(unit.element, "COMPONENTS");
+  unit.sapXml = xml::AppendElement(unit.element, "SAP_XML");
   return unit;
 }
 
-ComponentElement NewComponentElement(const xml::Document& document, const xml::Node& componentsElement,
-                                     Counter16& sequenceCounter) {
+ComponentElement NewComponentElement(const xml::Node& componentsElement, Counter16& sequenceCounter) {
   const std::string sequence = std::to_string(sequenceCounter.Advance());
   ComponentElement component;
-  component.element = AppendElement(document, componentsElement, "COMPONENT");
+  component.element = xml::AppendElement(componentsElement, "COMPONENT");
   component.element.SetAttribute("SEQUENCE", sequence);
-  component.description = AppendElement(document, component.element, "DESCRIPTION");
-  const xml::Node attributes = AppendElement(document, component.element, "ATTRIBUTES_LIST");
-  AppendElement(document, attributes, "DELIVERYGROUP");
-  component.supplier = AppendElement(document, attributes, "SUPPLIER");
-  component.typeOfSale = AppendElement(document, attributes, "TYPEOFSALE");
-  component.preOrderReq = AppendElement(document, attributes, "PREORDERREQ");
+  component.description = xml::AppendElement(component.element, "DESCRIPTION");
+  const xml::Node attributes = xml::AppendElement(component.element, "ATTRIBUTES_LIST");
+  xml::AppendElement(attributes, "DELIVERYGROUP");
+  component.supplier = xml::AppendElement(attributes, "SUPPLIER");
+  component.typeOfSale = xml::AppendElement(attributes, "TYPEOFSALE");
+  component.preOrderReq = xml::AppendElement(attributes, "PREORDERREQ");
   return component;
 }
 
-void AddDescription(const xml::Document& document, const xml::Node& parentElement, std::string_view text) {
-  AppendElement(document, parentElement, "DESCRIPTION").SetText(text);
-}
-
-void AddExtendedDescriptions(const Platform& platform, const xml::Document& document, std::int32_t tagIndex,
-                             std::string_view qbOutputFile, const xml::Node& extendedDescriptionsElement) {
-  SelectionSection section(platform, qbOutputFile, "Extended Description", tagIndex);
+void AddExtendedDescriptions(const SelectedTag& tag, const xml::Node& extendedDescriptionsElement) {
+  SelectionSection section = tag.Section("Extended Description");
   section.ForEach("Description:", "extended description lines", [&](std::int16_t, const std::string& line) {
-    AddDescription(document, extendedDescriptionsElement, line);
+    xml::AppendElement(extendedDescriptionsElement, "DESCRIPTION", line);
   });
 }
 
@@ -136,10 +126,10 @@ std::string_view AttributeTypeFor(std::string_view familyCode, int slot, std::st
   return familyCode == "FCB" && !value.empty() && slot == 1 ? "REPORTINFO" : "";
 }
 
-void AppendAccessoryComponents(const xml::Document& document, const Accessories& accessories,
-                               const xml::Node& componentsElement, Counter16& sequenceCounter) {
+void AppendAccessoryComponents(const xml::Node& componentsElement, const Accessories& accessories,
+                               Counter16& sequenceCounter) {
   for (const auto& accessory : accessories) {
-    const ComponentElement component = NewComponentElement(document, componentsElement, sequenceCounter);
+    const ComponentElement component = NewComponentElement(componentsElement, sequenceCounter);
     SetComponentAttributes(component, "ACCESSORY", accessory->partNumber, accessory->quantity, accessory->masterPrice);
     component.description.SetText(accessory->description);
     component.supplier.SetText(accessory->supplier);
@@ -148,10 +138,10 @@ void AppendAccessoryComponents(const xml::Document& document, const Accessories&
   }
 }
 
-void AppendWarrantyComponents(const xml::Document& document, const xml::Node& componentsElement,
-                              const Warranties& warranties, Counter16& sequenceCounter) {
+void AppendWarrantyComponents(const xml::Node& componentsElement, const Warranties& warranties,
+                              Counter16& sequenceCounter) {
   for (const auto& warranty : warranties) {
-    const ComponentElement component = NewComponentElement(document, componentsElement, sequenceCounter);
+    const ComponentElement component = NewComponentElement(componentsElement, sequenceCounter);
     SetComponentAttributes(component, "WARRANTY", warranty->name, warranty->quantity, warranty->masterPrice);
     component.description.SetText(warranty->description);
     component.supplier.SetText(kWarrantySupplier);
@@ -159,12 +149,10 @@ void AppendWarrantyComponents(const xml::Document& document, const xml::Node& co
   }
 }
 
-void AppendBlanketComponents(const Platform& platform, const xml::Document& document, std::int32_t tagIndex,
-                             std::string_view qbOutputFile, const xml::Node& componentsElement,
-                             Counter16& sequenceCounter) {
-  SelectionSection section(platform, qbOutputFile, "BlanketQuoteControl", tagIndex);
+void AppendBlanketComponents(const SelectedTag& tag, const xml::Node& componentsElement, Counter16& sequenceCounter) {
+  SelectionSection section = tag.Section("BlanketQuoteControl");
   section.ForEach("PartNumber:", "blanket items", [&](std::int16_t number, const std::string& partNumber) {
-    const ComponentElement component = NewComponentElement(document, componentsElement, sequenceCounter);
+    const ComponentElement component = NewComponentElement(componentsElement, sequenceCounter);
     const std::string quantity = section.Numbered("Quantity:", number);
     const std::string price = section.Numbered("MasterPrice:", number);
     SetComponentAttributes(component, "BLANKETETO", partNumber, quantity, price);
@@ -176,9 +164,9 @@ void AppendBlanketComponents(const Platform& platform, const xml::Document& docu
   });
 }
 
-void SetSapXml(const xml::Document& document, const xml::Node& sapXmlElement, std::string_view sapXmlText) {
+void SetSapXml(const xml::Node& sapXmlElement, std::string_view sapXmlText) {
   if (!sapXmlText.empty()) {
-    sapXmlElement.Append(document.CreateCData(sapXmlText));
+    sapXmlElement.Append(sapXmlElement.Owner().CreateCData(sapXmlText));
   }
 }
 

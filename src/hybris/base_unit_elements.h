@@ -1,13 +1,12 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "hybris/counter16.h"
+#include "hybris/selected_tag.h"
 #include "hybris/unit_model.h"
-#include "seams/platform.h"
 #include "seams/xml.h"
 
 namespace parvex {
@@ -16,9 +15,8 @@ namespace parvex {
 //
 //   BASEUNIT             PARTNUMBER, ID, QUANTITY, PRICE, SEQUENCE
 //     EXTENDED_DESCRIPTIONS    DESCRIPTION, any number
-//     ATTRIBUTES_LIST          DELIVERYGROUP (nobody fills it), SUPPLIER, TYPEOFSALE, TON, CFM, ATTRIBUTE1 to
-//     ATTRIBUTE5
-//                              (ATTRIBUTE1 may carry TYPE), PREORDERREQ, ETO with ETODESCRIPTION
+//     ATTRIBUTES_LIST          DELIVERYGROUP (nobody fills it), SUPPLIER, TYPEOFSALE, TON, CFM, ATTRIBUTE1
+//                              (which may carry TYPE) to ATTRIBUTE5, PREORDERREQ, ETO with ETODESCRIPTION
 //     COMPONENTS
 //       COMPONENT              SEQUENCE, TYPE, PARTNUMBER, QUANTITY, PRICE
 //         DESCRIPTION
@@ -53,24 +51,18 @@ struct ComponentElement {
   xml::Node preOrderReq;
 };
 
-/// Writes one BASEUNIT for each base unit of the tag number `tagIndex`. `familyCode` is the tag's brand code. Every
-/// base unit gets the tag's blanket items, but only the first one the tag's extended description; both are deliberate.
-void AppendBaseUnits(const Platform& platform, const xml::Document& document, std::int32_t tagIndex,
-                     std::string_view qbOutputFile, const xml::Node& baseUnitsElement, const BaseUnits& baseUnits,
-                     std::string_view familyCode);
+/// Writes one BASEUNIT for each base unit of the tag. Every base unit gets the tag's blanket items, but only the first
+/// one the tag's extended description; both are deliberate.
+void AppendBaseUnits(const SelectedTag& tag, const xml::Node& baseUnitsElement, const BaseUnits& baseUnits);
 
 /// Appends a BASEUNIT with its empty children.
-BaseUnitElement NewBaseUnitElement(const xml::Document& document, const xml::Node& baseUnitsElement);
+BaseUnitElement NewBaseUnitElement(const xml::Node& baseUnitsElement);
 
 /// Appends a COMPONENT with its empty children and the next number as its SEQUENCE.
-ComponentElement NewComponentElement(const xml::Document& document, const xml::Node& componentsElement,
-                                     Counter16& sequenceCounter);
-
-void AddDescription(const xml::Document& document, const xml::Node& parentElement, std::string_view text);
+ComponentElement NewComponentElement(const xml::Node& componentsElement, Counter16& sequenceCounter);
 
 /// Appends a DESCRIPTION for each line of the tag's extended description.
-void AddExtendedDescriptions(const Platform& platform, const xml::Document& document, std::int32_t tagIndex,
-                             std::string_view qbOutputFile, const xml::Node& extendedDescriptionsElement);
+void AddExtendedDescriptions(const SelectedTag& tag, const xml::Node& extendedDescriptionsElement);
 
 /// Fills ATTRIBUTE`slot` (1 to 5), with a TYPE where AttributeTypeFor names one.
 void SetAttributeSlot(const BaseUnitElement& baseUnit, std::string_view familyCode, int slot, std::string_view value);
@@ -78,19 +70,17 @@ void SetAttributeSlot(const BaseUnitElement& baseUnit, std::string_view familyCo
 /// "REPORTINFO" for a filled slot 1 of the family "FCB", empty for everything else.
 std::string_view AttributeTypeFor(std::string_view familyCode, int slot, std::string_view value);
 
-void AppendAccessoryComponents(const xml::Document& document, const Accessories& accessories,
-                               const xml::Node& componentsElement, Counter16& sequenceCounter);
+void AppendAccessoryComponents(const xml::Node& componentsElement, const Accessories& accessories,
+                               Counter16& sequenceCounter);
 
-void AppendWarrantyComponents(const xml::Document& document, const xml::Node& componentsElement,
-                              const Warranties& warranties, Counter16& sequenceCounter);
+void AppendWarrantyComponents(const xml::Node& componentsElement, const Warranties& warranties,
+                              Counter16& sequenceCounter);
 
 /// Appends the tag's blanket engineered-to-order items.
-void AppendBlanketComponents(const Platform& platform, const xml::Document& document, std::int32_t tagIndex,
-                             std::string_view qbOutputFile, const xml::Node& componentsElement,
-                             Counter16& sequenceCounter);
+void AppendBlanketComponents(const SelectedTag& tag, const xml::Node& componentsElement, Counter16& sequenceCounter);
 
 /// Sets the text in as one CDATA section, unchanged; nothing for an empty text.
-void SetSapXml(const xml::Document& document, const xml::Node& sapXmlElement, std::string_view sapXmlText);
+void SetSapXml(const xml::Node& sapXmlElement, std::string_view sapXmlText);
 
 /// The whole number nearest to the number that `value` begins with, halves upwards: "1234.5" gives "1235", "-2.5" gives
 /// "-2". Empty for an empty text; a number outside 32 bits is the overflow error (6).

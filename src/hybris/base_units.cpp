@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "formats/text/text.h"
-#include "hybris/hybris_document.h"
 #include "hybris/leading_number.h"
 #include "hybris/stored_tag_text.h"
 #include "seams/automation_error.h"
+#include "seams/xml.h"
 
 namespace parvex {
 namespace {
@@ -87,7 +87,7 @@ std::shared_ptr<BaseUnit> BaseUnitFromAccessory(const Platform& platform, const 
   unit->typeOfSale = accessory.typeOfSale;
   unit->sapXml = ReadStoredTagText(platform, accessory.fileName).text;
   if (!unit->sapXml.empty()) {
-    if (const xml::Node sapData = NewXPathDocument(unit->sapXml).First("descendant::SAPDATA")) {
+    if (const xml::Node sapData = xml::Document::Parse(unit->sapXml).First("descendant::SAPDATA")) {
       unit->sapXml = sapData.Xml();
     }
   }

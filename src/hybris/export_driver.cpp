@@ -1,16 +1,16 @@
 #include "hybris/export_driver.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
-#include "formats/text/text.h"
 #include "hybris/base_unit_elements.h"
 #include "hybris/base_units.h"
 #include "hybris/hybris_document.h"
 #include "hybris/quote_builder_exchange.h"
 #include "hybris/selected_items.h"
-#include "hybris/selection_section.h"
+#include "hybris/selected_tag.h"
 #include "hybris/tag_stored_data.h"
 #include "legacy_env/install_paths.h"
 #include "protocol/reply_envelope.h"
@@ -24,14 +24,11 @@ xml::Document AnswerRun(const Platform& platform, const QuoteBuilderRun& run, st
 
 xml::Document AnswerUnknownBinPath() { return MakeFailedReply("System Error: Unable to read BinPath"); }
 
-/// The family that a tag's PDSG begins with; "XXX", deliberately, for one too short to tell.
-std::string_view BrandCode(std::string_view pdsg) { return LengthInUnits(pdsg) >= 3 ? FirstUnits(pdsg, 3) : "XXX"; }
-
 /// A tag's first base unit, as the tag's section describes it.
-std::shared_ptr<BaseUnit> ReadFirstBaseUnit(const Platform& platform, std::string_view qbOutputFile,
-                                            std::int32_t tagIndex) {
-  SelectionSection section(platform, qbOutputFile, "PartNumber", tagIndex);
+std::shared_ptr<BaseUnit> ReadFirstBaseUnit(const SelectedTag& tag) {
+  SelectionSection section = tag.Section("PartNumber");
   auto unit = std::make_shared<BaseUnit>();
+  unit->partNumber = tag.partNumber;
   unit->description = section.Text("Description");
   unit->quantity = std::to_string(section.Integer("Quantity", 1));
   unit->masterPrice = section.Text("MasterPrice");
@@ -49,28 +46,25 @@ std::shared_ptr<BaseUnit> ReadFirstBaseUnit(const Platform& platform, std::strin
   return unit;
 }
 
-void AppendTag(const Platform& platform, const xml::Document& document, std::string_view qbOutputFile,
-               const SelectedTag& tag, std::int32_t tagIndex, bool isLastTag) {
+void AppendTag(const xml::Document& document, const SelectedTag& tag, bool isLastTag) {
   const TagElement element = AppendTagElement(document);
   element.pdsg.SetText(tag.pdsg);
   element.markFor.SetText(tag.markFor);
-  const std::string_view brandCode = BrandCode(tag.pdsg);
-  const TagStoredData stored = ReadTagStoredData(platform, document, element, tag.blobFileName, brandCode, isLastTag);
+  const TagStoredData stored = ReadTagStoredData(tag, element, isLastTag);
   element.buildVersion.SetText(stored.buildVersion);
   element.legacyTagId.SetText(stored.legacyTagId);
 
-  const std::shared_ptr<BaseUnit> first = ReadFirstBaseUnit(platform, qbOutputFile, tagIndex);
-  first->partNumber = tag.partNumber;
-  first->etoDescription = BuildEtoDescription(platform, qbOutputFile, tagIndex);
+  const std::shared_ptr<BaseUnit> first = ReadFirstBaseUnit(tag);
+  first->etoDescription = BuildEtoDescription(tag);
   first->sapXml = stored.sapXml;
-  const Accessories accessories = ReadAccessories(platform, qbOutputFile, tagIndex);
-  const Warranties warranties = ReadWarranties(platform, qbOutputFile, tagIndex);
+  const Accessories accessories = ReadAccessories(tag);
+  const Warranties warranties = ReadWarranties(tag);
 
   // Building marks the accessories that have become base units, so the loose ones are known only afterwards.
-  const BaseUnits baseUnits = BuildBaseUnits(platform, first, accessories);
+  const BaseUnits baseUnits = BuildBaseUnits(tag.Machine(), first, accessories);
   AttachAccessories(baseUnits, SelectLooseAccessories(accessories));
   AttachWarranties(baseUnits, warranties);
-  AppendBaseUnits(platform, document, tagIndex, qbOutputFile, element.baseUnits, baseUnits, brandCode);
+  AppendBaseUnits(tag, element.baseUnits, baseUnits);
 }
 
 }  // namespace
@@ -99,10 +93,9 @@ xml::Document GetHybrisXMLNoUI(LegacyLink& link, const xml::Document& command) {
 xml::Document BuildHybrisTagDocument(const Platform& platform, std::string_view qbOutputFile,
                                      std::string_view projectName) {
   const xml::Document document = CreateHybrisDocument(projectName);
-  const Tags tags = ReadSelectedTags(platform, qbOutputFile);
-  const auto count = static_cast<std::int32_t>(tags.Count());
-  for (std::int32_t i = 1; i <= count; ++i) {
-    AppendTag(platform, document, qbOutputFile, *tags.At(static_cast<std::size_t>(i)), i, i == count);
+  const std::vector<SelectedTag> tags = ReadSelectedTags(platform, qbOutputFile);
+  for (const SelectedTag& tag : tags) {
+    AppendTag(document, tag, &tag == &tags.back());
   }
   return document;
 }

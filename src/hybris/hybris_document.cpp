@@ -9,7 +9,7 @@ xml::Document CreateHybrisDocument(std::string_view projectName) {
   std::string skeleton = "<PROJECT><ATTRIBUTES_LIST><JOB LEGACY_PROJECTNAME=\"";
   skeleton += projectName;
   skeleton += "\" /><CUSTOMER/><SALESPERSON/><BRAND/></ATTRIBUTES_LIST><TAGS></TAGS></PROJECT>";
-  return NewXPathDocument(skeleton);
+  return xml::Document::Parse(skeleton);
 }
 
 TagElement AppendTagElement(const xml::Document& document) {
@@ -18,19 +18,15 @@ TagElement AppendTagElement(const xml::Document& document) {
   Required(tags, kTags, "the Hybris document");
 
   TagElement tag;
-  tag.element = AppendElement(document, tags, "TAG");
-  const xml::Node attributes = AppendElement(document, tag.element, "ATTRIBUTES_LIST");
-  tag.buildVersion = AppendElement(document, attributes, "BUILDVERSION");
-  tag.markFor = AppendElement(document, attributes, "MARKFOR");
-  tag.pdsg = AppendElement(document, attributes, "PDSG");
-  tag.legacyTagId = AppendElement(document, attributes, "LEGACY_TAGID");
-  tag.blob = AppendElement(document, attributes, "BLOB");
-  tag.baseUnits = AppendElement(document, tag.element, "BASEUNITS");
+  tag.element = xml::AppendElement(tags, "TAG");
+  const xml::Node attributes = xml::AppendElement(tag.element, "ATTRIBUTES_LIST");
+  tag.buildVersion = xml::AppendElement(attributes, "BUILDVERSION");
+  tag.markFor = xml::AppendElement(attributes, "MARKFOR");
+  tag.pdsg = xml::AppendElement(attributes, "PDSG");
+  tag.legacyTagId = xml::AppendElement(attributes, "LEGACY_TAGID");
+  tag.blob = xml::AppendElement(attributes, "BLOB");
+  tag.baseUnits = xml::AppendElement(tag.element, "BASEUNITS");
   return tag;
-}
-
-xml::Node AppendElement(const xml::Document& document, const xml::Node& parent, std::string_view name) {
-  return parent.Append(document.CreateElement(name));
 }
 
 std::string MapBrand(std::string_view supplier, std::string_view typeOfSale) {
@@ -43,7 +39,5 @@ std::string MapBrand(std::string_view supplier, std::string_view typeOfSale) {
   if (sale == "9") return "QZN";
   return "Korvane";  // also what "1" stands for
 }
-
-xml::Document NewXPathDocument(std::string_view xmlText) { return xml::Document::Parse(xmlText); }
 
 }  // namespace parvex

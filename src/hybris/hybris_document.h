@@ -35,14 +35,8 @@ struct TagElement {
 /// unreadable project name leaves.
 TagElement AppendTagElement(const xml::Document& document);
 
-/// A new empty element as the last child of `parent`.
-xml::Node AppendElement(const xml::Document& document, const xml::Node& parent, std::string_view name);
-
 /// The brand of a line: the supplier when it names a brand (outer blanks and letter case do not matter), otherwise the
 /// one that the first character of the type of sale stands for, "Korvane" when it stands for none.
 std::string MapBrand(std::string_view supplier, std::string_view typeOfSale);
-
-/// A document to be queried by XPath; empty when the text does not parse.
-xml::Document NewXPathDocument(std::string_view xmlText);
 
 }  // namespace parvex

@@ -56,27 +56,26 @@ void ReadNumbered(SelectionSection& section, std::int32_t number, const std::arr
 
 }  // namespace
 
-Tags ReadSelectedTags(const Platform& platform, std::string_view qbOutputFile) {
-  Tags tags;
+std::vector<SelectedTag> ReadSelectedTags(const Platform& platform, std::string_view qbOutputFile) {
+  std::vector<SelectedTag> tags;
   Counter16 count("tags");
   for (;;) {
-    SelectionSection section(platform, qbOutputFile, "PartNumber", count.Value() + 1);
-    std::string partNumber = section.Text("PartNumber");
-    if (partNumber.empty()) {
+    SelectedTag tag(platform, qbOutputFile, count.Value() + 1);
+    SelectionSection section = tag.Section("PartNumber");
+    tag.partNumber = section.Text("PartNumber");
+    if (tag.partNumber.empty()) {
       return tags;
     }
     count.Advance();
-    auto tag = std::make_shared<SelectedTag>();
-    tag->partNumber = std::move(partNumber);
-    tag->pdsg = section.Text("PDSG");
-    tag->markFor = section.Text("MarkFor");
-    tag->blobFileName = section.Text("FileName");
-    tags.Append(std::move(tag));
+    tag.pdsg = section.Text("PDSG");
+    tag.markFor = section.Text("MarkFor");
+    tag.blobFileName = section.Text("FileName");
+    tags.push_back(std::move(tag));
   }
 }
 
-std::string BuildEtoDescription(const Platform& platform, std::string_view qbOutputFile, std::int32_t tagIndex) {
-  SelectionSection section(platform, qbOutputFile, "ETO Description", tagIndex);
+std::string BuildEtoDescription(const SelectedTag& tag) {
+  SelectionSection section = tag.Section("ETO Description");
   std::string description;
   section.ForEach("Description:", "ETO description lines", [&](std::int16_t number, const std::string& line) {
     description += number > 1 ? "\r\n" : "";
@@ -85,8 +84,8 @@ std::string BuildEtoDescription(const Platform& platform, std::string_view qbOut
   return description;
 }
 
-Accessories ReadAccessories(const Platform& platform, std::string_view qbOutputFile, std::int32_t tagIndex) {
-  SelectionSection section(platform, qbOutputFile, "Accessory", tagIndex);
+Accessories ReadAccessories(const SelectedTag& tag) {
+  SelectionSection section = tag.Section("Accessory");
   Accessories accessories;
   section.ForEach("PartNumber:", "accessories", [&](std::int16_t number, std::string partNumber) {
     auto accessory = ReadLineItem(section, number, kAccessoryKeys);
@@ -99,8 +98,8 @@ Accessories ReadAccessories(const Platform& platform, std::string_view qbOutputF
   return accessories;
 }
 
-Warranties ReadWarranties(const Platform& platform, std::string_view qbOutputFile, std::int32_t tagIndex) {
-  SelectionSection section(platform, qbOutputFile, "Warranty", tagIndex);
+Warranties ReadWarranties(const SelectedTag& tag) {
+  SelectionSection section = tag.Section("Warranty");
   Warranties warranties;
   section.ForEach("Name:", "warranties", [&](std::int16_t number, std::string name) {
     auto warranty = ReadLineItem(section, number, kWarrantyKeys);

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "hybris/selected_tag.h"
 #include "hybris/unit_model.h"
 #include "seams/platform.h"
 
@@ -13,25 +13,17 @@ namespace parvex {
 // What the quote builder lists in its output file; hybris/selection_section.h says how. A missing file or section is an
 // empty list, and the 32768th item of a list the overflow error (6).
 
-/// A tag as its section describes it.
-struct SelectedTag {
-  std::string partNumber;
-  std::string pdsg;
-  std::string markFor;
-  std::string blobFileName;
-};
-using Tags = OneBasedList<std::shared_ptr<SelectedTag>>;
-
-/// The tags: part number, PDSG, mark-for and the name of the file with the tag's stored data.
-Tags ReadSelectedTags(const Platform& platform, std::string_view qbOutputFile);
+/// The tags in their order: part number, PDSG, mark-for and the name of the file with the tag's stored data. Platform
+/// and path must outlive them.
+std::vector<SelectedTag> ReadSelectedTags(const Platform& platform, std::string_view qbOutputFile);
 
 /// The lines of a tag's engineered-to-order description, with CR LF between two of them.
-std::string BuildEtoDescription(const Platform& platform, std::string_view qbOutputFile, std::int32_t tagIndex);
+std::string BuildEtoDescription(const SelectedTag& tag);
 
 /// A tag's accessories, with their suppliers mapped to brands.
-Accessories ReadAccessories(const Platform& platform, std::string_view qbOutputFile, std::int32_t tagIndex);
+Accessories ReadAccessories(const SelectedTag& tag);
 
 /// A tag's warranties.
-Warranties ReadWarranties(const Platform& platform, std::string_view qbOutputFile, std::int32_t tagIndex);
+Warranties ReadWarranties(const SelectedTag& tag);
 
 }  // namespace parvex

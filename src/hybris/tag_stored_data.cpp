@@ -104,39 +104,38 @@ std::string SapFromStoredDocument(const xml::Document& stored) {
   return sapData ? WithUpperCaseSapData(sapData.Xml()) : std::string();
 }
 
-/// `bytes` of the blob, empty when they have to be read.
-void AppendBlob(const Platform& platform, const xml::Document& document, const xml::Node& blobElement,
-                std::string_view blobFileName, std::string_view bytes) {
-  const std::string blob =
-      bytes.empty() ? EncodeFileBase64(platform, blobFileName) : EncodeFileBase64(platform, blobFileName, bytes);
+/// `bytes` of the tag's blob, empty when they have to be read.
+void AppendBlob(const SelectedTag& tag, const xml::Node& blobElement, std::string_view bytes) {
+  const Platform& platform = tag.Machine();
+  const std::string blob = bytes.empty() ? EncodeFileBase64(platform, tag.blobFileName)
+                                         : EncodeFileBase64(platform, tag.blobFileName, bytes);
   if (!blob.empty()) {
-    blobElement.Append(document.CreateCData(blob));
+    blobElement.Append(blobElement.Owner().CreateCData(blob));
   }
 }
 
 }  // namespace
 
-TagStoredData ReadTagStoredData(const Platform& platform, const xml::Document& document, const TagElement& tag,
-                                std::string_view blobFileName, std::string_view brandCode, bool isLastTag) {
-  const StoredTagText read = ReadStoredTagText(platform, blobFileName);
+TagStoredData ReadTagStoredData(const SelectedTag& tag, const TagElement& element, bool isLastTag) {
+  const StoredTagText read = ReadStoredTagText(tag.Machine(), tag.blobFileName);
   const std::string_view text = read.text.empty() ? "<Empty />" : std::string_view(read.text);
-  const xml::Document stored = NewXPathDocument(text);
+  const xml::Document stored = xml::Document::Parse(text);
 
   TagStoredData data;
   ReadProduct(stored, data);
   if (isLastTag) {
-    LookUpTagIds(platform, document, data.legacyTagId);
+    LookUpTagIds(tag.Machine(), element.element.Owner(), data.legacyTagId);
   }
   if (!read.status && text.find("SAPDATA") != std::string_view::npos) {
     data.sapXml = SapFromText(text, stored);
   }
   const bool isSapDocument = !stored.IsEmpty() && stored.Root().Name() == "SAPDATA";
-  if (!isSapDocument && brandCode.starts_with("XR")) {
+  if (!isSapDocument && tag.FamilyCode().starts_with("XR")) {
     if (std::string sapXml = SapFromStoredDocument(stored); !sapXml.empty()) {
       data.sapXml = std::move(sapXml);
     }
   }
-  AppendBlob(platform, document, tag.blob, blobFileName, read.archive);
+  AppendBlob(tag, element.blob, read.archive);
   return data;
 }
 

@@ -1,11 +1,9 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "hybris/hybris_document.h"
-#include "seams/platform.h"
-#include "seams/xml.h"
+#include "hybris/selected_tag.h"
 
 namespace parvex {
 
@@ -31,9 +29,8 @@ struct TagStoredData {
 /// - The SAP configuration comes from a blob that holds nothing but an SAP document; and for the families whose code
 ///   begins with "XR", from the stored document.
 ///
-/// `tag` is the element of this tag, the last one of `document`, with its texts PDSG and MARKFOR set. Encoding a blob
-/// consumes a file under "\Temp", so it comes last.
-TagStoredData ReadTagStoredData(const Platform& platform, const xml::Document& document, const TagElement& tag,
-                                std::string_view blobFileName, std::string_view brandCode, bool isLastTag);
+/// `element` is the element of this tag, the last one of its document, with its texts PDSG and MARKFOR set. Encoding a
+/// blob consumes a file under "\Temp", so it comes last.
+TagStoredData ReadTagStoredData(const SelectedTag& tag, const TagElement& element, bool isLastTag);
 
 }  // namespace parvex

@@ -34,7 +34,9 @@ class BaseUnitElements : public testing::Test {
     for (const auto& unit : units) {
       baseUnits.Append(unit);
     }
-    AppendBaseUnits(export_.platform, document_, 1, ExportMachine::kOutput, document_.Root(), baseUnits, familyCode);
+    SelectedTag tag(export_.platform, ExportMachine::kOutput, 1);
+    tag.pdsg = familyCode;
+    AppendBaseUnits(tag, document_.Root(), baseUnits);
     return document_.All("BASEUNITS/BASEUNIT");
   }
 
@@ -278,14 +280,14 @@ TEST_F(BaseUnitElements, The32768thUnitRaisesOverflow) {
     units.Append(Unit());
   }
   EXPECT_EQ(RaisedBy([&] {
-              AppendBaseUnits(export_.platform, document_, 1, ExportMachine::kOutput, document_.Root(), units, "38A");
+              AppendBaseUnits(SelectedTag(export_.platform, ExportMachine::kOutput, 1), document_.Root(), units);
             }),
             RuntimeError::Overflow);
   EXPECT_EQ(document_.Root().All("BASEUNIT").size(), 32767u) << "what was appended stays";
 }
 
 TEST_F(BaseUnitElements, TheKeptNodesAreThoseThatASelectionFinds) {
-  const BaseUnitElement unit = NewBaseUnitElement(document_, document_.Root());
+  const BaseUnitElement unit = NewBaseUnitElement(document_.Root());
   EXPECT_TRUE(IsSame(unit.element, document_.First("BASEUNITS/BASEUNIT")));
   EXPECT_TRUE(IsSame(unit.extendedDescriptions, unit.element.First("descendant::EXTENDED_DESCRIPTIONS")));
   EXPECT_TRUE(IsSame(unit.supplier, unit.element.First("descendant::SUPPLIER")));
@@ -300,7 +302,7 @@ TEST_F(BaseUnitElements, TheKeptNodesAreThoseThatASelectionFinds) {
   EXPECT_TRUE(IsSame(unit.components, unit.element.First("descendant::COMPONENTS")));
   EXPECT_TRUE(IsSame(unit.sapXml, unit.element.First("descendant::SAP_XML")));
   Counter16 sequence("components");
-  const ComponentElement component = NewComponentElement(document_, unit.components, sequence);
+  const ComponentElement component = NewComponentElement(unit.components, sequence);
   EXPECT_TRUE(IsSame(component.element, unit.components.First("COMPONENT")));
   EXPECT_TRUE(IsSame(component.description, component.element.First("descendant::DESCRIPTION")));
   EXPECT_TRUE(IsSame(component.supplier, component.element.First("descendant::SUPPLIER")));

@@ -100,11 +100,5 @@ TEST(MapBrand, MapsSupplierAndTypeOfSale) {
   }
 }
 
-TEST(NewXPathDocument, IsEmptyForATextThatDoesNotParse) {
-  EXPECT_TRUE(NewXPathDocument("").IsEmpty());
-  EXPECT_TRUE(NewXPathDocument("<a>").IsEmpty());
-  EXPECT_EQ(NewXPathDocument("<a><b/></a>").First("descendant::b").Name(), "b");
-}
-
 }  // namespace
 }  // namespace parvex::test

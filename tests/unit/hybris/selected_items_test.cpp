@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "tests/unit/hybris/export_machine.h"
 
@@ -13,44 +14,45 @@ class SelectedItems : public testing::Test {
  protected:
   ExportMachine export_;
 
-  Tags ReadTags() { return ReadSelectedTags(export_.platform, ExportMachine::kOutput); }
-  std::string EtoOf(std::int32_t tag) { return BuildEtoDescription(export_.platform, ExportMachine::kOutput, tag); }
-  Accessories AccessoriesOf(std::int32_t tag) { return ReadAccessories(export_.platform, ExportMachine::kOutput, tag); }
-  Warranties WarrantiesOf(std::int32_t tag) { return ReadWarranties(export_.platform, ExportMachine::kOutput, tag); }
+  std::vector<SelectedTag> ReadTags() { return ReadSelectedTags(export_.platform, ExportMachine::kOutput); }
+  SelectedTag Tag(std::int32_t number) { return SelectedTag(export_.platform, ExportMachine::kOutput, number); }
+  std::string EtoOf(std::int32_t tag) { return BuildEtoDescription(Tag(tag)); }
+  Accessories AccessoriesOf(std::int32_t tag) { return ReadAccessories(Tag(tag)); }
+  Warranties WarrantiesOf(std::int32_t tag) { return ReadWarranties(Tag(tag)); }
 };
 
 TEST_F(SelectedItems, ATagHasItsFourTexts) {
   export_.Select("[PartNumber1]\r\nPartNumber=38AU\r\nPDSG=38A47\r\nMarkFor=RTU-1\r\nFileName=C:\\T\\1.blb\r\n");
-  const Tags tags = ReadTags();
-  ASSERT_EQ(tags.Count(), 1u);
-  EXPECT_EQ(tags.At(1)->partNumber, "38AU");
-  EXPECT_EQ(tags.At(1)->pdsg, "38A47");
-  EXPECT_EQ(tags.At(1)->markFor, "RTU-1");
-  EXPECT_EQ(tags.At(1)->blobFileName, "C:\\T\\1.blb");
+  const std::vector<SelectedTag> tags = ReadTags();
+  ASSERT_EQ(tags.size(), 1u);
+  EXPECT_EQ(tags.at(0).partNumber, "38AU");
+  EXPECT_EQ(tags.at(0).pdsg, "38A47");
+  EXPECT_EQ(tags.at(0).markFor, "RTU-1");
+  EXPECT_EQ(tags.at(0).blobFileName, "C:\\T\\1.blb");
 }
 
 TEST_F(SelectedItems, ATagNeedsOnlyItsPartNumber) {
   export_.Select("[PartNumber1]\r\nPartNumber=38AU\r\n");
-  ASSERT_EQ(ReadTags().Count(), 1u);
-  EXPECT_EQ(ReadTags().At(1)->pdsg, "");
+  ASSERT_EQ(ReadTags().size(), 1u);
+  EXPECT_EQ(ReadTags().at(0).pdsg, "");
 }
 
 TEST_F(SelectedItems, TagsBehindAGapAreNeverRead) {
   export_.Select("[PartNumber1]\r\nPartNumber=A\r\n[PartNumber2]\r\nPartNumber=B\r\n[PartNumber4]\r\nPartNumber=D\r\n");
-  const Tags tags = ReadTags();
-  ASSERT_EQ(tags.Count(), 2u);
-  EXPECT_EQ(tags.At(2)->partNumber, "B");
+  const std::vector<SelectedTag> tags = ReadTags();
+  ASSERT_EQ(tags.size(), 2u);
+  EXPECT_EQ(tags.at(1).partNumber, "B");
 }
 
 TEST_F(SelectedItems, AnEmptyFirstPartNumberMeansNoTags) {
   export_.Select("[PartNumber1]\r\nPartNumber=\r\n[PartNumber2]\r\nPartNumber=B\r\n");
-  EXPECT_EQ(ReadTags().Count(), 0u);
+  EXPECT_EQ(ReadTags().size(), 0u);
 }
 
 TEST_F(SelectedItems, NoFileOrAnEmptyOneMeansNoTags) {
-  EXPECT_EQ(ReadTags().Count(), 0u);
+  EXPECT_EQ(ReadTags().size(), 0u);
   export_.Select("");
-  EXPECT_EQ(ReadTags().Count(), 0u);
+  EXPECT_EQ(ReadTags().size(), 0u);
 }
 
 TEST_F(SelectedItems, TheTenthTagIsReadFromItsOwnSection) {
@@ -59,10 +61,10 @@ TEST_F(SelectedItems, TheTenthTagIsReadFromItsOwnSection) {
     text += "[PartNumber" + std::to_string(i) + "]\r\nPartNumber=P" + std::to_string(i) + "\r\n";
   }
   export_.Select(text);
-  const Tags tags = ReadTags();
-  ASSERT_EQ(tags.Count(), 11u);
-  EXPECT_EQ(tags.At(10)->partNumber, "P10");
-  EXPECT_EQ(tags.At(11)->partNumber, "P11");
+  const std::vector<SelectedTag> tags = ReadTags();
+  ASSERT_EQ(tags.size(), 11u);
+  EXPECT_EQ(tags.at(9).partNumber, "P10");
+  EXPECT_EQ(tags.at(10).partNumber, "P11");
 }
 
 TEST_F(SelectedItems, EtoLinesAreJoinedWithCrLfBetweenTwo) {

@@ -30,20 +30,23 @@ class StoredData : public testing::Test {
     return tag;
   }
 
-  TagStoredData Read(const TagElement& tag, std::string_view brandCode = "38A", bool isLastTag = false,
+  TagStoredData Read(const TagElement& element, std::string_view familyCode = "38A", bool isLastTag = false,
                      std::string_view blob = kBlob) {
-    return ReadTagStoredData(export_.platform, document_, tag, blob, brandCode, isLastTag);
+    SelectedTag tag(export_.platform, ExportMachine::kOutput, 1);
+    tag.pdsg = familyCode;
+    tag.blobFileName = blob;
+    return ReadTagStoredData(tag, element, isLastTag);
   }
 
-  TagStoredData ReadStored(std::string_view text, std::string_view brandCode = "38A") {
+  TagStoredData ReadStored(std::string_view text, std::string_view familyCode = "38A") {
     export_.WriteBlob(kBlob, "Tag", text);
-    return Read(AddTag("38A47", "m"), brandCode);
+    return Read(AddTag("38A47", "m"), familyCode);
   }
 
   /// The stored data of a blob whose one entry is the SAP document itself.
-  TagStoredData ReadSapDocument(std::string_view text, std::string_view brandCode = "38A") {
+  TagStoredData ReadSapDocument(std::string_view text, std::string_view familyCode = "38A") {
     export_.WriteBlob(kBlob, "unit.xml", text);
-    return Read(AddTag("38A47", "m"), brandCode);
+    return Read(AddTag("38A47", "m"), familyCode);
   }
 };
 
@@ -81,8 +84,8 @@ TEST_F(StoredData, AnotherThreadCountsForItself) {
   std::thread([&] {
     ExportMachine other;
     const xml::Document document = CreateHybrisDocument("P");
-    idOfOtherThread =
-        ReadTagStoredData(other.platform, document, AppendTagElement(document), "", "38A", false).legacyTagId;
+    const SelectedTag tag(other.platform, ExportMachine::kOutput, 1);
+    idOfOtherThread = ReadTagStoredData(tag, AppendTagElement(document), false).legacyTagId;
   }).join();
   EXPECT_EQ(idOfOtherThread, "1");
   EXPECT_EQ(nextId(), "3");

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "hybris/selection_section.h"
+#include "seams/platform.h"
+
+namespace parvex {
+
+/// One tag of what the quote builder selected, and the way to everything that its output file says of it.
+class SelectedTag {
+ public:
+  /// The tag of that number (from 1) in the output file, a path of the machine. Platform and path must outlive the tag.
+  SelectedTag(const Platform& platform, std::string_view qbOutputFile, std::int32_t number)
+      : platform_(&platform), qbOutputFile_(qbOutputFile), number_(number) {}
+
+  const Platform& Machine() const { return *platform_; }
+
+  /// The tag's section of that word, as the file is now.
+  SelectionSection Section(std::string_view word) const;
+
+  /// The family that the PDSG begins with; "XXX", deliberately, for one too short to tell.
+  std::string_view FamilyCode() const;
+
+  std::string partNumber;
+  std::string pdsg;
+  std::string markFor;
+  std::string blobFileName;  ///< the file with the tag's stored data
+
+ private:
+  const Platform* platform_;
+  std::string_view qbOutputFile_;
+  std::int32_t number_;
+};
+
+}  // namespace parvex

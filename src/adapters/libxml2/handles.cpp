@@ -143,23 +143,11 @@ xmlAttr* NewAttribute(xmlNode* element, std::string_view name) {
       Refuse("The prefix of the attribute " + Quoted(name) + " is not declared at " + NameOf(element) + ".");
     }
   }
-  StateOf(element->doc).usesSpaceAttribute |= name == "xml:space";
   return AppendAttribute(element, LastAttribute(element), space, interned);
 }
 
-// The attribute of that name, a new one when the element has none. Names stand once in a dictionary, so most are known
-// by their place.
+// The attribute of that name, a new one when the element has none.
 xmlAttr* AttributeFor(xmlNode* element, std::string_view name) {
-  if (const xmlChar* plain = PlainName(element->doc, name)) {
-    xmlAttr* last = nullptr;
-    for (xmlAttr* each = element->properties; each != nullptr; each = each->next) {
-      if (each->name == plain && each->ns == nullptr) {
-        return each;
-      }
-      last = each;
-    }
-    return AppendAttribute(element, last, nullptr, plain);
-  }
   const auto [prefix, local] = Split(name);
   xmlAttr* found = FindAttribute(element, prefix, local);
   return found == nullptr ? NewAttribute(element, name) : found;

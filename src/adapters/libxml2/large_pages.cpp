@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace parvex::posix {
+namespace parvex::xml {
 
 void PreferLargePages(void* memory, std::size_t size) noexcept {
   const auto begin = reinterpret_cast<std::uintptr_t>(memory);
@@ -15,4 +15,4 @@ void PreferLargePages(void* memory, std::size_t size) noexcept {
   }
 }
 
-}  // namespace parvex::posix
+}  // namespace parvex::xml

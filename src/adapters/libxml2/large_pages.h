@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace parvex::posix {
+namespace parvex::xml {
 
 inline constexpr std::size_t kLargePage = std::size_t{2} << 20;
 
@@ -10,4 +10,4 @@ inline constexpr std::size_t kLargePage = std::size_t{2} << 20;
 /// for every 4 KB. Memory smaller than a large page, and systems without them, are left as they are.
 void PreferLargePages(void* memory, std::size_t size) noexcept;
 
-}  // namespace parvex::posix
+}  // namespace parvex::xml

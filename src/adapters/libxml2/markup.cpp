@@ -1,14 +1,9 @@
 #include "adapters/libxml2/markup.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstring>
 #include <vector>
-
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 #include "adapters/libxml2/large_pages.h"
 #include "formats/text/unicode.h"
@@ -17,103 +12,9 @@
 namespace parvex::xml {
 namespace {
 
-// A set of ASCII characters that a run of text is searched for.
-struct Stops {
-  std::string_view characters;
-  std::array<bool, 256> isStop{};
-
-  constexpr explicit Stops(std::string_view set) : characters(set) {
-    for (const char c : set) {
-      isStop[static_cast<unsigned char>(c)] = true;
-    }
-  }
-};
-
-constexpr Stops kTextStops("&<>\r");
-constexpr Stops kValueStops("&<>\"\t\n\r");
-
-// Length of the run without any of the stops at the head of a text.
-template <const Stops& stops>
-std::size_t RunLength(const char* text, std::size_t size) {
-  std::size_t pos = 0;
-#ifdef __SSE2__
-  for (; pos + 16 <= size; pos += 16) {
-    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + pos));
-    __m128i hits = _mm_setzero_si128();
-    for (const char c : stops.characters) {
-      hits = _mm_or_si128(hits, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)));
-    }
-    if (const int mask = _mm_movemask_epi8(hits); mask != 0) {
-      return pos + static_cast<std::size_t>(__builtin_ctz(static_cast<unsigned>(mask)));
-    }
-  }
-#endif
-  while (pos < size && !stops.isStop[static_cast<unsigned char>(text[pos])]) {
-    ++pos;
-  }
-  return pos;
-}
-
-// Collects small pieces before they go into the string, which saves it most of its bookkeeping.
-class Sink {
- public:
-  // A little more room than expected, since a string that has to grow at the end is copied as a whole.
-  void Expect(std::size_t size) {
-    text_.reserve(size + size / 16);
-    posix::PreferLargePages(text_.data(), text_.capacity());
-  }
-
-  void Add(std::string_view piece) {
-    if (piece.size() > kRoom - used_) {
-      Flush();
-      if (piece.size() > kRoom) {
-        text_.append(piece);
-        return;
-      }
-    }
-    Copy(piece.data(), piece.size(), buffer_.data() + used_);
-    used_ += piece.size();
-  }
-
-  void Add(char c) { Add(std::string_view(&c, 1)); }
-
-  std::string Take() {
-    Flush();
-    if (text_.size() < text_.capacity() / 2) {
-      text_.shrink_to_fit();  // much was expected that is no longer there
-    }
-    return std::move(text_);
-  }
-
- private:
-  static constexpr std::size_t kRoom = 16384;
-
-  // Most pieces are short: two moves of eight bytes that may overlap, or of four, beat a call.
-  static void Copy(const char* from, std::size_t size, char* to) {
-    if (size > 16) {
-      std::memcpy(to, from, size);
-    } else if (size >= 8) {
-      std::memcpy(to, from, 8);
-      std::memcpy(to + size - 8, from + size - 8, 8);
-    } else if (size >= 4) {
-      std::memcpy(to, from, 4);
-      std::memcpy(to + size - 4, from + size - 4, 4);
-    } else {
-      for (std::size_t i = 0; i < size; ++i) {
-        to[i] = from[i];
-      }
-    }
-  }
-
-  void Flush() {
-    text_.append(buffer_.data(), used_);
-    used_ = 0;
-  }
-
-  std::string text_;
-  std::array<char, kRoom> buffer_;
-  std::size_t used_ = 0;
-};
+// ASCII characters that a run of text ends at.
+constexpr const char* kTextStops = "&<>\r";
+constexpr const char* kValueStops = "&<>\"\t\n\r";
 
 std::string CharacterReference(char32_t character) {
   return "&#" + std::to_string(static_cast<std::uint32_t>(character)) + ";";
@@ -124,7 +25,11 @@ class Writer {
   // Without an encoding every character is written as it is.
   explicit Writer(Encoding* encoding) : encoding_(encoding) {}
 
-  void Expect(std::size_t size) { sink_.Expect(size); }
+  // A little more room than expected, since a text that has to grow at the end is copied as a whole.
+  void Expect(std::size_t size) {
+    text_.reserve(size + size / 16);
+    PreferLargePages(text_.data(), text_.capacity());
+  }
 
   // Adds the markup of everything from `top` down, without recursion: documents may be deep.
   void AddTree(xmlNode* top) {
@@ -151,16 +56,16 @@ class Writer {
   }
 
   void AddDeclaration(const xmlDoc* document, const std::string& encodingName) {
-    sink_.Add("<?xml version=\"");
-    sink_.Add(View(document->version));
+    text_ += "<?xml version=\"";
+    text_ += View(document->version);
     if (!encodingName.empty()) {
-      sink_.Add("\" encoding=\"");
-      sink_.Add(encodingName);
+      text_ += "\" encoding=\"";
+      text_ += encodingName;
     }
     if (document->standalone >= 0) {
-      sink_.Add(document->standalone == 1 ? "\" standalone=\"yes" : "\" standalone=\"no");
+      text_ += document->standalone == 1 ? "\" standalone=\"yes" : "\" standalone=\"no";
     }
-    sink_.Add("\"?>");
+    text_ += "\"?>";
   }
 
   void AddDocument(const xmlDoc* document, const std::string& encodingName) {
@@ -175,19 +80,24 @@ class Writer {
     for (xmlNode* node = document->children; node != nullptr; node = node->next) {
       AddTree(node);
     }
-    sink_.Add("\r\n");
+    text_ += "\r\n";
   }
 
   void AddAttribute(const xmlAttr* attribute) {
     AddName(attribute->ns, attribute->name);
-    sink_.Add("=\"");
+    text_ += "=\"";
     for (const xmlNode* text = attribute->children; text != nullptr; text = text->next) {
-      AddEscaped<kValueStops>(View(text->content));
+      AddEscaped(View(text->content), kValueStops);
     }
-    sink_.Add('"');
+    text_ += '"';
   }
 
-  std::string Take() { return sink_.Take(); }
+  std::string Take() {
+    if (text_.size() < text_.capacity() / 2) {
+      text_.shrink_to_fit();  // much was expected that is no longer there
+    }
+    return std::move(text_);
+  }
 
  private:
   // A namespace declaration that holds inside an element that is open.
@@ -207,37 +117,32 @@ class Writer {
 
   void AddName(const xmlNs* space, const xmlChar* name) {
     if (space != nullptr && space->prefix != nullptr) {
-      sink_.Add(View(space->prefix));
-      sink_.Add(':');
+      text_ += View(space->prefix);
+      text_ += ':';
     }
-    // Names are interned: the same few pointers come again and again, so their lengths are kept by address.
-    std::string_view& known = names_[(reinterpret_cast<std::uintptr_t>(name) >> 2) % names_.size()];
-    if (known.data() != reinterpret_cast<const char*>(name)) {
-      known = View(name);
-    }
-    sink_.Add(known);
+    text_ += View(name);
   }
 
   void AddStartTag(const xmlNode* element) {
-    sink_.Add('<');
+    text_ += '<';
     AddName(element->ns, element->name);
     AddDeclarations(element);
     for (const xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
-      sink_.Add(' ');
+      text_ += ' ';
       AddAttribute(attribute);
     }
     if (element->children != nullptr) {
-      sink_.Add('>');
+      text_ += '>';
     } else {
-      sink_.Add("/>");
+      text_ += "/>";
       CloseScopes(element);
     }
   }
 
   void AddEndTag(const xmlNode* element) {
-    sink_.Add("</");
+    text_ += "</";
     AddName(element->ns, element->name);
-    sink_.Add('>');
+    text_ += '>';
     CloseScopes(element);
   }
 
@@ -276,11 +181,11 @@ class Writer {
   }
 
   void Declare(const xmlNode* element, std::string_view prefix, std::string_view uri) {
-    sink_.Add(prefix.empty() ? " xmlns" : " xmlns:");
-    sink_.Add(prefix);
-    sink_.Add("=\"");
-    AddEscaped<kValueStops>(uri);
-    sink_.Add('"');
+    text_ += prefix.empty() ? " xmlns" : " xmlns:";
+    text_ += prefix;
+    text_ += "=\"";
+    AddEscaped(uri, kValueStops);
+    text_ += '"';
     scopes_.push_back({element, prefix, uri});
   }
 
@@ -293,15 +198,15 @@ class Writer {
   void AddLeaf(xmlNode* node) {
     switch (node->type) {
       case XML_TEXT_NODE:
-        AddEscaped<kTextStops>(View(node->content));
+        AddEscaped(View(node->content), kTextStops);
         break;
       case XML_CDATA_SECTION_NODE:
         AddCData(View(node->content));
         break;
       case XML_COMMENT_NODE:
-        sink_.Add("<!--");
-        sink_.Add(View(node->content));
-        sink_.Add("-->");
+        text_ += "<!--";
+        text_ += View(node->content);
+        text_ += "-->";
         break;
       case XML_PI_NODE:
         AddProcessingInstruction(node);
@@ -315,37 +220,36 @@ class Writer {
   }
 
   void AddProcessingInstruction(const xmlNode* node) {
-    sink_.Add("<?");
-    sink_.Add(View(node->name));
+    text_ += "<?";
+    text_ += View(node->name);
     if (!View(node->content).empty()) {
-      sink_.Add(' ');
-      sink_.Add(View(node->content));
+      text_ += ' ';
+      text_ += View(node->content);
     }
-    sink_.Add("?>");
+    text_ += "?>";
   }
 
   void AddDoctype(xmlNode* node) {
     xmlBuffer* dump = xmlBufferCreate();
     if (dump != nullptr) {
       xmlNodeDump(dump, node->doc, node, 0, 0);
-      sink_.Add(View(xmlBufferContent(dump)));
+      text_ += View(xmlBufferContent(dump));
       xmlBufferFree(dump);
     }
   }
 
   // Escapes what must be, so that the text reads the same when it is parsed again. A CR LF stays: as text it reads as
-  // LF here as well as there.
-  template <const Stops& stops>
-  void AddEscaped(std::string_view text) {
+  // LF here as well as there. A zero stands behind the text.
+  void AddEscaped(std::string_view text, const char* stops) {
     while (!text.empty()) {
-      const std::size_t run = RunLength<stops>(text.data(), text.size());
+      const std::size_t run = std::strcspn(text.data(), stops);
       AddRun(text.substr(0, run));
-      if (run == text.size()) {
+      text.remove_prefix(run);
+      if (text.empty()) {
         return;
       }
-      text.remove_prefix(run);
-      const bool lineEnd = &stops == &kTextStops && text.starts_with("\r\n");
-      sink_.Add(lineEnd ? "\r" : Escape(text.front()));
+      const bool lineEnd = stops == kTextStops && text.starts_with("\r\n");
+      text_ += lineEnd ? "\r" : Escape(text.front());
       text.remove_prefix(1);
     }
   }
@@ -372,18 +276,18 @@ class Writer {
   // Text in which only characters that the encoding lacks have to be escaped; `before` and `behind` stand around each.
   void AddRun(std::string_view run, std::string_view before = {}, std::string_view behind = {}) {
     if (encoding_ == nullptr) {
-      sink_.Add(run);
+      text_ += run;
       return;
     }
     for (std::size_t pos = 0; pos < run.size();) {
       const std::size_t start = pos;
       const char32_t character = NextCodePoint(run, pos);
       if (encoding_->Has(character)) {
-        sink_.Add(run.substr(start, pos - start));
+        text_ += run.substr(start, pos - start);
       } else {
-        sink_.Add(before);
-        sink_.Add(CharacterReference(character));
-        sink_.Add(behind);
+        text_ += before;
+        text_ += CharacterReference(character);
+        text_ += behind;
       }
     }
   }
@@ -392,20 +296,19 @@ class Writer {
   void AddCData(std::string_view text) {
     constexpr std::string_view kOpen = "<![CDATA[";
     constexpr std::string_view kClose = "]]>";
-    sink_.Add(kOpen);
+    text_ += kOpen;
     for (std::size_t end = text.find(kClose); end != std::string_view::npos; end = text.find(kClose)) {
       AddRun(text.substr(0, end + 2), kClose, kOpen);
-      sink_.Add(kClose);
-      sink_.Add(kOpen);
+      text_ += kClose;
+      text_ += kOpen;
       text.remove_prefix(end + 2);
     }
     AddRun(text, kClose, kOpen);
-    sink_.Add(kClose);
+    text_ += kClose;
   }
 
   Encoding* encoding_;
-  Sink sink_;
-  std::array<std::string_view, 256> names_{};
+  std::string text_;
   std::vector<Scope> scopes_;
 };
 
@@ -484,9 +387,6 @@ JoinedText JoinTexts(xmlNode* top) {
 
 // Whether xml:space="preserve" is in force at a node.
 bool PreservesSpace(const xmlNode* node) {
-  if (!StateOf(node->doc).usesSpaceAttribute) {
-    return false;
-  }
   for (; node != nullptr && !IsDocument(node); node = node->parent) {
     if (!IsElement(node)) {
       continue;

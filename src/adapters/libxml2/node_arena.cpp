@@ -21,7 +21,7 @@
 namespace parvex::xml {
 namespace {
 
-constexpr std::align_val_t kOnLargePage{posix::kLargePage};
+constexpr std::align_val_t kOnLargePage{kLargePage};
 
 // Pieces that nobody holds are out of bounds for the sanitizer, as freed memory is elsewhere.
 void Forbid([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) {
@@ -73,10 +73,10 @@ NodeArena::Class NodeArena::ClassOf(std::size_t size) noexcept {
 }
 
 void* NodeArena::Cut(Class of) {
-  FreePieces& pieces = freed_[of.index];
-  if (FreePiece* piece = pieces.first; piece != nullptr) {
+  FreePiece*& first = freed_[of.index];
+  if (FreePiece* piece = first; piece != nullptr) {
     Permit(piece, of.room);
-    pieces.first = piece->next;
+    first = piece->next;
     return piece;
   }
   if (static_cast<std::size_t>(end_ - free_) < of.room) {
@@ -87,12 +87,8 @@ void* NodeArena::Cut(Class of) {
 }
 
 void NodeArena::PutBack(void* piece, Class of) noexcept {
-  FreePieces& pieces = freed_[of.index];
-  auto* freed = new (piece) FreePiece{pieces.first};
-  if (pieces.first == nullptr) {
-    pieces.last = freed;
-  }
-  pieces.first = freed;
+  FreePiece*& first = freed_[of.index];
+  first = new (piece) FreePiece{first};
   Forbid(piece, of.room);
 }
 
@@ -120,47 +116,13 @@ void NodeArena::FreeLarge(void* piece, std::size_t size) noexcept {
   ::operator delete(header);
 }
 
-void NodeArena::Absorb(NodeArena& other) noexcept {
-  if (other.chunks_ != nullptr) {
-    (chunks_ == nullptr ? chunks_ : lastChunk_->next) = other.chunks_;
-    lastChunk_ = other.lastChunk_;
-    other.chunks_ = nullptr;
-  }
-  if (other.end_ - other.free_ > end_ - free_) {
-    free_ = other.free_;
-    end_ = other.end_;
-  }
-  other.free_ = other.end_ = nullptr;
-  nextChunk_ = std::max(nextChunk_, std::exchange(other.nextChunk_, kFirstChunk));
-  for (std::size_t i = 0; i < freed_.size(); ++i) {
-    FreePieces& theirs = other.freed_[i];
-    if (theirs.first == nullptr) {
-      continue;
-    }
-    FreePieces& ours = freed_[i];
-    Permit(theirs.last, sizeof(FreePiece));
-    theirs.last->next = ours.first;
-    Forbid(theirs.last, sizeof(FreePiece));
-    ours = {theirs.first, ours.first == nullptr ? theirs.last : ours.last};
-    theirs = {};
-  }
-  if (other.ring_.next != &other.ring_) {
-    other.ring_.next->previous = ring_.previous;
-    ring_.previous->next = other.ring_.next;
-    other.ring_.previous->next = &ring_;
-    ring_.previous = other.ring_.previous;
-    other.ring_ = {&other.ring_, &other.ring_};
-  }
-}
-
 void NodeArena::AddChunk() {
   static_assert(kFirstChunk >= sizeof(Chunk) + kLargestSmall);
   static_assert(kLargestChunk / kLargePieceOfChunk <= std::size_t{kLargestSmall} << (kLargeClasses / 4));
   const std::size_t size = nextChunk_;
-  void* memory = size < posix::kLargePage ? ::operator new(size) : ::operator new(size, kOnLargePage);
-  posix::PreferLargePages(memory, size);
+  void* memory = size < kLargePage ? ::operator new(size) : ::operator new(size, kOnLargePage);
+  PreferLargePages(memory, size);
   auto* chunk = new (memory) Chunk{chunks_, size};
-  lastChunk_ = chunks_ == nullptr ? chunk : lastChunk_;
   chunks_ = chunk;
   free_ = static_cast<std::byte*>(memory) + sizeof(Chunk);
   end_ = static_cast<std::byte*>(memory) + size;
@@ -171,46 +133,21 @@ void NodeArena::AddChunk() {
 void NodeArena::Release(Chunk* chunk) noexcept {
   const std::size_t size = chunk->size;
   Permit(chunk, size);
-  if (size < posix::kLargePage) {
+  if (size < kLargePage) {
     ::operator delete(chunk);
   } else {
     ::operator delete(chunk, kOnLargePage);
   }
 }
 
-SharedArena::SharedArena() : group_(LastJoined().lock()) {
-  if (group_ == nullptr) {
-    group_ = std::make_shared<Group>();
+std::shared_ptr<NodeArena> ArenaOfThread() {
+  thread_local std::weak_ptr<NodeArena> current;
+  std::shared_ptr<NodeArena> arena = current.lock();
+  if (arena == nullptr) {
+    arena = std::make_shared<NodeArena>();
+    current = arena;
   }
-}
-
-std::weak_ptr<SharedArena::Group>& SharedArena::LastJoined() noexcept {
-  thread_local std::weak_ptr<Group> joined;
-  return joined;
-}
-
-bool SharedArena::IsShared() noexcept {
-  Joined();
-  return group_.use_count() > 1;
-}
-
-void SharedArena::JoinWith(SharedArena& other) noexcept {
-  Joined();
-  other.Joined();
-  if (group_ == other.group_) {
-    return;
-  }
-  // The shallower group leads to the deeper one, so that a way through many of them stays short.
-  const bool intoOther = group_->depth < other.group_->depth;
-  const std::shared_ptr<Group> kept = intoOther ? other.group_ : group_;
-  const std::shared_ptr<Group> absorbed = intoOther ? group_ : other.group_;
-  if (kept->depth == absorbed->depth) {
-    ++kept->depth;
-  }
-  kept->memory.Absorb(absorbed->memory);
-  absorbed->joined = kept;
-  group_ = other.group_ = kept;
-  LastJoined() = kept;
+  return arena;
 }
 
 }  // namespace parvex::xml

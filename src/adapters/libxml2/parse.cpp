@@ -195,11 +195,10 @@ struct ReadAttribute {
 };
 
 // Whether white space counts in an element that has this attribute; `outside` when the attribute does not say it.
-bool KeepsBlanks(const ReadAttribute& attribute, bool outside, xmlDoc* document) {
+bool KeepsBlanks(const ReadAttribute& attribute, bool outside) {
   if (View(attribute.prefix) != "xml" || View(attribute.name) != "space") {
     return outside;
   }
-  StateOf(document).usesSpaceAttribute = true;
   return Between(attribute.begin, attribute.end) == "preserve";
 }
 
@@ -232,7 +231,7 @@ void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, c
       if (read[i].begin != read[i].end) {
         AppendText(AsNode(last), Between(read[i].begin, read[i].end));
       }
-      keepsBlanks = KeepsBlanks(read[i], keepsBlanks, document);
+      keepsBlanks = KeepsBlanks(read[i], keepsBlanks);
     }
     parsing.keepsBlanks.push_back(keepsBlanks);
     parsing.open = element;

@@ -5,7 +5,6 @@
 #include <memory>
 #include <new>
 #include <string>
-#include <unordered_map>
 
 #include "formats/text/xml_characters.h"
 #include "seams/automation_error.h"
@@ -13,7 +12,6 @@
 namespace parvex::xml {
 namespace {
 
-constexpr std::size_t kMostCompiled = 256;
 constexpr std::size_t kLongestExpression = 1'000'000;
 
 struct Freed {
@@ -43,11 +41,11 @@ class Selector {
   }
 
   Value Evaluate(xmlNode* start, std::string_view expression) {
-    xmlXPathCompExpr* compiled = Compile(expression);
+    const Compiled compiled = Compile(expression);
     context_->doc = start->doc;
     context_->node = start;
     context_->depth = 0;  // the library does not count back after an error
-    Value value(xmlXPathCompiledEval(compiled, context_.get()));
+    Value value(xmlXPathCompiledEval(compiled.get(), context_.get()));
     context_->doc = nullptr;
     context_->node = nullptr;
     if (value == nullptr) {
@@ -57,23 +55,16 @@ class Selector {
   }
 
  private:
-  xmlXPathCompExpr* Compile(std::string_view expression) {
-    const std::string key(expression);
-    if (const auto found = compiled_.find(key); found != compiled_.end()) {
-      return found->second.get();
-    }
+  Compiled Compile(std::string_view expression) {
     if (FindForbidden(expression) != std::string_view::npos || expression.size() > kLongestExpression) {
       Refuse(expression, "is not valid");
     }
     context_->depth = 0;
-    Compiled compiled(xmlXPathCtxtCompile(context_.get(), Chars(key.c_str())));
+    Compiled compiled(xmlXPathCtxtCompile(context_.get(), Chars(std::string(expression).c_str())));
     if (compiled == nullptr) {
       Refuse(expression, "is not valid" + Reason());
     }
-    if (compiled_.size() >= kMostCompiled) {
-      compiled_.clear();
-    }
-    return compiled_.emplace(key, std::move(compiled)).first->second.get();
+    return compiled;
   }
 
   std::string Reason() const {
@@ -85,7 +76,6 @@ class Selector {
   }
 
   std::unique_ptr<xmlXPathContext, Freed> context_;
-  std::unordered_map<std::string, Compiled> compiled_;
 };
 
 // While a selection from a node without parent runs, its tree stands alone: what else hangs in limbo is none of its

@@ -342,9 +342,7 @@ void Adopt(xmlNode* top, xmlDoc* to, const OwnNamespaces& owned) {
       AdoptOne(each, from, to, owned);
     });
   }
-  StateOf(to).arena.JoinWith(StateOf(from).arena);
   StateOf(to).handles += handles;
-  StateOf(to).usesSpaceAttribute |= StateOf(from).usesSpaceAttribute;
   StateOf(from).handles -= handles;
   if (StateOf(from).handles == 0) {
     StateOf(to).markupGuess += StateOf(from).markupGuess;
@@ -411,7 +409,7 @@ void FreeDocument(xmlDoc* document) noexcept {
     CutOut(doctype);
     doctype->parent = doctype->prev = doctype->next = nullptr;
   }
-  if (state->arena.IsShared()) {
+  if (state->arena.use_count() > 1) {
     while (document->children != nullptr) {
       Free(document->children);
     }

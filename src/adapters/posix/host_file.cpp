@@ -9,7 +9,6 @@
 #include <atomic>
 #include <system_error>
 
-#include "adapters/libxml2/large_pages.h"
 #include "seams/automation_error.h"
 
 namespace parvex::posix {
@@ -130,10 +129,7 @@ std::string ReadHostFile(const std::filesystem::path& host, std::string_view sho
     throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(shownPath) + " is not a file");
   }
   // One byte more than the file has, so that its end is seen without growing the text.
-  std::string bytes;
-  bytes.reserve(static_cast<std::size_t>(status.st_size) + 1);
-  PreferLargePages(bytes.data(), bytes.capacity());
-  bytes.resize(static_cast<std::size_t>(status.st_size) + 1);
+  std::string bytes(static_cast<std::size_t>(status.st_size) + 1, '\0');
   std::size_t size = 0;
   for (;;) {
     const ssize_t got = read(file.Descriptor(), bytes.data() + size, bytes.size() - size);

@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <malloc.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -90,12 +89,7 @@ void PrepareStandardStreams() {
   signal(SIGPIPE, DoNothing);
 }
 
-std::shared_ptr<void> EnterPlatform() {
-  // Freed pieces of documents join their neighbours at once. Kept apart, as by default, each large text that is freed
-  // makes the allocator go through all of them: a fifth of the time of an export of 1,000 units.
-  mallopt(M_MXFAST, 0);
-  return nullptr;
-}
+std::shared_ptr<void> EnterPlatform() { return nullptr; }
 
 bool IsTerminal(std::FILE* stream) { return isatty(fileno(stream)) != 0; }
 

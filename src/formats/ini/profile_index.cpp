@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 
-#include "adapters/libxml2/large_pages.h"
 #include "formats/ini/profile_names.h"
 
 #ifdef __SSE2__
@@ -12,13 +11,6 @@
 
 namespace parvex::posix {
 namespace {
-
-// From the density of the lines at the text's beginning, but not more than a text of ordinary lines can hold.
-std::size_t EstimatedLines(std::string_view text) {
-  const std::string_view sample = text.substr(0, 1 << 14);
-  const auto lines = static_cast<std::size_t>(std::count(sample.begin(), sample.end(), '\n')) + 1;
-  return std::min(lines * (text.size() / (sample.size() + 1) + 1), text.size() / 8 + 1);
-}
 
 std::size_t SlotsFor(std::size_t entries) { return 2 * entries + 1; }
 
@@ -105,10 +97,7 @@ void ForEachLine(std::string_view text, Visit visit) {
 }  // namespace
 
 ProfileIndex::ProfileIndex(const ProfileText& file) : file_(file), text_(file.Text()) {
-  slots_.reserve(SlotsFor(EstimatedLines(text_)));
-  PreferLargePages(slots_.data(), slots_.capacity() * sizeof(Slot));
   std::vector<Slot> keys;
-  keys.reserve(EstimatedLines(text_));
   std::vector<Slot> headers{{file_.HashOfName({}), 1}};
   std::uint32_t header = 0;
   const std::uint64_t seed = NameHashSeed();
@@ -152,7 +141,7 @@ std::optional<std::string_view> ProfileIndex::FindValue(const Section& section, 
   std::string_view line;
   const auto place = Find(section.keys_, file_.HashOfName(key), [&](std::uint32_t candidate) {
     line = LineAt(candidate);
-    return IsKeyOf(line, key);
+    return file_.SameName(KeyName(line), key);
   });
   return place ? KeyValue(line) : std::nullopt;
 }
@@ -164,15 +153,10 @@ void ProfileIndex::AddSection(std::uint32_t header, const std::vector<Slot>& key
 // A table of the entries without those whose name an earlier one has.
 template <typename NameAt>
 ProfileIndex::Table ProfileIndex::MakeTable(const std::vector<Slot>& entries, NameAt nameAt) {
-  constexpr std::size_t kAhead = 16;
   const Table table{slots_.size(), static_cast<std::uint32_t>(SlotsFor(entries.size()))};
   slots_.resize(table.firstSlot + table.slots);
   Slot* const slots = slots_.data() + table.firstSlot;
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (i + kAhead < entries.size()) {
-      __builtin_prefetch(slots + Home(entries[i + kAhead].hash, table.slots));
-    }
-    const Slot& entry = entries[i];
+  for (const Slot& entry : entries) {
     const auto known = [&](const Slot& slot) {
       return slot.hash == entry.hash && file_.SameName(nameAt(slot.placeAndOne - 1), nameAt(entry.placeAndOne - 1));
     };
@@ -201,12 +185,6 @@ std::optional<std::uint32_t> ProfileIndex::Find(const Table& table, std::uint32_
 std::string_view ProfileIndex::LineAt(std::uint32_t place) const {
   const ProfileLine line = ProfileLineAt(text_, place);
   return text_.substr(line.begin, line.end - line.begin);
-}
-
-// Nearly always the key stands right in front of the line's sign, the same but for the letter case of A to Z.
-bool ProfileIndex::IsKeyOf(std::string_view line, std::string_view key) const {
-  const std::string_view upToSign = line.substr(0, line.find('='));
-  return EqualIgnoringAsciiCase(upToSign, key) || file_.SameName(KeyName(line), key);
 }
 
 // Does not look at the value.

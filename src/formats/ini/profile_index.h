@@ -43,7 +43,6 @@ class ProfileIndex {
   Table MakeTable(const std::vector<Slot>& entries, NameAt nameAt);
   template <typename Is>
   std::optional<std::uint32_t> Find(const Table& table, std::uint32_t hash, Is is) const;
-  bool IsKeyOf(std::string_view line, std::string_view key) const;
   std::string_view LineAt(std::uint32_t place) const;
   std::string_view KeyNameAt(std::uint32_t place) const;
   std::string_view SectionNameAt(std::uint32_t number) const;

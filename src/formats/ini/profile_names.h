@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -80,18 +81,8 @@ inline std::uint32_t HashIgnoringAsciiCase(std::string_view name, std::uint64_t 
 }
 
 inline bool EqualIgnoringAsciiCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) {
-    return false;
-  }
-  for (std::size_t at = 0; at < a.size(); at += 16) {
-    const std::size_t size = a.size() - at < 16 ? a.size() - at : 16;
-    const names::Words left = names::LoadUpTo16(a.data() + at, size);
-    const names::Words right = names::LoadUpTo16(b.data() + at, size);
-    if (left.first != right.first || left.second != right.second) {
-      return false;
-    }
-  }
-  return true;
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c; };
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
 }
 
 }  // namespace parvex::posix

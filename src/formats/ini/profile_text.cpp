@@ -98,6 +98,9 @@ std::uint32_t ProfileText::HashOfName(std::string_view name) const {
 }
 
 bool ProfileText::SameName(std::string_view a, std::string_view b) const {
+  if (a == b) {
+    return true;
+  }
   return IsAsciiText(a) && IsAsciiText(b) ? EqualIgnoringAsciiCase(a, b) : Folded(a) == Folded(b);
 }
 

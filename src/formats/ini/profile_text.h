@@ -1,8 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -83,25 +83,8 @@ std::string_view UpToNul(std::string_view text);
 /// Without one pair of single or double quotes around it.
 std::string_view WithoutQuotes(std::string_view text);
 
-/// Inline, since every look-up asks it several times of some ten characters.
 inline bool IsAsciiText(std::string_view text) {
-  const auto load = [](const char* from) {
-    std::uint64_t word;
-    std::memcpy(&word, from, sizeof word);
-    return word;
-  };
-  std::uint64_t all = 0;
-  if (text.size() < sizeof all) {
-    for (const char c : text) {
-      all |= static_cast<unsigned char>(c);
-    }
-    return all < 0x80;
-  }
-  for (std::size_t i = 0; i + sizeof all <= text.size(); i += sizeof all) {
-    all |= load(text.data() + i);
-  }
-  all |= load(text.data() + text.size() - sizeof all);
-  return (all & 0x8080808080808080u) == 0;
+  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 }  // namespace parvex::posix

@@ -1,12 +1,16 @@
-#include <climits>
 #include <utility>
 
+#include "adapters/libxml2/adoption.h"
+#include "adapters/libxml2/attributes.h"
 #include "adapters/libxml2/encoding.h"
 #include "adapters/libxml2/markup.h"
+#include "adapters/libxml2/names.h"
+#include "adapters/libxml2/node_text.h"
+#include "adapters/libxml2/nodes.h"
 #include "adapters/libxml2/parse.h"
+#include "adapters/libxml2/refusals.h"
 #include "adapters/libxml2/select.h"
 #include "adapters/libxml2/tree.h"
-#include "formats/text/xml_characters.h"
 #include "seams/automation_error.h"
 #include "seams/xml.h"
 
@@ -46,160 +50,6 @@ struct Adapter {
 };
 
 namespace {
-
-[[noreturn]] void Refuse(const std::string& description) {
-  throw MakeRuntimeError(RuntimeError::InvalidCall, description);
-}
-
-std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
-
-std::string NameOf(const xmlNode* node) {
-  switch (node->type) {
-    case XML_TEXT_NODE:
-      return "#text";
-    case XML_CDATA_SECTION_NODE:
-      return "#cdata-section";
-    case XML_COMMENT_NODE:
-      return "#comment";
-    case XML_DOCUMENT_NODE:
-      return "#document";
-    default:
-      break;
-  }
-  const xmlNs* space = nullptr;
-  if (IsElement(node)) {
-    space = node->ns;
-  } else if (IsAttribute(node)) {
-    space = AsAttribute(node)->ns;
-  }
-  const std::string_view prefix = space == nullptr ? std::string_view{} : View(space->prefix);
-  return (prefix.empty() ? "" : std::string(prefix) + ":") + std::string(View(node->name));
-}
-
-bool CanCarry(std::string_view text) { return text.size() < INT_MAX && FindForbidden(text) == std::string_view::npos; }
-
-// `place` says where the text, which XML cannot carry, was to go.
-[[noreturn]] void RefuseText(std::string_view text, const std::string& place) {
-  if (text.size() >= INT_MAX) {
-    Refuse("The text for " + place + " is longer than 2 GB.");
-  }
-  const std::size_t bad = FindForbidden(text);
-  Refuse("The text for " + place + " holds what XML cannot carry: the byte value " +
-         std::to_string(static_cast<unsigned char>(text[bad])) + " at byte " + std::to_string(bad + 1) + ".");
-}
-
-struct SplitName {
-  std::string_view prefix;
-  std::string_view local;
-};
-
-SplitName Split(std::string_view name) {
-  const std::size_t colon = name.find(':');
-  return colon == std::string_view::npos ? SplitName{{}, name}
-                                         : SplitName{name.substr(0, colon), name.substr(colon + 1)};
-}
-
-bool IsDeclarationName(std::string_view name) { return name == "xmlns" || name.starts_with("xmlns:"); }
-
-const xmlNs* FindDeclaration(const xmlNode* element, std::string_view prefix) {
-  for (const xmlNs* space = element->nsDef; space != nullptr; space = space->next) {
-    if (View(space->prefix) == prefix) {
-      return space;
-    }
-  }
-  return nullptr;
-}
-
-// The namespace that a prefix means at an element.
-xmlNs* NamespaceOf(xmlNode* element, std::string_view prefix) {
-  if (prefix == "xml") {
-    xmlNs xmlSpace{};
-    xmlSpace.prefix = Chars("xml");
-    xmlSpace.href = XML_XML_NAMESPACE;
-    return OwnNamespace(element->doc, &xmlSpace);
-  }
-  for (const xmlNode* node = element; IsElement(node); node = node->parent) {
-    if (const xmlNs* declared = FindDeclaration(node, prefix)) {
-      return OwnNamespace(element->doc, declared);
-    }
-    if (node->ns != nullptr && View(node->ns->prefix) == prefix) {
-      return node->ns;
-    }
-  }
-  return nullptr;
-}
-
-// An attribute whose name has a prefix; the name may turn out to be none.
-xmlAttr* NewAttribute(xmlNode* element, std::string_view name) {
-  const auto [prefix, local] = Split(name);
-  const xmlChar* interned = PlainName(element->doc, local);
-  if (interned == nullptr || (local.size() != name.size() && !IsPlainName(prefix))) {
-    Refuse(Quoted(name) + " cannot be the name of an attribute of " + NameOf(element) + ".");
-  }
-  xmlNs* space = nullptr;
-  if (!prefix.empty()) {
-    space = NamespaceOf(element, prefix);
-    if (space == nullptr) {
-      Refuse("The prefix of the attribute " + Quoted(name) + " is not declared at " + NameOf(element) + ".");
-    }
-  }
-  return AppendAttribute(element, LastAttribute(element), space, interned);
-}
-
-// The attribute of that name, a new one when the element has none.
-xmlAttr* AttributeFor(xmlNode* element, std::string_view name) {
-  const auto [prefix, local] = Split(name);
-  xmlAttr* found = FindAttribute(element, prefix, local);
-  return found == nullptr ? NewAttribute(element, name) : found;
-}
-
-bool IsMovable(const xmlNode* node) {
-  return IsElement(node) || node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE ||
-         node->type == XML_COMMENT_NODE || node->type == XML_PI_NODE;
-}
-
-xmlNode* RootOf(const xmlDoc* document) {
-  xmlNode* node = document->children;
-  while (node != nullptr && !IsElement(node)) {
-    node = node->next;
-  }
-  return node;
-}
-
-bool IsInside(const xmlNode* node, const xmlNode* tree) {
-  if (tree->children == nullptr) {
-    return node == tree;
-  }
-  while (node != nullptr && node != tree) {
-    node = node->parent;
-  }
-  return node == tree;
-}
-
-[[noreturn]] void RefuseAppend(const xmlNode* child, const xmlNode* parent, const std::string& reason) {
-  Refuse("The node " + NameOf(child) + " cannot be appended to " + NameOf(parent) + ": " + reason + ".");
-}
-
-void CheckAppend(const xmlNode* child, const xmlNode* parent) {
-  if (!IsMovable(child)) {
-    RefuseAppend(child, parent, "only elements, texts, CDATA sections, comments and processing instructions can be");
-  }
-  if (!IsElement(parent) && !IsDocument(parent)) {
-    RefuseAppend(child, parent, "only elements and documents have children");
-  }
-  if (IsDocument(parent)) {
-    if (child->type == XML_TEXT_NODE || child->type == XML_CDATA_SECTION_NODE) {
-      RefuseAppend(child, parent, "text stands in elements only");
-    }
-    const xmlNode* root = RootOf(parent->doc);
-    if (IsElement(child) && root != nullptr && root != child) {
-      RefuseAppend(child, parent, "it has the root " + NameOf(root));
-    }
-  }
-  if (IsInside(parent, child)) {
-    RefuseAppend(child, parent, "the one is a part of the other");
-  }
-}
 
 xmlNode* FirstNamed(xmlNode* node, std::string_view name) {
   const auto [prefix, local] = Split(name);

@@ -15,7 +15,4 @@ std::string MarkupOf(xmlNode* node);
 /// `encoding`: characters that it lacks are references in texts, CDATA sections and attribute values.
 std::string MarkupFor(xmlDoc* document, Encoding& encoding, const std::string& encodingName);
 
-/// The text of a node as Node::Text means it.
-std::string TextOf(xmlNode* node);
-
 }  // namespace parvex::xml

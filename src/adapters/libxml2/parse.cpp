@@ -12,7 +12,9 @@
 #include <utility>
 #include <vector>
 
+#include "adapters/libxml2/adoption.h"
 #include "adapters/libxml2/encoding.h"
+#include "adapters/libxml2/names.h"
 #include "formats/text/xml_characters.h"
 
 namespace parvex::xml {

@@ -3,76 +3,16 @@
 #include <libxml/tree.h>
 #include <libxml/xmlerror.h>
 
-#include <cstddef>
-#include <map>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 
-#include "adapters/libxml2/node_arena.h"
+#include "adapters/libxml2/document_state.h"
 
-// The trees behind the handles of platform/xml.h, and who owns what in them.
-//
-// - A handle is a pointer to a node of the tree. `_private` of a node counts the handles on it; `_private` of a
-//   document points to its DocumentState, which counts the handles on all of its nodes. With the last of them the
-//   document goes.
-// - A node without parent (new, removed, cloned, or displaced while somebody holds it) hangs under `limbo`, a fragment
-//   that belongs to the document without being part of it, so every node is always freed by its document at the latest.
-//   When the last handle on such a node is dropped and nobody holds anything inside it, it is freed at once. (A tree of
-//   which only an inner node was held stays in limbo until the document goes.)
-// - Namespaces that nodes refer to belong to the document, not to the element that declares them, so a node can leave
-//   its ancestors without dangling. Declarations on elements are kept beside, as what was written.
-// - All nodes but the DOCTYPE, and the texts in them, lie in an arena that the documents of a thread share. None of
-// them
-//   may be given to the library to be freed.
-// - A text node ends before the fields that only elements have; a short text stands in their place.
-// - Element and attribute names are interned in a dictionary that the documents of a thread share. Nodes of documents
-//   with different dictionaries get their names copied when they move.
+// Documents and their nodes: what handles hold, what is new, what hangs where. document_state.h says who owns what.
 
 namespace parvex::xml {
-
-struct DocumentState {
-  using Prefixed = std::pair<std::string, std::string>;  // prefix, name
-
-  std::size_t handles = 0;
-  xmlNode* limbo = nullptr;
-  std::shared_ptr<NodeArena> arena = ArenaOfThread();
-  std::map<Prefixed, xmlNs*> namespaces;
-  /// About how long the document's markup is: what was put into it so far. Room is taken for that much at once.
-  std::size_t markupGuess = 0;
-  /// The encoding that the declaration names, as written.
-  std::string encoding;
-  std::string parseError;
-};
-
-/// White space that was dropped on load reads as one blank in the text of an ancestor; these bits of xmlNode::extra
-/// remember where it stood.
-inline constexpr unsigned short kBlankAfter = 1;   ///< behind the node
-inline constexpr unsigned short kBlankInside = 2;  ///< before the element's first child
-
-inline std::string_view View(const xmlChar* text) {
-  return text == nullptr ? std::string_view{} : std::string_view(reinterpret_cast<const char*>(text));
-}
-inline const xmlChar* Chars(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
-inline xmlNode* AsNode(xmlDoc* document) { return reinterpret_cast<xmlNode*>(document); }
-inline xmlNode* AsNode(xmlAttr* attribute) { return reinterpret_cast<xmlNode*>(attribute); }
-inline const xmlAttr* AsAttribute(const xmlNode* node) { return reinterpret_cast<const xmlAttr*>(node); }
-inline DocumentState& StateOf(const xmlDoc* document) { return *static_cast<DocumentState*>(document->_private); }
-
-/// The marks of a node. A text never carries one: the next white space is part of it, or was dropped behind another
-/// node. Neither a text nor a DOCTYPE has the field.
-inline unsigned short BlanksAt(const xmlNode* node) {
-  return node->type == XML_TEXT_NODE || node->type == XML_DTD_NODE ? 0 : node->extra;
-}
-
-inline bool IsDocument(const xmlNode* node) { return node->type == XML_DOCUMENT_NODE; }
-inline bool IsElement(const xmlNode* node) { return node->type == XML_ELEMENT_NODE; }
-inline bool IsAttribute(const xmlNode* node) { return node->type == XML_ATTRIBUTE_NODE; }
-/// Whether the node hangs in limbo, which nobody outside may see.
-inline bool IsParentless(const xmlNode* node) {
-  return node->parent != nullptr && node->parent == StateOf(node->doc).limbo;
-}
 
 /// Keeps the library from writing to standard error while it works for this thread.
 class Quiet {
@@ -86,12 +26,6 @@ class Quiet {
   xmlGenericErrorFunc before_;
   void* contextBefore_;
 };
-
-/// The dictionary for the names of new documents of this thread.
-xmlDict* SharedNames();
-
-/// A name without colon in the document's dictionary, where each name stands once; null when it is no such name.
-const xmlChar* PlainName(xmlDoc* document, std::string_view name);
 
 /// Frees a document that nobody holds, whether it was taken in or not.
 void FreeDocument(xmlDoc* document) noexcept;
@@ -107,6 +41,11 @@ UnheldDocument NewDocument();
 /// Gives an empty document that the parser made what NewDocument gives its own.
 void TakeIn(xmlDoc* document);
 
+/// How many handles are on a node itself, which is no document.
+inline std::uintptr_t HandlesOn(const xmlNode* node) { return reinterpret_cast<std::uintptr_t>(node->_private); }
+inline std::uintptr_t HandlesOn(const xmlAttr* attribute) {
+  return reinterpret_cast<std::uintptr_t>(attribute->_private);
+}
 void Hold(xmlNode* node) noexcept;
 void Release(xmlNode* node) noexcept;
 
@@ -128,23 +67,18 @@ xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, xmlNs* space, const xm
 /// Writes down that an element declares a namespace; `prefix` empty for the default one.
 void AppendDeclaration(xmlNode* element, std::string_view prefix, std::string_view uri);
 
-/// The document's own copy of a namespace.
-xmlNs* OwnNamespace(xmlDoc* document, const xmlNs* original);
-
 /// The next node of the tree below `top` in document order, attributes left out; null behind the last.
 xmlNode* NextInTree(xmlNode* node, const xmlNode* top);
 
+/// Leaves the node's own links to its place as they were.
+void CutOut(xmlNode* node);
+void LinkLast(xmlNode* node, xmlNode* parent);
+/// What was dropped behind a node stays behind when it leaves its place.
+void KeepBlankInside(xmlNode* node);
+
 /// Takes a node out of its place, into limbo.
 void Unlink(xmlNode* node);
-/// Makes a node, wherever it is, the last child of `parent`, also across documents.
-void Move(xmlNode* node, xmlNode* parent);
 /// Removes all children, freeing those that nobody holds.
 void ClearChildren(xmlNode* parent);
-/// Replaces the content of a text or CDATA section.
-void SetContent(xmlNode* leaf, std::string_view text);
-
-/// The element's attribute; `prefix` empty for none.
-xmlAttr* FindAttribute(const xmlNode* element, std::string_view prefix, std::string_view name);
-std::string ValueOf(const xmlAttr* attribute);
 
 }  // namespace parvex::xml

@@ -137,7 +137,9 @@ std::string CopyTagEx(const Application& application, const xml::Document& reque
   const ProjectStore store(application);
   const std::string project = NeedParameter(request, "projectName");
   std::vector<Unit> units = store.ReadUnits(project);
-  const Unit& unit = NeedTag(units, project, NeedParameter(request, "PDSG"), NeedParameter(request, "tagName"));
+  const std::string pdsg = NeedParameter(request, "PDSG");
+  const std::string name = NeedParameter(request, "tagName");
+  const Unit& unit = NeedTag(units, project, pdsg, name);
   return CopyInto(store, project, unit, NeedParameter(request, "newTagName"));
 }
 

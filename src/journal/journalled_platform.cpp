@@ -1,7 +1,6 @@
 #include "journal/journalled_platform.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -60,8 +59,8 @@ class JournalledProcess : public Process {
 
   std::uint32_t ExitCode() override {
     const std::uint32_t exitCode = outside_->ExitCode();
-    if (exitCode != kStillActive && line_) {
-      (*line_)["exitCode"] = static_cast<std::int32_t>(exitCode);
+    if (exitCode != kStillActive && !written_) {
+      line_["exitCode"] = static_cast<std::int32_t>(exitCode);
       WriteOnce();
     }
     return exitCode;
@@ -69,14 +68,15 @@ class JournalledProcess : public Process {
 
  private:
   void WriteOnce() {
-    if (line_) {
-      WriteLine(out_, *line_);
-      line_.reset();
+    if (!written_) {
+      WriteLine(out_, line_);
+      written_ = true;
     }
   }
 
   std::unique_ptr<Process> outside_;
-  std::optional<Json> line_;  // until it is written
+  Json line_;
+  bool written_ = false;
   std::ostream& out_;
 };
 

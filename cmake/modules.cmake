@@ -99,6 +99,24 @@ function(parvex_test name folder)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src)
   target_compile_definitions(${name} PRIVATE PARVEX_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} GTest::gmock_main GTest::gtest parvex_warnings)
+  # Tests are compiled quickly; what they test is compiled as everywhere.
+  target_compile_options(${name} PRIVATE -O0 -g1)
+  parvex_precompile_test_headers(${name})
   # A parameter's value may hold any character, and does not belong in the name of a test.
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES PROPERTIES TIMEOUT 120 LABELS ${name} ${ARG_PROPERTIES})
+endfunction()
+
+# The first test program compiles the headers that nearly every test reads; the others use what it made.
+function(parvex_precompile_test_headers name)
+  get_property(first GLOBAL PROPERTY PARVEX_TEST_HEADERS)
+  if(PARVEX_JOIN_SOURCES)
+    return()
+  elseif(first)
+    target_precompile_headers(${name} REUSE_FROM ${first})
+  else()
+    set_property(GLOBAL PROPERTY PARVEX_TEST_HEADERS ${name})
+    target_precompile_headers(${name} PRIVATE
+      <gmock/gmock.h> <gtest/gtest.h> <algorithm> <filesystem> <fstream> <functional> <map> <memory> <optional> <string>
+      <string_view> <vector>)
+  endif()
 endfunction()

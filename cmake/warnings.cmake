@@ -1,9 +1,13 @@
 # Every target of the project is built with these.
 add_library(parvex_warnings INTERFACE)
 target_compile_options(parvex_warnings INTERFACE -Wall -Wextra)
-if(NOT PARVEX_FUZZ)
-  # clang, which fuzzing needs, warns of other things.
+if(PARVEX_WARNINGS_AS_ERRORS)
   target_compile_options(parvex_warnings INTERFACE -Werror)
+endif()
+
+if(PARVEX_JOIN_SOURCES)
+  # To the compiler a joined source is a header, where it warns of unnamed namespaces.
+  target_compile_options(parvex_warnings INTERFACE -Wno-subobject-linkage)
 endif()
 
 if(PARVEX_SANITIZE)

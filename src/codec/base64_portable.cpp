@@ -64,7 +64,7 @@ std::uint64_t FirstOnTop(std::uint64_t word) {
 }
 
 // Eight values at a time: neighbours are joined to 12, 24 and 48 bits.
-void Pack(const std::uint8_t* values, std::size_t count, char* bytes) {
+void PackPortably(const std::uint8_t* values, std::size_t count, char* bytes) {
   for (; count >= 8; count -= 8, values += 8, bytes += 6) {
     std::uint64_t word;
     std::memcpy(&word, values, sizeof word);
@@ -82,7 +82,7 @@ void Pack(const std::uint8_t* values, std::size_t count, char* bytes) {
   }
 }
 
-void Encode(std::string_view bytes, char* text) {
+void EncodePortably(std::string_view bytes, char* text) {
   const auto* at = reinterpret_cast<const unsigned char*>(bytes.data());
   std::size_t left = bytes.size();
   for (; left >= 3; left -= 3, at += 3, text += 4) {
@@ -132,7 +132,7 @@ void StageByTable(std::string_view& text, const char* end, Stage& stage) {
 }
 
 const Kernels& PortableKernels() {
-  static constexpr Kernels kernels{Encode, StageAll, Pack};
+  static constexpr Kernels kernels{EncodePortably, StageAll, PackPortably};
   return kernels;
 }
 

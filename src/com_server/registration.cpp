@@ -44,7 +44,7 @@ class OpenKey {
   HKEY key_ = nullptr;
 };
 
-std::wstring IdText(REFGUID id) {
+std::wstring WideIdText(REFGUID id) {
   wchar_t text[40];
   StringFromGUID2(id, text, 40);
   return text;
@@ -62,7 +62,7 @@ bool KeyExists(HKEY root, const std::wstring& key) {
 }
 
 void RegisterClass(RegistryChanges& changes, const ComClass& c, const std::wstring& modulePath, const GUID* libraryId) {
-  const std::wstring id = IdText(c.id);
+  const std::wstring id = WideIdText(c.id);
   const std::wstring versioned = c.programmaticId + kVersion;
   const std::wstring key = L"CLSID\\" + id;
   changes.Set(key, L"", c.description);
@@ -71,7 +71,7 @@ void RegisterClass(RegistryChanges& changes, const ComClass& c, const std::wstri
   changes.Set(key + L"\\ProgID", L"", versioned);
   changes.Set(key + L"\\VersionIndependentProgID", L"", c.programmaticId);
   if (libraryId != nullptr) {
-    changes.Set(key + L"\\TypeLib", L"", IdText(*libraryId));
+    changes.Set(key + L"\\TypeLib", L"", WideIdText(*libraryId));
   }
   changes.Set(versioned, L"", c.description);
   changes.Set(versioned + L"\\CLSID", L"", id);
@@ -95,7 +95,7 @@ void UnregisterLibrary(const std::wstring& modulePath) {
   library->ReleaseTLibAttr(attributes);
   wchar_t version[16];
   swprintf(version, 16, L"\\%x.%x", read.wMajorVerNum, read.wMinorVerNum);
-  if (!KeyExists(HKEY_CLASSES_ROOT, L"TypeLib\\" + IdText(read.guid) + version)) {
+  if (!KeyExists(HKEY_CLASSES_ROOT, L"TypeLib\\" + WideIdText(read.guid) + version)) {
     return;  // what was not registered is unregistered; systems differ in what they call it
   }
   Require(UnRegisterTypeLib(read.guid, read.wMajorVerNum, read.wMinorVerNum, read.lcid, read.syskind),
@@ -110,7 +110,7 @@ void RemoveKey(const std::wstring& key) {
 }
 
 void UnregisterClass(const ComClass& c) {
-  const std::wstring id = IdText(c.id);
+  const std::wstring id = WideIdText(c.id);
   for (const std::wstring& programmaticId : {c.programmaticId, c.programmaticId + kVersion}) {
     if (lstrcmpiW(KeyText(HKEY_CLASSES_ROOT, programmaticId + L"\\CLSID").c_str(), id.c_str()) == 0) {
       RemoveKey(programmaticId);

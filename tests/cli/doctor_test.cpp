@@ -13,7 +13,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-using Json = nlohmann::json;
+using SortedJson = nlohmann::json;
 
 class Doctor : public SampleWalk {
  protected:
@@ -23,13 +23,13 @@ class Doctor : public SampleWalk {
     return RunParvex(all, surroundings);
   }
   /// The checks by name, of a run whose exit status fits what it found.
-  std::map<std::string, Json> Checks() const {
+  std::map<std::string, SortedJson> Checks() const {
     const Outcome outcome = Run({"--json"});
-    const Json all = Json::parse(outcome.out);
-    std::map<std::string, Json> checks;
+    const SortedJson all = SortedJson::parse(outcome.out);
+    std::map<std::string, SortedJson> checks;
     int failures = 0;
     int warnings = 0;
-    for (const Json& check : all["checks"]) {
+    for (const SortedJson& check : all["checks"]) {
       checks[check["name"]] = check;
       failures += check["state"] == "failure";
       warnings += check["state"] == "warning";
@@ -107,7 +107,7 @@ TEST_F(Doctor, NamesWhatIsMissingOrDamagedWithAHint) {
   for (const Damage& damage : damages) {
     ASSERT_EQ(RunParvex({"machine", "create", Sample()}).status, 0);
     damage.damage(Installed(""));
-    const Json check = Checks()[damage.check];
+    const SortedJson check = Checks()[damage.check];
     EXPECT_EQ(damage.state, check["state"]) << check;
     EXPECT_THAT(check["detail"].get<std::string>(), HasSubstr(damage.named));
   }

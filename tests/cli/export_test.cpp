@@ -12,7 +12,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* kProject = "Riverside Clinic";
+constexpr const char* kClinic = "Riverside Clinic";
 
 class Export : public SampleWalk {
  protected:
@@ -46,7 +46,7 @@ class Export : public SampleWalk {
 };
 
 TEST_F(Export, OfAProjectIsWhatItsCommandDocumentGives) {
-  const Outcome outcome = Run({"--project", kProject, "-o", Output()});
+  const Outcome outcome = Run({"--project", kClinic, "-o", Output()});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, "");
   EXPECT_EQ(outcome.err, "") << "quiet where nobody watches";
@@ -56,14 +56,14 @@ TEST_F(Export, OfAProjectIsWhatItsCommandDocumentGives) {
 }
 
 TEST_F(Export, GoesToStandardOutputWhenNoFileIsNamed) {
-  for (const auto& arguments : {std::vector<std::string>{"--project", kProject},
-                                std::vector<std::string>{"--project", kProject, "--output", "-"}}) {
+  for (const auto& arguments : {std::vector<std::string>{"--project", kClinic},
+                                std::vector<std::string>{"--project", kClinic, "--output", "-"}}) {
     EXPECT_EQ(MarksIn(Run(arguments).out).size(), 6u);
   }
 }
 
 TEST_F(Export, OfNamedTagsKeepsTheOrderOfTheirNames) {
-  const Outcome outcome = Run({"--project", kProject, "--tags", "Küche & Café <EG>", "RTU-1", "-o", "-"});
+  const Outcome outcome = Run({"--project", kClinic, "--tags", "Küche & Café <EG>", "RTU-1", "-o", "-"});
   EXPECT_THAT(MarksIn(outcome.out), ElementsAre("Küche & Café <EG>", "RTU-1")) << outcome.err;
 }
 
@@ -74,7 +74,7 @@ TEST_F(Export, TakesTheSelectionFromAFileAloneOrInsideACommand) {
       "<UserSelectionTransfer><ProjectName>Riverside Clinic</ProjectName><TagNames>"
       "<TagName>CH-1</TagName></TagNames></UserSelectionTransfer>";
   for (const std::string& text : {selection, named, "<COMMAND><PARAMETER>" + named + "</PARAMETER></COMMAND>"}) {
-    const Outcome outcome = Run({"--project", kProject, "--selection", Write("selection.xml", text)});
+    const Outcome outcome = Run({"--project", kClinic, "--selection", Write("selection.xml", text)});
     EXPECT_THAT(MarksIn(outcome.out), ElementsAre("CH-1")) << text << outcome.err;
   }
 }
@@ -86,7 +86,7 @@ TEST_F(Export, RefusesASelectionThatIsNoneOrThatOfAnotherProject) {
       {"<UserSelectionTransfer><ProjectName>Harbour</ProjectName></UserSelectionTransfer>",
        "selects in the project \"Harbour\""}};
   for (const auto& [text, named] : cases) {
-    const Outcome outcome = Run({"--project", kProject, "--selection", Write("selection.xml", text), "-o", Output()});
+    const Outcome outcome = Run({"--project", kClinic, "--selection", Write("selection.xml", text), "-o", Output()});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_THAT(outcome.err, HasSubstr(named));
     EXPECT_THAT(Written(), ElementsAre("selection.xml"));
@@ -95,7 +95,7 @@ TEST_F(Export, RefusesASelectionThatIsNoneOrThatOfAnotherProject) {
 
 TEST_F(Export, ThatFailsLeavesTheOutputAsItWasAndSaysWhy) {
   Write("quote.xml", "earlier");
-  const Outcome outcome = Run({"--project", kProject, "--tags", "nobody", "-o", Output()});
+  const Outcome outcome = Run({"--project", kClinic, "--tags", "nobody", "-o", Output()});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");
   EXPECT_THAT(outcome.err, HasSubstr("the export of \"Riverside Clinic\" failed: User Canceled"));
@@ -104,34 +104,34 @@ TEST_F(Export, ThatFailsLeavesTheOutputAsItWasAndSaysWhy) {
 }
 
 TEST_F(Export, IntoAFolderThatDoesNotExistIsFoundOutBeforeAnythingIsSent) {
-  const Outcome outcome = Run({"--project", kProject, "-o", Output() + "/nowhere/q.xml", "--journal", Journal()});
+  const Outcome outcome = Run({"--project", kClinic, "-o", Output() + "/nowhere/q.xml", "--journal", Journal()});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_FALSE(std::filesystem::exists(Journal()));
   EXPECT_FALSE(std::filesystem::exists(Installed("Temp/HBInput.ini")));
 }
 
 TEST_F(Export, ThatCannotBeWrittenCompletelyIsAFailure) {
-  EXPECT_EQ(Run({"--project", kProject, "-o", "/dev/full"}).status, 3);
-  EXPECT_EQ(Run({"--project", kProject}, {.outputFile = "/dev/full"}).status, 3);
+  EXPECT_EQ(Run({"--project", kClinic, "-o", "/dev/full"}).status, 3);
+  EXPECT_EQ(Run({"--project", kClinic}, {.outputFile = "/dev/full"}).status, 3);
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
 }
 
 TEST_F(Export, ReplacesTheFileThatALinkLeadsTo) {
   const std::string real = Write("real.xml", "earlier");
   std::filesystem::create_symlink("real.xml", Output());
-  EXPECT_EQ(Run({"--project", kProject, "-o", Output()}).status, 0);
+  EXPECT_EQ(Run({"--project", kClinic, "-o", Output()}).status, 0);
   EXPECT_TRUE(std::filesystem::is_symlink(Output()));
   EXPECT_EQ(MarksIn(ReadHostFile(real)).size(), 6u);
 }
 
 TEST_F(Export, IsJournalledWhenAsked) {
-  EXPECT_EQ(Run({"--project", kProject, "-o", Output(), "--journal", Journal()}).status, 0);
+  EXPECT_EQ(Run({"--project", kClinic, "-o", Output(), "--journal", Journal()}).status, 0);
   ASSERT_EQ(Journalled("process").size(), 1u);
   EXPECT_THAT(Journalled("process")[0]["command"].get<std::string>(), HasSubstr("/OrlaImportNoUI"));
 }
 
 TEST_F(Export, TellsAWaitingUserWhatGoesOnAndLeavesNothingOfIt) {
-  const Outcome outcome = Run({"--project", kProject, "-o", Output()}, {.onTerminal = true});
+  const Outcome outcome = Run({"--project", kClinic, "-o", Output()}, {.onTerminal = true});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.err, HasSubstr("\rThe quote builder runs"));
   EXPECT_THAT(outcome.err, HasSubstr("\rReading tag 6"));
@@ -143,7 +143,7 @@ TEST_F(Export, TellsAWaitingUserWhatGoesOnAndLeavesNothingOfIt) {
 
 TEST_F(Export, NeedsAProjectAndEitherTagsOrASelection) {
   EXPECT_EQ(Run({}).status, 2);
-  EXPECT_EQ(Run({"--project", kProject, "--tags", "A", "--selection", Write("s.xml", "<A/>")}).status, 2);
+  EXPECT_EQ(Run({"--project", kClinic, "--tags", "A", "--selection", Write("s.xml", "<A/>")}).status, 2);
 }
 
 }  // namespace

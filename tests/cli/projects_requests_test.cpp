@@ -10,7 +10,7 @@
 namespace parvex::test {
 namespace {
 
-using Json = nlohmann::json;
+using SortedJson = nlohmann::json;
 using Parameters = std::vector<std::pair<std::string, std::string>>;
 
 struct Request {
@@ -105,7 +105,7 @@ TEST_P(ProjectRequests, AreSentWithTheirExactText) {
   const CliMachine machine;
   std::string replay;
   for (const std::string& answer : GetParam().answers) {
-    replay += Json({{"kind", "router"}, {"answer", answer}, {"success", true}}).dump() + "\n";
+    replay += SortedJson({{"kind", "router"}, {"answer", answer}, {"success", true}}).dump() + "\n";
   }
   const Request& command = GetParam().command;
   const Outcome outcome =
@@ -114,7 +114,7 @@ TEST_P(ProjectRequests, AreSentWithTheirExactText) {
   EXPECT_EQ(outcome.status, 0) << outcome.out << outcome.err;
   std::vector<std::string> sent;
   for (const std::string& line : machine.Lines("journal")) {
-    sent.push_back(Json::parse(line).at("request"));
+    sent.push_back(SortedJson::parse(line).at("request"));
   }
   std::vector<std::string> expected;
   for (const Request& request : GetParam().requests) {

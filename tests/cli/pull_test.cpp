@@ -7,7 +7,7 @@
 namespace parvex::test {
 namespace {
 
-using Json = nlohmann::json;
+using SortedJson = nlohmann::json;
 
 bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
@@ -269,7 +269,7 @@ TEST(Workflow, IsFoundBehindAPathWithBlanksAndLettersBeyondAscii) {
   const std::string file = machine.Write("c.xml", ExportCommand());
   EXPECT_EQ(machine.Run({"--journal", machine.Path("j"), "pull-ngorla", file}).status, 0);
   EXPECT_EQ(machine.Read("started"), "/OrlaImportNoUI\n");
-  const Json line = Json::parse(machine.Read("j"));
+  const SortedJson line = SortedJson::parse(machine.Read("j"));
   EXPECT_EQ(line["command"], "C:\\My Küche\\TQ5-VX\\Bin\\\\kdwfm470.exe /OrlaImportNoUI");
   EXPECT_EQ(line["exitCode"], 3);
 }
@@ -332,12 +332,12 @@ TEST(Workflow, GivesTheTagsOfItsSelection) {
 class JournalFile : public testing::Test {
  protected:
   // Sends one export and gives the only line of its journal.
-  Json LineOf(const std::string& command) {
+  SortedJson LineOf(const std::string& command) {
     const std::string file = machine_.Write("c.xml", command);
     outcome_ = machine_.Run({"--journal", machine_.Path("j.jsonl"), "pull-ngorla", file});
     const std::vector<std::string> lines = machine_.Lines("j.jsonl");
     EXPECT_EQ(lines.size(), 1u);
-    return lines.empty() ? Json() : Json::parse(lines.front());
+    return lines.empty() ? SortedJson() : SortedJson::parse(lines.front());
   }
 
   CliMachine machine_;
@@ -348,17 +348,17 @@ constexpr const char* kProgram = "C:\\Korvane\\TQ5-VX\\Bin\\\\kdwfm470.exe";
 
 TEST_F(JournalFile, HoldsAProgramWithItsCommandLineWindowStyleAndExitCode) {
   machine_.SetWorkflow("exit 5");
-  const Json line = LineOf(ExportCommand());
+  const SortedJson line = LineOf(ExportCommand());
   EXPECT_EQ(outcome_.status, 0) << outcome_.err;
-  EXPECT_EQ((Json{{"kind", "process"},
-                  {"command", std::string(kProgram) + " /OrlaImportNoUI"},
-                  {"windowStyle", 1},
-                  {"exitCode", 5}}),
+  EXPECT_EQ((SortedJson{{"kind", "process"},
+                        {"command", std::string(kProgram) + " /OrlaImportNoUI"},
+                        {"windowStyle", 1},
+                        {"exitCode", 5}}),
             line);
 }
 
 TEST_F(JournalFile, HoldsAProgramThatDoesNotExist) {
-  const Json line = LineOf(ExportCommand());
+  const SortedJson line = LineOf(ExportCommand());
   EXPECT_EQ(std::string(kProgram) + " /OrlaImportNoUI", line["command"]);
   EXPECT_EQ(line["exitCode"], -2147221451);  // 0x80040035: file not found
   EXPECT_EQ(line["error"]["number"], "0x800A0035");
@@ -366,7 +366,7 @@ TEST_F(JournalFile, HoldsAProgramThatDoesNotExist) {
 
 TEST_F(JournalFile, HoldsAProgramThatCannotBeStarted) {
   WriteHostFile(machine_.Installed("Bin", "kdwfm470.exe"), "MZ no program of this system");
-  const Json line = LineOf(CommandText("getHybrisXML"));
+  const SortedJson line = LineOf(CommandText("getHybrisXML"));
   EXPECT_EQ(std::string(kProgram) + " /OrlaProjectImport", line["command"]);
   EXPECT_EQ(line["exitCode"], -2147221499);  // 0x80040005: not a program
   EXPECT_EQ(line["error"]["number"], "0x800A0005");

@@ -22,7 +22,7 @@ using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 const std::string kBuilder = "KDQU470.CKDBuilder";
-const std::string kProject = Parameter("projectName", "Riverside Clinic");
+const std::string kClinicParameter = Parameter("projectName", "Riverside Clinic");
 
 class TagsWalk : public testing::Test {
  protected:
@@ -49,7 +49,7 @@ class TagsWalk : public testing::Test {
   Outcome Send(const std::string& name, const std::string& parameters) { return Pull({File(name, parameters)}); }
 
   /// The tags of a project as getTagList answers them: name, a blank, UPTODATE.
-  std::vector<std::string> Tags(const std::string& project = kProject) {
+  std::vector<std::string> Tags(const std::string& project = kClinicParameter) {
     const Outcome outcome = Send("getTagList", project);
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     std::vector<std::string> tags;
@@ -87,13 +87,13 @@ class TagsWalk : public testing::Test {
 };
 
 std::string Owned(const std::string& tagName) {
-  return kProject + Parameter("pdsg", "RTU47") + Parameter("tagName", tagName);
+  return kClinicParameter + Parameter("pdsg", "RTU47") + Parameter("tagName", tagName);
 }
 
 TEST_F(TagsWalk, TheListSaysWhichTagsAreUpToDate) {
   EXPECT_THAT(Tags(), ElementsAre("RTU-1 -1", "AHU-3 -1", "CH-1 -1", "HP-7 0", "SS-2 0", "Küche & Café <EG> 0"));
-  EXPECT_THAT(Requests(),
-              ElementsAre(Sent("getTagList", Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "*") + kProject)));
+  EXPECT_THAT(Requests(), ElementsAre(Sent("getTagList", Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "*") +
+                                                             kClinicParameter)));
 }
 
 TEST_F(TagsWalk, WithoutAToolFileNoTagWithAVersionIsUpToDate) {
@@ -108,9 +108,9 @@ TEST_F(TagsWalk, AnUnknownProjectIsTheFailedReply) {
 }
 
 TEST_F(TagsWalk, TheListsTagsAreFetchedByOneRequestEach) {
-  const Outcome list = Send("getTagList", kProject);
+  const Outcome list = Send("getTagList", kClinicParameter);
   const xml::Document tags = xml::Document::Parse(list.out);
-  const Outcome outcome = Send("getTags", kProject + Parameter("data", tags.Root().Xml()));
+  const Outcome outcome = Send("getTags", kClinicParameter + Parameter("data", tags.Root().Xml()));
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   const xml::Document data = xml::Document::Parse(outcome.out);
   std::vector<std::string> found;
@@ -122,30 +122,30 @@ TEST_F(TagsWalk, TheListsTagsAreFetchedByOneRequestEach) {
                                  "PROTOTAG SS-2", "TAG Küche & Café <EG>"));
   const std::vector<std::string> requests = Requests();
   ASSERT_EQ(requests.size(), 6u);
-  EXPECT_EQ(Sent("getTag",
-                 Parameter("pdsgFilter", "") + kProject + Parameter("pdsg", "RTU47") + Parameter("tagName", "RTU-1")),
+  EXPECT_EQ(Sent("getTag", Parameter("pdsgFilter", "") + kClinicParameter + Parameter("pdsg", "RTU47") +
+                               Parameter("tagName", "RTU-1")),
             requests[0]);
-  EXPECT_EQ(Sent("getTagEx", kProject + Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "WSH47") +
+  EXPECT_EQ(Sent("getTagEx", kClinicParameter + Parameter("pdsg", "KDQ47") + Parameter("pdsgFilter", "WSH47") +
                                  Parameter("tagName", "HP-7")),
             requests[3]);
 }
 
 TEST_F(TagsWalk, ATagTheProjectDoesNotHaveIsLeftOut) {
   const std::string entry = "<TAG><NAME>No</NAME><PDSG>RTU47</PDSG><DATATYPE>0</DATATYPE></TAG>";
-  const Outcome outcome = Send("getTags", kProject + Parameter("data", entry));
+  const Outcome outcome = Send("getTags", kClinicParameter + Parameter("data", entry));
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, "<TagData><PROJECT><projectName>Riverside Clinic</projectName></PROJECT></TagData>\r\n");
 }
 
 TEST_F(TagsWalk, ATagIsRenamedCopiedAndDeleted) {
-  const std::string copying = kProject + Parameter("PDSG", "RTU47") + Parameter("tagName", "Roof _ 1") +
+  const std::string copying = kClinicParameter + Parameter("PDSG", "RTU47") + Parameter("tagName", "Roof _ 1") +
                               Parameter("dataType", "0") + Parameter("TAGINDEXID", "1101");
   const Outcome outcome = Pull({
       File("renameTag", Owned("RTU-1") + Parameter("newTagName", "Roof | 1")),
       File("copyTag", copying),
       File("addProject", Parameter("projectName", "Annex")),
       File("copyTag", copying + Parameter("destinationProject", "Annex") + Parameter("newTagName", "RTU-1")),
-      File("deleteTag", kProject + Parameter("PDSG", "XRC47") + Parameter("tagName", "CH-1") +
+      File("deleteTag", kClinicParameter + Parameter("PDSG", "XRC47") + Parameter("tagName", "CH-1") +
                             Parameter("DATATYPE", "0") + Parameter("TAGINDEXID", "1103") + Parameter("ID", "1103")),
   });
   EXPECT_EQ(outcome.status, 0) << outcome.out;
@@ -162,7 +162,7 @@ TEST_F(TagsWalk, RequestsToRenameCarryTheUpdateDocument) {
   const std::string info =
       "<TagUpdateInfo><Table Name=\"TagData\"><Column>sTagName</Column><Column>sDescription</Column></Table>"
       "<Table Name=\"TagIndex\"><Column>sTagName</Column></Table></TagUpdateInfo>";
-  EXPECT_EQ(Sent("renameTagEx", kProject + Parameter("pdsg", "KDQ47") + Parameter("tagName", "RTU-1") +
+  EXPECT_EQ(Sent("renameTagEx", kClinicParameter + Parameter("pdsg", "KDQ47") + Parameter("tagName", "RTU-1") +
                                     Parameter("newTagName", "RTU-1[1]") + Parameter("pdsgOfOwner", "RTU47") +
                                     Parameter("tableName", "TagData") + Parameter("data", info)),
             requests[1]);
@@ -171,8 +171,8 @@ TEST_F(TagsWalk, RequestsToRenameCarryTheUpdateDocument) {
 TEST_F(TagsWalk, WhatTheRouterRefusesIsTheFailedReply) {
   SetStandin("{\"router\":{\"refuse\":[\"renameTagEx\",\"CopyTagEx\",\"deleteTagEx\"]}}");
   EXPECT_EQ(Send("renameTag", Owned("RTU-1") + Parameter("newTagName", "N")).status, 1);
-  EXPECT_EQ(Send("copyTag", kProject + Parameter("PDSG", "RTU47") + Parameter("tagName", "RTU-1")).status, 1);
-  EXPECT_EQ(Send("deleteTag", kProject + Parameter("PDSG", "RTU47") + Parameter("tagName", "RTU-1")).status, 1);
+  EXPECT_EQ(Send("copyTag", kClinicParameter + Parameter("PDSG", "RTU47") + Parameter("tagName", "RTU-1")).status, 1);
+  EXPECT_EQ(Send("deleteTag", kClinicParameter + Parameter("PDSG", "RTU47") + Parameter("tagName", "RTU-1")).status, 1);
   EXPECT_THAT(Tags(), testing::SizeIs(6));
 }
 
@@ -182,7 +182,7 @@ TEST_F(TagsWalk, AReplayAnswersTagRequests) {
                 "{\"kind\":\"router\",\"answer\":\"<L><TAG><NAME>A</NAME><PDSG>XRC47</PDSG>"
                 "<TAGVERSION>4.71.0</TAGVERSION></TAG></L>\",\"success\":true}\n"
                 "{\"kind\":\"router\",\"answer\":\"no XML\",\"success\":true}\n");
-  const std::string list = File("getTagList", kProject);
+  const std::string list = File("getTagList", kClinicParameter);
   const Outcome outcome = Pull({list, list}, {"--replay", replay});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(outcome.out,
@@ -207,8 +207,8 @@ TEST_F(TagsWalk, TheSamplesCommandsAreAllCarriedOutInTheirOrder) {
                                   "New RTU-1107 -1"));
 }
 
-const std::string kNewTag = kProject + Parameter("PDSG", "RTU47");
-const std::string kConfigureTag = kProject + Parameter("PDSG", "FCB47") +
+const std::string kNewTag = kClinicParameter + Parameter("PDSG", "RTU47");
+const std::string kConfigureTag = kClinicParameter + Parameter("PDSG", "FCB47") +
                                   Parameter("tagName", "Küche &amp; Café &lt;EG&gt;") + Parameter("tagID", "1106") +
                                   Parameter("projectID", "1");
 
@@ -225,7 +225,7 @@ TEST_F(TagsWalk, TheBuilderBringsAConfiguredTagAndARebuiltProjectUpToDate) {
   EXPECT_EQ(Tags().back(), "Küche & Café <EG> -1");
   WriteHostFile(Bin("Tools.xml"), "<Tools><Tool><Pdsg>RTU47</Pdsg><Version>5</Version></Tool></Tools>");
   EXPECT_EQ(Tags().front(), "RTU-1 0");
-  EXPECT_EQ(Send("rebuildAllTags", kProject).status, 0);
+  EXPECT_EQ(Send("rebuildAllTags", kClinicParameter).status, 0);
   EXPECT_EQ(Tags().front(), "RTU-1 -1");
 }
 
@@ -266,7 +266,7 @@ TEST_F(TagsWalk, ACancelledBuilderIsASuccessThatChangesNothing) {
   const std::vector<std::string> before = Tags();
   EXPECT_EQ(Send("newTag", kNewTag).out, kSuccess);
   EXPECT_EQ(Send("configureTag", kConfigureTag).out, kSuccess);
-  EXPECT_EQ(Send("rebuildAllTags", kProject).out, kSuccess);
+  EXPECT_EQ(Send("rebuildAllTags", kClinicParameter).out, kSuccess);
   EXPECT_EQ(before, Tags());
 }
 

@@ -19,6 +19,9 @@ using windows::ComPointer;
 using windows::TextOf;
 using windows::Variant;
 
+/// How the runtime error 13 arrives.
+constexpr HRESULT kTypeMismatch = static_cast<HRESULT>(0x800A000D);
+
 /// An object by its programmatic id; null when it cannot be made.
 template <typename Interface>
 ComPointer<Interface> Create(std::string_view programmaticId) {

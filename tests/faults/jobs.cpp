@@ -19,7 +19,7 @@ constexpr const char* kOptions =
     "<Options><Tool ID=\"SOV02\"><Option><Name>cmbLanguage</Name><Value>English</Value></Option></Tool></Options>";
 constexpr const char* kFolder = "C:\\Korvane\\TQ5-VX\\Projects\\Tower";
 constexpr const char* kTemp = "C:\\Korvane\\TQ5-VX\\Temp\\";
-constexpr const char* kBlob = "C:\\Korvane\\TQ5-VX\\Projects\\Tower\\unit.blb";
+constexpr const char* kUnitBlob = "C:\\Korvane\\TQ5-VX\\Projects\\Tower\\unit.blb";
 
 std::string TemporaryFile(const std::string& name) { return kTemp + name; }
 std::string ProgramFile(const std::string& name) { return FakeMachine::kBinPath + name; }
@@ -56,14 +56,14 @@ const std::string& ProjectDatabase() {
 
 void PrepareExport(FakeMachine& machine) {
   machine.Write(TemporaryFile("QBOutput.ini"), "[Header]\r\nAction=cancel\r\n");
-  machine.Write(kBlob, Blob());
+  machine.Write(kUnitBlob, Blob());
   machine.Write(std::string(kFolder) + "\\project.mdb", ProjectDatabase());
   machine.processes.work = [&machine](const std::string&) {
     const FaultsSuspended otherProgram;
     machine.Write(
         TemporaryFile("QBOutput.ini"),
         "[Header]\r\nAction=ok\r\n[PartNumber1]\r\nPartNumber=A\r\nPDSG=RTU47\r\nMarkFor=RTU-1\r\nFileName=" +
-            std::string(kBlob) +
+            std::string(kUnitBlob) +
             "\r\n[Accessory1]\r\nPartNumber:1=x\r\nQuantity:1=2\r\n[Warranty1]\r\nName:1=w\r\nPartNumber:1=y\r\n");
   };
 }

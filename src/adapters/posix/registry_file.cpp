@@ -14,13 +14,13 @@
 namespace parvex::posix {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r";
+constexpr std::string_view kBlanksAndReturn = " \t\r";
 constexpr std::string_view kSoftware = "HKEY_LOCAL_MACHINE\\SOFTWARE\\";
 
 std::string_view Trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
+  const std::size_t first = text.find_first_not_of(kBlanksAndReturn);
   return first == std::string_view::npos ? std::string_view{}
-                                         : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+                                         : text.substr(first, text.find_last_not_of(kBlanksAndReturn) - first + 1);
 }
 
 std::string_view TakeLine(std::string_view& rest) {

@@ -106,7 +106,7 @@ std::string TableRow(const std::string& tag, const std::array<Column, size>& col
 }
 
 template <std::size_t size>
-std::string Table(const std::array<Column, size>& columns, const std::string& rows) {
+std::string TableElement(const std::array<Column, size>& columns, const std::string& rows) {
   std::string html = "<div class=\"scroll\"><table>\n<thead><tr>";
   for (const Column& column : columns) {
     html += Element(column.isNumber ? "th class=\"n\"" : "th", column.name);
@@ -114,7 +114,9 @@ std::string Table(const std::array<Column, size>& columns, const std::string& ro
   return html + "</tr></thead>\n<tbody>\n" + rows + "</tbody></table></div>\n";
 }
 
-std::string AmountText(const std::optional<Hundredths>& amount) { return amount ? FormatAmount(*amount) : "?"; }
+std::string AmountOrQuestionMark(const std::optional<Hundredths>& amount) {
+  return amount ? FormatAmount(*amount) : "?";
+}
 
 std::string ComponentsTable(const QuoteUnit& unit) {
   if (unit.components.empty()) {
@@ -122,17 +124,18 @@ std::string ComponentsTable(const QuoteUnit& unit) {
   }
   std::string rows;
   for (const QuoteComponent& component : unit.components) {
-    rows += TableRow(
-        "tr", kComponentColumns,
-        {component.type, component.partNumber, component.quantity, component.price, AmountText(component.Amount()),
-         component.supplier, component.description + (component.preOrder == "1" ? " (ordered ahead)" : "")});
+    rows += TableRow("tr", kComponentColumns,
+                     {component.type, component.partNumber, component.quantity, component.price,
+                      AmountOrQuestionMark(component.Amount()), component.supplier,
+                      component.description + (component.preOrder == "1" ? " (ordered ahead)" : "")});
   }
-  return Table(kComponentColumns, rows);
+  return TableElement(kComponentColumns, rows);
 }
 
 std::string UnitArticle(const QuoteUnit& unit) {
-  std::string html = "<article>\n" + Element("h3", "Base unit " + unit.sequence + ": " + unit.partNumber) + "\n" +
-                     Element("p", unit.quantity + " \u00D7 " + unit.price + " = " + AmountText(unit.Amount())) + "\n";
+  std::string html =
+      "<article>\n" + Element("h3", "Base unit " + unit.sequence + ": " + unit.partNumber) + "\n" +
+      Element("p", unit.quantity + " \u00D7 " + unit.price + " = " + AmountOrQuestionMark(unit.Amount())) + "\n";
   for (const std::string& line : unit.descriptions) {
     html += Element("p", line) + "\n";
   }
@@ -174,7 +177,7 @@ std::string DifferencesSection(const std::vector<Difference>& differences) {
         {difference.where.empty() ? "quote" : difference.where, difference.what.empty() ? kind : difference.what,
          difference.before.value_or(""), difference.after.value_or("")});
   }
-  return html + "\n" + Table(kDifferenceColumns, rows) + "</section>\n";
+  return html + "\n" + TableElement(kDifferenceColumns, rows) + "</section>\n";
 }
 
 std::string Page(const Quote& quote, const std::string& above, const std::string& origin) {

@@ -11,8 +11,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr HRESULT kTypeMismatch = static_cast<HRESULT>(0x800A000D);
-
 template <typename Interface>
 std::string Read(const ComPointer<Interface>& object, HRESULT (STDMETHODCALLTYPE Interface::*get)(BSTR*)) {
   Bstr text;

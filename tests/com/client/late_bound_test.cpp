@@ -11,8 +11,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr auto kTypeMismatch = static_cast<HRESULT>(0x800A000D);
-
 std::string TextOfValue(const LateCall& call) {
   return V_VT(&call.value.Get()) == VT_BSTR ? TextOf(V_BSTR(&call.value.Get())) : "(no text)";
 }

@@ -13,7 +13,6 @@ using testing::AllOf;
 using testing::HasSubstr;
 
 constexpr auto kInvalidCall = static_cast<HRESULT>(0x800A0005);
-constexpr auto kTypeMismatch = static_cast<HRESULT>(0x800A000D);
 constexpr auto kObjectNotSet = static_cast<HRESULT>(0x800A005B);
 
 domDocument* AsArgument(IUnknown* object) { return reinterpret_cast<domDocument*>(object); }

@@ -8,18 +8,18 @@
 namespace parvex {
 namespace {
 
-constexpr const char* kFile = "C:\\Korvane\\TQ5-VX\\Bin\\UIKeys.txt";
+constexpr const char* kKeysFile = "C:\\Korvane\\TQ5-VX\\Bin\\UIKeys.txt";
 
 class UiSettings : public testing::Test {
  protected:
   std::string Get(const std::string& content, std::string_view key) {
-    machine_.Write(kFile, content);
+    machine_.Write(kKeysFile, content);
     return getUIValue(machine_.platform, key);
   }
   std::string AfterSet(const std::string& content, std::string_view value) {
-    machine_.Write(kFile, content);
+    machine_.Write(kKeysFile, content);
     setUIValue(machine_.platform, value);
-    return machine_.Read(kFile);
+    return machine_.Read(kKeysFile);
   }
   void ExpectErrorsOfBoth(std::uint32_t number, const std::string& description) {
     ExpectError(number, "KDQU470.getUIValue", description, [&] { getUIValue(machine_.platform, "ToolBarActive"); });
@@ -144,7 +144,7 @@ TEST_F(UiSettings, SetHandles101Lines) {
 
 TEST_F(UiSettings, SetRefusesA102ndLineAndLeavesTheFileAsItIs) {
   EXPECT_THROW(AfterSet(Lines(102), "9"), AutomationError);
-  EXPECT_EQ(Lines(102), machine_.Read(kFile));
+  EXPECT_EQ(Lines(102), machine_.Read(kKeysFile));
   try {
     setUIValue(machine_.platform, "9");
   } catch (const AutomationError& error) {

@@ -16,7 +16,7 @@ namespace {
 using Type = standin::JetColumn::Type;
 
 /// Of the first table that is not the system's.
-constexpr std::uint32_t kDefinitionPage = kCataloguePage + 4;
+constexpr std::uint32_t kFirstDefinitionPage = kCataloguePage + 4;
 
 File Made(const standin::JetTable& table) { return {standin::MakeJetDatabase({&table, 1}), "C:\\Project.mdb"}; }
 
@@ -78,7 +78,7 @@ const std::vector<std::vector<std::optional<std::string>>> kEveryText{
      std::nullopt, std::nullopt, std::nullopt, std::nullopt, std::nullopt, std::nullopt}};
 
 TEST(DecodeTable, ReadsEveryTypeThatHasAText) {
-  EXPECT_EQ(TextsOf(DecodeTable(Made(EveryType()), kDefinitionPage)), kEveryText);
+  EXPECT_EQ(TextsOf(DecodeTable(Made(EveryType()), kFirstDefinitionPage)), kEveryText);
 }
 
 // What we decode is what mdbtools read. Their program prints a Boolean as a digit, and of a null nothing.
@@ -111,7 +111,7 @@ TEST(DecodeTable, ReadsEveryTypeOfJet3) {
     for (std::size_t text = 0; text < 3 && i < 3; ++text) table.rows[i][text] = expected[i][text] = "€ Müller\r\n";
   }
   const File file{standin::MakeJetDatabase({&table, 1}, Version::Jet3), "C:\\Project.mdb"};
-  EXPECT_EQ(TextsOf(DecodeTable(file, kDefinitionPage)), expected);
+  EXPECT_EQ(TextsOf(DecodeTable(file, kFirstDefinitionPage)), expected);
 }
 
 TEST(DecodeText, ReadsBothFormsAndWhatIsCutShort) {

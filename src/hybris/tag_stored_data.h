@@ -17,8 +17,7 @@ struct TagStoredData {
 /// Reads a tag's stored data from its blob file, and puts the blob itself, as Base64 text in a CDATA section, into the
 /// tag's BLOB (which stays empty for a missing or empty blob).
 ///
-/// - Build version and legacy tag id are the attributes TagVersion and lTagID of the stored Product, empty texts when
-/// it
+/// - Build version and legacy tag id are the stored Product's attributes TagVersion and lTagID, empty texts when it
 ///   lacks them. A tag without a stored Product gets the next number of the thread's counter (ThreadState), so that
 ///   such tags stay different across all exports of a process.
 /// - With the document's last tag, every tag of the document is looked up in the project's TagIndex table, except those

@@ -55,6 +55,27 @@ inline std::string_view View(const xmlChar* text) {
   return text == nullptr ? std::string_view{} : std::string_view(reinterpret_cast<const char*>(text));
 }
 inline const xmlChar* Chars(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
+
+// The library's documents, attributes and document types begin like its nodes, and are taken for nodes here.
+template <class T>
+inline constexpr bool kBeginsLikeNode = offsetof(T, _private) == offsetof(xmlNode, _private) &&
+                                        offsetof(T, type) == offsetof(xmlNode, type) &&
+                                        offsetof(T, name) == offsetof(xmlNode, name) &&
+                                        offsetof(T, children) == offsetof(xmlNode, children) &&
+                                        offsetof(T, last) == offsetof(xmlNode, last) &&
+                                        offsetof(T, parent) == offsetof(xmlNode, parent) &&
+                                        offsetof(T, next) == offsetof(xmlNode, next) &&
+                                        offsetof(T, prev) == offsetof(xmlNode, prev) &&
+                                        offsetof(T, doc) == offsetof(xmlNode, doc);
+static_assert(kBeginsLikeNode<xmlAttr> && kBeginsLikeNode<xmlDtd> && kBeginsLikeNode<xmlEntity>);
+static_assert(offsetof(xmlDoc, _private) == offsetof(xmlNode, _private) &&
+              offsetof(xmlDoc, type) == offsetof(xmlNode, type) &&
+              offsetof(xmlDoc, children) == offsetof(xmlNode, children) &&
+              offsetof(xmlDoc, last) == offsetof(xmlNode, last) &&
+              offsetof(xmlDoc, parent) == offsetof(xmlNode, parent) &&
+              offsetof(xmlDoc, next) == offsetof(xmlNode, next) && offsetof(xmlDoc, prev) == offsetof(xmlNode, prev) &&
+              offsetof(xmlDoc, doc) == offsetof(xmlNode, doc));
+
 inline xmlNode* AsNode(xmlDoc* document) { return reinterpret_cast<xmlNode*>(document); }
 inline xmlNode* AsNode(xmlAttr* attribute) { return reinterpret_cast<xmlNode*>(attribute); }
 inline const xmlAttr* AsAttribute(const xmlNode* node) { return reinterpret_cast<const xmlAttr*>(node); }

@@ -25,6 +25,12 @@ void FreeChars(NodeArena& arena, const xmlChar* text) noexcept {
 
 // What a text node has of a node. Behind it stands a short text, or the size of that place when the text stands apart.
 constexpr std::size_t kTextNode = offsetof(xmlNode, properties);
+static_assert(offsetof(xmlNode, doc) < kTextNode && offsetof(xmlNode, ns) < kTextNode &&
+                  offsetof(xmlNode, content) + sizeof(xmlNode::content) == kTextNode,
+              "what the library reads of a text stands before the fields that only elements have");
+static_assert(offsetof(xmlNode, nsDef) > kTextNode && offsetof(xmlNode, psvi) > kTextNode &&
+                  offsetof(xmlNode, line) > kTextNode && offsetof(xmlNode, extra) > kTextNode,
+              "a text does without these");
 static_assert(kTextNode % alignof(std::size_t) == 0 && NodeArena::kGrain >= sizeof(std::size_t));
 
 xmlChar* BehindTextNode(xmlNode* text) { return reinterpret_cast<xmlChar*>(text) + kTextNode; }

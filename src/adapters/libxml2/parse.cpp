@@ -3,7 +3,6 @@
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
-#include <libxml/valid.h>
 
 #include <climits>
 #include <memory>
@@ -74,7 +73,9 @@ bool CountExpansion(void* context, std::size_t bytes) {
   return true;
 }
 
-void OnProblem(void* context, xmlErrorPtr problem) {
+// Newer libraries tell the error as const.
+template <class Error>
+void OnProblem(void* context, Error* problem) {
   Parsing& parsing = ParsingOf(context);
   const bool counts =
       problem->level == XML_ERR_FATAL || (problem->level == XML_ERR_ERROR && problem->domain == XML_FROM_NAMESPACE);
@@ -196,6 +197,8 @@ struct ReadAttribute {
   const xmlChar* end;
 };
 
+static_assert(sizeof(ReadAttribute) == 5 * sizeof(const xmlChar*), "the parser tells five pointers for each attribute");
+
 // Whether white space counts in an element that has this attribute; `outside` when the attribute does not say it.
 bool KeepsBlanks(const ReadAttribute& attribute, bool outside) {
   if (View(attribute.prefix) != "xml" || View(attribute.name) != "space") {
@@ -288,11 +291,15 @@ struct FreeParser {
 };
 using Parser = std::unique_ptr<xmlParserCtxt, FreeParser>;
 
-Parser NewParser(Parsing& parsing) {
-  Parser parser(xmlNewParserCtxt());
+// A parser of a text that is not empty. The library's functions that read a text at once free the tree of one that does
+// not parse, which is not theirs to free.
+Parser NewParser(std::string_view text, Parsing& parsing) {
+  constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC;
+  Parser parser(xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())));
   if (parser == nullptr) {
     throw std::bad_alloc();
   }
+  xmlCtxtUseOptions(parser.get(), kOptions);
   parser->_private = &parsing;
   xmlDictFree(parser->dict);
   parser->dict = SharedNames();
@@ -306,6 +313,7 @@ Parser NewParser(Parsing& parsing) {
   handler.resolveEntity = OnResolve;
   handler.externalSubset = OnExternalSubset;
   handler.startDocument = OnStartDocument;
+  // In place of the library's own, which would enter identifiers into tables that know nothing of an attribute's fate.
   handler.startElementNs = OnStartElement;
   handler.endElementNs = OnEndElement;
   handler.characters = OnCharacters;
@@ -314,31 +322,6 @@ Parser NewParser(Parsing& parsing) {
   handler.comment = OnComment;
   handler.processingInstruction = OnProcessingInstruction;
   return parser;
-}
-
-// The library's own ways of reading a text free the tree of one that does not parse, which is not theirs to free.
-void GiveText(xmlParserCtxt* parser, std::string_view text) {
-  constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC;
-  xmlCtxtUseOptions(parser, kOptions);
-  xmlParserInputBuffer* buffer = xmlParserInputBufferCreateMem(text.empty() ? "" : text.data(),
-                                                               static_cast<int>(text.size()), XML_CHAR_ENCODING_NONE);
-  if (buffer == nullptr) {
-    throw std::bad_alloc();
-  }
-  xmlParserInput* input = xmlNewIOInputStream(parser, buffer, XML_CHAR_ENCODING_NONE);
-  if (input == nullptr) {
-    xmlFreeParserInputBuffer(buffer);
-    throw std::bad_alloc();
-  }
-  inputPush(parser, input);
-}
-
-// The tables of identifiers point to attributes and know nothing of their later fate, so nothing may look into them.
-void DropIdentifiers(xmlDoc* document) {
-  xmlFreeIDTable(static_cast<xmlIDTable*>(document->ids));
-  xmlFreeRefTable(static_cast<xmlRefTable*>(document->refs));
-  document->ids = nullptr;
-  document->refs = nullptr;
 }
 
 // Undoes what OnEntity did for the parser's sake.
@@ -355,6 +338,9 @@ void RestoreEntities(xmlDoc* document) {
 
 // Why a text cannot be given to the parser; empty when it can.
 std::string Objection(std::string_view text) {
+  if (text.empty()) {
+    return At(1, 1) + "Document is empty";
+  }
   if (text.size() >= INT_MAX) {
     return "the text is longer than 2 GB";
   }
@@ -362,7 +348,7 @@ std::string Objection(std::string_view text) {
     return PlaceOf(text, bad) + ": not a character of XML, or not in the encoding";
   }
   // The parser guesses at encodings from the first bytes. A text that begins like this leaves it nothing to guess.
-  if (!text.empty() && text[0] != '<' && !IsBlank(text[0])) {
+  if (text[0] != '<' && !IsBlank(text[0])) {
     return At(1, 1) + "the document does not begin with '<'";
   }
   return "";
@@ -379,8 +365,7 @@ UnheldDocument ParseText(std::string_view text) {
   }
   const Quiet quiet;
   Parsing parsing;
-  const Parser parser = NewParser(parsing);
-  GiveText(parser.get(), text);
+  const Parser parser = NewParser(text, parsing);
   xmlParseDocument(parser.get());
   xmlDoc* parsed = std::exchange(parser->myDoc, nullptr);
   UnheldDocument document(parsed);
@@ -398,7 +383,6 @@ UnheldDocument ParseText(std::string_view text) {
   }
   StateOf(parsed).markupGuess = text.size();
   StateOf(parsed).encoding = DeclaredEncoding(text);
-  DropIdentifiers(parsed);
   RestoreEntities(parsed);
   return document;
 }

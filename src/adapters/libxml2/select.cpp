@@ -27,8 +27,9 @@ using Value = std::unique_ptr<xmlXPathObject, Freed>;
                          "The XPath expression \"" + std::string(expression) + "\" " + reason + ".");
 }
 
-// The reason is read from the context, where the library leaves it as well.
-void Keep(void*, xmlErrorPtr) {}
+// The reason is read from the context, where the library leaves it as well. Newer libraries tell the error as const.
+template <class Error>
+void Keep(void*, Error*) {}
 
 // What a thread keeps between selections.
 class Selector {

@@ -41,6 +41,9 @@ UnheldDocument NewDocument();
 /// Gives an empty document that the parser made what NewDocument gives its own.
 void TakeIn(xmlDoc* document);
 
+static_assert(sizeof(std::uintptr_t) == sizeof(xmlNode::_private),
+              "the number of handles stands in place of a pointer");
+
 /// How many handles are on a node itself, which is no document.
 inline std::uintptr_t HandlesOn(const xmlNode* node) { return reinterpret_cast<std::uintptr_t>(node->_private); }
 inline std::uintptr_t HandlesOn(const xmlAttr* attribute) {

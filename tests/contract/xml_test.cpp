@@ -9,6 +9,7 @@
 
 #include "seams/automation_error.h"
 #include "tests/contract/contract_fixture.h"
+#include "tests/support/hostile_markup.h"
 #include "tests/support/same_node.h"
 
 // What every adapter of the XML seam promises. Adapters may break lines and indent in markup as they like, so documents
@@ -163,22 +164,32 @@ TEST(XmlParse, ReadsAnEntityThatIsPlainText) {
   EXPECT_EQ(document.Root().Attribute("b"), "plain!");
 }
 
-TEST(XmlParse, AcceptsDeepNestingOrRefusesItCleanly) {
-  constexpr int kDepth = 10'000;
-  std::string text;
-  for (int i = 0; i < kDepth; ++i) {
-    text += "<d>";
-  }
-  text += "x";
-  for (int i = 0; i < kDepth; ++i) {
-    text += "</d>";
-  }
-  const Document document = Document::Parse(text);
-  if (document.IsEmpty()) {
-    EXPECT_NE(document.ParseError(), "");
-  } else {
-    EXPECT_EQ(document.Root().Text(), "x");
-    EXPECT_EQ(CountOf(document.Xml(), "</d>"), static_cast<std::size_t>(kDepth));
+std::string Nested(std::size_t depth, const std::string& innermost) {
+  return test::Repeated("<d>", depth) + innermost + test::Repeated("</d>", depth);
+}
+
+TEST(XmlParse, TakesAThousandElementsInEachOther) {
+  const Document document = Parsed(Nested(1'000, "x"));
+  EXPECT_EQ(document.Root().Text(), "x");
+  EXPECT_EQ(CountOf(document.Xml(), "</d>"), 1'000u);
+  EXPECT_EQ(document.All("//d").size(), 1'000u);
+  EXPECT_EQ(Parsed(Nested(999, "<e/>")).First("//e").Name(), "e");
+}
+
+TEST(XmlParse, RefusesMoreThanAThousandElementsInEachOther) {
+  const std::string reason = ": elements are nested more deeply than 1000";
+  EXPECT_EQ(test::RefusalOf(Nested(1'000, "\n<e>x</e>")), "line 2, column 3" + reason);
+  EXPECT_EQ(test::RefusalOf(Nested(1'000, "\n<e a='/>'  >x</e>")), "line 2, column 12" + reason);
+  EXPECT_EQ(test::RefusalOf(Nested(1'000, "\n <e/>")), "line 2, column 4" + reason);
+  EXPECT_EQ(test::RefusalOf(Nested(10'000, "x")), "line 1, column 3003" + reason);
+  EXPECT_EQ(test::RefusalOf(test::Repeated("<d>", 1'000'000)), "line 1, column 3003" + reason);
+}
+
+TEST(XmlParse, CountsOnlyElementsThatAreOpenAtOnce) {
+  for (const char* inner : {"<d/>", "<d></d>", "<d e='>'/>", "<!--<d><d>-->", "<![CDATA[<d><d>]]>", "<?p <d><d>?>"}) {
+    const Document document =
+        Parsed(test::Repeated("<o>", 999) + test::Repeated(inner, 1'500) + test::Repeated("</o>", 999));
+    EXPECT_EQ(document.ParseError(), "") << inner;
   }
 }
 

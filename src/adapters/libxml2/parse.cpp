@@ -14,16 +14,11 @@
 #include "adapters/libxml2/adoption.h"
 #include "adapters/libxml2/encoding.h"
 #include "adapters/libxml2/names.h"
+#include "formats/text/markup_bounds.h"
 #include "formats/text/xml_characters.h"
 
 namespace parvex::xml {
 namespace {
-
-constexpr std::size_t kDeepestElement = 10'000;
-
-// Bytes that expanded entities and attributes defaulted by a DOCTYPE may add to a document, all together. The library's
-// own guard is off for large documents.
-constexpr std::size_t kMostExpansion = 1'000'000;
 
 // What the parser's callbacks know beyond the library's context. They build the tree themselves: white space between
 // elements never becomes a node, and neighbouring pieces of a text are joined once.
@@ -62,7 +57,7 @@ void Refuse(void* context, const Pieces&... pieces) noexcept {
   xmlStopParser(parser);
 }
 
-// False when the bound is passed; the parse is over then.
+// False when the bound is passed; the parse is over then. The library's own guard is off for large documents.
 bool CountExpansion(void* context, std::size_t bytes) {
   Parsing& parsing = ParsingOf(context);
   parsing.expanded += bytes;
@@ -210,7 +205,7 @@ bool KeepsBlanks(const ReadAttribute& attribute, bool outside) {
 void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaceCount,
                     const xmlChar** namespaces, int attributeCount, int defaultedCount, const xmlChar** attributes) {
   if (ParsingOf(context).keepsBlanks.size() > kDeepestElement) {
-    Refuse(context, "elements are nested more deeply than ", std::to_string(kDeepestElement));
+    Refuse(context, NestedTooDeeply());
     return;
   }
   const auto* read = reinterpret_cast<const ReadAttribute*>(attributes);

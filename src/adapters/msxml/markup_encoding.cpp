@@ -6,6 +6,7 @@
 
 #include "adapters/windows/wide_text.h"
 #include "formats/text/encoded_text.h"
+#include "formats/text/markup_bounds.h"
 #include "formats/text/text.h"
 #include "formats/text/unicode.h"
 #include "formats/text/xml_characters.h"
@@ -15,12 +16,6 @@ namespace {
 
 constexpr UINT kUtf8 = 65001;
 constexpr UINT kUtf16 = 1200;
-
-// Bytes that expanded entities and attributes defaulted by a DOCTYPE may add to a document.
-constexpr std::size_t kMostExpansion = 1'000'000;
-
-// The component walks its trees on the caller's stack, whose size is the host's affair.
-constexpr std::size_t kDeepestElement = 1'000;
 
 struct KnownEncoding {
   std::string_view name;
@@ -156,10 +151,10 @@ std::size_t EndAtMark(std::string_view text, std::size_t from, std::string_view 
   return at == std::string_view::npos ? text.size() : at + mark.size();
 }
 
-/// How many elements are open at once where most are. Of markup that does not parse it is some number.
-std::size_t DeepestElement(std::string_view text) {
+/// Where the start tag ends that opens one element too many; npos when none does. Of markup that does not parse it is
+/// some offset.
+std::size_t NestedTooDeeplyAt(std::string_view text) {
   std::size_t open = 0;
-  std::size_t deepest = 0;
   for (std::size_t at = text.find('<'); at < text.size(); at = text.find('<', at)) {
     const std::string_view rest = text.substr(at);
     if (rest.starts_with("<!--")) {
@@ -175,11 +170,14 @@ std::size_t DeepestElement(std::string_view text) {
       at += 2;
     } else {
       at = EndOfTag(text, at);
-      open += at >= text.size() || text[at - 1] != '/';
-      deepest = open > deepest ? open : deepest;
+      const bool isEmpty = at < text.size() && text[at - 1] == '/';
+      if (open == xml::kDeepestElement) {
+        return isEmpty ? at - 1 : at;
+      }
+      open += isEmpty ? 0 : 1;
     }
   }
-  return deepest;
+  return std::string_view::npos;
 }
 
 /// What is wrong with the DOCTYPE's entities and defaulted attributes; empty when nothing is, or there is none.
@@ -208,8 +206,9 @@ std::string RefusedEntities(std::string_view text) {
     references += c == '&';
     tags += c == '<';
   }
-  return references * longestEntity > kMostExpansion || tags * defaults > kMostExpansion
-             ? "entities and defaulted attributes may expand to more than " + std::to_string(kMostExpansion) + " bytes"
+  return references * longestEntity > xml::kMostExpansion || tags * defaults > xml::kMostExpansion
+             ? "entities and defaulted attributes may expand to more than " + std::to_string(xml::kMostExpansion) +
+                   " bytes"
              : "";
 }
 
@@ -263,9 +262,8 @@ std::string RefusedMarkup(std::string_view text) {
   if (!entities.empty()) {
     return entities;
   }
-  return DeepestElement(text) > kDeepestElement
-             ? "elements are nested more deeply than " + std::to_string(kDeepestElement)
-             : "";
+  const std::size_t at = NestedTooDeeplyAt(text);
+  return at == std::string_view::npos ? "" : xml::PlaceOf(text, at) + ": " + xml::NestedTooDeeply();
 }
 
 }  // namespace parvex::windows

@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "seams/xml.h"
+#include "tests/contract/contract_fixture.h"
+#include "tests/contract/xml_reading.h"
+#include "tests/support/hostile_markup.h"
+
+// Documents from texts and from bytes: what every adapter of the XML seam promises.
+
+namespace parvex {
+namespace {
+
+using test::CountOf;
+using test::Outline;
+using test::Parsed;
+using xml::Document;
+
+// --- Parsing ---------------------------------------------------------------------------------------------------------
+
+TEST(XmlParse, KeepsElementsAttributesTextSectionsAndComments) {
+  const Document document = Parsed("<a x=\"1\" y=\"2\">t<b/><![CDATA[<c>]]><!-- d --></a>");
+  EXPECT_EQ(Outline(document.Root()), "a(x=1)(y=2)[#text't'b[]#cdata-section'<c>'#comment' d ']");
+}
+
+struct Unparsable {
+  const char* text;
+  const char* reason;
+};
+
+class XmlParseRefuses : public testing::TestWithParam<Unparsable> {};
+
+TEST_P(XmlParseRefuses, AndLeavesAnEmptyDocument) {
+  const Document document = Document::Parse(GetParam().text);
+  ASSERT_TRUE(document);
+  EXPECT_TRUE(document.IsEmpty()) << GetParam().reason;
+  EXPECT_FALSE(document.Root());
+  EXPECT_EQ(document.Xml(), "");
+  EXPECT_NE(document.ParseError(), "");
+  EXPECT_FALSE(document.First("//*"));
+  EXPECT_TRUE(document.All("//*").empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    UglyInput, XmlParseRefuses,
+    testing::Values(Unparsable{"", "nothing"}, Unparsable{"   ", "only blanks"}, Unparsable{"abc", "no markup"},
+                    Unparsable{"<a>&</a>", "lone ampersand"}, Unparsable{"<a>x & y</a>", "ampersand between blanks"},
+                    Unparsable{"<a b=\"x&y\"/>", "ampersand in an attribute"},
+                    Unparsable{"<a b=\"<\"/>", "less-than in an attribute"},
+                    Unparsable{"<a>1 < 2</a>", "less-than in text"}, Unparsable{"<a/><b/>", "second root"},
+                    Unparsable{"<a/>junk", "junk behind the root"}, Unparsable{"junk<a/>", "junk before the root"},
+                    Unparsable{"<a b='1' b='2'/>", "duplicate attribute"}, Unparsable{"<a><b></a></b>", "crossed tags"},
+                    Unparsable{"<a>", "open root"}, Unparsable{"<a b=1/>", "attribute without quotes"},
+                    Unparsable{"<a b/>", "attribute without value"}, Unparsable{"<1a/>", "name begins with a digit"},
+                    Unparsable{" <?xml version='1.0'?><a/>", "late declaration"},
+                    Unparsable{"<a>&unknown;</a>", "unknown entity"}, Unparsable{"<a>\x01</a>", "control character"},
+                    Unparsable{"<a>&#1;</a>", "reference to a control character"},
+                    Unparsable{"<a>x]]>y</a>", "end mark of a section in text"},
+                    Unparsable{"<a><!-- x -- y --></a>", "two dashes in a comment"},
+                    Unparsable{"<a><![CDATA[x</a>", "open section"}, Unparsable{"<a", "open tag"}));
+
+TEST(XmlParse, SaysWhereAndWhyItFailed) {
+  if (test::RunsUnderWine()) GTEST_SKIP() << "Wine's MSXML gives no line of a parse error";
+  const std::string error = Document::Parse("<a>\n  <b>\n</a>").ParseError();
+  EXPECT_NE(error.find("3"), std::string::npos) << error;
+}
+
+TEST(XmlParse, DropsWhiteSpaceBetweenElements) {
+  const Document document = Parsed("<a>\r\n  <b> x </b>\n\t<c>\n</c>\n</a>\n");
+  EXPECT_EQ(Outline(document.Root()), "a[b[#text'x']c[]]");
+}
+
+TEST(XmlParse, KeepsWhiteSpaceInSectionsAndBesideText) {
+  const Document document = Parsed("<a><![CDATA[ ]]><b>x <i/> y</b></a>");
+  EXPECT_EQ(document.First("a/b").Text(), "x  y");
+  EXPECT_EQ(document.Root().FirstChild().Name(), "#cdata-section");
+  EXPECT_EQ(document.Root().FirstChild().Text(), " ");
+}
+
+TEST(XmlParse, KeepsWhiteSpaceWhereTheDocumentAsksForIt) {
+  const Document document = Parsed("<a xml:space=\"preserve\"> <b> </b></a>");
+  EXPECT_EQ(document.Root().FirstChild().Name(), "#text");
+  EXPECT_EQ(document.First("a/b").Text(), " ");
+}
+
+TEST(XmlParse, IgnoresTheEncodingThatATextNames) {
+  const Document document = Parsed("<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\xC3\xA9\xE2\x82\xAC</a>");
+  EXPECT_EQ(document.Root().Text(), "\xC3\xA9\xE2\x82\xAC");
+}
+
+TEST(XmlParse, TakesADoctypeAsHarmless) {
+  EXPECT_EQ(Parsed("<!DOCTYPE a><a>x</a>").Root().Text(), "x");
+  EXPECT_EQ(Parsed("<!DOCTYPE a SYSTEM \"nowhere.dtd\"><a>x</a>").Root().Text(), "x");
+}
+
+TEST(XmlParse, ReadsAnEntityThatIsPlainText) {
+  const Document document = Parsed("<!DOCTYPE a [<!ENTITY e \"plain\">]><a b=\"&e;!\">&e; text</a>");
+  EXPECT_EQ(document.Root().Text(), "plain text");
+  EXPECT_EQ(document.Root().Attribute("b"), "plain!");
+}
+
+std::string Nested(std::size_t depth, const std::string& innermost) {
+  return test::Repeated("<d>", depth) + innermost + test::Repeated("</d>", depth);
+}
+
+TEST(XmlParse, TakesAThousandElementsInEachOther) {
+  const Document document = Parsed(Nested(1'000, "x"));
+  EXPECT_EQ(document.Root().Text(), "x");
+  EXPECT_EQ(CountOf(document.Xml(), "</d>"), 1'000u);
+  EXPECT_EQ(document.All("//d").size(), 1'000u);
+  EXPECT_EQ(Parsed(Nested(999, "<e/>")).First("//e").Name(), "e");
+}
+
+TEST(XmlParse, RefusesMoreThanAThousandElementsInEachOther) {
+  const std::string reason = ": elements are nested more deeply than 1000";
+  EXPECT_EQ(test::RefusalOf(Nested(1'000, "\n<e>x</e>")), "line 2, column 3" + reason);
+  EXPECT_EQ(test::RefusalOf(Nested(1'000, "\n<e a='/>'  >x</e>")), "line 2, column 12" + reason);
+  EXPECT_EQ(test::RefusalOf(Nested(1'000, "\n <e/>")), "line 2, column 4" + reason);
+  EXPECT_EQ(test::RefusalOf(Nested(10'000, "x")), "line 1, column 3003" + reason);
+  EXPECT_EQ(test::RefusalOf(test::Repeated("<d>", 1'000'000)), "line 1, column 3003" + reason);
+}
+
+TEST(XmlParse, CountsOnlyElementsThatAreOpenAtOnce) {
+  for (const char* inner : {"<d/>", "<d></d>", "<d e='>'/>", "<!--<d><d>-->", "<![CDATA[<d><d>]]>", "<?p <d><d>?>"}) {
+    const Document document =
+        Parsed(test::Repeated("<o>", 999) + test::Repeated(inner, 1'500) + test::Repeated("</o>", 999));
+    EXPECT_EQ(document.ParseError(), "") << inner;
+  }
+}
+
+// --- Loading bytes ---------------------------------------------------------------------------------------------------
+
+TEST(XmlLoad, TakesBytesWithoutDeclarationForUtf8) {
+  EXPECT_EQ(Document::Load("<a>\xC3\xA9</a>").Root().Text(), "\xC3\xA9");
+  EXPECT_EQ(Document::Load("\xEF\xBB\xBF<a>\xC3\xA9</a>").Root().Text(), "\xC3\xA9");
+}
+
+TEST(XmlLoad, DecodesAsDeclared) {
+  const char* const kText1252 = "<?xml version=\"1.0\" encoding=\"windows-1252\"?><a>\xE9\x80</a>";
+  EXPECT_EQ(Document::Load(kText1252).Root().Text(), "\xC3\xA9\xE2\x82\xAC");
+  const char* const kLatin1 = "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>";
+  EXPECT_EQ(Document::Load(kLatin1).Root().Text(), "\xC3\xA9");
+}
+
+TEST(XmlLoad, DecodesUtf16ByItsByteOrderMark) {
+  const std::string little("\xFF\xFE<\0a\0>\0\xE9\0\xAC\x20<\0/\0a\0>\0", 20);
+  EXPECT_EQ(Document::Load(little).Root().Text(), "\xC3\xA9\xE2\x82\xAC");
+}
+
+TEST(XmlLoad, RefusesBytesThatAreNotValidInTheirEncoding) {
+  for (const char* bytes : {"<a>\xE9</a>", "<a>\xC3</a>", "<?xml version='1.0' encoding='UTF-8'?><a b='\xFF'/>"}) {
+    const Document document = Document::Load(bytes);
+    EXPECT_TRUE(document.IsEmpty());
+    EXPECT_NE(document.ParseError(), "");
+  }
+}
+
+}  // namespace
+}  // namespace parvex

@@ -6,6 +6,7 @@
 #include "formats/text/windows_1252.h"
 #include "formats/zip/zip_reader.h"
 #include "fuzz/fuzz_input.h"
+#include "hybris/blob_folder.h"
 #include "seams/automation_error.h"
 
 // An archive is unpacked into a folder of which every path is looked at. The input: the archive's bytes.

@@ -29,7 +29,7 @@ const std::string& ProjectDatabase() {
 }
 
 std::string Archive(std::string_view text) {
-  standin::ZipWriter writer;
+  ZipWriter writer;
   writer.Add("Tag", text, true);
   return writer.Finish();
 }

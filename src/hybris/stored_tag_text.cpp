@@ -8,6 +8,7 @@
 #include "formats/text/text.h"
 #include "formats/text/unicode.h"
 #include "formats/zip/zip_reader.h"
+#include "hybris/blob_folder.h"
 
 namespace parvex {
 namespace {

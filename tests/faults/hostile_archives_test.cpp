@@ -20,7 +20,6 @@
 namespace parvex::test {
 namespace {
 
-using standin::ZipWriter;
 using testing::HasSubstr;
 
 constexpr const char* kBlob = "C:\\Korvane\\TQ5-VX\\Projects\\Tower\\unit.blb";

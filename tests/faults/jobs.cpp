@@ -38,7 +38,7 @@ void PullNgorla(FakeMachine& machine, const std::string& command) {
 
 const std::string& Blob() {
   static const std::string bytes = [] {
-    standin::ZipWriter archive;
+    ZipWriter archive;
     archive.Add("Tag", "<Unit><Product TagVersion=\"4.70\" lTagID=\"7\"/><SapData><x/></SapData></Unit>\r\n", true);
     archive.Add("drawing/plan.dat", std::string(500, 'd'), true);
     return archive.Finish();

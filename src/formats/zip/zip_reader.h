@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "seams/code_page.h"
-#include "seams/files.h"
 
 namespace parvex {
 
@@ -29,11 +28,7 @@ struct PackedEntry {
 /// goes beyond the limits is refused as a whole: an AutomationError (5) that names `blobPath` and the entry.
 std::vector<PackedEntry> Unpack(CodePage& codePage, std::string_view archive, std::string_view blobPath);
 
-/// The path up to and including its last separator.
-std::string_view FolderOf(std::string_view path);
-
-/// Writes entries into the folder of the archive at `blobPath`, over files that exist, making the folders in their
-/// names. An entry that would lie on the archive itself is an AutomationError (5), and nothing is written then.
-void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, std::string_view blobPath);
+/// The refusal of an archive for one of its entries, as Unpack words it: `reason` is read behind the entry's name.
+[[noreturn]] void RefuseEntry(std::string_view blobPath, std::string_view name, const std::string& reason);
 
 }  // namespace parvex

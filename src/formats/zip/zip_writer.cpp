@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-namespace parvex::standin {
+namespace parvex {
 namespace {
 
 constexpr std::uint32_t kLocalRecord = 0x04034B50;
@@ -100,4 +100,4 @@ std::string ZipWriter::Finish() const {
   return archive;
 }
 
-}  // namespace parvex::standin
+}  // namespace parvex

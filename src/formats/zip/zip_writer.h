@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace parvex::standin {
+namespace parvex {
 
 /// Writes ZIP archives as the installed application stores a tag's data in them. The same entries give the same bytes:
 /// every time stamp is the format's first day. Archives stay below 4 GiB and 65,535 entries.
@@ -23,4 +23,4 @@ class ZipWriter {
   std::uint16_t entries_ = 0;
 };
 
-}  // namespace parvex::standin
+}  // namespace parvex

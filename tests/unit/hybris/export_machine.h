@@ -87,7 +87,7 @@ class ExportMachine {
 
   /// Writes a blob file: an archive that holds this one entry.
   void WriteBlob(const std::string& path, std::string_view entry, std::string_view text) {
-    standin::ZipWriter archive;
+    ZipWriter archive;
     archive.Add(entry, text, true);
     machine.Write(path, archive.Finish());
   }

@@ -10,8 +10,6 @@
 namespace parvex {
 namespace {
 
-using standin::ZipWriter;
-
 constexpr const char* kBlob = "C:\\data\\unit.dat";
 constexpr const char* kTagFile = "C:\\data\\Tag";
 

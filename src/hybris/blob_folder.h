@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "formats/zip/zip_reader.h"
+#include "seams/files.h"
+
+namespace parvex {
+
+/// The path up to and including its last separator.
+std::string_view FolderOf(std::string_view path);
+
+/// Writes entries into the folder of the archive at `blobPath`, over files that exist, making the folders in their
+/// names. An entry that would lie on the archive itself is an AutomationError (5), and nothing is written then.
+void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, std::string_view blobPath);
+
+}  // namespace parvex

@@ -3,6 +3,7 @@
 #include <string_view>
 #include <vector>
 
+#include "formats/text/file_names.h"
 #include "formats/text/windows_1252.h"
 #include "formats/zip/zip_reader.h"
 #include "fuzz/fuzz_input.h"
@@ -23,7 +24,7 @@ constexpr std::string_view kBlob = "C:\\Korvane\\TQ5-VX\\Projects\\Tower\\tag.bl
 class WatchedFolder : public Files {
  public:
   bool IsFile(std::string_view path) override { return path == kBlob; }
-  bool IsFolder(std::string_view) override { return true; }
+  bool IsFolder(std::string_view path) override { return path.find('~') == std::string_view::npos; }
   std::vector<std::string> ListFiles(std::string_view pattern) override {
     return pattern == kBlob ? std::vector<std::string>{"tag.blb"} : std::vector<std::string>{};
   }
@@ -43,9 +44,10 @@ class WatchedFolder : public Files {
             "only ordinary names are written");
     Require(std::none_of(rest.begin(), rest.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }),
             "no control characters are written");
+    rest.remove_suffix(rest.ends_with('\\') ? 1 : 0);
     for (;;) {
       const std::string_view part = rest.substr(0, rest.find('\\'));
-      Require(part != ".." && part != ".", "no name leads upwards");
+      Require(IsFileName(part), "every component is the name of a file, and of no device");
       if (part.size() == rest.size()) {
         return;
       }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "formats/jet/writer.h"
+#include "formats/text/file_names.h"
 #include "formats/text/text.h"
 #include "formats/zip/entry_names.h"
 #include "legacy_standin/installation/json_members.h"
@@ -66,6 +67,29 @@ void AddFiles(Files& files, const std::string& folder, const std::string& below,
   }
 }
 
+/// Whether Windows may know another folder by this name: its second, short one ("RIVERS~1").
+bool MayBeShortName(std::string_view name) {
+  const std::size_t tilde = name.find('~');
+  return tilde != std::string_view::npos && tilde + 1 < name.size() && name[tilde + 1] >= '0' && name[tilde + 1] <= '9';
+}
+
+/// Why a project cannot have this name, to be read behind the name; nothing when it can.
+std::optional<std::string> ProblemOfProjectName(std::string_view name) {
+  if (std::optional<std::string> problem = ProblemOfPackedName(name)) {
+    return problem;
+  }
+  if (name.find_first_of("\\/") != std::string_view::npos) {
+    return "has a separator of folders in its name";
+  }
+  if (name != WithoutTrailingDotsAndBlanks(name)) {
+    return "has a name that ends with a dot or a blank";
+  }
+  if (IsDeviceName(name)) {
+    return "has the name of a device";
+  }
+  return MayBeShortName(name) ? std::optional("has a name that may be the short name of another one") : std::nullopt;
+}
+
 /// A change of several files, which puts back what it had changed when it does not come to its end.
 class FileChange {
  public:
@@ -123,8 +147,7 @@ std::vector<std::string> ProjectStore::Names() const {
 }
 
 bool ProjectStore::Exists(std::string_view name) const {
-  return !ProblemOfPackedName(name) && name.find_first_of("\\/") == std::string_view::npos &&
-         files_.IsFile(PlaceFor(name) + "\\" + kDatabase);
+  return !ProblemOfProjectName(name) && files_.IsFile(PlaceFor(name) + "\\" + kDatabase);
 }
 
 std::string ProjectStore::NameOf(std::string_view name) const {
@@ -142,11 +165,7 @@ std::string ProjectStore::NameOf(std::string_view name) const {
 std::string ProjectStore::Folder(std::string_view name) const { return PlaceFor(NameOf(name)); }
 
 std::string ProjectStore::PlaceFor(std::string_view name) const {
-  std::optional<std::string> problem = ProblemOfPackedName(name);
-  if (!problem && name.find_first_of("\\/") != std::string_view::npos) {
-    problem = "has a separator of folders in its name";
-  }
-  if (problem) {
+  if (const std::optional<std::string> problem = ProblemOfProjectName(name)) {
     throw MakeRuntimeError(RuntimeError::InvalidCall, "a project \"" + std::string(name) + "\" " + *problem);
   }
   return application_.Root() + "\\Projects\\" + std::string(name);

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
+#include "formats/text/file_names.h"
+#include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 
 namespace parvex {
@@ -22,6 +25,86 @@ bool MeansBlob(Files& files, std::string_view name, const std::string& folder, s
   return files.IsFile(path) && files.ListFiles(path) == files.ListFiles(folder + std::string(blobName));
 }
 
+// Whether a component can be the second, short name that Windows keeps for a file of a longer one ("UNITDA~1.XML").
+bool MayBeShortName(std::string_view component) {
+  constexpr std::size_t kLongestStem = 8;
+  constexpr std::size_t kLongestExtension = 3;
+  const std::size_t dot = std::min(component.rfind('.'), component.size());
+  return component.find('~') != std::string_view::npos && LengthInUnits(component.substr(0, dot)) <= kLongestStem &&
+         (dot == component.size() || LengthInUnits(component.substr(dot + 1)) <= kLongestExtension);
+}
+
+// The components of a name, from the first up to each of them: "a", "a\b", "a\b\c".
+std::vector<std::string_view> PathsWithin(std::string_view name) {
+  std::vector<std::string_view> paths;
+  for (std::size_t end = name.find('\\'); end != std::string_view::npos; end = name.find('\\', end + 1)) {
+    paths.push_back(name.substr(0, end));
+  }
+  paths.push_back(name);
+  return paths;
+}
+
+std::string_view LastOf(std::string_view path) { return path.substr(FolderOf(path).size()); }
+
+// Whether what exists at a path has another name of its own: the machine knows it by a short one too.
+bool IsCalledOtherwise(Files& files, const std::string& path) {
+  std::vector<std::string> own;
+  if (files.IsFile(path)) {
+    own = files.ListFiles(path);
+  } else if (files.IsFolder(path)) {
+    const std::string_view above = FolderOf(path);
+    own = files.ListFolders(above.empty() ? "." : above);
+  } else {
+    return false;
+  }
+  const std::string name = FoldName(LastOf(path));
+  return std::none_of(own.begin(), own.end(), [&name](const std::string& one) { return FoldName(one) == name; });
+}
+
+// Whether writing the entry would change another file than its own name says.
+bool MeansAnother(Files& files, const std::string& folder, const PackedEntry& entry) {
+  const std::vector<std::string_view> paths = PathsWithin(entry.name);
+  return std::any_of(paths.begin(), paths.end(), [&](std::string_view path) {
+    return MayBeShortName(LastOf(path)) && IsCalledOtherwise(files, folder + std::string(path));
+  });
+}
+
+bool MeansDevice(const PackedEntry& entry) {
+  const std::vector<std::string_view> paths = PathsWithin(entry.name);
+  return std::any_of(paths.begin(), paths.end(), [](std::string_view path) { return IsDeviceName(LastOf(path)); });
+}
+
+// The entries in the order in which they are written: in every folder, first what could be the short name of another
+// entry. Windows then gives that one another short name, and neither is written over the other.
+std::vector<const PackedEntry*> InWritingOrder(const std::vector<PackedEntry>& entries) {
+  std::vector<std::pair<std::vector<bool>, const PackedEntry*>> sorted;
+  for (const PackedEntry& entry : entries) {
+    std::vector<bool> isLong;
+    for (const std::string_view path : PathsWithin(entry.name)) {
+      isLong.push_back(!MayBeShortName(LastOf(path)));
+    }
+    sorted.emplace_back(std::move(isLong), &entry);
+  }
+  std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<const PackedEntry*> order;
+  for (const auto& [isLong, entry] : sorted) {
+    order.push_back(entry);
+  }
+  return order;
+}
+
+void WriteEntry(Files& files, const std::string& folder, const PackedEntry& entry) {
+  const std::string path = folder + entry.name;
+  if (entry.isFolder) {
+    files.CreateFolder(path);
+    return;
+  }
+  if (entry.name.find('\\') != std::string::npos) {
+    files.CreateFolder(FolderOf(path));
+  }
+  files.Replace(path, entry.bytes);
+}
+
 }  // namespace
 
 std::string_view FolderOf(std::string_view path) { return path.substr(0, path.find_last_of("\\/") + 1); }
@@ -30,21 +113,17 @@ void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, st
   const std::string folder(FolderOf(blobPath));
   const std::string_view blobName = blobPath.substr(folder.size());
   for (const PackedEntry& entry : entries) {
-    const std::string_view topmost = std::string_view(entry.name).substr(0, entry.name.find('\\'));
-    if (MeansBlob(files, topmost, folder, blobName)) {
+    if (MeansBlob(files, PathsWithin(entry.name).front(), folder, blobName)) {
       RefuseEntry(blobPath, entry.name, "has the name of the blob itself");
     }
+    if (MeansAnother(files, folder, entry)) {
+      RefuseEntry(blobPath, entry.name, "has the short name of another file");
+    }
   }
-  for (const PackedEntry& entry : entries) {
-    const std::string path = folder + entry.name;
-    if (entry.isFolder) {
-      files.CreateFolder(path);
-      continue;
+  for (const PackedEntry* entry : InWritingOrder(entries)) {
+    if (!MeansDevice(*entry)) {
+      WriteEntry(files, folder, *entry);
     }
-    if (entry.name.find('\\') != std::string::npos) {
-      files.CreateFolder(FolderOf(path));
-    }
-    files.Replace(path, entry.bytes);
   }
 }
 

@@ -12,7 +12,11 @@ namespace parvex {
 std::string_view FolderOf(std::string_view path);
 
 /// Writes entries into the folder of the archive at `blobPath`, over files that exist, making the folders in their
-/// names. An entry that would lie on the archive itself is an AutomationError (5), and nothing is written then.
+/// names. An entry that would lie on the archive itself, or on a file or folder whose own name is another one, is an
+/// AutomationError (5), and nothing is written then. Old packers give entries the short names of files
+/// ("UNITDA~1.XML"): such a name is refused only where the machine already knows another file by it.
+///
+/// What has the name of a device ("aux.txt") is left out: on Windows no such file can be.
 void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, std::string_view blobPath);
 
 }  // namespace parvex

@@ -73,12 +73,11 @@ INSTANTIATE_TEST_SUITE_P(InAnArchive, EscapingName,
                          testing::Values("../up", "..\\up", "a/../../up", "a\\..\\..\\up", "a/..", "..", "../",
                                          "./here", ".", "a/./b", "/root", "\\root", "//server/share/x",
                                          "\\\\server\\share\\x", "\\\\?\\C:\\x", "\\\\.\\C:\\x", "C:\\x", "C:/x", "C:x",
-                                         "c:", "x:stream", "x::$DATA", "Tag:hidden", "a//b", "a\\\\b", "NUL", "nul.txt",
-                                         "a/CON", "com1.dat", "LPT9", "aux ", "x.", "x ", "... ", ".. /up", "a/.../b",
-                                         "PROGRA~1/x", "unit~1.blb", std::string("x\0y", 3), std::string("../\0x", 5),
-                                         "x\ny", "x\x1Fy", "x?", "*", "a|b", "<x>", "\xC0\xAE\xC0\xAE/up",
-                                         "\xE0\x80\xAE./up", "\xED\xA0\x80", "\xFF/x", std::string(300, 'n'),
-                                         "unit.blb", "UNIT.BLB", "unit.blb/inside"));
+                                         "c:", "x:stream", "x::$DATA", "Tag:hidden", "a//b", "a\\\\b", "NUL", "nul.",
+                                         "a/CON", "COM1", "LPT9", "aux ", "... ", ".. /up", "a/.../b",
+                                         std::string("x\0y", 3), std::string("../\0x", 5), "x\ny", "x\x1Fy", "x?", "*",
+                                         "a|b", "<x>", "\xC0\xAE\xC0\xAE/up", "\xE0\x80\xAE./up", "\xED\xA0\x80",
+                                         "\xFF/x", std::string(300, 'n'), "unit.blb", "UNIT.BLB", "unit.blb/inside"));
 
 // --- Bombs ---
 

@@ -9,15 +9,6 @@
 namespace parvex {
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-// Windows keeps a second, short name for files ("TAGDAT~1.ZIP"): a name of that form can mean another file, the archive
-// itself among them.
-bool MayBeShortName(std::string_view component) {
-  const std::size_t tilde = component.find('~');
-  return tilde != std::string_view::npos && tilde + 1 < component.size() && IsDigit(component[tilde + 1]);
-}
-
 // Why a component of an entry's name is refused; nothing when it is not.
 std::optional<std::string> ProblemOfComponent(std::string_view component) {
   if (component.empty()) {
@@ -29,14 +20,12 @@ std::optional<std::string> ProblemOfComponent(std::string_view component) {
   if (std::any_of(component.begin(), component.end(), IsForbiddenInFileName)) {
     return "has a colon or another character in its name that file names do not hold";
   }
-  if (component != WithoutTrailingDotsAndBlanks(component)) {
-    return "has a name component that ends with a dot or a blank";
+  const std::string_view kept = WithoutTrailingDotsAndBlanks(component);
+  if (kept.empty()) {
+    return "has a name component that ends with a dot or a blank and has nothing before it";
   }
-  if (IsDeviceName(component)) {
+  if (IsDeviceName(kept) && kept.find('.') == std::string_view::npos) {
     return "has the name of a device";
-  }
-  if (MayBeShortName(component)) {
-    return "has a name that may be the short name of another file";
   }
   return std::nullopt;
 }
@@ -62,6 +51,17 @@ std::optional<std::string> ProblemOfPackedName(std::string_view name) {
     name.remove_prefix(separator == std::string_view::npos ? name.size() : separator + 1);
   }
   return std::nullopt;
+}
+
+std::string WrittenName(std::string_view name) {
+  std::string written;
+  while (!name.empty()) {
+    const std::size_t separator = name.find_first_of("/\\");
+    written += WithoutTrailingDotsAndBlanks(name.substr(0, separator));
+    written += separator == std::string_view::npos ? "" : "\\";
+    name.remove_prefix(separator == std::string_view::npos ? name.size() : separator + 1);
+  }
+  return written;
 }
 
 }  // namespace parvex

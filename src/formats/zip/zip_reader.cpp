@@ -93,8 +93,7 @@ PackedEntry NamedEntry(std::string_view name, std::string_view blobPath) {
   if (const std::optional<std::string> problem = ProblemOfPackedName(name)) {
     RefuseEntry(blobPath, name, *problem);
   }
-  PackedEntry entry{std::string(name), {}, false};
-  std::replace(entry.name.begin(), entry.name.end(), '/', '\\');
+  PackedEntry entry{WrittenName(name), {}, false};
   if (entry.name.back() == '\\') {
     entry.name.pop_back();
     entry.isFolder = true;

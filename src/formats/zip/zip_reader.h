@@ -17,7 +17,8 @@ inline constexpr std::uint64_t kLargestPackedEntry = 64u << 20;
 inline constexpr std::uint64_t kLargestPackedTotal = 128u << 20;
 
 struct PackedEntry {
-  /// UTF-8, components separated by backslashes; every component is a name that Windows gives to files.
+  /// UTF-8, components separated by backslashes; every component is a name that Windows gives to files, but for those
+  /// of devices with an extension ("aux.txt").
   std::string name;
   std::string bytes;
   bool isFolder = false;

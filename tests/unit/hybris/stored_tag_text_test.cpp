@@ -258,6 +258,21 @@ TEST_F(StoredText, FailsOnAHostileBlobBeforeAnythingIsWritten) {
   EXPECT_EQ(machine_.Read(kBlob), blob);
 }
 
+TEST_F(StoredText, IsReadFromAnArchiveWithNamesThatOldPackersGive) {
+  WriteBlob({{"UNITDA~1.XML", "unit"}, {"aux.txt", "aux"}, {"readme.", "read me"}, {"tag.", "text"}});
+  for (int time = 0; time < 2; ++time) {  // what the first time wrote stands in nobody's way
+    EXPECT_EQ(Read().text, "text\r\n");
+    EXPECT_EQ(machine_.Read("C:\\data\\UNITDA~1.XML"), "unit");
+    EXPECT_EQ(machine_.Read("C:\\data\\readme"), "read me");
+    EXPECT_FALSE(machine_.Exists(kTagFile));
+  }
+}
+
+TEST_F(StoredText, IsTheOnlyFileAlsoWhenNoFileCanHaveItsName) {
+  WriteBlob({{"aux.txt", "<SAPDATA/>"}});
+  EXPECT_EQ(Read().text, "<SAPDATA/>");
+}
+
 TEST_F(StoredText, FailsOnADamagedBlobBeforeAnythingIsWritten) {
   WriteBlob({{"Tag", "text"}, {"drawing.dat", "lines"}});
   std::string blob = machine_.Read(kBlob);

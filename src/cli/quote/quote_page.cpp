@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "cli/quote/quote_text.h"
+#include "cli/terminal/printable.h"
 #include "version.h"
 
 namespace parvex::cli {

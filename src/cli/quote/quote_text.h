@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "cli/quote/quote.h"
@@ -14,13 +13,6 @@ std::string QuoteAsText(const Quote& quote, bool takesColours);
 
 /// What differs, one line each: "+" added, "-" removed, "~" changed.
 std::string DifferencesAsText(const std::vector<Difference>& differences, bool takesColours);
-
-/// Text from outside as a terminal may get it: what would control the terminal, or turn the direction of writing round,
-/// appears as U+FFFD, line breaks and tabs as a blank.
-std::string Printable(std::string_view text);
-
-/// "1 tag", "2 tags"
-std::string Counted(std::size_t count, const std::string& noun);
 
 /// "1,234.50", with a note when some prices are no numbers.
 std::string TotalText(const Total& total);

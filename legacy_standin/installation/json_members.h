@@ -17,6 +17,7 @@ class JsonMembers {
  public:
   JsonMembers(std::string fileName, std::string place, const Json& object);
 
+  bool Has(const std::string& key) const { return rest_.contains(key); }
   /// The member's value, null when it is not there.
   Json Take(const std::string& key);
   /// The member's value, empty when it is not there.

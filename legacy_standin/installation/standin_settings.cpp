@@ -57,12 +57,23 @@ int TakeCount(JsonMembers& members, const std::string& key, int fallback) {
   return value.is_null() ? fallback : value.get<int>();
 }
 
+// Which of its two names a setting has here. Both at once are refused: one of them would go unnoticed.
+std::string NameGiven(JsonMembers& members, const std::string& name, const std::string& other) {
+  if (!members.Has(other)) {
+    return name;
+  }
+  if (members.Has(name)) {
+    members.Refuse(members.PlaceOf(name), "left out beside " + members.PlaceOf(other), members.Take(name));
+  }
+  return other;
+}
+
 StandinSettings::Builder TakeBuilder(JsonMembers builder) {
   StandinSettings::Builder settings;
   settings.missing = builder.TakeFlag("missing", false);
-  settings.cancelled = builder.TakeFlag("cancelled", false);
+  settings.cancelled = builder.TakeFlag(NameGiven(builder, "cancelled", "cancel"), false);
   settings.failAt = TakeMember(builder, "failAt", kBuilderMembers, "a member of the builder");
-  settings.polls = TakeCount(builder, "polls", settings.polls);
+  settings.polls = TakeCount(builder, NameGiven(builder, "polls", "slowPolls"), settings.polls);
   builder.Finish();
   return settings;
 }

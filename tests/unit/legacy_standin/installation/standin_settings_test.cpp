@@ -45,9 +45,18 @@ TEST(StandinSettingsTest, TheBuilderBehavesUnlessToldOtherwise) {
   EXPECT_EQ(told.polls, 20);
 }
 
+TEST(StandinSettingsTest, TheBuildersCancelAndPollsHaveTwoNamesEach) {
+  const StandinSettings::Builder told =
+      ParseStandinSettings(R"({"builder":{"cancel":true,"slowPolls":20}})", "standin.json").builder;
+  EXPECT_TRUE(told.cancelled);
+  EXPECT_EQ(told.polls, 20);
+  EXPECT_EQ(ParseStandinSettings(R"({"builder":{"cancel":false,"polls":0}})", "standin.json").builder.polls, 0);
+}
+
 TEST(StandinSettingsTest, WhatTheBuilderCannotDoIsRefused) {
-  for (const char* builder : {R"({"failAt":"view"})", R"({"failAt":1})", R"({"polls":-1})", R"({"polls":1.5})",
-                              R"({"polls":"many"})", R"({"cancelled":"yes"})", R"({"slow":true})"}) {
+  for (const char* builder :
+       {R"({"failAt":"view"})", R"({"failAt":1})", R"({"polls":-1})", R"({"polls":1.5})", R"({"polls":"many"})",
+        R"({"cancelled":"yes"})", R"({"slow":true})", R"({"cancel":1})", R"({"slowPolls":1000001})"}) {
     EXPECT_THROW(ParseStandinSettings("{\"builder\":" + std::string(builder) + "}", "standin.json"), AutomationError)
         << builder;
   }
@@ -84,6 +93,10 @@ INSTANTIATE_TEST_SUITE_P(
                     RefusedText{"RefuseNoList", R"({"router":{"refuse":"copyProject"}})", "router.refuse"},
                     RefusedText{"RefuseNoTexts", R"({"router":{"refuse":[1]}})", "router.refuse"},
                     RefusedText{"NoReportMember", R"({"reportServer":{"failAt":"Addtag"}})", "reportServer.failAt"},
+                    RefusedText{"BothNamesOfAFlag", R"({"builder":{"cancel":true,"cancelled":true}})",
+                                "builder.cancelled has to be left out beside builder.cancel, not true"},
+                    RefusedText{"BothNamesOfACount", R"({"builder":{"polls":1,"slowPolls":2}})",
+                                "builder.polls has to be left out beside builder.slowPolls, not 1"},
                     RefusedText{"MisspeltReportKey", R"({"reportServer":{"makeReports":false}})", "makeReports"}),
     ReasonOf);
 

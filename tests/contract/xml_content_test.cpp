@@ -5,17 +5,18 @@
 #include "seams/xml.h"
 #include "tests/contract/contract_fixture.h"
 #include "tests/contract/xml_reading.h"
+#include "tests/support/raised_by.h"
 
 // Texts, attributes, CDATA sections and markup: what every adapter of the XML seam promises.
 
 namespace parvex {
 namespace {
 
-using test::DescriptionOf;
-using test::ErrorOf;
+using test::DescriptionOfErrorIn;
 using test::kInvalidCall;
 using test::Outline;
 using test::Parsed;
+using test::RaisedBy;
 using test::Reparsed;
 using xml::Document;
 using xml::Node;
@@ -80,10 +81,10 @@ TEST(XmlSetText, RefusesWhatXmlCannotCarryAndNamesTheElement) {
   const std::string_view ugly[] = {
       std::string_view("a\0b", 3), "a\x01", "\x1F", "\xFF", "\xC3", "\xED\xA0\x80", "\xEF\xBF\xBE", "\xC0\xBC"};
   for (const std::string_view text : ugly) {
-    EXPECT_EQ(ErrorOf([&] { document.Root().SetText(text); }), kInvalidCall);
-    EXPECT_NE(DescriptionOf([&] { document.Root().SetText(text); }).find("Price"), std::string::npos);
-    EXPECT_EQ(ErrorOf([&] { document.Root().SetAttribute("k", text); }), kInvalidCall);
-    EXPECT_EQ(ErrorOf([&] { document.CreateCData(text); }), kInvalidCall);
+    EXPECT_EQ(RaisedBy([&] { document.Root().SetText(text); }), kInvalidCall);
+    EXPECT_NE(DescriptionOfErrorIn([&] { document.Root().SetText(text); }).find("Price"), std::string::npos);
+    EXPECT_EQ(RaisedBy([&] { document.Root().SetAttribute("k", text); }), kInvalidCall);
+    EXPECT_EQ(RaisedBy([&] { document.CreateCData(text); }), kInvalidCall);
   }
   EXPECT_EQ(document.Root().Xml(), "<Price>1</Price>");
 }
@@ -147,7 +148,7 @@ TEST(XmlAttribute, SelectedAsNodeCanBeSet) {
 TEST(XmlAttribute, IsRefusedWhenTheNameIsNone) {
   const Document document = Parsed("<a/>");
   for (const char* name : {"", "1 a", "a b", "<", "a:b:c", ":a", "a:", "undeclared:a"}) {
-    EXPECT_EQ(ErrorOf([&] { document.Root().SetAttribute(name, "x"); }), kInvalidCall) << name;
+    EXPECT_EQ(RaisedBy([&] { document.Root().SetAttribute(name, "x"); }), kInvalidCall) << name;
   }
   EXPECT_EQ(document.Root().Xml(), "<a/>");
 }

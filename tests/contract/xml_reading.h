@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -47,24 +46,6 @@ inline std::string Outline(const Node& node) {
 inline Node Reparsed(const Document& document) {
   const Document again = Parsed(document.Xml());
   return again.Root();
-}
-
-inline std::uint16_t ErrorOf(const std::function<void()>& act) {
-  try {
-    act();
-  } catch (const AutomationError& error) {
-    return error.RuntimeNumber();
-  }
-  return 0;
-}
-
-inline std::string DescriptionOf(const std::function<void()>& act) {
-  try {
-    act();
-  } catch (const AutomationError& error) {
-    return error.Description();
-  }
-  return "no error";
 }
 
 inline constexpr auto kObjectNotSet = static_cast<std::uint16_t>(RuntimeError::ObjectNotSet);

@@ -6,6 +6,7 @@
 
 #include "seams/xml.h"
 #include "tests/contract/xml_reading.h"
+#include "tests/support/raised_by.h"
 #include "tests/support/same_node.h"
 
 // Selecting, walking, building, moving, and what handles keep alive: what every adapter of the XML seam promises.
@@ -13,13 +14,13 @@
 namespace parvex {
 namespace {
 
-using test::DescriptionOf;
-using test::ErrorOf;
+using test::DescriptionOfErrorIn;
 using test::IsSame;
 using test::kInvalidCall;
 using test::kObjectNotSet;
 using test::Outline;
 using test::Parsed;
+using test::RaisedBy;
 using xml::Document;
 using xml::Node;
 
@@ -71,9 +72,10 @@ TEST(XmlSelect, RaisesAnErrorThatQuotesABrokenExpression) {
   const Document document = Parsed("<r/>");
   for (const std::string expression :
        {"//COMMAND/PARAMETER[NAME='it's']/VALUE", "//r[", "", "'", "r/", "p:r", "r[unknown()]", "$v", "1 +"}) {
-    EXPECT_NE(ErrorOf([&] { document.First(expression); }), 0) << expression;
-    EXPECT_NE(DescriptionOf([&] { document.First(expression); }).find(expression), std::string::npos) << expression;
-    EXPECT_NE(ErrorOf([&] { document.All(expression); }), 0) << expression;
+    EXPECT_NE(RaisedBy([&] { document.First(expression); }), 0) << expression;
+    EXPECT_NE(DescriptionOfErrorIn([&] { document.First(expression); }).find(expression), std::string::npos)
+        << expression;
+    EXPECT_NE(RaisedBy([&] { document.All(expression); }), 0) << expression;
   }
   EXPECT_TRUE(document.First("r")) << "a broken expression must not spoil the next";
 }
@@ -81,7 +83,7 @@ TEST(XmlSelect, RaisesAnErrorThatQuotesABrokenExpression) {
 TEST(XmlSelect, RaisesAnErrorWhenTheValueIsNoSetOfNodes) {
   const Document document = Parsed("<r/>");
   for (const char* expression : {"1 + 1", "count(r)", "'text'", "r = 'x'"}) {
-    EXPECT_NE(ErrorOf([&] { document.First(expression); }), 0) << expression;
+    EXPECT_NE(RaisedBy([&] { document.First(expression); }), 0) << expression;
   }
 }
 
@@ -170,20 +172,20 @@ TEST(XmlAppend, RefusesWhatWouldBreakTheTree) {
   const Node root = document.Root();
   const Node b = document.First("r/a/b");
   const Node text = b.NextSibling();
-  EXPECT_EQ(ErrorOf([&] { b.Append(root); }), kInvalidCall) << "into its own subtree";
-  EXPECT_EQ(ErrorOf([&] { b.Append(b); }), kInvalidCall) << "into itself";
-  EXPECT_EQ(ErrorOf([&] { b.Append(document.First("r/@k")); }), kInvalidCall) << "an attribute";
-  EXPECT_EQ(ErrorOf([&] { b.Append(document.AsNode()); }), kInvalidCall) << "a document";
-  EXPECT_EQ(ErrorOf([&] { text.Append(document.CreateElement("x")); }), kInvalidCall) << "to a text";
-  EXPECT_EQ(ErrorOf([&] { document.AsNode().Append(document.CreateElement("x")); }), kInvalidCall) << "a second root";
-  EXPECT_EQ(ErrorOf([&] { Document::New().AsNode().Append(document.CreateCData("x")); }), kInvalidCall) << "top text";
+  EXPECT_EQ(RaisedBy([&] { b.Append(root); }), kInvalidCall) << "into its own subtree";
+  EXPECT_EQ(RaisedBy([&] { b.Append(b); }), kInvalidCall) << "into itself";
+  EXPECT_EQ(RaisedBy([&] { b.Append(document.First("r/@k")); }), kInvalidCall) << "an attribute";
+  EXPECT_EQ(RaisedBy([&] { b.Append(document.AsNode()); }), kInvalidCall) << "a document";
+  EXPECT_EQ(RaisedBy([&] { text.Append(document.CreateElement("x")); }), kInvalidCall) << "to a text";
+  EXPECT_EQ(RaisedBy([&] { document.AsNode().Append(document.CreateElement("x")); }), kInvalidCall) << "a second root";
+  EXPECT_EQ(RaisedBy([&] { Document::New().AsNode().Append(document.CreateCData("x")); }), kInvalidCall) << "top text";
   EXPECT_EQ(Outline(root), "r(k=1)[a[b[]#text't']]");
 }
 
 TEST(XmlCreate, RefusesWhatIsNoName) {
   const Document document = Document::New();
   for (const char* name : {"", " ", "1a", "a b", "<a>", "p:a", "-"}) {
-    EXPECT_EQ(ErrorOf([&] { document.CreateElement(name); }), kInvalidCall) << name;
+    EXPECT_EQ(RaisedBy([&] { document.CreateElement(name); }), kInvalidCall) << name;
   }
   EXPECT_EQ(document.CreateElement("\xC3\x84").Name(), "\xC3\x84");
 }
@@ -355,9 +357,9 @@ TEST(XmlHandle, ThatIsNullRaisesObjectNotSetForEverything) {
       [&] { noDocument.Bytes(); },
   };
   for (std::size_t i = 0; i < asked.size(); ++i) {
-    EXPECT_EQ(ErrorOf(asked[i]), kObjectNotSet) << "question " << i;
+    EXPECT_EQ(RaisedBy(asked[i]), kObjectNotSet) << "question " << i;
   }
-  EXPECT_NE(DescriptionOf([&] { null.SetText("x"); }).find("SetText"), std::string::npos);
+  EXPECT_NE(DescriptionOfErrorIn([&] { null.SetText("x"); }).find("SetText"), std::string::npos);
 }
 
 }  // namespace

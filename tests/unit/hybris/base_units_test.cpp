@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/raised_by.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {

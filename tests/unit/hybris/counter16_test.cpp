@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/raised_by.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {

@@ -9,6 +9,7 @@
 #include "codec/bin_encoder.h"
 #include "formats/text/text.h"
 #include "protocol/reply_envelope.h"
+#include "tests/support/raised_by.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {

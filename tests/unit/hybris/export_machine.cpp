@@ -1,5 +1,7 @@
 #include "tests/unit/hybris/export_machine.h"
 
+#include "seams/automation_error.h"
+
 namespace parvex::test {
 namespace {
 

@@ -11,32 +11,9 @@
 #include <vector>
 
 #include "formats/zip/zip_writer.h"
-#include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex::test {
-
-/// The error of the automation runtime that `work` raises, nothing when it ends without one.
-template <class Work>
-std::optional<RuntimeError> RaisedBy(Work work) {
-  try {
-    work();
-  } catch (const AutomationError& error) {
-    return static_cast<RuntimeError>(error.RuntimeNumber());
-  }
-  return std::nullopt;
-}
-
-/// The description of the error that `work` raises, empty when it ends without one.
-template <class Work>
-std::string DescriptionOfErrorIn(Work work) {
-  try {
-    work();
-  } catch (const AutomationError& error) {
-    return error.Description();
-  }
-  return {};
-}
 
 /// Project databases whose one table answers from a list of statements. Records what was opened and asked.
 class FakeProjectDatabases : public ProjectDatabases {

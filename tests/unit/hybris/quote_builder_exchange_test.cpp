@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "tests/support/raised_by.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {

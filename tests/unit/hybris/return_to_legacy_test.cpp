@@ -5,6 +5,7 @@
 
 #include "codec/bin_encoder.h"
 #include "tests/support/full_disk.h"
+#include "tests/support/raised_by.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {
@@ -159,7 +160,7 @@ TEST_F(ReturnToLegacyTest, OnAFullDiskEndsTheCallAndLeavesNoHalfFile) {
         EXPECT_EQ(machine.Read(kInstructionFile), "[Header]\r\nAction=ok\r\n");
         break;
       default:
-        EXPECT_EQ(raised, std::nullopt);
+        EXPECT_EQ(raised, 0);
     }
   }
   EXPECT_THAT(machine.platform.files->ListFiles("C:\\Korvane\\TQ5-VX\\Temp\\*"),

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "codec/bin_encoder.h"
+#include "tests/support/raised_by.h"
 #include "tests/unit/hybris/export_machine.h"
 
 namespace parvex::test {

@@ -3,27 +3,20 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <functional>
 #include <string>
 
 #include "seams/automation_error.h"
+#include "tests/support/raised_by.h"
 
 namespace parvex {
 namespace {
+
+using test::RaisedBy;
 
 // A command with one parameter "p" whose VALUE has this content.
 xml::Document CommandWithValue(const std::string& content) {
   return xml::Document::Parse("<COMMAND><NAME>c</NAME><PARAMETER><NAME>p</NAME><VALUE>" + content +
                               "</VALUE></PARAMETER></COMMAND>");
-}
-
-std::uint16_t NumberOfErrorFrom(const std::function<void()>& operation) {
-  try {
-    operation();
-  } catch (const AutomationError& error) {
-    return error.RuntimeNumber();
-  }
-  return 0;
 }
 
 constexpr auto kObjectNotSet = static_cast<std::uint16_t>(RuntimeError::ObjectNotSet);
@@ -49,14 +42,14 @@ TEST(GetCommandName, IsEmptyForAnEmptyName) {
 
 TEST(GetCommandName, DoesNotTakeTheNameOfAParameter) {
   const auto command = xml::Document::Parse("<COMMAND><PARAMETER><NAME>p</NAME></PARAMETER></COMMAND>");
-  EXPECT_EQ(NumberOfErrorFrom([&] { GetCommandName(command); }), kObjectNotSet);
+  EXPECT_EQ(RaisedBy([&] { GetCommandName(command); }), kObjectNotSet);
 }
 
 TEST(GetCommandName, IsAnErrorWithoutNameInAnEmptyDocumentAndWithoutDocument) {
   for (const xml::Document& command :
        {xml::Document::Parse("<COMMAND/>"), xml::Document::Parse("<command><NAME>x</NAME></command>"),
         xml::Document::Parse("<COMMAND><NAME>x</NAME>"), xml::Document::New(), xml::Document()}) {
-    EXPECT_EQ(NumberOfErrorFrom([&] { GetCommandName(command); }), kObjectNotSet);
+    EXPECT_EQ(RaisedBy([&] { GetCommandName(command); }), kObjectNotSet);
   }
 }
 
@@ -197,12 +190,12 @@ TEST(AddParameter, AppendsToTheRootWhateverItIsSoThatLookUpsMissIt) {
 }
 
 TEST(AddParameter, IsAnErrorForAnEmptyDocumentAndWithoutDocument) {
-  EXPECT_EQ(NumberOfErrorFrom([] { AddParameter(xml::Document::New(), "p", "1"); }), kObjectNotSet);
-  EXPECT_EQ(NumberOfErrorFrom([] { AddParameter(xml::Document(), "p", "1"); }), kObjectNotSet);
+  EXPECT_EQ(RaisedBy([] { AddParameter(xml::Document::New(), "p", "1"); }), kObjectNotSet);
+  EXPECT_EQ(RaisedBy([] { AddParameter(xml::Document(), "p", "1"); }), kObjectNotSet);
 }
 
 TEST(SetCommandName, IsAnErrorWithoutName) {
-  EXPECT_EQ(NumberOfErrorFrom([] { SetCommandName(xml::Document::Parse("<COMMAND/>"), "x"); }), kObjectNotSet);
+  EXPECT_EQ(RaisedBy([] { SetCommandName(xml::Document::Parse("<COMMAND/>"), "x"); }), kObjectNotSet);
 }
 
 }  // namespace

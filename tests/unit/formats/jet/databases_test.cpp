@@ -12,11 +12,13 @@
 #include "seams/automation_error.h"
 #include "tests/support/jet_readers.h"
 #include "tests/support/one_file.h"
+#include "tests/support/raised_by.h"
 
 namespace parvex::jet {
 namespace {
 
 using standin::JetTable;
+using test::ErrorIn;
 using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -57,16 +59,6 @@ class JetDatabasesTest : public testing::TestWithParam<Version> {
     rows.Edit();
     rows.SetColumn("sValue", value);
     rows.Update();
-  }
-  /// "number description" of the error that an action ends with.
-  template <typename Action>
-  std::string ErrorOf(Action action) {
-    try {
-      action();
-      return "";
-    } catch (const AutomationError& error) {
-      return std::to_string(error.RuntimeNumber()) + " " + error.Description();
-    }
   }
 
  private:
@@ -128,7 +120,7 @@ TEST_P(JetDatabasesTest, AFailedUpdateLeavesTheFileAndCanBeTriedAgain) {
     file.refusal = refusal;
     rows->Edit();
     rows->SetColumn("sValue", "new");
-    EXPECT_THAT(ErrorOf([&] { rows->Update(); }), HasSubstr("refused"));
+    EXPECT_THAT(ErrorIn([&] { rows->Update(); }), HasSubstr("refused"));
     EXPECT_EQ(file.bytes, before);
     EXPECT_EQ(rows->Column("sValue"), "v0");
   }
@@ -143,7 +135,7 @@ TEST_P(JetDatabasesTest, ARowThatSomebodyElseChangedIsNotOverwritten) {
   const auto mine = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config");
   const auto theirs = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config");
   SetValue(*theirs, "theirs");
-  EXPECT_THAT(ErrorOf([&] { SetValue(*mine, "mine"); }), HasSubstr("3197 "));
+  EXPECT_THAT(ErrorIn([&] { SetValue(*mine, "mine"); }), HasSubstr("3197 "));
   EXPECT_THAT(Column("sValue"), ElementsAre("theirs", "v1"));
 }
 
@@ -162,7 +154,7 @@ TEST_P(JetDatabasesTest, ARowIsNotAddedToAnIndexedTable) {
   const auto rows = Rows("SELECT * FROM Config");
   rows->AddNew();
   rows->SetColumn("sKey", "new");
-  EXPECT_EQ(ErrorOf([&] { rows->Update(); }), "3251 Index 'PrimaryKey' would have to change: 'C:\\Project.mdb'");
+  EXPECT_EQ(ErrorIn([&] { rows->Update(); }), "3251 Index 'PrimaryKey' would have to change: 'C:\\Project.mdb'");
   EXPECT_EQ(file.bytes, before);
 }
 
@@ -175,7 +167,7 @@ TEST_P(JetDatabasesTest, ARowOfAnIndexedTableIsChangedWhereTheIndexDoesNotLook) 
   EXPECT_EQ(Column("sValue")[7], std::string(254, 'y'));
   rows->Edit();
   rows->SetColumn("sKey", "another");
-  EXPECT_THAT(ErrorOf([&] { rows->Update(); }), HasSubstr("3251 Index 'PrimaryKey'"));
+  EXPECT_THAT(ErrorIn([&] { rows->Update(); }), HasSubstr("3251 Index 'PrimaryKey'"));
 }
 
 TEST_P(JetDatabasesTest, ReadsBooleansAndSingles) {
@@ -191,9 +183,9 @@ TEST_P(JetDatabasesTest, AColumnWithoutTextIsRefusedByNameWhereItHasAValue) {
   const auto rows = Rows("SELECT * FROM Parts");
   EXPECT_EQ(rows->Column("name"), "a");
   EXPECT_EQ(
-      ErrorOf([&] { rows->Column("photo"); }),
+      ErrorIn([&] { rows->Column("photo"); }),
       "13 Column 'photo' holds a value of type OLE object that has no text in table 'Parts' of 'C:\\Project.mdb'");
-  EXPECT_THAT(ErrorOf([&] { rows->Column("mark"); }), HasSubstr("13 Column 'mark' holds a value of type Binary"));
+  EXPECT_THAT(ErrorIn([&] { rows->Column("mark"); }), HasSubstr("13 Column 'mark' holds a value of type Binary"));
   rows->MoveNext();
   EXPECT_EQ(rows->Column("photo"), std::nullopt);
   EXPECT_EQ(rows->Column("mark"), std::nullopt);
@@ -208,7 +200,7 @@ TEST_P(JetDatabasesTest, AColumnOfAnUnknownTypeIsRefusedByNameAndTheOthersAreRea
   file.bytes[secondEntry] = 17;
   const auto rows = Rows("SELECT * FROM Parts");
   EXPECT_EQ(rows->Column("name"), "a");
-  EXPECT_THAT(ErrorOf([&] { rows->Column("odd"); }), HasSubstr("13 Column 'odd' holds a value of type number 17"));
+  EXPECT_THAT(ErrorIn([&] { rows->Column("odd"); }), HasSubstr("13 Column 'odd' holds a value of type number 17"));
 }
 
 TEST_P(JetDatabasesTest, ReadsMemosThatAreKeptOutsideTheirRows) {
@@ -252,7 +244,7 @@ TEST_P(JetDatabasesTest, AMemoWhoseChainHasNoEndIsAnError) {
   PutPlace(header, 4, {page, 0});
   changed.ReplaceRow(table, changed.ReadRows(table)[0], {header});
   file.bytes = changed.Bytes();
-  EXPECT_THAT(ErrorOf([&] { Column("note", "Notes"); }), HasSubstr("3343 "));
+  EXPECT_THAT(ErrorIn([&] { Column("note", "Notes"); }), HasSubstr("3343 "));
 }
 
 TEST_P(JetDatabasesTest, AnotherVersionAndAnEncryptedDatabaseAreRefusedByName) {
@@ -260,16 +252,16 @@ TEST_P(JetDatabasesTest, AnotherVersionAndAnEncryptedDatabaseAreRefusedByName) {
   const std::string sound = file.bytes;
   for (const char version : {'\2', '\3', '\xFF'}) {
     file.bytes[0x14] = version;
-    EXPECT_EQ(ErrorOf([&] { databases.Open(kPath); }),
+    EXPECT_EQ(ErrorIn([&] { databases.Open(kPath); }),
               "3343 A Jet database of another version than 3 and 4: 'C:\\Project.mdb'");
   }
   file.bytes = WithHeader(sound, [](std::string& header) { Put32(header, 0x3E, 0x12345678); });
-  EXPECT_THAT(ErrorOf([&] { databases.Open(kPath); }), HasSubstr("3343 An encrypted Jet database"));
+  EXPECT_THAT(ErrorIn([&] { databases.Open(kPath); }), HasSubstr("3343 An encrypted Jet database"));
 }
 
 TEST_P(JetDatabasesTest, ATextComparedWithANumberColumnIsAnError) {
   Make({"TagIndex", {{"lTagId", Type::Long}}, {{"1"}}});
-  EXPECT_THAT(ErrorOf([&] { Rows("SELECT * FROM TagIndex WHERE lTagId='1'"); }), HasSubstr("3464 "));
+  EXPECT_THAT(ErrorIn([&] { Rows("SELECT * FROM TagIndex WHERE lTagId='1'"); }), HasSubstr("3464 "));
 }
 
 TEST_P(JetDatabasesTest, StatementsBeyondTheUnderstoodFormAreSyntaxErrors) {
@@ -280,7 +272,7 @@ TEST_P(JetDatabasesTest, StatementsBeyondTheUnderstoodFormAreSyntaxErrors) {
         "SELECT * FROM Config WHERE sKey<>'key0'", "SELECT * FROM Config WHERE sKey='key0' OR sKey='key1'",
         "SELECT * FROM Config WHERE sKey='key0' AND", "SELECT * FROM Config ORDER BY sKey", "SELECT * FROM [Config",
         "SELECT * FROM Config WHERE sKey='a' 'b'", "SELECT * FROM Config; SELECT"}) {
-    EXPECT_THAT(ErrorOf([&] { Rows(sql); }), HasSubstr(std::string("3075 Syntax error in the statement: ") + sql));
+    EXPECT_THAT(ErrorIn([&] { Rows(sql); }), HasSubstr(std::string("3075 Syntax error in the statement: ") + sql));
   }
 }
 
@@ -343,7 +335,7 @@ TEST_P(JetDatabasesTest, AMissingMapOfPagesWithRoomIsAnErrorAndNoOutput) {
   const std::size_t place = GetParam() == Version::Jet3 ? 0x27 : 0x3B;
   Put32(file.bytes, kDefinitionPage * pageSize + place, 0x00FFFF00);
   testing::internal::CaptureStderr();
-  const std::string error = ErrorOf([&] { Column("sValue"); });
+  const std::string error = ErrorIn([&] { Column("sValue"); });
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   EXPECT_THAT(error, HasSubstr("3343 "));
 }
@@ -362,7 +354,7 @@ TEST_P(JetDatabasesTest, ADamagedByteGivesRowsOrAnErrorAndNoOutput) {
     for (std::size_t at = 0; at < sound.size(); at += 37) {
       file.bytes = sound;
       file.bytes[at] = wrong;
-      errors += ErrorOf([&] { Column("memo"); }).empty() ? 0 : 1;
+      errors += ErrorIn([&] { Column("memo"); }).empty() ? 0 : 1;
     }
   }
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");

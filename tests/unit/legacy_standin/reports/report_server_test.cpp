@@ -5,6 +5,7 @@
 
 #include "legacy_standin/reports/schedule_request.h"
 #include "seams/automation_error.h"
+#include "tests/support/raised_by.h"
 #include "tests/unit/legacy_standin/standin_machine.h"
 
 namespace parvex::standin {
@@ -12,6 +13,7 @@ namespace {
 
 using automation::Argument;
 using automation::Value;
+using test::ErrorIn;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -28,17 +30,6 @@ class ReportClassesTest : public testing::Test, protected StandinMachine {
       arguments.push_back({value, true});
     }
     return object.Call(member, arguments);
-  }
-
-  /// The number and the description of the failure that an action raises.
-  template <typename Action>
-  static std::string FailureOf(Action action) {
-    try {
-      action();
-      return "none";
-    } catch (const AutomationError& error) {
-      return std::to_string(error.RuntimeNumber()) + " " + error.Description();
-    }
   }
 
   std::vector<std::string> Files() { return machine.platform.files->ListFiles(std::string(kTemp) + "*.*"); }
@@ -130,39 +121,36 @@ TEST_F(ReportServerTest, ResetForgetsEverything) {
   AddReport();
   Call(server, "Reset", {});
   EXPECT_EQ(std::get<std::string>(server.Get("ClientID")), "");
-  EXPECT_THAT(FailureOf([&] { Make(); }), HasSubstr("action is \"\""));
-  EXPECT_THAT(FailureOf([&] { AddReport(); }), HasSubstr("no tag \"A\" of RTU47 was added"));
+  EXPECT_THAT(ErrorIn([&] { Make(); }), HasSubstr("action is \"\""));
+  EXPECT_THAT(ErrorIn([&] { AddReport(); }), HasSubstr("no tag \"A\" of RTU47 was added"));
 }
 
 TEST_F(ReportServerTest, RefusesWhatDoesNotFit) {
   const std::string name = "KDRPTSV47.CRemoteInterface.";
-  EXPECT_EQ(FailureOf([&] { server.Get("Reset"); }), "438 " + name + "Reset: the object has no such member");
-  EXPECT_EQ(FailureOf([&] { server.Put("Format", std::string()); }),
+  EXPECT_EQ(ErrorIn([&] { server.Get("Reset"); }), "438 " + name + "Reset: the object has no such member");
+  EXPECT_EQ(ErrorIn([&] { server.Put("Format", std::string()); }),
             "438 " + name + "Format: the object has no such member");
-  EXPECT_EQ(FailureOf([&] { Call(server, "Close", {}); }), "438 " + name + "Close: the object has no such member");
-  EXPECT_EQ(FailureOf([&] { server.Put("action", 1); }), "5 " + name + "action: the value is no text");
-  EXPECT_EQ(FailureOf([&] { Call(server, "AddTag", {}); }), "5 " + name + "AddTag: 5 arguments are wanted, not 0");
-  EXPECT_EQ(FailureOf([&] { Call(server, "MakeReport", {true}); }), "5 " + name + "MakeReport: argument 1 is no text");
-  EXPECT_THAT(FailureOf([&] { AddTag("<TAG>"); }), HasSubstr("AddTag: the data of \"A\" is no XML document: "));
-  EXPECT_THAT(FailureOf([&] {
-                CallTexts("AddTag", {"", kTag, "A", "B", ""});
-              }),
-              HasSubstr("once \"A\" and once \"B\""));
+  EXPECT_EQ(ErrorIn([&] { Call(server, "Close", {}); }), "438 " + name + "Close: the object has no such member");
+  EXPECT_EQ(ErrorIn([&] { server.Put("action", 1); }), "5 " + name + "action: the value is no text");
+  EXPECT_EQ(ErrorIn([&] { Call(server, "AddTag", {}); }), "5 " + name + "AddTag: 5 arguments are wanted, not 0");
+  EXPECT_EQ(ErrorIn([&] { Call(server, "MakeReport", {true}); }), "5 " + name + "MakeReport: argument 1 is no text");
+  EXPECT_THAT(ErrorIn([&] { AddTag("<TAG>"); }), HasSubstr("AddTag: the data of \"A\" is no XML document: "));
+  EXPECT_THAT(ErrorIn([&] { CallTexts("AddTag", {"", kTag, "A", "B", ""}); }), HasSubstr("once \"A\" and once \"B\""));
   AddTag();
-  EXPECT_THAT(FailureOf([&] { AddReport(kTemplate, "TitlePage"); }), HasSubstr("unknown category \"TitlePage\""));
-  EXPECT_THAT(FailureOf([&] { AddReport("C:\\T\\gone.xml"); }), testing::StartsWith("53 C:\\T\\gone.xml"));
-  EXPECT_THAT(FailureOf([&] { AddReport(kTemplate, "Custom", "B"); }), HasSubstr("no tag \"B\""));
+  EXPECT_THAT(ErrorIn([&] { AddReport(kTemplate, "TitlePage"); }), HasSubstr("unknown category \"TitlePage\""));
+  EXPECT_THAT(ErrorIn([&] { AddReport("C:\\T\\gone.xml"); }), testing::StartsWith("53 C:\\T\\gone.xml"));
+  EXPECT_THAT(ErrorIn([&] { AddReport(kTemplate, "Custom", "B"); }), HasSubstr("no tag \"B\""));
   AddReport();
   Prepare("Somebody");
-  EXPECT_THAT(FailureOf([&] { Make(); }), HasSubstr("ClientID is \"Somebody\" and not \"NGORLA\""));
+  EXPECT_THAT(ErrorIn([&] { Make(); }), HasSubstr("ClientID is \"Somebody\" and not \"NGORLA\""));
 }
 
 TEST_F(ReportServerTest, FailsWhereItIsTold) {
   application.settings.reportServer.failAt = "ClientID";
-  EXPECT_THAT(FailureOf([&] { server.Put("ClientID", std::string()); }), HasSubstr("ClientID: told to fail"));
-  EXPECT_EQ(FailureOf([&] { server.Put("action", std::string()); }), "none");
+  EXPECT_THAT(ErrorIn([&] { server.Put("ClientID", std::string()); }), HasSubstr("ClientID: told to fail"));
+  EXPECT_EQ(ErrorIn([&] { server.Put("action", std::string()); }), "");
   application.settings.reportServer.failAt = "Reset";
-  EXPECT_THAT(FailureOf([&] { Call(server, "Reset", {}); }), HasSubstr("Reset: told to fail"));
+  EXPECT_THAT(ErrorIn([&] { Call(server, "Reset", {}); }), HasSubstr("Reset: told to fail"));
 }
 
 class ScheduleRequestTest : public ReportClassesTest {
@@ -196,20 +184,20 @@ TEST_F(ScheduleRequestTest, WithoutTagsOrWhenToldSoItShowsNone) {
 }
 
 TEST_F(ScheduleRequestTest, RefusesWhatDoesNotFit) {
-  EXPECT_THAT(FailureOf([&] { Send("HIDE"); }), HasSubstr("is not \"SHOWSCHEDULE\""));
-  EXPECT_THAT(FailureOf([&] {
+  EXPECT_THAT(ErrorIn([&] { Send("HIDE"); }), HasSubstr("is not \"SHOWSCHEDULE\""));
+  EXPECT_THAT(ErrorIn([&] {
                 Call(request, "SendRequest", {std::string("SHOWSCHEDULE"), true});
               }),
               HasSubstr("the second argument is no collection"));
-  EXPECT_THAT(FailureOf([&] { Call(request, "SendRequest", {}); }), HasSubstr("2 arguments are wanted, not 0"));
-  EXPECT_THAT(FailureOf([&] { Call(request, "Send", {}); }), HasSubstr("438 "));
+  EXPECT_THAT(ErrorIn([&] { Call(request, "SendRequest", {}); }), HasSubstr("2 arguments are wanted, not 0"));
+  EXPECT_THAT(ErrorIn([&] { Call(request, "Send", {}); }), HasSubstr("438 "));
   items["pdsg"] = "KDQ47";
-  EXPECT_THAT(FailureOf([&] { Send(); }), HasSubstr("no schedule of the group \"KDQ47\""));
+  EXPECT_THAT(ErrorIn([&] { Send(); }), HasSubstr("no schedule of the group \"KDQ47\""));
   items.erase("tags");
   items["pdsg"] = "QRT52";
-  EXPECT_THAT(FailureOf([&] { Send(); }), HasSubstr("the collection has no text \"tags\""));
+  EXPECT_THAT(ErrorIn([&] { Send(); }), HasSubstr("the collection has no text \"tags\""));
   application.settings.reportServer.failAt = "SendRequest";
-  EXPECT_THAT(FailureOf([&] { Send(); }), HasSubstr("SendRequest: told to fail"));
+  EXPECT_THAT(ErrorIn([&] { Send(); }), HasSubstr("SendRequest: told to fail"));
 }
 
 }  // namespace

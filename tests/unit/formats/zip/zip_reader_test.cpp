@@ -4,51 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <string>
 #include <vector>
 
 #include "formats/zip/zip_writer.h"
-#include "seams/automation_error.h"
-#include "tests/support/fake_platform.h"
 #include "tests/support/zip_patch.h"
+#include "tests/unit/formats/zip/archive_reading.h"
 
-namespace parvex {
+namespace parvex::test {
 namespace {
 
 using testing::HasSubstr;
-
-constexpr const char* kBlob = "C:\\data\\tag.dat";
-
-class Packing : public testing::Test {
- protected:
-  test::FakeMachine machine_;
-
-  std::vector<PackedEntry> UnpackBytes(const std::string& archive) {
-    // A buffer of exactly the archive's size, so that the sanitizers see a read beyond it.
-    const std::vector<char> exact(archive.begin(), archive.end());
-    return Unpack(*machine_.platform.codePage, std::string_view(exact.data(), exact.size()), kBlob);
-  }
-
-  // The description of the error that refuses an archive; a test fails when it is accepted.
-  std::string RefusalOf(const std::string& archive) {
-    try {
-      UnpackBytes(archive);
-    } catch (const AutomationError& error) {
-      EXPECT_EQ(error.RuntimeNumber(), static_cast<std::uint16_t>(RuntimeError::InvalidCall));
-      EXPECT_THAT(error.Description(), HasSubstr(kBlob));
-      return error.Description();
-    }
-    ADD_FAILURE() << "accepted";
-    return "accepted";
-  }
-};
-
-std::string ArchiveOf(const std::vector<std::string>& names) {
-  ZipWriter writer;
-  for (const std::string& name : names) {
-    writer.Add(name, "", false);
-  }
-  return writer.Finish();
-}
 
 // Two entries, "stored.txt" and "deflated.txt".
 std::string SampleArchive() {
@@ -155,133 +121,6 @@ TEST_F(Packing, TakesNoEndRecordWhoseCommentDoesNotReachTheEnd) {
   std::string archive = SampleArchive();
   test::Put16(archive, test::EndRecord(archive) + 20, 1);
   EXPECT_TRUE(UnpackBytes(archive).empty());
-}
-
-// --- Names ---
-
-struct NameCase {
-  std::string name;
-  const char* reason;
-};
-
-TEST_F(Packing, RefusesNamesThatLeadElsewhereOrThatWindowsDoesNotGive) {
-  const std::vector<NameCase> cases = {
-      {"", "no name"},
-      {"/absolute", "is absolute"},
-      {"\\absolute", "is absolute"},
-      {"\\\\server\\share\\x", "is absolute"},
-      {"/", "is absolute"},
-      {"a//b", "empty component"},
-      {"a//", "empty component"},
-      {"..", "'..'"},
-      {"../up", "'..'"},
-      {"a/../../up", "'..'"},
-      {"a\\..\\..\\up", "'..'"},
-      {"a/..", "'..'"},
-      {"../", "'..'"},
-      {"./here", "'.'"},
-      {"C:\\drive", "colon"},
-      {"C:drive", "colon"},
-      {"file:stream", "colon"},
-      {std::string("nul\0byte", 8), "nul?byte"},
-      {"line\nbreak", "line?break"},
-      {"what?", "character"},
-      {"star*", "character"},
-      {"pipe|", "character"},
-      {"quote\"", "character"},
-      {"less<", "character"},
-      {".. /up", "ends with a dot or a blank"},
-      {"...", "ends with a dot or a blank"},
-      {"a/ . ./b", "ends with a dot or a blank"},
-      {" ", "ends with a dot or a blank"},
-      {"NUL", "device"},
-      {"nul.", "device"},
-      {"aux ", "device"},
-      {"Con. . ", "device"},
-      {"sub/com1", "device"},
-      {"COM\xC2\xB9", "device"},
-      {std::string(256, 'x'), "more than 255"},
-      {"\xC3(", "no valid UTF-8"},
-      {"\xED\xA0\x80", "no valid UTF-8"},
-      {"\xC0\xAE\xC0\xAE/up", "no valid UTF-8"},
-  };
-  for (const NameCase& testCase : cases) {
-    EXPECT_THAT(RefusalOf(ArchiveOf({"good", testCase.name})), HasSubstr(testCase.reason))
-        << testing::PrintToString(testCase.name);
-  }
-}
-
-TEST_F(Packing, AcceptsUnusualNamesThatAreHarmless) {
-  const std::vector<std::string> names = {"Tag",
-                                          "..x",
-                                          "x..y",
-                                          ".hidden",
-                                          "a b",
-                                          " leading",
-                                          "~",
-                                          "a~b",
-                                          "COM0",
-                                          "COM10",
-                                          "CONSOLE",
-                                          "nul_x",
-                                          "\xE2\x82\xAC",
-                                          "it's",
-                                          "[x]",
-                                          "100%",
-                                          "a,b;c",
-                                          "\xF0\x9F\x91\x82",
-                                          std::string(255, 'x')};
-  EXPECT_EQ(UnpackBytes(ArchiveOf(names)).size(), names.size());
-}
-
-TEST_F(Packing, AcceptsTheShortNamesThatOldPackersGive) {
-  const std::vector<PackedEntry> entries = UnpackBytes(ArchiveOf({"UNITDA~1.XML", "PROGRA~1/x"}));
-  ASSERT_EQ(entries.size(), 2u);
-  EXPECT_EQ(entries[0].name, "UNITDA~1.XML");
-  EXPECT_EQ(entries[1].name, "PROGRA~1\\x");
-}
-
-TEST_F(Packing, GivesEntriesTheNamesThatWindowsWrites) {
-  const std::vector<std::pair<std::string, std::string>> cases = {
-      {"readme.", "readme"},
-      {"dot.txt...", "dot.txt"},
-      {"blank ", "blank"},
-      {"both . .", "both"},
-      {"folder /file", "folder\\file"},
-      {"folder./", "folder"},
-      {" x", " x"},
-      {"a. b", "a. b"},
-  };
-  for (const auto& [packed, written] : cases) {
-    const std::vector<PackedEntry> entries = UnpackBytes(ArchiveOf({packed}));
-    EXPECT_EQ(entries.at(0).name, written) << packed;
-    EXPECT_EQ(entries.at(0).isFolder, packed.ends_with('/')) << packed;
-  }
-}
-
-TEST_F(Packing, AcceptsADevicesNameWithAnExtension) {
-  const std::vector<std::string> names = {"con.txt", "aux .txt", "LPT9.tar.gz", "nul.d/x", "aux.txt."};
-  EXPECT_EQ(UnpackBytes(ArchiveOf(names)).size(), names.size());
-}
-
-TEST_F(Packing, RefusesNamesThatCannotStandSideBySide) {
-  for (const std::vector<std::string>& names : std::vector<std::vector<std::string>>{
-           {"a", "a"},
-           {"a", "A"},
-           {"\xC3\xA4", "\xC3\x84"},
-           {"a/b", "a\\B"},
-           {"a", "a/"},
-           {"a/", "A/"},
-           {"a", "a/b"},
-           {"A/b/c", "a"},
-           {"readme", "README."},
-           {"readme.", "readme "},
-           {"a .", "a/b"},
-           {"a", "a!", "a.b", "a/b"},  // names between a file and what lies below it
-       }) {
-    EXPECT_THAT(RefusalOf(ArchiveOf(names)), HasSubstr("another entry takes")) << testing::PrintToString(names);
-  }
-  EXPECT_EQ(UnpackBytes(ArchiveOf({"a/", "a/b", "a/c", "ab", "a!"})).size(), 5u);
 }
 
 // --- Kinds ---
@@ -491,66 +330,5 @@ TEST_F(Packing, ReadsManyEntries) {
   EXPECT_EQ(UnpackBytes(writer.Finish()).size(), 65534u);
 }
 
-// --- Mutations ---
-
-TEST_F(Packing, SurvivesThousandsOfMutatedArchives) {
-  ZipWriter writer;
-  writer.Add("Tag", "<Document><Product TagVersion=\"4.70\" lTagID=\"7\"/></Document>\r\n", true);
-  writer.Add("folder/", "", false);
-  writer.Add("folder/drawing.dat", std::string(300, 'd'), false);
-  writer.Add("folder/more.dat", std::string(3000, 'm'), true);
-  const std::string good = writer.Finish();
-  const std::size_t firstDirectoryByte = test::DirectoryRecord(good, 0);
-
-  std::mt19937 random(470);
-  const auto below = [&random](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
-  const std::vector<std::uint32_t> extremes = {0,      1,      2,          0x7F,       0xFF,      0x7FFF,
-                                               0xFFFE, 0xFFFF, 0x7FFFFFFF, 0xFFFFFFFE, 0xFFFFFFFF};
-  int refused = 0;
-  int accepted = 0;
-  int without = 0;
-  for (int round = 0; round < 20000; ++round) {
-    std::string archive = good;
-    for (std::size_t changes = 1 + below(3); changes > 0; --changes) {
-      // Most changes meet the directory, where they do most harm.
-      const std::size_t from = below(4) == 0 ? 0 : firstDirectoryByte;
-      const std::size_t at = from + below(archive.size() - from - 4);
-      switch (below(5)) {
-        case 0:
-          archive[at] ^= static_cast<char>(1 << below(8));
-          break;
-        case 1:
-          archive[at] = static_cast<char>(random());
-          break;
-        case 2:
-          test::Put16(archive, at, static_cast<std::uint16_t>(extremes[below(extremes.size())]));
-          break;
-        case 3:
-          test::Put32(archive, at, extremes[below(extremes.size())]);
-          break;
-        default:
-          test::Put32(archive, at, static_cast<std::uint32_t>(below(good.size())));
-          break;
-      }
-    }
-    try {
-      const std::vector<PackedEntry> entries = UnpackBytes(archive);
-      (entries.empty() ? without : accepted) += 1;
-      for (const PackedEntry& entry : entries) {
-        ASSERT_LE(entry.bytes.size(), kLargestPackedEntry);
-        ASSERT_EQ(entry.name.find(':'), std::string::npos);
-        ASSERT_NE(entry.name.front(), '\\');
-      }
-    } catch (const AutomationError& error) {
-      ++refused;
-      ASSERT_THAT(error.Description(), HasSubstr(kBlob));
-    }
-  }
-  // All three ends are reached often: the mutations are neither harmless nor always caught by the first check.
-  EXPECT_GT(refused, 5000);
-  EXPECT_GT(accepted, 1000);
-  EXPECT_GT(without, 500);
-}
-
 }  // namespace
-}  // namespace parvex
+}  // namespace parvex::test

@@ -76,13 +76,15 @@ TableDefinition File::ReadTable(std::uint32_t definitionPage) const {
   DecodedDefinition decoded = DecodeDefinition(texts_, bytes);
   if (!decoded.fault.empty()) Damaged(decoded.fault);
   decoded.table.page = definitionPage;
-  // Nothing here needs to know which pages have room, but whoever reads the table after this check looks at the map.
+  // Pages that are added are marked there too: a table that could not grow is refused before it is read.
   PagesInMap(decoded.table.pagesWithRoom);
   return std::move(decoded.table);
 }
 
 std::vector<Row> File::ReadRows(const TableDefinition& table) const {
   std::vector<Row> rows;
+  // Sound rows have bytes of their own; pointers that share a row would make a small file a large table.
+  std::size_t rowBytes = 0;
   std::map<std::uint32_t, DataPage> pages;
   const auto page = [&](std::uint32_t number) -> const DataPage& {
     auto found = pages.find(number);
@@ -104,6 +106,8 @@ std::vector<Row> File::ReadRows(const TableDefinition& table) const {
         if (stored.row >= target.slots.size() || target.slots[stored.row].pointer) Damaged("a moved row is missing");
         slot = &target.slots[stored.row];
       }
+      rowBytes += slot->bytes.size();
+      if (rowBytes > bytes_.size()) Damaged("rows share their bytes");
       std::optional<StoredValues> values = DecodeRow(table.shape, slot->bytes);
       if (!values) {
         Damaged("row " + std::to_string(i) + " of page " + std::to_string(number) + " contradicts its table");

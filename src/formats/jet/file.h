@@ -35,7 +35,7 @@ class File {
   TableDefinition ReadTable(std::uint32_t definitionPage) const;
   /// In the order of the pages and of the rows in them.
   std::vector<Row> ReadRows(const TableDefinition& table) const;
-  /// The stored bytes of a memo or long binary value, which may be spread over pages.
+  /// The stored bytes of a memo or long binary value, which may be spread over pages. Not longer than the file.
   std::string ReadLongValue(const std::string& value) const;
 
   /// Refused for a table with an index or a counting column, which would have to be kept in step.

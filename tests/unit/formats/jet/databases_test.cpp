@@ -7,6 +7,7 @@
 
 #include "adapters/posix/code_pages.h"
 #include "formats/jet/file.h"
+#include "formats/jet/row.h"
 #include "formats/jet/stored_text.h"
 #include "formats/jet/writer.h"
 #include "seams/automation_error.h"
@@ -245,6 +246,38 @@ TEST_P(JetDatabasesTest, AMemoWhoseChainHasNoEndIsAnError) {
   changed.ReplaceRow(table, changed.ReadRows(table)[0], {header});
   file.bytes = changed.Bytes();
   EXPECT_THAT(ErrorIn([&] { Column("note", "Notes"); }), HasSubstr("3343 "));
+}
+
+// A small file would otherwise become as much text as it has rows times bytes.
+TEST_P(JetDatabasesTest, RowsThatShareOneMemoAreAnError) {
+  JetTable notes{"Notes", {{"note", Type::Memo}}, {}};
+  for (int i = 0; i < 100; ++i) notes.rows.push_back({"x"});
+  Make(notes);
+  const auto page = static_cast<std::uint32_t>(file.bytes.size() / pageSize);
+  const DataPage part{.version = GetParam(), .owner = 0, .slots = {{.bytes = std::string(1800, 'm')}}};
+  File changed(file.bytes + EncodeDataPage(part), "f");
+  const TableDefinition table = changed.ReadTable(kDefinitionPage);
+  const std::string header = Bytes32(0x40000000u | 1800) + BytesOfPlace({page, 0}) + std::string(4, '\0');
+  const std::vector<Row> rows = changed.ReadRows(table);
+  changed.ReplaceRow(table, rows[0], {header});
+  file.bytes = changed.Bytes();
+  EXPECT_EQ(Column("note", "Notes").size(), 100u);
+  for (const Row& row : rows) changed.ReplaceRow(table, row, {header});
+  file.bytes = changed.Bytes();
+  EXPECT_THAT(ErrorIn([&] { Column("note", "Notes"); }), HasSubstr("3343 The database is damaged (memos share"));
+}
+
+TEST_P(JetDatabasesTest, PointersThatShareOneRowAreAnError) {
+  Make(ConfigTable(1));
+  const std::size_t rowPage = file.bytes.size() - pageSize;
+  DataPage page = *DecodeDataPage(GetParam(), file.bytes.substr(rowPage));
+  const auto number = static_cast<std::uint32_t>(rowPage / pageSize);
+  page.slots = {{.hidden = true,
+                 .bytes = EncodeRow(File(file.bytes, "f").ReadTable(kDefinitionPage).shape,
+                                    {std::string(250, 'a'), std::string(250, 'b'), "c"})}};
+  for (int i = 0; i < 150; ++i) page.slots.push_back({.pointer = true, .bytes = BytesOfPlace({number, 0})});
+  file.bytes.replace(rowPage, pageSize, EncodeDataPage(page));
+  EXPECT_THAT(ErrorIn([&] { Column("sValue"); }), HasSubstr("3343 The database is damaged (rows share"));
 }
 
 TEST_P(JetDatabasesTest, AnotherVersionAndAnEncryptedDatabaseAreRefusedByName) {

@@ -150,7 +150,9 @@ class Document {
 /// Appends a new element that holds one text (nothing for an empty text), and returns it.
 inline Node AppendElement(const Node& parent, std::string_view name, std::string_view text = {}) {
   const Node element = parent.Append(parent.Owner().CreateElement(name));
-  element.SetText(text);
+  if (!text.empty()) {
+    element.SetText(text);
+  }
   return element;
 }
 

@@ -39,7 +39,7 @@ std::string cBinEncoder::EncodeFromFile(std::string_view fileName) {
   const std::string bytes = files_.ReadAll(fileName);
   if (bytes.empty()) {
     // The legacy codec counts a buffer from 0 to the length minus 1, which an empty file does not have.
-    throw MakeRuntimeError(RuntimeError::SubscriptOutOfRange, "The file '" + std::string(fileName) + "' is empty.");
+    throw MakeRuntimeError(RuntimeError::SubscriptOutOfRange, FailureText("cannot encode", fileName, "it is empty"));
   }
   return EncodeArr(bytes);
 }

@@ -25,13 +25,13 @@ std::string ReadValue(const xml::Node& value) {
 
 std::string GetCommandName(const xml::Document& command) {
   if (!command) {
-    throw MakeRuntimeError(RuntimeError::ObjectNotSet, "No command document was given");
+    throw MakeRuntimeError(RuntimeError::ObjectNotSet, "no command document was given");
   }
   const xml::Node name = command.First(".//COMMAND/NAME");
   if (!name) {
     const std::string reason = command.ParseError();
     throw MakeRuntimeError(RuntimeError::ObjectNotSet,
-                           "The command document has no COMMAND/NAME" + (reason.empty() ? "" : ": " + reason));
+                           "the command document has no COMMAND/NAME" + (reason.empty() ? "" : ": " + reason));
   }
   return name.Text();
 }
@@ -98,7 +98,7 @@ void SetCommandName(const xml::Document& command, std::string_view name) {
   const xml::Node node = command.First("//COMMAND/NAME");
   if (!node) {
     throw MakeRuntimeError(RuntimeError::ObjectNotSet,
-                           "The command document has no COMMAND/NAME to be made \"" + std::string(name) + "\"");
+                           "the command document has no COMMAND/NAME to be made \"" + std::string(name) + "\"");
   }
   node.SetText(name);
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace parvex {
 
@@ -50,6 +51,28 @@ enum class RuntimeError : std::uint16_t {
 
 /// The error that the automation runtime would raise, with this system's description.
 AutomationError MakeRuntimeError(RuntimeError error, const std::string& description);
+
+// How a description is put together. It begins with a small letter unless with a name, quotes values in double quotes
+// and ends without a period. The same failure reads the same on every platform: what a system says about its own
+// codes is left out.
+
+/// The value in double quotes.
+std::string Quoted(std::string_view value);
+
+/// `what "value": why`, for example `cannot start "a.exe": the program does not exist`.
+std::string FailureText(std::string_view what, std::string_view value, std::string_view why);
+
+/// A file or folder that could not be read, written or the like: `cannot read "C:\a.txt": it does not exist`. Without a
+/// reason, the number's own one is said.
+AutomationError MakeFileError(RuntimeError error, std::string_view doing, std::string_view path,
+                              std::string_view why = {});
+
+/// Reasons for PathFileAccess that every platform tells apart.
+inline constexpr std::string_view kIsFolder = "it is a folder";
+inline constexpr std::string_view kIsNoFolder = "it is no folder";
+inline constexpr std::string_view kIsReadOnly = "it is read-only";
+inline constexpr std::string_view kNameOfFile = "a file has this name";
+inline constexpr std::string_view kNoPossibleName = "nothing can have this name";
 
 /// Source of the errors that this system raises on its own behalf.
 inline constexpr const char* kErrorSource = "Parvex";

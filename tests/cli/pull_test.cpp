@@ -63,7 +63,7 @@ TEST(FailedCall, ExitsWith3AndTellsNumberSourceAndDescriptionOfTheFile) {
       EXPECT_EQ(outcome.status, 3) << text;
       EXPECT_EQ(outcome.out, "");
       EXPECT_TRUE(Contains(outcome.err, "0x800A005B")) << outcome.err;
-      EXPECT_TRUE(Contains(outcome.err, "Parvex: The command document has no COMMAND/NAME")) << outcome.err;
+      EXPECT_TRUE(Contains(outcome.err, "Parvex: the command document has no COMMAND/NAME")) << outcome.err;
       EXPECT_TRUE(Contains(outcome.err, file)) << outcome.err;
     }
   }

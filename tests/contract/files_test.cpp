@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "tests/contract/contract_fixture.h"
 
 namespace parvex::test {
@@ -290,6 +292,48 @@ TEST_F(FilesContract, RemoveFolderNeedsAFolder) {
   EXPECT_EQ(RaisedBy([&] { files.RemoveFolder(Path("no")); }), 76);
   EXPECT_NE(RaisedBy([&] { files.RemoveFolder(Path("file")); }), 0);
   EXPECT_EQ(files.ReadAll(Path("file")), "f");
+}
+
+// Number and text, the same on every platform.
+TEST_F(FilesContract, EachFailureHasItsNumberAndItsText) {
+  files.CreateFolder(Path("folder"));
+  Write("file", "f");
+  Write("kept", "k");
+  machine.SetReadOnly(Path("kept"), true);
+  const auto quoted = [&](std::string_view name) { return "\"" + Path(name) + "\": "; };
+  const auto read = [&](std::string_view name) { return ErrorIn([&] { files.ReadAll(Path(name)); }); };
+  EXPECT_EQ(read("no"), "53 cannot read " + quoted("no") + "it does not exist");
+  EXPECT_EQ(read("no\\no"), "76 cannot read " + quoted("no\\no") + "its folder does not exist");
+  EXPECT_EQ(read("folder"), "75 cannot read " + quoted("folder") + "it is a folder");
+  EXPECT_EQ(read("a*b"), "53 cannot read " + quoted("a*b") + "it does not exist");
+
+  const auto replace = [&](std::string_view name) { return ErrorIn([&] { files.Replace(Path(name), "x"); }); };
+  const auto create = [&](std::string_view name) { return ErrorIn([&] { files.CreateNew(Path(name), "x"); }); };
+  for (const auto& write : {std::function<std::string(std::string_view)>(replace), {create}}) {
+    EXPECT_EQ(write("no\\a"), "76 cannot write " + quoted("no\\a") + "its folder does not exist");
+    EXPECT_EQ(write("file\\a"), "76 cannot write " + quoted("file\\a") + "its folder does not exist");
+    EXPECT_EQ(write("folder"), "75 cannot write " + quoted("folder") + "it is a folder");
+    EXPECT_EQ(write("a*b"), "75 cannot write " + quoted("a*b") + "nothing can have this name");
+  }
+  EXPECT_EQ(replace("kept"), "75 cannot write " + quoted("kept") + "it is read-only");
+  EXPECT_EQ(create("file"), "58 cannot write " + quoted("file") + "the name is taken");
+  EXPECT_EQ(create("kept"), "58 cannot write " + quoted("kept") + "the name is taken");
+
+  const auto remove = [&](std::string_view name) { return ErrorIn([&] { files.Remove(Path(name)); }); };
+  EXPECT_EQ(remove("no"), "53 cannot remove " + quoted("no") + "it does not exist");
+  EXPECT_EQ(remove("no\\no"), "76 cannot remove " + quoted("no\\no") + "its folder does not exist");
+  EXPECT_EQ(remove("folder"), "75 cannot remove " + quoted("folder") + "it is a folder");
+  EXPECT_EQ(remove("kept"), "75 cannot remove " + quoted("kept") + "it is read-only");
+
+  const auto make = [&](std::string_view name) { return ErrorIn([&] { files.CreateFolder(Path(name)); }); };
+  EXPECT_EQ(make("file"), "75 cannot make the folder " + quoted("file") + "a file has this name");
+  EXPECT_EQ(make("file\\below"), "75 cannot make the folder " + quoted("file") + "a file has this name");
+  EXPECT_EQ(make("a*b"), "75 cannot make the folder " + quoted("a*b") + "nothing can have this name");
+
+  const auto unmake = [&](std::string_view name) { return ErrorIn([&] { files.RemoveFolder(Path(name)); }); };
+  EXPECT_EQ(unmake("no"), "76 cannot remove the folder " + quoted("no") + "it does not exist");
+  EXPECT_EQ(unmake("file"), "75 cannot remove the folder " + quoted("file") + "it is no folder");
+  machine.SetReadOnly(Path("kept"), false);
 }
 
 TEST_F(FilesContract, AFolderMadeAgainInAnotherLetterCaseIsFound) {

@@ -98,6 +98,8 @@ TEST_F(ProcessesContract, AMissingProgramIsFileNotFoundAndNamed) {
   const std::string missing = machine.Path("no.exe");
   for (const std::string& line : {missing, missing + " /a", "\"" + missing}) {
     EXPECT_EQ(StartError(line), 53) << line;
+    EXPECT_EQ(ErrorIn([&] { machine.processes.Start(line, kMinimised); }),
+              "53 cannot start \"" + line + "\": the program does not exist");
     try {
       machine.processes.Start(line, kMinimised);
     } catch (const AutomationError& error) {
@@ -111,6 +113,9 @@ TEST_F(ProcessesContract, AFileThatIsNoProgramCannotBeStarted) {
   EXPECT_EQ(StartError(machine.Path("text.exe")), 5);
   machine.files.Replace(machine.Path("empty.exe"), "");
   EXPECT_EQ(StartError(machine.Path("empty.exe")), 5);
+  const std::string line = machine.Path("text.exe") + " /a";
+  EXPECT_EQ(ErrorIn([&] { machine.processes.Start(line, kMinimised); }),
+            "5 cannot start \"" + line + "\": it is no program that the system can run");
 }
 
 TEST_F(ProcessesContract, AFolderIsNoProgram) {

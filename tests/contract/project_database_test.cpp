@@ -195,6 +195,10 @@ TEST_P(ProjectDatabaseContract, AMissingColumnIsAnErrorThatNamesIt) {
 TEST_P(ProjectDatabaseContract, AMissingFileOrFolderIsAnError) {
   EXPECT_EQ(RaisedBy([&] { machine.projectDatabases.Open(machine.Path("none.mdb")); }), 53);
   EXPECT_EQ(RaisedBy([&] { machine.projectDatabases.Open(machine.Path("none\\Project.mdb")); }), 76);
+  EXPECT_EQ(ErrorIn([&] { machine.projectDatabases.Open(machine.Path("none.mdb")); }),
+            "53 cannot read \"" + machine.Path("none.mdb") + "\": it does not exist");
+  EXPECT_EQ(ErrorIn([&] { machine.projectDatabases.Open(machine.Path("none\\Project.mdb")); }),
+            "76 cannot read \"" + machine.Path("none\\Project.mdb") + "\": its folder does not exist");
 }
 
 TEST_P(ProjectDatabaseContract, AnEmptyFileAndATextFileAreErrorsThatNameTheFile) {

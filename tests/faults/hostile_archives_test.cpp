@@ -54,7 +54,7 @@ void ExpectRefused(const std::string& archive) {
     return std::string("read");
   });
   ExpectQuick(outcome);
-  EXPECT_THAT(outcome.answer, HasSubstr(std::string("The blob '") + kBlob + "' is refused: "));
+  EXPECT_THAT(outcome.answer, HasSubstr(std::string("the blob \"") + kBlob + "\" is refused: "));
   EXPECT_EQ(FilesBelow(machine.folder.Path()), before);
 }
 

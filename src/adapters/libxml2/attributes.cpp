@@ -8,6 +8,7 @@
 #include "adapters/libxml2/refusals.h"
 #include "adapters/libxml2/tree.h"
 #include "formats/text/xml_characters.h"
+#include "seams/automation_error.h"
 
 namespace parvex::xml {
 namespace {
@@ -36,13 +37,13 @@ xmlAttr* NewAttribute(xmlNode* element, std::string_view name) {
   const auto [prefix, local] = Split(name);
   const xmlChar* interned = PlainName(element->doc, local);
   if (interned == nullptr || (local.size() != name.size() && !IsPlainName(prefix))) {
-    Refuse(Quoted(name) + " cannot be the name of an attribute of " + NameOf(element) + ".");
+    Refuse(Quoted(name) + " cannot be the name of an attribute of " + NameOf(element));
   }
   xmlNs* space = nullptr;
   if (!prefix.empty()) {
     space = NamespaceOf(element, prefix);
     if (space == nullptr) {
-      Refuse("The prefix of the attribute " + Quoted(name) + " is not declared at " + NameOf(element) + ".");
+      Refuse("the prefix of the attribute " + Quoted(name) + " is not declared at " + NameOf(element));
     }
   }
   return AppendAttribute(element, LastAttribute(element), space, interned);

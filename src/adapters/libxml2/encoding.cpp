@@ -6,6 +6,7 @@
 
 #include "formats/text/unicode.h"
 #include "formats/text/xml_characters.h"
+#include "seams/automation_error.h"
 
 namespace parvex::xml {
 namespace {
@@ -70,11 +71,11 @@ std::optional<std::string> Convert(iconv_t converter, std::string_view text) {
 Decoded DecodeFrom(const std::string& encoding, std::string_view bytes) {
   const Converter converter = OpenConverter("UTF-8", encoding);
   if (converter == nullptr) {
-    return {"", "", "the encoding '" + encoding + "' is not known"};
+    return {"", "", "the encoding " + Quoted(encoding) + " cannot be read"};
   }
   std::optional<std::string> text = Convert(converter.get(), bytes);
   if (!text) {
-    return {"", "", "the bytes are not valid in the encoding '" + encoding + "'"};
+    return {"", "", "bytes that are not valid in the encoding " + Quoted(encoding)};
   }
   std::string declared(DeclaredEncoding(*text));
   return {*std::move(text), std::move(declared), ""};
@@ -136,7 +137,7 @@ Decoded Decode(std::string_view bytes) {
     return {std::string(bytes), encoding, ""};
   }
   if (IsUtf16Name(encoding)) {
-    return {"", "", "the declaration names '" + encoding + "', but the bytes are not in it"};
+    return {"", "", "the declaration names " + Quoted(encoding) + ", but the bytes are not in it"};
   }
   return DecodeFrom(encoding, bytes);
 }

@@ -36,14 +36,14 @@ struct Adapter {
 
   static xmlNode* Tree(const Node& node, const char* asked) {
     if (!node) {
-      throw MakeRuntimeError(RuntimeError::ObjectNotSet, std::string(asked) + " was asked of a missing XML node.");
+      throw MakeRuntimeError(RuntimeError::ObjectNotSet, std::string(asked) + " was asked of a missing node");
     }
     return static_cast<xmlNode*>(node.handle_);
   }
 
   static xmlDoc* Tree(const Document& document, const char* asked) {
     if (!document) {
-      throw MakeRuntimeError(RuntimeError::ObjectNotSet, std::string(asked) + " was asked of a missing XML document.");
+      throw MakeRuntimeError(RuntimeError::ObjectNotSet, std::string(asked) + " was asked of a missing node");
     }
     return static_cast<xmlNode*>(document.node_.handle_)->doc;
   }
@@ -114,7 +114,7 @@ void Node::SetText(std::string_view text) const {
       SetContent(node, text);
       break;
     default:
-      Refuse("The text of " + NameOf(node) + " cannot be set.");
+      Refuse("the text of " + NameOf(node) + " cannot be set");
   }
 }
 
@@ -135,10 +135,10 @@ std::optional<std::string> Node::Attribute(std::string_view name) const {
 void Node::SetAttribute(std::string_view name, std::string_view value) const {
   xmlNode* element = Adapter::Tree(*this, "SetAttribute");
   if (!xml::IsElement(element)) {
-    Refuse("The node " + NameOf(element) + " cannot have the attribute " + Quoted(name) + ".");
+    Refuse("the node " + NameOf(element) + " cannot have the attribute " + Quoted(name));
   }
   if (IsDeclarationName(name)) {
-    Refuse("The namespace declaration " + Quoted(name) + " cannot be set at " + NameOf(element) + ".");
+    Refuse("the namespace declaration " + Quoted(name) + " cannot be set at " + NameOf(element));
   }
   if (!CanCarry(value)) {
     RefuseText(value, "the attribute " + Quoted(name) + " of " + NameOf(element));
@@ -209,7 +209,7 @@ Node Node::Descendant(std::string_view name) const {
 
 Node Node::Append(const Node& child) const {
   xmlNode* parent = Adapter::Tree(*this, "Append");
-  xmlNode* node = Adapter::Tree(child, "Being appended");
+  xmlNode* node = Adapter::Tree(child, "Append");
   CheckAppend(node, parent);
   Move(node, parent);
   return child;
@@ -218,7 +218,7 @@ Node Node::Append(const Node& child) const {
 void Node::Remove() const {
   xmlNode* node = Adapter::Tree(*this, "Remove");
   if (!IsMovable(node)) {
-    Refuse("The node " + NameOf(node) + " cannot be removed.");
+    Refuse("the node " + NameOf(node) + " cannot be removed");
   }
   if (!IsParentless(node)) {
     Unlink(node);
@@ -228,7 +228,7 @@ void Node::Remove() const {
 Node Node::Clone() const {
   xmlNode* node = Adapter::Tree(*this, "Clone");
   if (!IsMovable(node)) {
-    Refuse("The node " + NameOf(node) + " cannot be cloned.");
+    Refuse("the node " + NameOf(node) + " cannot be cloned");
   }
   return Adapter::HandleOn(NewClone(node));
 }
@@ -254,7 +254,7 @@ Node Document::CreateElement(std::string_view name) const {
   xmlDoc* document = Adapter::Tree(*this, "CreateElement");
   const xmlChar* interned = PlainName(document, name);
   if (interned == nullptr) {
-    Refuse(Quoted(name) + " cannot be the name of an element.");
+    Refuse(Quoted(name) + " cannot be the name of an element");
   }
   return Adapter::HandleOn(NewElement(document, interned));
 }
@@ -283,8 +283,8 @@ std::string Document::Bytes() const {
   }
   std::optional<std::string> bytes = encoding->Encode(MarkupFor(document, *encoding, isKnown ? declared : "UTF-8"));
   if (!bytes) {
-    Refuse("A name, comment or processing instruction of the document cannot be written in the encoding " +
-           Quoted(declared) + ".");
+    Refuse("a name, comment or processing instruction of the document cannot be written in the encoding " +
+           Quoted(declared));
   }
   return *std::move(bytes);
 }

@@ -16,6 +16,7 @@
 #include "adapters/libxml2/names.h"
 #include "formats/text/markup_bounds.h"
 #include "formats/text/xml_characters.h"
+#include "seams/automation_error.h"
 
 namespace parvex::xml {
 namespace {
@@ -371,7 +372,7 @@ UnheldDocument ParseText(std::string_view text) {
     return FailedDocument(parsing.error.empty() ? At(1, 1) + "the document is empty" : parsing.error);
   }
   if (parsing.error.empty() && View(document->version) != "1.0") {
-    parsing.error = At(1, 1) + "the version '" + std::string(View(document->version)) + "' is not 1.0";
+    parsing.error = At(1, 1) + "the version " + Quoted(View(document->version)) + " is not 1.0";
   }
   if (!parsing.error.empty() || parser->wellFormed == 0 || parser->nsWellFormed == 0) {
     return FailedDocument(parsing.error.empty() ? At(1, 1) + "the text does not parse" : parsing.error);

@@ -21,14 +21,12 @@ bool IsInside(const xmlNode* node, const xmlNode* tree) {
 }
 
 [[noreturn]] void RefuseAppend(const xmlNode* child, const xmlNode* parent, const std::string& reason) {
-  Refuse("The node " + NameOf(child) + " cannot be appended to " + NameOf(parent) + ": " + reason + ".");
+  Refuse("the node " + NameOf(child) + " cannot be appended to " + NameOf(parent) + ": " + reason);
 }
 
 }  // namespace
 
 void Refuse(const std::string& description) { throw MakeRuntimeError(RuntimeError::InvalidCall, description); }
-
-std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 std::string NameOf(const xmlNode* node) {
   switch (node->type) {
@@ -57,11 +55,11 @@ bool CanCarry(std::string_view text) { return text.size() < INT_MAX && FindForbi
 
 void RefuseText(std::string_view text, const std::string& place) {
   if (text.size() >= INT_MAX) {
-    Refuse("The text for " + place + " is longer than 2 GB.");
+    Refuse("the text for " + place + " is longer than 2 GB");
   }
   const std::size_t bad = FindForbidden(text);
-  Refuse("The text for " + place + " holds what XML cannot carry: the byte value " +
-         std::to_string(static_cast<unsigned char>(text[bad])) + " at byte " + std::to_string(bad + 1) + ".");
+  Refuse("the text for " + place + " holds what XML cannot carry: the byte value " +
+         std::to_string(static_cast<unsigned char>(text[bad])) + " at byte " + std::to_string(bad + 1));
 }
 
 bool IsMovable(const xmlNode* node) {

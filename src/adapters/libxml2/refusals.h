@@ -10,7 +10,6 @@ namespace parvex::xml {
 // What cannot be done with a node, as "invalid call".
 
 [[noreturn]] void Refuse(const std::string& description);
-std::string Quoted(std::string_view text);
 /// A node's name as errors and Node::Name tell it.
 std::string NameOf(const xmlNode* node);
 

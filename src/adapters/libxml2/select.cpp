@@ -22,12 +22,13 @@ struct Freed {
 using Compiled = std::unique_ptr<xmlXPathCompExpr, Freed>;
 using Value = std::unique_ptr<xmlXPathObject, Freed>;
 
-[[noreturn]] void Refuse(std::string_view expression, const std::string& reason) {
+[[noreturn]] void Refuse(std::string_view expression) {
   throw MakeRuntimeError(RuntimeError::InvalidCall,
-                         "The XPath expression \"" + std::string(expression) + "\" " + reason + ".");
+                         "the XPath expression " + Quoted(expression) + " cannot select nodes");
 }
 
-// The reason is read from the context, where the library leaves it as well. Newer libraries tell the error as const.
+// What the library says itself is not passed on: another component would say it otherwise. Newer libraries tell the
+// error as const.
 template <class Error>
 void Keep(void*, Error*) {}
 
@@ -50,7 +51,7 @@ class Selector {
     context_->doc = nullptr;
     context_->node = nullptr;
     if (value == nullptr) {
-      Refuse(expression, "cannot be evaluated" + Reason());
+      Refuse(expression);
     }
     return value;
   }
@@ -58,22 +59,14 @@ class Selector {
  private:
   Compiled Compile(std::string_view expression) {
     if (FindForbidden(expression) != std::string_view::npos || expression.size() > kLongestExpression) {
-      Refuse(expression, "is not valid");
+      Refuse(expression);
     }
     context_->depth = 0;
     Compiled compiled(xmlXPathCtxtCompile(context_.get(), Chars(std::string(expression).c_str())));
     if (compiled == nullptr) {
-      Refuse(expression, "is not valid" + Reason());
+      Refuse(expression);
     }
     return compiled;
-  }
-
-  std::string Reason() const {
-    std::string reason = context_->lastError.message == nullptr ? "" : context_->lastError.message;
-    while (!reason.empty() && IsBlank(reason.back())) {
-      reason.pop_back();
-    }
-    return reason.empty() ? "" : ": " + reason;
   }
 
   std::unique_ptr<xmlXPathContext, Freed> context_;
@@ -121,13 +114,13 @@ std::vector<xmlNode*> Select(xmlNode* start, std::string_view expression) {
   const Alone alone(start);
   const Value value = selector.Evaluate(start, expression);
   if (value->type != XPATH_NODESET) {
-    Refuse(expression, "does not select nodes");
+    Refuse(expression);
   }
   std::vector<xmlNode*> nodes;
   const xmlNodeSet* set = value->nodesetval;
   for (int i = 0; set != nullptr && i < set->nodeNr; ++i) {
     if (set->nodeTab[i]->type == XML_NAMESPACE_DECL) {
-      Refuse(expression, "selects namespace declarations");
+      Refuse(expression);
     }
     nodes.push_back(set->nodeTab[i]);
   }

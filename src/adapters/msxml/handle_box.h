@@ -22,7 +22,7 @@ struct Adapter {
   /// A null handle raises "object not set"; `asked` names what was asked of it.
   static const ComNode& Com(const Node& node, const char* asked) {
     if (node.handle_ == nullptr) {
-      throw MakeRuntimeError(RuntimeError::ObjectNotSet, std::string(asked) + " of a missing node");
+      throw MakeRuntimeError(RuntimeError::ObjectNotSet, std::string(asked) + " was asked of a missing node");
     }
     return static_cast<Box*>(node.handle_)->node;
   }

@@ -91,10 +91,10 @@ void Node::SetAttribute(std::string_view name, std::string_view value) const {
   const ComNode& node = Adapter::Com(*this, "SetAttribute");
   const ComElement element = AsElement(node);
   if (!element) {
-    RefuseCall(NameOf(node) + " can have no attributes");
+    RefuseCall("the node " + NameOf(node) + " cannot have the attribute " + Quoted(name));
   }
   RefuseAttributeName(node, name);
-  RefuseForbidden(value, "attribute " + std::string(name) + " of " + NameOf(node));
+  RefuseForbidden(value, "the attribute " + Quoted(name) + " of " + NameOf(node));
   const Bstr set(name);
   Check(element->setAttribute(set.Get(), TextVariant(value).Get()), "setting an attribute");
 }
@@ -111,7 +111,7 @@ Node Node::First(std::string_view xpath) const {
   ComNode found;
   const HRESULT result = xpath.empty() ? E_INVALIDARG : node->selectSingleNode(expression.Get(), found.Out());
   if (FAILED(result)) {
-    RefuseCall("the expression \"" + std::string(xpath) + "\" cannot be used to select nodes");
+    RefuseCall("the XPath expression " + Quoted(xpath) + " cannot select nodes");
   }
   return Adapter::HandleOn(std::move(found));
 }
@@ -122,7 +122,7 @@ std::vector<Node> Node::All(std::string_view xpath) const {
   ComPointer<IXMLDOMNodeList> list;
   const HRESULT result = xpath.empty() ? E_INVALIDARG : node->selectNodes(expression.Get(), list.Out());
   if (FAILED(result)) {
-    RefuseCall("the expression \"" + std::string(xpath) + "\" cannot be used to select nodes");
+    RefuseCall("the XPath expression " + Quoted(xpath) + " cannot select nodes");
   }
   std::vector<Node> nodes;
   ComNode next;
@@ -176,7 +176,7 @@ Node Node::Descendant(std::string_view name) const {
 
 Node Node::Append(const Node& child) const {
   const ComNode& parent = Adapter::Com(*this, "Append");
-  const ComNode& moved = Adapter::Com(child, "Being appended");
+  const ComNode& moved = Adapter::Com(child, "Append");
   RefuseAppend(parent, moved);
   ComNode appended;
   Check(parent->appendChild(moved.Get(), appended.Out()), "appending a node");
@@ -187,7 +187,7 @@ void Node::Remove() const {
   const ComNode& node = Adapter::Com(*this, "Remove");
   const DOMNodeType type = TypeOf(node);
   if (type == NODE_ATTRIBUTE || type == NODE_DOCUMENT) {
-    RefuseCall(NameOf(node) + " cannot be taken out");
+    RefuseCall("the node " + NameOf(node) + " cannot be removed");
   }
   if (const ComNode parent = ParentOf(node)) {
     ComNode removed;
@@ -257,7 +257,7 @@ Node Document::Root() const {
 Node Document::CreateElement(std::string_view name) const {
   const ComDocument com = DocumentOf(Adapter::Com(node_, "CreateElement"));
   if (!IsPlainName(name)) {
-    RefuseCall("\"" + std::string(name) + "\" is no name for an element");
+    RefuseCall(Quoted(name) + " cannot be the name of an element");
   }
   const Bstr tag(name);
   ComElement made;

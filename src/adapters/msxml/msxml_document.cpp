@@ -8,11 +8,11 @@ namespace parvex::windows {
 
 xml::Document AdoptDocument(IUnknown* unknown) {
   if (unknown == nullptr) {
-    throw MakeRuntimeError(RuntimeError::ObjectNotSet, "No command document was given");
+    throw MakeRuntimeError(RuntimeError::ObjectNotSet, "no command document was given");
   }
   ComPointer<IXMLDOMDocument2> document;
   if (FAILED(unknown->QueryInterface(xml::kDomDocument2, reinterpret_cast<void**>(document.Out())))) {
-    throw MakeRuntimeError(RuntimeError::TypeMismatch, "The object given is no MSXML document");
+    throw MakeRuntimeError(RuntimeError::TypeMismatch, "the object given is no MSXML document");
   }
   xml::SelectByXPath(document);
   return xml::Adapter::DocumentOn(document);

@@ -55,33 +55,43 @@ void RefuseCall(const std::string& description) { throw MakeRuntimeError(Runtime
 void RefuseForbidden(std::string_view text, const std::string& where) {
   const std::size_t offset = FindForbidden(text);
   if (offset != std::string_view::npos) {
-    RefuseCall("the text for " + where + " holds at byte " + std::to_string(offset) + " what XML cannot carry");
+    RefuseCall("the text for " + where + " holds what XML cannot carry: the byte value " +
+               std::to_string(static_cast<unsigned char>(text[offset])) + " at byte " + std::to_string(offset + 1));
   }
 }
 
 void RefuseAttributeName(const ComNode& node, std::string_view name) {
   const std::size_t colon = name.find(':');
-  const bool isDeclaration = name == "xmlns" || name.starts_with("xmlns:");
-  if (!IsNameOrPrefixedName(name) || isDeclaration ||
-      (colon != std::string_view::npos && !IsDeclaredAt(node, name.substr(0, colon)))) {
-    RefuseCall("\"" + std::string(name) + "\" is no name for an attribute of " + NameOf(node));
+  if (name == "xmlns" || name.starts_with("xmlns:")) {
+    RefuseCall("the namespace declaration " + Quoted(name) + " cannot be set at " + NameOf(node));
+  }
+  if (!IsNameOrPrefixedName(name)) {
+    RefuseCall(Quoted(name) + " cannot be the name of an attribute of " + NameOf(node));
+  }
+  if (colon != std::string_view::npos && !IsDeclaredAt(node, name.substr(0, colon))) {
+    RefuseCall("the prefix of the attribute " + Quoted(name) + " is not declared at " + NameOf(node));
   }
 }
 
 void RefuseAppend(const ComNode& parent, const ComNode& child) {
   const DOMNodeType parentType = TypeOf(parent);
   const DOMNodeType childType = TypeOf(child);
-  const std::string attempt = NameOf(child) + " cannot become a child of " + NameOf(parent);
-  if (!MayBeChild(childType) || (parentType != NODE_ELEMENT && parentType != NODE_DOCUMENT)) {
-    RefuseCall(attempt);
+  const std::string attempt = "the node " + NameOf(child) + " cannot be appended to " + NameOf(parent) + ": ";
+  if (!MayBeChild(childType)) {
+    RefuseCall(attempt + "only elements, texts, CDATA sections, comments and processing instructions can be");
+  }
+  if (parentType != NODE_ELEMENT && parentType != NODE_DOCUMENT) {
+    RefuseCall(attempt + "only elements and documents have children");
   }
   if (parentType == NODE_DOCUMENT) {
-    const bool isText = childType == NODE_TEXT || childType == NODE_CDATA_SECTION;
-    if (isText || (childType == NODE_ELEMENT && RootOf(DocumentOf(parent)))) {
-      RefuseCall(attempt + (isText ? ": text outside the root" : ": it has a root"));
+    if (childType == NODE_TEXT || childType == NODE_CDATA_SECTION) {
+      RefuseCall(attempt + "text stands in elements only");
+    }
+    if (const ComElement root = RootOf(DocumentOf(parent)); root && childType == NODE_ELEMENT) {
+      RefuseCall(attempt + "it has the root " + NameOf(ComNode::Share(root.Get())));
     }
   } else if (IsAtOrAbove(child, parent)) {
-    RefuseCall(attempt + ": it stands above it");
+    RefuseCall(attempt + "the one is a part of the other");
   }
 }
 

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <string>
-#include <system_error>
 
 #include "adapters/posix/program_line.h"
 #include "seams/automation_error.h"
@@ -42,8 +41,8 @@ class ChildProcess : public Process {
     int status = 0;
     const pid_t ended = waitpid(child_, &status, WNOHANG);
     if (ended < 0 && errno != EINTR) {
-      throw MakeRuntimeError(RuntimeError::InvalidCall, "the exit code of process " + std::to_string(child_) +
-                                                            " is lost: " + std::generic_category().message(errno));
+      throw MakeRuntimeError(RuntimeError::InvalidCall,
+                             "the exit code of process " + std::to_string(child_) + " is lost");
     }
     if (ended == child_) {
       exitCode_ = ExitCodeOf(status);
@@ -111,7 +110,7 @@ std::unique_ptr<Process> ChildProcesses::Start(std::string_view commandLine, int
                                  Pointers(line.arguments).data(), Pointers(environment).data());
   if (failed != 0) {
     throw MakeRuntimeError(RuntimeError::InvalidCall,
-                           "cannot start " + line.arguments.front() + ": " + std::generic_category().message(failed));
+                           FailureText("cannot start", commandLine, "it is no program that the system can run"));
   }
   return std::make_unique<ChildProcess>(child, abandoned_);
 }

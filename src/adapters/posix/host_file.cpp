@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <system_error>
 
 #include "seams/automation_error.h"
 
@@ -111,9 +110,15 @@ class NewFile {
   bool made_ = false;
 };
 
-void RefuseReadOnly(const struct stat& status, std::string_view shownPath) {
+void RefuseReadOnly(const struct stat& status, std::string_view doing, std::string_view shownPath) {
   if ((status.st_mode & kWriteBits) == 0) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(shownPath) + " is read-only");
+    throw MakeFileError(RuntimeError::PathFileAccess, doing, shownPath, kIsReadOnly);
+  }
+}
+
+void RefuseFolder(const struct stat& status, std::string_view doing, std::string_view shownPath) {
+  if (S_ISDIR(status.st_mode)) {
+    throw MakeFileError(RuntimeError::PathFileAccess, doing, shownPath, kIsFolder);
   }
 }
 
@@ -123,10 +128,11 @@ std::string ReadHostFile(const std::filesystem::path& host, std::string_view sho
   const OpenFile file(host, O_RDONLY | O_NONBLOCK);  // a pipe must not be waited for
   struct stat status;
   if (!file || fstat(file.Descriptor(), &status) != 0) {
-    RaiseSystemError(errno, "cannot read", shownPath);
+    RaiseSystemError(errno, "read", shownPath);
   }
+  RefuseFolder(status, "read", shownPath);
   if (!S_ISREG(status.st_mode)) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(shownPath) + " is not a file");
+    throw MakeFileError(RuntimeError::PathFileAccess, "read", shownPath, "it is no file");
   }
   // One byte more than the file has, so that its end is seen without growing the text.
   std::string bytes(static_cast<std::size_t>(status.st_size) + 1, '\0');
@@ -137,7 +143,7 @@ std::string ReadHostFile(const std::filesystem::path& host, std::string_view sho
       break;
     }
     if (got < 0 && errno != EINTR) {
-      RaiseSystemError(errno, "cannot read", shownPath);
+      RaiseSystemError(errno, "read", shownPath);
     }
     size += got < 0 ? 0 : static_cast<std::size_t>(got);
     if (size == bytes.size()) {
@@ -152,35 +158,35 @@ void WriteHostFile(const std::filesystem::path& host, std::string_view bytes, If
                    std::string_view shownPath) {
   struct stat status;
   const bool present = stat(host.c_str(), &status) == 0;
-  if (present && ifPresent == IfPresent::Refuse) {
-    RaiseSystemError(EEXIST, "cannot make", shownPath);
-  }
   if (present) {
-    RefuseReadOnly(status, shownPath);
+    RefuseFolder(status, "write", shownPath);
+    if (ifPresent == IfPresent::Refuse) {
+      RaiseSystemError(EEXIST, "write", shownPath);
+    }
+    RefuseReadOnly(status, "write", shownPath);
   }
   NewFile file(host);
   if (const int failed = file.Fill(bytes, present ? &status : nullptr); failed != 0) {
-    RaiseSystemError(failed, "cannot write", shownPath);
+    RaiseSystemError(failed, "write", shownPath);
   }
   if (const int failed = file.TakeName(ifPresent); failed != 0) {
-    RaiseSystemError(failed, "cannot write", shownPath);
+    RaiseSystemError(failed, "write", shownPath);
   }
 }
 
 void RemoveHostFile(const std::filesystem::path& host, std::string_view shownPath) {
   struct stat status;
   if (lstat(host.c_str(), &status) != 0) {
-    RaiseSystemError(errno, "cannot remove", shownPath);
+    RaiseSystemError(errno, "remove", shownPath);
   }
-  RefuseReadOnly(status, shownPath);
+  RefuseReadOnly(status, "remove", shownPath);
   if (unlink(host.c_str()) != 0) {
-    RaiseSystemError(errno, "cannot remove", shownPath);
+    RaiseSystemError(errno, "remove", shownPath);
   }
 }
 
-void RaiseSystemError(int code, std::string_view what, std::string_view shownPath) {
-  throw MakeRuntimeError(RuntimeErrorOf(code), std::string(what) + " " + std::string(shownPath) + ": " +
-                                                   std::generic_category().message(code));
+void RaiseSystemError(int code, std::string_view doing, std::string_view shownPath) {
+  throw MakeFileError(RuntimeErrorOf(code), doing, shownPath, code == EISDIR ? kIsFolder : "");
 }
 
 }  // namespace parvex::posix

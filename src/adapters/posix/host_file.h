@@ -16,7 +16,7 @@ enum class IfPresent { Replace, Refuse };
 /// Makes `host` hold exactly `bytes`: a new file beside it, completely written, takes the name in one step, so that the
 /// old or the complete new file stands there at every moment, whenever this program ends. The new file is gone after a
 /// failure. A replaced file hands its permissions on; one that nobody may write is read-only and refused (75), as is an
-/// existing one if asked to (58). No room: 61.
+/// existing one if asked to (58), a folder always (75). No room: 61.
 ///
 /// The bytes are not forced to the disk first (a forced one takes 3 ms, one that is not 0.1 ms): after a power cut the
 /// file is what the file system makes of a renamed file, as on Windows. ext4 and btrfs write its bytes before its name.
@@ -26,7 +26,7 @@ void WriteHostFile(const std::filesystem::path& host, std::string_view bytes, If
 /// Not found (53), a folder or read-only (75).
 void RemoveHostFile(const std::filesystem::path& host, std::string_view shownPath);
 
-/// The AutomationError for the system's error number `code`, said as "`what` `shownPath`: reason".
-[[noreturn]] void RaiseSystemError(int code, std::string_view what, std::string_view shownPath);
+/// The AutomationError for the system's error number `code` (MakeFileError).
+[[noreturn]] void RaiseSystemError(int code, std::string_view doing, std::string_view shownPath);
 
 }  // namespace parvex::posix

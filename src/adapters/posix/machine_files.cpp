@@ -16,6 +16,9 @@
 namespace parvex::posix {
 namespace {
 
+constexpr std::string_view kMakeFolder = "make the folder";
+constexpr std::string_view kRemoveFolder = "remove the folder";
+
 enum class Kind { File, Folder };
 
 bool Is(Kind kind, const std::filesystem::path& host) {
@@ -109,15 +112,15 @@ std::vector<std::string> MachineFiles::ListFolders(std::string_view folder) {
   return host ? List(*host, Kind::Folder, u"*") : std::vector<std::string>{};
 }
 
-std::string MachineFiles::ReadAll(std::string_view path) { return ReadHostFile(Existing(path), path); }
+std::string MachineFiles::ReadAll(std::string_view path) { return ReadHostFile(Existing(path, "read"), path); }
 
 void MachineFiles::Replace(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Replace); }
 
 void MachineFiles::CreateNew(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Refuse); }
 
 void MachineFiles::Remove(std::string_view path) {
-  Existing(path);
-  const std::filesystem::path host = folder_.Target(path);
+  Existing(path, "remove");
+  const std::filesystem::path host = folder_.Target(path, "remove");
   folder_.Changing(host);
   RemoveHostFile(host, path);
   folder_.Removed(host);
@@ -126,7 +129,7 @@ void MachineFiles::Remove(std::string_view path) {
 void MachineFiles::CreateFolder(std::string_view path) {
   std::optional<MachinePath> parsed = MachinePath::Parse(path);
   if (!parsed) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(path) + " cannot be the path of a folder");
+    throw MakeFileError(RuntimeError::PathFileAccess, kMakeFolder, path, kNoPossibleName);
   }
   parsed->endsInSeparator = false;
   const std::optional<std::filesystem::path> host = folder_.Resolve(*parsed);
@@ -134,16 +137,18 @@ void MachineFiles::CreateFolder(std::string_view path) {
     return;
   }
   if (host) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, parsed->Text() + " is a file");
+    throw MakeFileError(RuntimeError::PathFileAccess, kMakeFolder, parsed->Text(), kNameOfFile);
   }
   if (parsed->names.empty()) {
-    throw MakeRuntimeError(RuntimeError::PathNotFound, "the machine has no drive " + parsed->Text());
+    throw MakeFileError(RuntimeError::PathNotFound, kMakeFolder, path, "there is no such drive");
   }
-  CreateFolder(parsed->Parent().Text());
-  const std::filesystem::path target = folder_.Target(*parsed);
+  if (const MachinePath parent = parsed->Parent(); !parent.names.empty()) {
+    CreateFolder(parent.Text());
+  }
+  const std::filesystem::path target = folder_.Target(*parsed, kMakeFolder);
   std::error_code failed;
   if (!std::filesystem::create_directory(target, failed) && failed) {
-    RaiseSystemError(failed.value(), "cannot make the folder", path);
+    RaiseSystemError(failed.value(), kMakeFolder, path);
   }
 }
 
@@ -151,16 +156,16 @@ void MachineFiles::RemoveFolder(std::string_view path) {
   std::optional<MachinePath> parsed = MachinePath::Parse(path);
   const std::optional<std::filesystem::path> host = parsed ? folder_.Resolve(*parsed) : std::nullopt;
   if (!host) {
-    throw MakeRuntimeError(RuntimeError::PathNotFound, "the folder " + std::string(path) + " does not exist");
+    throw MakeFileError(RuntimeError::PathNotFound, kRemoveFolder, path, "it does not exist");
   }
   if (!Is(Kind::Folder, *host) || parsed->names.empty()) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(path) + " is not a folder that can be removed");
+    throw MakeFileError(RuntimeError::PathFileAccess, kRemoveFolder, path, kIsNoFolder);
   }
   folder_.RefuseOutsideOfDrive(*parsed, host->parent_path());
   std::error_code failed;
   std::filesystem::remove_all(*host, failed);
   if (failed) {
-    RaiseSystemError(failed.value(), "cannot remove the folder", path);
+    RaiseSystemError(failed.value(), kRemoveFolder, path);
   }
 }
 
@@ -172,15 +177,14 @@ void MachineFiles::Write(std::string_view path, std::string_view bytes, IfPresen
 }
 
 // The host path of what exists; not found (53), or path not found (76) when its folder does not exist either.
-std::filesystem::path MachineFiles::Existing(std::string_view path) {
+std::filesystem::path MachineFiles::Existing(std::string_view path, std::string_view doing) {
   const std::optional<MachinePath> parsed = MachinePath::Parse(path);
   const std::optional<std::filesystem::path> host = parsed ? folder_.Resolve(*parsed) : std::nullopt;
   if (host) {
     return *host;
   }
   const bool folderExists = !parsed || folder_.Resolve(parsed->Parent());
-  throw MakeRuntimeError(folderExists ? RuntimeError::FileNotFound : RuntimeError::PathNotFound,
-                         std::string(path) + " does not exist");
+  throw MakeFileError(folderExists ? RuntimeError::FileNotFound : RuntimeError::PathNotFound, doing, path);
 }
 
 }  // namespace parvex::posix

@@ -25,7 +25,7 @@ class MachineFiles : public Files {
 
  private:
   void Write(std::string_view path, std::string_view bytes, IfPresent ifPresent);
-  std::filesystem::path Existing(std::string_view path);
+  std::filesystem::path Existing(std::string_view path, std::string_view doing);
 
   MachineFolder& folder_;
 };

@@ -31,7 +31,8 @@ MachineFolder::MachineFolder(const std::filesystem::path& root) : root_(std::fil
     root_ = root_.parent_path();
   }
   if (!IsHostFolder(root_.string())) {
-    throw MakeRuntimeError(RuntimeError::PathNotFound, "the machine folder " + root.string() + " does not exist");
+    throw MakeRuntimeError(RuntimeError::PathNotFound,
+                           FailureText("no machine in the folder", root.string(), "it does not exist"));
   }
 }
 
@@ -57,22 +58,22 @@ bool MachineFolder::IsFolder(std::string_view path) {
   return found && found->IsFolder();
 }
 
-std::filesystem::path MachineFolder::Target(std::string_view path) {
+std::filesystem::path MachineFolder::Target(std::string_view path, std::string_view doing) {
   const std::optional<MachinePath> parsed = MachinePath::Parse(path);
   if (!parsed) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, std::string(path) + " cannot be the path of a file");
+    throw MakeFileError(RuntimeError::PathFileAccess, doing, path, kNoPossibleName);
   }
-  return Target(*parsed);
+  return Target(*parsed, doing);
 }
 
-std::filesystem::path MachineFolder::Target(const MachinePath& path) {
+std::filesystem::path MachineFolder::Target(const MachinePath& path, std::string_view doing) {
   const std::optional<std::filesystem::path> folder = Resolve(path.Parent());
   if (!folder) {
-    throw MakeRuntimeError(RuntimeError::PathNotFound, "the folder of " + path.Text() + " does not exist");
+    throw MakeFileError(RuntimeError::PathNotFound, doing, path.Text());
   }
   const std::optional<Found> existing = Find(path, path.names.size());
   if (path.endsInSeparator || path.names.empty() || (existing && existing->IsFolder())) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, path.Text() + " is a folder");
+    throw MakeFileError(RuntimeError::PathFileAccess, doing, path.Text(), kIsFolder);
   }
   RefuseOutsideOfDrive(path, existing ? std::filesystem::path(existing->host) : *folder);
   return existing ? std::filesystem::path(existing->host) : *folder / path.names.back();
@@ -118,8 +119,7 @@ void MachineFolder::RefuseRealPathOutsideOfDrive(const MachinePath& path, const 
   const std::optional<std::string> drive = RealPath(DriveFolder(path.drive));
   const std::optional<std::string> real = RealPath(host.string());
   if (!drive || !real || !(*real + "/").starts_with(*drive + "/")) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess,
-                           path.Text() + " leads out of drive " + path.drive + " by a link and is not written");
+    throw MakeFileError(RuntimeError::PathFileAccess, "change", path.Text(), "a link leads out of its drive");
   }
 }
 

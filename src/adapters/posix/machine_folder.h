@@ -45,8 +45,8 @@ class MachineFolder {
   /// Where a file is to be written: the existing file, else the name as given in its existing folder. AutomationErrors:
   /// the folder does not exist (76); the path is a folder, cannot be a file's, or leads out of its drive by a link
   /// (75).
-  std::filesystem::path Target(std::string_view path);
-  std::filesystem::path Target(const MachinePath& path);
+  std::filesystem::path Target(std::string_view path, std::string_view doing = "write");
+  std::filesystem::path Target(const MachinePath& path, std::string_view doing = "write");
 
   /// An AutomationError (75) when `host`, on the way to `path`, was reached by a link that leads out of the path's
   /// drive.

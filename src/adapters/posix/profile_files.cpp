@@ -18,8 +18,8 @@ constexpr std::int64_t kMostBytes = std::int64_t{1} << 30;
 
 void RefuseTooLarge(const FileVersion& version, const std::string& file) {
   if (version.size > kMostBytes) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess,
-                           file + " has " + std::to_string(version.size) + " bytes, more than a profile file may have");
+    throw MakeFileError(RuntimeError::PathFileAccess, "read", file,
+                        std::to_string(version.size) + " bytes are more than a profile file may have");
   }
 }
 

@@ -61,7 +61,7 @@ CommandLine CommandLine::Parse(std::string_view text, MachineFolder& folder) {
       }
     }
   }
-  throw MakeRuntimeError(RuntimeError::FileNotFound, "no program to start in the command line " + std::string(text));
+  throw MakeRuntimeError(RuntimeError::FileNotFound, FailureText("cannot start", text, "the program does not exist"));
 }
 
 std::vector<std::string> SplitArguments(std::string_view text) {

@@ -115,9 +115,9 @@ std::unique_ptr<Database> OpenBy(const ObjectRef& engine, std::string_view path)
   } catch (const AutomationError& error) {
     switch (static_cast<jet::EngineError>(error.RuntimeNumber())) {
       case jet::EngineError::FileNotFound:
-        throw MakeRuntimeError(RuntimeError::FileNotFound, error.Description());
+        throw MakeFileError(RuntimeError::FileNotFound, "read", path);
       case jet::EngineError::InvalidPath:
-        throw MakeRuntimeError(RuntimeError::PathNotFound, error.Description());
+        throw MakeFileError(RuntimeError::PathNotFound, "read", path);
       default:
         throw;
     }

@@ -19,7 +19,7 @@ ObjectRef SystemAutomation::Create(std::string_view programmaticId) {
   CLSID classId;
   HRESULT result = CLSIDFromProgID(Widen(programmaticId).c_str(), &classId);
   if (FAILED(result)) {
-    throw refuse("no class is registered under", result);
+    throw MakeRuntimeError(RuntimeError::CannotCreateObject, "no component is registered as " + Quoted(programmaticId));
   }
   ComPointer<IDispatch> dispatch;
   result = CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IDispatch,

@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include "adapters/windows/wide_text.h"
+
 namespace parvex::windows {
 namespace {
 
@@ -14,7 +16,6 @@ RuntimeError KindOf(std::uint32_t systemCode) {
     case ERROR_PATH_NOT_FOUND:
     case ERROR_INVALID_DRIVE:
     case ERROR_BAD_NETPATH:
-    case ERROR_INVALID_NAME:
       return RuntimeError::PathNotFound;
     case ERROR_FILE_EXISTS:
     case ERROR_ALREADY_EXISTS:
@@ -27,11 +28,32 @@ RuntimeError KindOf(std::uint32_t systemCode) {
   }
 }
 
+// Why a file may not be used; empty when it does not tell.
+std::string_view RefusalOf(std::string_view doing, std::string_view path) {
+  const DWORD attributes = GetFileAttributesW(Widen(path).c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) {
+    return {};
+  }
+  const bool isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  if (doing == "remove the folder") {
+    return isFolder ? "" : kIsNoFolder;
+  }
+  if (isFolder) {
+    return kIsFolder;
+  }
+  return doing != "read" && (attributes & FILE_ATTRIBUTE_READONLY) != 0 ? kIsReadOnly : "";
+}
+
 }  // namespace
 
 AutomationError FileError(std::uint32_t systemCode, std::string_view doing, std::string_view path) {
-  return MakeRuntimeError(KindOf(systemCode), "cannot " + std::string(doing) + " \"" + std::string(path) +
-                                                  "\": system error " + std::to_string(systemCode));
+  const RuntimeError error = KindOf(systemCode);
+  if (systemCode == ERROR_INVALID_NAME) {
+    const bool hasToExist = doing == "read" || doing == "remove";
+    return hasToExist ? MakeFileError(RuntimeError::FileNotFound, doing, path)
+                      : MakeFileError(error, doing, path, kNoPossibleName);
+  }
+  return MakeFileError(error, doing, path, error == RuntimeError::PathFileAccess ? RefusalOf(doing, path) : "");
 }
 
 std::string Hex(std::uint32_t number) {

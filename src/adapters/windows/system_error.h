@@ -8,8 +8,8 @@
 
 namespace parvex::windows {
 
-/// The automation error for a failed file operation, by the system's error code: what was being done, the path, and the
-/// system's code in decimal.
+/// The automation error for a failed file operation, by the system's error code (MakeFileError). Where access is
+/// refused the file itself tells why, as far as it does.
 AutomationError FileError(std::uint32_t systemCode, std::string_view doing, std::string_view path);
 
 /// "0x" and eight hexadecimal digits.

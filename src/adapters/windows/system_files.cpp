@@ -86,7 +86,7 @@ void WriteBeside(std::string_view path, std::string_view bytes, DWORD moveFlags)
     WriteWhole(file.Get(), bytes, path);
     file.Close();
     if (!MoveFileExW(beside.c_str(), target.c_str(), moveFlags)) {
-      throw FileError(GetLastError(), "replace", path);
+      throw FileError(GetLastError(), "write", path);
     }
   } catch (...) {
     file.Close();
@@ -160,21 +160,22 @@ void SystemFiles::Replace(std::string_view path, std::string_view bytes) {
   RefuseFolder(path);
   const DWORD attributes = Attributes(path);
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
-    throw FileError(ERROR_ACCESS_DENIED, "replace", path);
+    throw FileError(ERROR_ACCESS_DENIED, "write", path);
   }
   WriteBeside(path, bytes, MOVEFILE_REPLACE_EXISTING);
 }
 
 void SystemFiles::CreateNew(std::string_view path, std::string_view bytes) {
+  RefuseFolder(path);
   if (Attributes(path) != INVALID_FILE_ATTRIBUTES) {
-    throw FileError(ERROR_FILE_EXISTS, "create", path);
+    throw FileError(ERROR_FILE_EXISTS, "write", path);
   }
   WriteBeside(path, bytes, 0);
 }
 
 void SystemFiles::Remove(std::string_view path) {
   if (!DeleteFileW(Widen(path).c_str())) {
-    throw FileError(GetLastError(), "delete", path);
+    throw FileError(GetLastError(), "remove", path);
   }
 }
 
@@ -190,7 +191,9 @@ void SystemFiles::CreateFolder(std::string_view path) {
     CreateFolder(path.substr(0, cut));
   }
   if (!CreateDirectoryW(Widen(path).c_str(), nullptr) && !IsFolder(path)) {
-    throw FileError(GetLastError(), "make the folder", path);
+    const DWORD code = GetLastError();
+    throw IsFile(path) ? MakeFileError(RuntimeError::PathFileAccess, "make the folder", path, kNameOfFile)
+                       : FileError(code, "make the folder", path);
   }
 }
 
@@ -198,7 +201,7 @@ void SystemFiles::RemoveFolder(std::string_view path) {
   const std::string inside = std::string(path) + "\\";
   const DWORD attributes = Attributes(path);
   if (attributes == INVALID_FILE_ATTRIBUTES) {
-    throw FileError(ERROR_PATH_NOT_FOUND, "remove the folder", path);
+    throw MakeFileError(RuntimeError::PathNotFound, "remove the folder", path, "it does not exist");
   }
   // A link to a folder is removed as a link; what it leads to is not this folder's.
   if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {

@@ -18,8 +18,7 @@ class SystemProcess : public Process {
   std::uint32_t ExitCode() override {
     DWORD code = 0;
     if (!GetExitCodeProcess(handle_, &code)) {
-      throw MakeRuntimeError(RuntimeError::InvalidCall,
-                             "cannot read the exit code of a program: system error " + std::to_string(GetLastError()));
+      throw MakeRuntimeError(RuntimeError::InvalidCall, "the exit code of a process is lost");
     }
     return code;
   }
@@ -41,8 +40,10 @@ std::unique_ptr<Process> SystemProcesses::Start(std::string_view commandLine, in
   if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &started)) {
     const DWORD code = GetLastError();
     const bool missing = code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND || code == ERROR_DIRECTORY;
-    throw MakeRuntimeError(missing ? RuntimeError::FileNotFound : RuntimeError::InvalidCall,
-                           "cannot start \"" + std::string(commandLine) + "\": system error " + std::to_string(code));
+    throw MakeRuntimeError(
+        missing ? RuntimeError::FileNotFound : RuntimeError::InvalidCall,
+        FailureText("cannot start", commandLine,
+                    missing ? "the program does not exist" : "it is no program that the system can run"));
   }
   // The handle for polling is opened by the process's id with query rights only, before the creation's own handles are
   // closed, so the id cannot meanwhile belong to another process.

@@ -41,7 +41,7 @@ class OpenFile {
       if ((Get16(*values[type], 0) & kTypeOfObject) != kTableObject) continue;
       return Get32(*values[id], 0) & kPageOfId;
     }
-    Fail(EngineError::NoSuchTable, "No table '" + name + "' in '" + file_.Name() + "'");
+    Fail(EngineError::NoSuchTable, "no table \"" + name + "\" in \"" + file_.Name() + "\"");
   }
 
   /// Makes a change to the file as it stands now; nothing has changed when it fails.
@@ -59,7 +59,7 @@ class OpenFile {
 
   std::size_t Require(const Table& catalogue, std::string_view column) const {
     const std::optional<std::size_t> found = catalogue.Definition().FindColumn(column);
-    if (!found) Fail(EngineError::UnrecognizedFormat, "The database has no catalogue: '" + file_.Name() + "'");
+    if (!found) Fail(EngineError::UnrecognizedFormat, "the database has no catalogue: \"" + file_.Name() + "\"");
     return *found;
   }
 
@@ -129,13 +129,13 @@ class JetRecordSet : public TypedRecordSet {
   enum class Change { None, Add, Edit };
 
   const TextRow& Current() const {
-    if (current_ == rows_.size()) Fail(EngineError::NoCurrentRecord, "No current row" + InTable());
+    if (current_ == rows_.size()) Fail(EngineError::NoCurrentRecord, "no current row" + InTable());
     return rows_[current_];
   }
 
   std::size_t Find(std::string_view name) const {
     const std::optional<std::size_t> column = table_.FindColumn(name);
-    if (!column) Fail(EngineError::NoSuchColumn, "No column '" + std::string(name) + "'" + InTable());
+    if (!column) Fail(EngineError::NoSuchColumn, "no column \"" + std::string(name) + "\"" + InTable());
     return *column;
   }
 
@@ -144,11 +144,11 @@ class JetRecordSet : public TypedRecordSet {
   }
 
   [[noreturn]] void RefuseWithoutText(const jet::Column& column) const {
-    throw MakeRuntimeError(RuntimeError::TypeMismatch, "Column '" + column.name + "' holds a value of type " +
+    throw MakeRuntimeError(RuntimeError::TypeMismatch, "column \"" + column.name + "\" holds a value of type " +
                                                            TypeName(column.type) + " that has no text" + InTable());
   }
 
-  std::string InTable() const { return " in table '" + tableName_ + "' of '" + file_->Name() + "'"; }
+  std::string InTable() const { return " in table \"" + tableName_ + "\" of \"" + file_->Name() + "\""; }
 
   void Replace(File& file) const {
     const TableDefinition table = file.ReadTable(table_.page);
@@ -158,7 +158,7 @@ class JetRecordSet : public TypedRecordSet {
       file.ReplaceRow(table, row, values_);
       return;
     }
-    Fail(EngineError::ChangedMeanwhile, "The row was changed by somebody else" + InTable());
+    Fail(EngineError::ChangedMeanwhile, "the row was changed by somebody else" + InTable());
   }
 
   std::shared_ptr<OpenFile> file_;
@@ -190,11 +190,11 @@ class JetDatabase : public TypedDatabase {
   static std::size_t FindTextColumn(const Table& table, const std::string& name, std::string_view sql) {
     const std::optional<std::size_t> column = table.Definition().FindColumn(name);
     if (!column) {
-      Fail(EngineError::TooFewParameters, "No column '" + name + "' for the statement: " + std::string(sql));
+      Fail(EngineError::TooFewParameters, "no column \"" + name + "\" for the statement: " + std::string(sql));
     }
     const ColumnType type = table.Definition().shape.columns[*column].type;
     if (type != ColumnType::Text && type != ColumnType::Memo) {
-      Fail(EngineError::CriteriaMismatch, "Column '" + name + "' holds no text: " + std::string(sql));
+      Fail(EngineError::CriteriaMismatch, "column \"" + name + "\" holds no text: " + std::string(sql));
     }
     return *column;
   }

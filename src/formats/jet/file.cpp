@@ -33,10 +33,10 @@ std::string EmptyMapPage(Version version, bool marked) {
 
 File::File(std::string bytes, std::string name, const CodePages& codePages)
     : bytes_(std::move(bytes)), name_(std::move(name)) {
-  if (!bytes_.starts_with(kFileStart)) Fail(EngineError::UnrecognizedFormat, "Not a Jet database: '" + name_ + "'");
+  if (!bytes_.starts_with(kFileStart)) Fail(EngineError::UnrecognizedFormat, "not a Jet database: \"" + name_ + "\"");
   const int version = bytes_.size() > kVersionAt ? ByteAt(bytes_, kVersionAt) : -1;
   if (version != static_cast<int>(Version::Jet3) && version != static_cast<int>(Version::Jet4)) {
-    Fail(EngineError::UnrecognizedFormat, "A Jet database of another version than 3 and 4: '" + name_ + "'");
+    Fail(EngineError::UnrecognizedFormat, "a Jet database of another version than 3 and 4: \"" + name_ + "\"");
   }
   version_ = static_cast<Version>(version);
   if (bytes_.size() % PageSize(version_) != 0 || PageCount() <= kCataloguePage) {
@@ -45,7 +45,7 @@ File::File(std::string bytes, std::string name, const CodePages& codePages)
   std::string header(Page(0));
   ToggleHeaderMask(header, version_);
   if (Get32(header, kEncryptionKeyAt) != 0) {
-    Fail(EngineError::UnrecognizedFormat, "An encrypted Jet database cannot be read: '" + name_ + "'");
+    Fail(EngineError::UnrecognizedFormat, "an encrypted Jet database cannot be read: \"" + name_ + "\"");
   }
   if (version_ == Version::Jet3) texts_ = TextForm(FindCodePage(Get16(header, kCodePageAt), codePages));
 }
@@ -54,7 +54,7 @@ std::shared_ptr<TextCodec> File::FindCodePage(std::uint16_t number, const CodePa
   std::shared_ptr<TextCodec> codePage = codePages(number);
   if (!codePage) {
     Fail(EngineError::UnrecognizedFormat,
-         "A Jet 3 database in code page " + std::to_string(number) + ", which is not known: '" + name_ + "'");
+         "a Jet 3 database in code page " + std::to_string(number) + ", which is not known: \"" + name_ + "\"");
   }
   return codePage;
 }
@@ -148,7 +148,8 @@ void File::AddRow(const TableDefinition& table, const StoredValues& values) {
   if (!table.indexes.empty()) RefuseIndexed(table.indexes.front());
   for (const Column& column : table.shape.columns) {
     if (!column.autonumber) continue;
-    Fail(EngineError::NotSupported, "A row cannot be added where column '" + column.name + "' counts: '" + name_ + "'");
+    Fail(EngineError::NotSupported,
+         "a row cannot be added where column \"" + column.name + "\" counts: \"" + name_ + "\"");
   }
   StoreRow(table, EncodeRow(table.shape, values), false);
   const std::size_t rowCountAt = table.page * PageSize(version_) + RowCountAt(version_);
@@ -184,11 +185,11 @@ void File::ReplaceRow(const TableDefinition& table, const Row& row, const Stored
 }
 
 void File::Damaged(const std::string& what) const {
-  Fail(EngineError::UnrecognizedFormat, "The database is damaged (" + what + "): '" + name_ + "'");
+  Fail(EngineError::UnrecognizedFormat, "the database is damaged (" + what + "): \"" + name_ + "\"");
 }
 
 void File::RefuseIndexed(const Index& index) const {
-  Fail(EngineError::NotSupported, "Index '" + index.name + "' would have to change: '" + name_ + "'");
+  Fail(EngineError::NotSupported, "index \"" + index.name + "\" would have to change: \"" + name_ + "\"");
 }
 
 std::string_view File::Page(std::uint32_t number) const {
@@ -263,7 +264,8 @@ void File::MarkInMap(RowPlace map, std::uint32_t page, bool mark, bool elsewhere
     return;
   }
   const std::size_t entry = 1 + 4 * (page / PagesPerMapPage(version_));
-  if (entry + 4 > record.size()) Fail(EngineError::NotSupported, "The database has become too large: '" + name_ + "'");
+  if (entry + 4 > record.size())
+    Fail(EngineError::NotSupported, "the database has become too large: \"" + name_ + "\"");
   std::uint32_t number = Get32(record, entry);
   if (number == 0) {
     if (mark == elsewhere) return;
@@ -301,7 +303,7 @@ std::uint32_t File::AppendPage(std::string_view bytes) {
 RowPlace File::StoreRow(const TableDefinition& table, std::string rowBytes, bool hidden) {
   if (rowBytes.size() > LongestRow(version_)) {
     Fail(EngineError::FieldTooSmall,
-         "A row of " + std::to_string(rowBytes.size()) + " bytes is too long: '" + name_ + "'");
+         "a row of " + std::to_string(rowBytes.size()) + " bytes is too long: \"" + name_ + "\"");
   }
   const std::size_t needed = rowBytes.size() + 2;
   DataPage::Slot slot{.hidden = hidden, .pointer = false, .bytes = std::move(rowBytes)};

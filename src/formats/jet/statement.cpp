@@ -48,7 +48,7 @@ class StatementReader {
 
  private:
   [[noreturn]] void Refuse() const {
-    Fail(EngineError::SyntaxError, "Syntax error in the statement: " + std::string(sql_));
+    Fail(EngineError::SyntaxError, "syntax error in the statement: " + std::string(sql_));
   }
 
   void SkipBlanks() {

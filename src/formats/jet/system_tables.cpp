@@ -96,7 +96,7 @@ CatalogueEntry EntryOfTable(const NewTable& table, std::uint32_t definitionPage)
 StoredValues CatalogueRow(const CatalogueEntry& entry, const TextForm& form) {
   const std::optional<std::string> name = form.Encode(entry.name, true);
   if (!name) {
-    Fail(EngineError::DataTypeConversion, "The code page of the file lacks a character of '" + entry.name + "'");
+    Fail(EngineError::DataTypeConversion, "the code page of the file lacks a character of \"" + entry.name + "\"");
   }
   StoredValues values(SystemTables().front().columns.size());
   values[0] = Bytes32(entry.id);

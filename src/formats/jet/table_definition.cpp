@@ -290,7 +290,7 @@ std::string LongValueMaps(const RowShape& shape, const std::vector<RowPlace>& ma
 
 std::string NameEntry(const TextForm& form, const std::string& name) {
   const std::optional<std::string> bytes = form.EncodePlain(name);
-  if (!bytes) Fail(EngineError::DataTypeConversion, "The code page of the file lacks a character of '" + name + "'");
+  if (!bytes) Fail(EngineError::DataTypeConversion, "the code page of the file lacks a character of \"" + name + "\"");
   const std::string length = Bytes16(static_cast<std::uint16_t>(bytes->size()));
   return length.substr(0, LayoutOf(form.FileVersion()).nameLengthSize) + *bytes;
 }
@@ -333,7 +333,7 @@ DecodedDefinition DecodeDefinition(const TextForm& form, std::string_view bytes)
   std::sort(table.shape.columns.begin(), table.shape.columns.end(),
             [](const Column& a, const Column& b) { return a.number < b.number; });
   for (const Column& column : table.shape.columns) {
-    if (!SoundColumn(column, table.shape)) return {{}, "column '" + column.name + "' contradicts its table"};
+    if (!SoundColumn(column, table.shape)) return {{}, "column \"" + column.name + "\" contradicts its table"};
   }
   return decoded;
 }
@@ -345,7 +345,7 @@ std::string EncodeDefinition(const TextForm& form, const RowShape& shape, bool s
   for (const Column& column : shape.columns) page += ColumnEntry(shape.version, column);
   for (const Column& column : shape.columns) page += NameEntry(form, column.name);
   page += LongValueMaps(shape, maps);
-  if (page.size() > pageSize) Fail(EngineError::NotSupported, "A table has too many columns");
+  if (page.size() > pageSize) Fail(EngineError::NotSupported, "a table has too many columns");
   // Jet 4 counts what stands behind the place of the next page, and the bytes that are left.
   if (shape.version == Version::Jet3) {
     Put32(page, kLengthAt, static_cast<std::uint32_t>(page.size()));

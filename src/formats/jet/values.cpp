@@ -27,7 +27,8 @@ std::optional<std::string> NumberBytes(std::string_view text) {
 }
 
 [[noreturn]] void CannotHold(const Column& column, std::string_view text, const std::string& why = "") {
-  Fail(EngineError::DataTypeConversion, "Column '" + column.name + "' cannot hold '" + std::string(text) + "'" + why);
+  Fail(EngineError::DataTypeConversion,
+       "column \"" + column.name + "\" cannot hold \"" + std::string(text) + "\"" + why);
 }
 
 std::string StoredText(const Column& column, std::string_view text, const TextForm& form) {
@@ -40,7 +41,7 @@ std::string EncodeTextValue(const Column& column, std::string_view text, const T
   std::string stored = StoredText(column, text, form);
   const bool inUnits = form.FileVersion() == Version::Jet4;
   if ((inUnits ? LengthInUnits(text) * 2 : stored.size()) > column.size) {
-    Fail(EngineError::FieldTooSmall, "Column '" + column.name + "' is too short for '" + std::string(text) + "'");
+    Fail(EngineError::FieldTooSmall, "column \"" + column.name + "\" is too short for \"" + std::string(text) + "\"");
   }
   if (!column.fixed) return stored;
   const std::string blank = inUnits ? Bytes16(u' ') : " ";

@@ -72,7 +72,7 @@ std::optional<std::string> StoredValue(const jet::Column& column, const std::opt
       return jet::EncodeValue(column, *value, form);
   }
   jet::Fail(jet::EngineError::DataTypeConversion,
-            "Column '" + column.name + "' cannot hold " + std::to_string(value->size()) + " bytes");
+            "column \"" + column.name + "\" cannot hold " + std::to_string(value->size()) + " bytes");
 }
 
 jet::RowShape ShapeOf(Version version, const std::vector<NewColumn>& columns) {
@@ -82,7 +82,7 @@ jet::RowShape ShapeOf(Version version, const std::vector<NewColumn>& columns) {
   for (const NewColumn& added : columns) {
     if (version == Version::Jet3 && added.type == ColumnType::Decimal) {
       jet::Fail(jet::EngineError::NotSupported,
-                "Jet 3 has no Decimal, as which column '" + added.name + "' is asked for");
+                "Jet 3 has no Decimal, as which column \"" + added.name + "\" is asked for");
     }
     jet::Column column;
     column.name = added.name;

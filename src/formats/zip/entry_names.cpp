@@ -15,7 +15,7 @@ std::optional<std::string> ProblemOfComponent(std::string_view component) {
     return "is absolute or has an empty component in its name";
   }
   if (component == "." || component == "..") {
-    return "has '" + std::string(component) + "' in its name";
+    return "has \"" + std::string(component) + "\" in its name";
   }
   if (std::any_of(component.begin(), component.end(), IsForbiddenInFileName)) {
     return "has a colon or another character in its name that file names do not hold";

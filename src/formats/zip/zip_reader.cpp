@@ -64,7 +64,7 @@ std::string Shown(std::string_view name) {
 }
 
 [[noreturn]] void Refuse(std::string_view blobPath, const std::string& reason) {
-  throw MakeRuntimeError(RuntimeError::InvalidCall, "The blob '" + Shown(blobPath) + "' is refused: " + reason + ".");
+  throw MakeRuntimeError(RuntimeError::InvalidCall, "the blob " + Quoted(Shown(blobPath)) + " is refused: " + reason);
 }
 
 // --- Names ---
@@ -351,7 +351,7 @@ std::vector<PackedEntry> Unpack(CodePage& codePage, std::string_view archive, st
 }
 
 void RefuseEntry(std::string_view blobPath, std::string_view name, const std::string& reason) {
-  Refuse(blobPath, "its entry '" + Shown(name) + "' " + reason);
+  Refuse(blobPath, "its entry " + Quoted(Shown(name)) + " " + reason);
 }
 
 }  // namespace parvex

@@ -58,7 +58,7 @@ TEST(GetCommandName, TellsWhyATextDidNotParse) {
     GetCommandName(xml::Document::Parse("<COMMAND><NAME>a & b</NAME></COMMAND>"));
     FAIL() << "no error";
   } catch (const AutomationError& error) {
-    EXPECT_GT(error.Description().size(), std::string("The command document has no COMMAND/NAME: ").size());
+    EXPECT_GT(error.Description().size(), std::string("the command document has no COMMAND/NAME: ").size());
   }
 }
 

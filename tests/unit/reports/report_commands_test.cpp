@@ -161,7 +161,7 @@ TEST_F(GetReportTest, AReadOnlyReportFileIsAnErrorThatNamesIt) {
                                std::filesystem::perms::owner_read);
   const std::string reply = Report(ReportName("UnitReport"));
   EXPECT_THAT(reply, testing::HasSubstr("<errorMessage>Error in getReport. "));
-  EXPECT_THAT(reply, testing::HasSubstr("\\Reports\\Temp\\rpt1.rtf is read-only"));
+  EXPECT_THAT(reply, testing::HasSubstr("\\Reports\\Temp\\rpt1.rtf\": it is read-only"));
   EXPECT_EQ(automation.lines.back(), MakeReport());
 }
 

@@ -102,7 +102,7 @@ TEST_F(GetSubmittalTest, AReportThatCannotBeReadEndsTheCall) {
   WriteTemporary("NGreport.xml", "<r><root>");
   EXPECT_THAT(failure(), testing::StartsWith("91 " + path + " is no XML document: "));
   machine.platform.files->Remove(path);
-  EXPECT_EQ(failure(), "53 " + path + " does not exist");
+  EXPECT_EQ(failure(), "53 cannot read \"" + path + "\": it does not exist");
 }
 
 TEST_F(GetSubmittalTest, AFailureAtEachMemberEndsTheCall) {

@@ -35,5 +35,23 @@ TEST(AutomationError, RuntimeErrorsSayWhoRaisedThemAndWhat) {
   EXPECT_EQ(error.RuntimeNumber(), 53);
 }
 
+TEST(AutomationErrorTexts, SayWhatOfWhichValueAndWhy) {
+  EXPECT_EQ(Quoted("a b"), "\"a b\"");
+  EXPECT_EQ(Quoted(""), "\"\"");
+  EXPECT_EQ(FailureText("cannot start", "a.exe", "it is none"), "cannot start \"a.exe\": it is none");
+}
+
+TEST(AutomationErrorTexts, OfFilesSayTheReasonOfTheNumberUnlessThereIsABetterOne) {
+  const auto text = [](RuntimeError error) { return MakeFileError(error, "write", "C:\\a").Description(); };
+  EXPECT_EQ(text(RuntimeError::FileNotFound), "cannot write \"C:\\a\": it does not exist");
+  EXPECT_EQ(text(RuntimeError::FileExists), "cannot write \"C:\\a\": the name is taken");
+  EXPECT_EQ(text(RuntimeError::DiskFull), "cannot write \"C:\\a\": the disk is full");
+  EXPECT_EQ(text(RuntimeError::PathNotFound), "cannot write \"C:\\a\": its folder does not exist");
+  EXPECT_EQ(text(RuntimeError::PathFileAccess), "cannot write \"C:\\a\": the system refuses it");
+  const AutomationError told = MakeFileError(RuntimeError::PathFileAccess, "read", "C:\\a", kIsFolder);
+  EXPECT_EQ(told.Description(), "cannot read \"C:\\a\": it is a folder");
+  EXPECT_EQ(told.RuntimeNumber(), 75);
+}
+
 }  // namespace
 }  // namespace parvex

@@ -155,7 +155,7 @@ TEST_P(JetDatabasesTest, ARowIsNotAddedToAnIndexedTable) {
   const auto rows = Rows("SELECT * FROM Config");
   rows->AddNew();
   rows->SetColumn("sKey", "new");
-  EXPECT_EQ(ErrorIn([&] { rows->Update(); }), "3251 Index 'PrimaryKey' would have to change: 'C:\\Project.mdb'");
+  EXPECT_EQ(ErrorIn([&] { rows->Update(); }), "3251 index \"PrimaryKey\" would have to change: \"C:\\Project.mdb\"");
   EXPECT_EQ(file.bytes, before);
 }
 
@@ -168,7 +168,7 @@ TEST_P(JetDatabasesTest, ARowOfAnIndexedTableIsChangedWhereTheIndexDoesNotLook) 
   EXPECT_EQ(Column("sValue")[7], std::string(254, 'y'));
   rows->Edit();
   rows->SetColumn("sKey", "another");
-  EXPECT_THAT(ErrorIn([&] { rows->Update(); }), HasSubstr("3251 Index 'PrimaryKey'"));
+  EXPECT_THAT(ErrorIn([&] { rows->Update(); }), HasSubstr("3251 index \"PrimaryKey\""));
 }
 
 TEST_P(JetDatabasesTest, ReadsBooleansAndSingles) {
@@ -183,10 +183,10 @@ TEST_P(JetDatabasesTest, AColumnWithoutTextIsRefusedByNameWhereItHasAValue) {
         {{"a", "\1\2", "\3"}, {"b", std::nullopt, std::nullopt}}});
   const auto rows = Rows("SELECT * FROM Parts");
   EXPECT_EQ(rows->Column("name"), "a");
-  EXPECT_EQ(
-      ErrorIn([&] { rows->Column("photo"); }),
-      "13 Column 'photo' holds a value of type OLE object that has no text in table 'Parts' of 'C:\\Project.mdb'");
-  EXPECT_THAT(ErrorIn([&] { rows->Column("mark"); }), HasSubstr("13 Column 'mark' holds a value of type Binary"));
+  EXPECT_EQ(ErrorIn([&] { rows->Column("photo"); }),
+            "13 column \"photo\" holds a value of type OLE object that has no text in table \"Parts\" of "
+            "\"C:\\Project.mdb\"");
+  EXPECT_THAT(ErrorIn([&] { rows->Column("mark"); }), HasSubstr("13 column \"mark\" holds a value of type Binary"));
   rows->MoveNext();
   EXPECT_EQ(rows->Column("photo"), std::nullopt);
   EXPECT_EQ(rows->Column("mark"), std::nullopt);
@@ -201,7 +201,7 @@ TEST_P(JetDatabasesTest, AColumnOfAnUnknownTypeIsRefusedByNameAndTheOthersAreRea
   file.bytes[secondEntry] = 17;
   const auto rows = Rows("SELECT * FROM Parts");
   EXPECT_EQ(rows->Column("name"), "a");
-  EXPECT_THAT(ErrorIn([&] { rows->Column("odd"); }), HasSubstr("13 Column 'odd' holds a value of type number 17"));
+  EXPECT_THAT(ErrorIn([&] { rows->Column("odd"); }), HasSubstr("13 column \"odd\" holds a value of type number 17"));
 }
 
 TEST_P(JetDatabasesTest, ReadsMemosThatAreKeptOutsideTheirRows) {
@@ -286,10 +286,10 @@ TEST_P(JetDatabasesTest, AnotherVersionAndAnEncryptedDatabaseAreRefusedByName) {
   for (const char version : {'\2', '\3', '\xFF'}) {
     file.bytes[0x14] = version;
     EXPECT_EQ(ErrorIn([&] { databases.Open(kPath); }),
-              "3343 A Jet database of another version than 3 and 4: 'C:\\Project.mdb'");
+              "3343 a Jet database of another version than 3 and 4: \"C:\\Project.mdb\"");
   }
   file.bytes = WithHeader(sound, [](std::string& header) { Put32(header, 0x3E, 0x12345678); });
-  EXPECT_THAT(ErrorIn([&] { databases.Open(kPath); }), HasSubstr("3343 An encrypted Jet database"));
+  EXPECT_THAT(ErrorIn([&] { databases.Open(kPath); }), HasSubstr("3343 an encrypted Jet database"));
 }
 
 TEST_P(JetDatabasesTest, ATextComparedWithANumberColumnIsAnError) {
@@ -428,7 +428,7 @@ TEST_F(Jet3Texts, InACodePageThatIsNotKnownAreRefusedByItsNumber) {
     ADD_FAILURE() << "opened";
   } catch (const AutomationError& error) {
     EXPECT_EQ(error.RuntimeNumber(), 3343);
-    EXPECT_EQ(error.Description(), "A Jet 3 database in code page 1251, which is not known: 'C:\\Project.mdb'");
+    EXPECT_EQ(error.Description(), "a Jet 3 database in code page 1251, which is not known: \"C:\\Project.mdb\"");
   }
 }
 
@@ -444,7 +444,7 @@ TEST_F(Jet3Texts, ThatTheCodePageLacksAreRefusedByNameAndNeverReplaced) {
   } catch (const AutomationError& error) {
     EXPECT_EQ(error.RuntimeNumber(), 3421);
     EXPECT_EQ(error.Description(),
-              "Column 'sValue' cannot hold '5 Ω': the code page of the file lacks a character of it");
+              "column \"sValue\" cannot hold \"5 Ω\": the code page of the file lacks a character of it");
   }
   EXPECT_EQ(file.bytes, before);
 }

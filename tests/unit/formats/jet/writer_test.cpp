@@ -195,10 +195,10 @@ TEST_P(JetWriterTest, AValueThatItsColumnCannotHoldIsAnErrorThatNamesBoth) {
       return std::to_string(error.RuntimeNumber()) + " " + error.Description();
     }
   };
-  EXPECT_EQ(refusal({"name", Type::Text, 3}, "four"), "3163 Column 'name' is too short for 'four'");
-  EXPECT_EQ(refusal({"id", Type::Long}, "1x"), "3421 Column 'id' cannot hold '1x'");
-  EXPECT_EQ(refusal({"id", Type::Long}, "2147483648"), "3421 Column 'id' cannot hold '2147483648'");
-  EXPECT_EQ(refusal({"id", Type::Byte}, "-1"), "3421 Column 'id' cannot hold '-1'");
+  EXPECT_EQ(refusal({"name", Type::Text, 3}, "four"), "3163 column \"name\" is too short for \"four\"");
+  EXPECT_EQ(refusal({"id", Type::Long}, "1x"), "3421 column \"id\" cannot hold \"1x\"");
+  EXPECT_EQ(refusal({"id", Type::Long}, "2147483648"), "3421 column \"id\" cannot hold \"2147483648\"");
+  EXPECT_EQ(refusal({"id", Type::Byte}, "-1"), "3421 column \"id\" cannot hold \"-1\"");
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, JetWriterTest, testing::Values(Version::Jet3, Version::Jet4),
@@ -215,8 +215,8 @@ TEST(MakeJetDatabase, NamesThatTheCodePageOfJet3LacksAreRefused) {
       return std::to_string(error.RuntimeNumber()) + " " + error.Description();
     }
   };
-  EXPECT_EQ(refusal({"Таблица", {{"sKey"}}, {}}), "3421 The code page of the file lacks a character of 'Таблица'");
-  EXPECT_EQ(refusal({"Table", {{"ключ"}}, {}}), "3421 The code page of the file lacks a character of 'ключ'");
+  EXPECT_EQ(refusal({"Таблица", {{"sKey"}}, {}}), "3421 the code page of the file lacks a character of \"Таблица\"");
+  EXPECT_EQ(refusal({"Table", {{"ключ"}}, {}}), "3421 the code page of the file lacks a character of \"ключ\"");
   EXPECT_EQ(refusal({"Table", {{"sum", Type::Decimal}}, {}}),
             "3251 Jet 3 has no Decimal, as which column 'sum' is asked for");
 }

@@ -130,7 +130,7 @@ TEST_F(Packing, RefusesLinksAndSpecialFiles) {
        {0xA1FF0000u, 0x21FF0000u, 0x61FF0000u, 0x11FF0000u, 0xC1FF0000u, 0x41FF0000u, 0x400u}) {
     std::string archive = SampleArchive();
     test::Put32(archive, test::DirectoryRecord(archive, kStored) + 38, attributes);
-    EXPECT_THAT(RefusalOf(archive), HasSubstr("'stored.txt' is a link or another special file")) << attributes;
+    EXPECT_THAT(RefusalOf(archive), HasSubstr("\"stored.txt\" is a link or another special file")) << attributes;
   }
 }
 
@@ -145,14 +145,14 @@ TEST_F(Packing, RefusesEncryptedEntries) {
   for (const std::uint16_t flags : {0x0001, 0x0040, 0x2000}) {
     std::string archive = SampleArchive();
     test::Put16(archive, test::DirectoryRecord(archive, kDeflated) + 8, flags);
-    EXPECT_THAT(RefusalOf(archive), HasSubstr("'deflated.txt' is encrypted")) << flags;
+    EXPECT_THAT(RefusalOf(archive), HasSubstr("\"deflated.txt\" is encrypted")) << flags;
   }
 }
 
 TEST_F(Packing, RefusesOtherMethods) {
   std::string archive = SampleArchive();
   test::Put16(archive, test::DirectoryRecord(archive, kDeflated) + 10, 12);
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'deflated.txt' is packed by a method that is not read (12)"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"deflated.txt\" is packed by a method that is not read (12)"));
   archive = SampleArchive();
   test::Put16(archive, test::DirectoryRecord(archive, kDeflated) + 8, 0x0020);
   EXPECT_THAT(RefusalOf(archive), HasSubstr("method"));
@@ -186,17 +186,17 @@ TEST_F(Packing, RefusesAPartOfAnArchive) {
 TEST_F(Packing, RefusesDataThatDoesNotMatchItsChecksum) {
   std::string archive = SampleArchive();
   archive[archive.find("stored content")] ^= 1;
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'stored.txt' is damaged: its checksum is wrong"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"stored.txt\" is damaged: its checksum is wrong"));
   archive = SampleArchive();
   test::Put32(archive, test::DirectoryRecord(archive, kDeflated) + 16, 0);
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'deflated.txt' is damaged: its checksum is wrong"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"deflated.txt\" is damaged: its checksum is wrong"));
 }
 
 TEST_F(Packing, RefusesADamagedDeflateStream) {
   std::string archive = SampleArchive();
   const std::size_t data = test::LocalRecord(archive, kDeflated) + 30 + std::string("deflated.txt").size();
   archive[data] = '\x07';  // a block of no known type
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'deflated.txt' is damaged: its data does not unpack"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"deflated.txt\" is damaged: its data does not unpack"));
 }
 
 TEST_F(Packing, RefusesDataThatUnpacksToAnotherLength) {
@@ -204,7 +204,7 @@ TEST_F(Packing, RefusesDataThatUnpacksToAnotherLength) {
   for (const std::uint32_t declared : {0u, 1u, length - 1, length + 1, 60u << 20}) {
     std::string archive = SampleArchive();
     test::Put32(archive, test::DirectoryRecord(archive, kDeflated) + 24, declared);
-    EXPECT_THAT(RefusalOf(archive), HasSubstr("'deflated.txt' is damaged: its data does not unpack")) << declared;
+    EXPECT_THAT(RefusalOf(archive), HasSubstr("\"deflated.txt\" is damaged: its data does not unpack")) << declared;
   }
   std::string archive = SampleArchive();
   test::Put32(archive, test::DirectoryRecord(archive, kStored) + 24, 3);
@@ -219,7 +219,7 @@ TEST_F(Packing, RefusesBytesBehindADeflateStream) {
   ASSERT_EQ(UnpackBytes(archive).size(), 2u);
   const std::size_t packedLength = test::DirectoryRecord(archive, kDeflated) + 20;
   test::Put32(archive, packedLength, test::Get32(archive, packedLength) + 4);
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'deflated.txt' is damaged: its data does not unpack"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"deflated.txt\" is damaged: its data does not unpack"));
 }
 
 TEST_F(Packing, RefusesADirectoryThatIsCutShort) {
@@ -273,13 +273,13 @@ TEST_F(Packing, RefusesAnotherNumberOfEntriesThanTheDirectoryHolds) {
 TEST_F(Packing, RefusesAnEntryThatItsOwnRecordDescribesDifferently) {
   std::string archive = SampleArchive();
   archive[test::LocalRecord(archive, kStored) + 30] = 'S';
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'stored.txt' is described in two ways"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"stored.txt\" is described in two ways"));
   archive = SampleArchive();
   test::Put16(archive, test::LocalRecord(archive, kStored) + 8, 8);
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'stored.txt' is described in two ways"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"stored.txt\" is described in two ways"));
   archive = SampleArchive();
   test::Put16(archive, test::LocalRecord(archive, kStored) + 6, 1);
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'stored.txt' is described in two ways"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"stored.txt\" is described in two ways"));
 }
 
 TEST_F(Packing, RefusesOverlappingEntries) {
@@ -293,7 +293,7 @@ TEST_F(Packing, RefusesOverlappingEntries) {
   ASSERT_EQ(UnpackBytes(archive).size(), 2u);
   // The directory says that the second entry is the one within the first one's data.
   test::Put32(archive, test::DirectoryRecord(archive, 1) + 42, 30 + 5);
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'inner' overlaps another entry"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"inner\" overlaps another entry"));
 }
 
 // --- Limits ---
@@ -301,7 +301,7 @@ TEST_F(Packing, RefusesOverlappingEntries) {
 TEST_F(Packing, RefusesAnEntryBeyondTheLimitBeforeUnpackingIt) {
   std::string archive = SampleArchive();
   test::Put32(archive, test::DirectoryRecord(archive, kDeflated) + 24, (64u << 20) + 1);
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'deflated.txt' has 67108865 bytes, more than are unpacked"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"deflated.txt\" has 67108865 bytes, more than are unpacked"));
 }
 
 TEST_F(Packing, RefusesAnArchiveBeyondTheLimitBeforeUnpackingIt) {
@@ -313,7 +313,7 @@ TEST_F(Packing, RefusesAnArchiveBeyondTheLimitBeforeUnpackingIt) {
   for (std::size_t i = 0; i < 5; ++i) {
     test::Put32(archive, test::DirectoryRecord(archive, i) + 24, 30u << 20);
   }
-  EXPECT_THAT(RefusalOf(archive), HasSubstr("'entry4' brings the archive to more bytes than are unpacked"));
+  EXPECT_THAT(RefusalOf(archive), HasSubstr("\"entry4\" brings the archive to more bytes than are unpacked"));
 }
 
 TEST_F(Packing, UnpacksAnEntryUpToTheLimit) {

@@ -218,7 +218,7 @@ TEST(MakeJetDatabase, NamesThatTheCodePageOfJet3LacksAreRefused) {
   EXPECT_EQ(refusal({"Таблица", {{"sKey"}}, {}}), "3421 the code page of the file lacks a character of \"Таблица\"");
   EXPECT_EQ(refusal({"Table", {{"ключ"}}, {}}), "3421 the code page of the file lacks a character of \"ключ\"");
   EXPECT_EQ(refusal({"Table", {{"sum", Type::Decimal}}, {}}),
-            "3251 Jet 3 has no Decimal, as which column 'sum' is asked for");
+            "3251 Jet 3 has no Decimal, as which column \"sum\" is asked for");
 }
 
 }  // namespace

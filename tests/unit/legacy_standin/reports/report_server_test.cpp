@@ -138,7 +138,8 @@ TEST_F(ReportServerTest, RefusesWhatDoesNotFit) {
   EXPECT_THAT(ErrorIn([&] { CallTexts("AddTag", {"", kTag, "A", "B", ""}); }), HasSubstr("once \"A\" and once \"B\""));
   AddTag();
   EXPECT_THAT(ErrorIn([&] { AddReport(kTemplate, "TitlePage"); }), HasSubstr("unknown category \"TitlePage\""));
-  EXPECT_THAT(ErrorIn([&] { AddReport("C:\\T\\gone.xml"); }), testing::StartsWith("53 C:\\T\\gone.xml"));
+  EXPECT_THAT(ErrorIn([&] { AddReport("C:\\T\\gone.xml"); }),
+              testing::StartsWith("53 cannot read \"C:\\T\\gone.xml\""));
   EXPECT_THAT(ErrorIn([&] { AddReport(kTemplate, "Custom", "B"); }), HasSubstr("no tag \"B\""));
   AddReport();
   Prepare("Somebody");

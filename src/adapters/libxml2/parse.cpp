@@ -52,7 +52,7 @@ void Record(Parsing& parsing, MakeReason makeReason) noexcept {
 
 // Records the reason, told in pieces, and ends the parse.
 template <typename... Pieces>
-void Refuse(void* context, const Pieces&... pieces) noexcept {
+void EndParse(void* context, const Pieces&... pieces) noexcept {
   auto* parser = static_cast<xmlParserCtxt*>(context);
   Record(ParsingOf(context), [&] { return (At(parser->input->line, parser->input->col) + ... + std::string(pieces)); });
   xmlStopParser(parser);
@@ -63,7 +63,8 @@ bool CountExpansion(void* context, std::size_t bytes) {
   Parsing& parsing = ParsingOf(context);
   parsing.expanded += bytes;
   if (parsing.expanded > kMostExpansion) {
-    Refuse(context, "entities and defaulted attributes expand to more than ", std::to_string(kMostExpansion), " bytes");
+    EndParse(context, "entities and defaulted attributes expand to more than ", std::to_string(kMostExpansion),
+             " bytes");
     return false;
   }
   return true;
@@ -108,7 +109,7 @@ xmlEntity* OnEntity(void* context, const xmlChar* name) {
     return entity;  // no reference: the parser looks at the declaration it has just read
   }
   if (entity == nullptr) {
-    Refuse(context, "the entity '", View(name), "' is not declared as plain text");
+    EndParse(context, "the entity '", View(name), "' is not declared as plain text");
     return nullptr;
   }
   if (!CountExpansion(context, View(entity->content).size())) {
@@ -121,7 +122,7 @@ xmlEntity* OnEntity(void* context, const xmlChar* name) {
 }
 
 xmlEntity* OnParameterEntity(void* context, const xmlChar* name) {
-  Refuse(context, "the parameter entity '", View(name), "' is not expanded");
+  EndParse(context, "the parameter entity '", View(name), "' is not expanded");
   return nullptr;
 }
 
@@ -206,7 +207,7 @@ bool KeepsBlanks(const ReadAttribute& attribute, bool outside) {
 void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaceCount,
                     const xmlChar** namespaces, int attributeCount, int defaultedCount, const xmlChar** attributes) {
   if (ParsingOf(context).keepsBlanks.size() > kDeepestElement) {
-    Refuse(context, NestedTooDeeply());
+    EndParse(context, NestedTooDeeply());
     return;
   }
   const auto* read = reinterpret_cast<const ReadAttribute*>(attributes);

@@ -22,7 +22,7 @@ struct Freed {
 using Compiled = std::unique_ptr<xmlXPathCompExpr, Freed>;
 using Value = std::unique_ptr<xmlXPathObject, Freed>;
 
-[[noreturn]] void Refuse(std::string_view expression) {
+[[noreturn]] void RefuseExpression(std::string_view expression) {
   throw MakeRuntimeError(RuntimeError::InvalidCall,
                          "the XPath expression " + Quoted(expression) + " cannot select nodes");
 }
@@ -51,7 +51,7 @@ class Selector {
     context_->doc = nullptr;
     context_->node = nullptr;
     if (value == nullptr) {
-      Refuse(expression);
+      RefuseExpression(expression);
     }
     return value;
   }
@@ -59,12 +59,12 @@ class Selector {
  private:
   Compiled Compile(std::string_view expression) {
     if (FindForbidden(expression) != std::string_view::npos || expression.size() > kLongestExpression) {
-      Refuse(expression);
+      RefuseExpression(expression);
     }
     context_->depth = 0;
     Compiled compiled(xmlXPathCtxtCompile(context_.get(), Chars(std::string(expression).c_str())));
     if (compiled == nullptr) {
-      Refuse(expression);
+      RefuseExpression(expression);
     }
     return compiled;
   }
@@ -114,13 +114,13 @@ std::vector<xmlNode*> Select(xmlNode* start, std::string_view expression) {
   const Alone alone(start);
   const Value value = selector.Evaluate(start, expression);
   if (value->type != XPATH_NODESET) {
-    Refuse(expression);
+    RefuseExpression(expression);
   }
   std::vector<xmlNode*> nodes;
   const xmlNodeSet* set = value->nodesetval;
   for (int i = 0; set != nullptr && i < set->nodeNr; ++i) {
     if (set->nodeTab[i]->type == XML_NAMESPACE_DECL) {
-      Refuse(expression);
+      RefuseExpression(expression);
     }
     nodes.push_back(set->nodeTab[i]);
   }

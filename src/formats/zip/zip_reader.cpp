@@ -9,6 +9,7 @@
 #include "formats/text/text.h"
 #include "formats/text/unicode.h"
 #include "formats/zip/entry_names.h"
+#include "formats/zip/zip_records.h"
 #include "seams/automation_error.h"
 
 namespace parvex {
@@ -36,11 +37,8 @@ constexpr std::size_t kLength = 30;
 constexpr std::size_t kFlags = 6, kMethod = 8, kNameLength = 26, kExtraLength = 28;
 }  // namespace local_record
 
-constexpr std::uint16_t kStored = 0;
-constexpr std::uint16_t kDeflated = 8;
 constexpr std::uint16_t kEncrypted = 0x0001 | 0x0040 | 0x2000;  // entry, strongly, directory
 constexpr std::uint16_t kPatch = 0x0020;
-constexpr std::uint16_t kNameIsUtf8 = 0x0800;
 constexpr std::uint16_t kInZip64 = 0xFFFF;
 constexpr std::uint32_t kInZip64Long = 0xFFFFFFFF;
 
@@ -212,7 +210,7 @@ class Archive {
     Listed entry;
     entry.rawName = rest.substr(kLength, nameLength);
     entry.flags = Read16(rest, kFlags);
-    entry.name = (entry.flags & kNameIsUtf8) != 0 ? std::string(entry.rawName) : codePage_.FromAnsi(entry.rawName);
+    entry.name = (entry.flags & zip::kNameIsUtf8) != 0 ? std::string(entry.rawName) : codePage_.FromAnsi(entry.rawName);
     entry.method = Read16(rest, kMethod);
     entry.crc = Read32(rest, kCrc);
     entry.packedLength = Read32(rest, kPackedLength);
@@ -238,7 +236,7 @@ class Archive {
     if ((entry.flags & kEncrypted) != 0) {
       RefuseEntry(blobPath_, entry.name, "is encrypted");
     }
-    if ((entry.flags & kPatch) != 0 || (entry.method != kStored && entry.method != kDeflated)) {
+    if ((entry.flags & kPatch) != 0 || (entry.method != zip::kStored && entry.method != zip::kDeflated)) {
       RefuseEntry(blobPath_, entry.name,
                   "is packed by a method that is not read (" + std::to_string(entry.method) + ")");
     }
@@ -248,7 +246,7 @@ class Archive {
     if (isFolder && entry.length != 0) {
       RefuseEntry(blobPath_, entry.name, "is a folder with content");
     }
-    if (entry.method == kStored && entry.packedLength != entry.length) {
+    if (entry.method == zip::kStored && entry.packedLength != entry.length) {
       RefuseEntry(blobPath_, entry.name, "is damaged: it is stored with two lengths");
     }
   }
@@ -310,7 +308,7 @@ class Archive {
   }
 
   std::string UnpackEntry(const Listed& entry, std::string_view data) const {
-    std::string bytes = entry.method == kStored ? std::string(data) : Inflate(entry, data);
+    std::string bytes = entry.method == zip::kStored ? std::string(data) : Inflate(entry, data);
     const uLong crc = crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size()));
     if (crc != entry.crc) {
       RefuseEntry(blobPath_, entry.name, "is damaged: its checksum is wrong");

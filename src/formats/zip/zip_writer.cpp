@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "formats/zip/zip_records.h"
+
 namespace parvex {
 namespace {
 
@@ -12,9 +14,6 @@ constexpr std::uint32_t kLocalRecord = 0x04034B50;
 constexpr std::uint32_t kDirectoryRecord = 0x02014B50;
 constexpr std::uint32_t kEndRecord = 0x06054B50;
 constexpr std::uint16_t kVersionNeeded = 20;
-constexpr std::uint16_t kNameIsUtf8 = 0x0800;
-constexpr std::uint16_t kStored = 0;
-constexpr std::uint16_t kDeflated = 8;
 constexpr std::uint16_t kFirstDay = 0x0021;  // 1 January 1980
 
 void Put16(std::string& out, std::uint16_t value) {
@@ -61,8 +60,8 @@ void ZipWriter::Add(std::string_view name, std::string_view bytes, bool deflate)
   // What the record of an entry and its line in the directory have in common.
   std::string shared;
   Put16(shared, kVersionNeeded);
-  Put16(shared, IsAscii(name) ? 0 : kNameIsUtf8);
-  Put16(shared, deflate ? kDeflated : kStored);
+  Put16(shared, IsAscii(name) ? 0 : zip::kNameIsUtf8);
+  Put16(shared, deflate ? zip::kDeflated : zip::kStored);
   Put16(shared, 0);  // midnight
   Put16(shared, kFirstDay);
   Put32(shared, static_cast<std::uint32_t>(

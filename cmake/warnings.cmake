@@ -7,7 +7,7 @@ endif()
 
 if(PARVEX_JOIN_SOURCES)
   # To the compiler a joined source is a header, where it warns of unnamed namespaces.
-  target_compile_options(parvex_warnings INTERFACE -Wno-subobject-linkage)
+  target_compile_options(parvex_warnings INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
 endif()
 
 if(PARVEX_SANITIZE)

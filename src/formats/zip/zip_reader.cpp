@@ -15,28 +15,6 @@
 namespace parvex {
 namespace {
 
-// Layout of the three records of the format: signature, length of the fixed part, places of the fields that are read.
-namespace end_record {
-constexpr std::uint32_t kSignature = 0x06054B50;
-constexpr std::size_t kLength = 22;
-constexpr std::size_t kLongestComment = 0xFFFF;
-constexpr std::size_t kDisk = 4, kDirectoryDisk = 6, kEntriesOnDisk = 8, kEntries = 10, kDirectoryLength = 12;
-constexpr std::size_t kDirectoryOffset = 16, kCommentLength = 20;
-}  // namespace end_record
-
-namespace directory_record {
-constexpr std::uint32_t kSignature = 0x02014B50;
-constexpr std::size_t kLength = 46;
-constexpr std::size_t kFlags = 8, kMethod = 10, kCrc = 16, kPackedLength = 20, kUnpackedLength = 24, kNameLength = 28;
-constexpr std::size_t kExtraLength = 30, kCommentLength = 32, kDisk = 34, kAttributes = 38, kOffset = 42;
-}  // namespace directory_record
-
-namespace local_record {
-constexpr std::uint32_t kSignature = 0x04034B50;
-constexpr std::size_t kLength = 30;
-constexpr std::size_t kFlags = 6, kMethod = 8, kNameLength = 26, kExtraLength = 28;
-}  // namespace local_record
-
 constexpr std::uint16_t kEncrypted = 0x0001 | 0x0040 | 0x2000;  // entry, strongly, directory
 constexpr std::uint16_t kPatch = 0x0020;
 constexpr std::uint16_t kInZip64 = 0xFFFF;
@@ -210,7 +188,7 @@ class Archive {
     Listed entry;
     entry.rawName = rest.substr(kLength, nameLength);
     entry.flags = Read16(rest, kFlags);
-    entry.name = (entry.flags & zip::kNameIsUtf8) != 0 ? std::string(entry.rawName) : codePage_.FromAnsi(entry.rawName);
+    entry.name = (entry.flags & kNameIsUtf8) != 0 ? std::string(entry.rawName) : codePage_.FromAnsi(entry.rawName);
     entry.method = Read16(rest, kMethod);
     entry.crc = Read32(rest, kCrc);
     entry.packedLength = Read32(rest, kPackedLength);
@@ -236,7 +214,7 @@ class Archive {
     if ((entry.flags & kEncrypted) != 0) {
       RefuseEntry(blobPath_, entry.name, "is encrypted");
     }
-    if ((entry.flags & kPatch) != 0 || (entry.method != zip::kStored && entry.method != zip::kDeflated)) {
+    if ((entry.flags & kPatch) != 0 || (entry.method != kStored && entry.method != kDeflated)) {
       RefuseEntry(blobPath_, entry.name,
                   "is packed by a method that is not read (" + std::to_string(entry.method) + ")");
     }
@@ -246,7 +224,7 @@ class Archive {
     if (isFolder && entry.length != 0) {
       RefuseEntry(blobPath_, entry.name, "is a folder with content");
     }
-    if (entry.method == zip::kStored && entry.packedLength != entry.length) {
+    if (entry.method == kStored && entry.packedLength != entry.length) {
       RefuseEntry(blobPath_, entry.name, "is damaged: it is stored with two lengths");
     }
   }
@@ -308,7 +286,7 @@ class Archive {
   }
 
   std::string UnpackEntry(const Listed& entry, std::string_view data) const {
-    std::string bytes = entry.method == zip::kStored ? std::string(data) : Inflate(entry, data);
+    std::string bytes = entry.method == kStored ? std::string(data) : Inflate(entry, data);
     const uLong crc = crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size()));
     if (crc != entry.crc) {
       RefuseEntry(blobPath_, entry.name, "is damaged: its checksum is wrong");

@@ -10,9 +10,6 @@
 namespace parvex {
 namespace {
 
-constexpr std::uint32_t kLocalRecord = 0x04034B50;
-constexpr std::uint32_t kDirectoryRecord = 0x02014B50;
-constexpr std::uint32_t kEndRecord = 0x06054B50;
 constexpr std::uint16_t kVersionNeeded = 20;
 constexpr std::uint16_t kFirstDay = 0x0021;  // 1 January 1980
 
@@ -60,8 +57,8 @@ void ZipWriter::Add(std::string_view name, std::string_view bytes, bool deflate)
   // What the record of an entry and its line in the directory have in common.
   std::string shared;
   Put16(shared, kVersionNeeded);
-  Put16(shared, IsAscii(name) ? 0 : zip::kNameIsUtf8);
-  Put16(shared, deflate ? zip::kDeflated : zip::kStored);
+  Put16(shared, IsAscii(name) ? 0 : kNameIsUtf8);
+  Put16(shared, deflate ? kDeflated : kStored);
   Put16(shared, 0);  // midnight
   Put16(shared, kFirstDay);
   Put32(shared, static_cast<std::uint32_t>(
@@ -71,7 +68,7 @@ void ZipWriter::Add(std::string_view name, std::string_view bytes, bool deflate)
   Put16(shared, static_cast<std::uint16_t>(name.size()));
   Put16(shared, 0);  // no extra field
 
-  Put32(directory_, kDirectoryRecord);
+  Put32(directory_, directory_record::kSignature);
   Put16(directory_, kVersionNeeded);  // made by that version, on the DOS file system
   directory_ += shared;
   Put16(directory_, 0);  // no comment
@@ -81,14 +78,14 @@ void ZipWriter::Add(std::string_view name, std::string_view bytes, bool deflate)
   Put32(directory_, static_cast<std::uint32_t>(localRecords_.size()));
   directory_ += name;
 
-  Put32(localRecords_, kLocalRecord);
+  Put32(localRecords_, local_record::kSignature);
   localRecords_.append(shared).append(name).append(data);
   ++entries_;
 }
 
 std::string ZipWriter::Finish() const {
   std::string archive = localRecords_ + directory_;
-  Put32(archive, kEndRecord);
+  Put32(archive, end_record::kSignature);
   Put16(archive, 0);  // this disk
   Put16(archive, 0);  // the directory's disk
   Put16(archive, entries_);

@@ -7,14 +7,14 @@ namespace {
 
 using namespace std::string_literals;
 
-struct Row {
+struct MarkRow {
   std::string bytes;
   TextEncoding encoding;
   std::optional<std::string> text;
   const char* reason;
 };
 
-const Row kRows[] = {
+const MarkRow kMarkRows[] = {
     {"", TextEncoding::Unmarked, std::nullopt, "nothing has no mark"},
     {"abc", TextEncoding::Unmarked, std::nullopt, "no mark"},
     {"\xEF\xBB", TextEncoding::Unmarked, std::nullopt, "two bytes of a mark of three are none"},
@@ -48,14 +48,14 @@ const Row kRows[] = {
 };
 
 TEST(EncodedText, TheMarkTellsTheEncoding) {
-  for (const Row& row : kRows) {
+  for (const MarkRow& row : kMarkRows) {
     EXPECT_EQ(EncodingOf(row.bytes), row.encoding) << row.reason;
     EXPECT_TRUE(row.bytes.starts_with(MarkOf(row.encoding))) << row.reason;
   }
 }
 
 TEST(EncodedText, MarkedTextIsReadByItsMark) {
-  for (const Row& row : kRows) {
+  for (const MarkRow& row : kMarkRows) {
     EXPECT_EQ(MarkedText(row.bytes), row.text) << row.reason;
   }
 }

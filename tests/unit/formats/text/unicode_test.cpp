@@ -5,7 +5,7 @@
 namespace parvex {
 namespace {
 
-struct Row {
+struct CharacterRow {
   std::string_view bytes;
   char32_t code;
   std::size_t length;
@@ -13,7 +13,7 @@ struct Row {
   const char* reason;
 };
 
-constexpr Row kRows[] = {
+constexpr CharacterRow kCharacterRows[] = {
     {std::string_view("\0", 1), 0, 1, true, "NUL is a character"},
     {"\x7F", 0x7F, 1, true, "the last of one byte"},
     {"\xC2\x80", 0x80, 2, true, "the first of two bytes"},
@@ -47,7 +47,7 @@ constexpr Row kRows[] = {
 };
 
 TEST(Unicode, TheFirstCharacterOfUglyBytes) {
-  for (const Row& row : kRows) {
+  for (const CharacterRow& row : kCharacterRows) {
     const Utf8Character character = FirstCharacter(row.bytes);
     EXPECT_EQ(character.code, row.code) << row.reason;
     EXPECT_EQ(character.bytes, row.length) << row.reason;
@@ -56,7 +56,7 @@ TEST(Unicode, TheFirstCharacterOfUglyBytes) {
 }
 
 TEST(Unicode, WhatFollowsACharacterChangesNothing) {
-  for (const Row& row : kRows) {
+  for (const CharacterRow& row : kCharacterRows) {
     const std::string text = std::string(row.bytes) + "z";
     EXPECT_EQ(FirstCharacter(text).code, row.code) << row.reason;
     EXPECT_EQ(FirstCharacter(text).bytes, row.length) << row.reason;
@@ -85,7 +85,7 @@ TEST(Unicode, NextCodePointMovesBehindEachCharacter) {
 }
 
 TEST(Unicode, WellFormedTextsAreTheOnesThatStayAsTheyAre) {
-  for (const Row& row : kRows) {
+  for (const CharacterRow& row : kCharacterRows) {
     const std::string text = "a" + std::string(row.bytes) + "b";
     EXPECT_EQ(IsWellFormed(text), row.isCharacter) << row.reason;
     EXPECT_EQ(WellFormed(text) == text, row.isCharacter) << row.reason;
@@ -135,12 +135,8 @@ TEST(Unicode, EveryUnitComesBackWhenHalvesAreKept) {
   }
 }
 
-constexpr std::string_view kPair = "\U0001F600";  // one character of two units
-constexpr std::string_view kReplacement = "\uFFFD";
-
 TEST(Unicode, TravelsToUtf16AndBack) {
-  const std::string text =
-      "a\u007F\u0080ä\u07FF\u0800日\uFFFF" + std::string(kPair) + "\U0010FFFF" + std::string(1, '\0');
+  const std::string text = "a\u007F\u0080ä\u07FF\u0800日\uFFFF\U0001F600\U0010FFFF" + std::string(1, '\0');
   EXPECT_EQ(ToUtf16(text), u"a\u007F\u0080ä\u07FF\u0800日\uFFFF\U0001F600\U0010FFFF" + std::u16string(1, u'\0'));
   EXPECT_EQ(FromUtf16(ToUtf16(text)), text);
 }
@@ -152,7 +148,7 @@ struct BadRow {
 };
 
 TEST(Unicode, WhatIsNoUtf8BecomesReplacementCharacters) {
-  static constexpr BadRow kRows[] = {
+  static constexpr BadRow kBadRows[] = {
       {"\x80", 1, "a continuation without lead"},
       {"\xC3", 1, "a lead without continuation"},
       {"\xC0\x80", 2, "zero in two bytes"},
@@ -161,18 +157,18 @@ TEST(Unicode, WhatIsNoUtf8BecomesReplacementCharacters) {
       {"\xF4\x90\x80\x80", 1, "beyond the last character"},
       {"\xF8\x88\x80\x80\x80", 5, "a sequence of five bytes"},
   };
-  for (const BadRow& row : kRows) {
+  for (const BadRow& row : kBadRows) {
     std::string expected;
     for (std::size_t i = 0; i < row.replacements; ++i) {
-      expected += kReplacement;
+      expected += "\uFFFD";
     }
     EXPECT_EQ(FromUtf16(ToUtf16(row.bytes)), expected) << row.reason;
   }
 }
 
 TEST(Unicode, HalvesOfSurrogatePairsBecomeReplacementCharacters) {
-  EXPECT_EQ(FromUtf16(std::u16string{0xD83D, u'a'}), std::string(kReplacement) + "a");
-  EXPECT_EQ(FromUtf16(std::u16string{0xDE00, 0xD83D}), std::string(kReplacement) + std::string(kReplacement));
+  EXPECT_EQ(FromUtf16(std::u16string{0xD83D, u'a'}), std::string("\uFFFD") + "a");
+  EXPECT_EQ(FromUtf16(std::u16string{0xDE00, 0xD83D}), std::string("\uFFFD") + std::string("\uFFFD"));
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ namespace {
 
 using standin::JetTable;
 
-constexpr const char* kPath = "C:\\Project.mdb";
+constexpr const char* kFile = "C:\\Project.mdb";
 
 class Jet3Texts : public testing::Test {
  protected:
@@ -31,19 +31,19 @@ class Jet3Texts : public testing::Test {
 TEST_F(Jet3Texts, AreReadAndWrittenInTheCodePageOfTheFile) {
   MakeInCodePage(1251, "Ìèð");
   Databases databases(file, posix::CodePageOf);
-  const auto found = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config WHERE sValue='Мир'");
+  const auto found = databases.Open(kFile)->OpenRecordSet("SELECT * FROM Config WHERE sValue='Мир'");
   EXPECT_EQ(found->Column("sValue"), "Мир");
   found->Edit();
   found->SetColumn("sValue", "Да");
   found->Update();
-  EXPECT_EQ(databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config")->Column("sValue"), "Да");
+  EXPECT_EQ(databases.Open(kFile)->OpenRecordSet("SELECT * FROM Config")->Column("sValue"), "Да");
   EXPECT_NE(file.bytes.find("k\xC4\xE0"), std::string::npos);
 }
 
 TEST_F(Jet3Texts, InACodePageThatIsNotKnownAreRefusedByItsNumber) {
   MakeInCodePage(1251, "x");
   try {
-    Databases(file).Open(kPath);
+    Databases(file).Open(kFile);
     ADD_FAILURE() << "opened";
   } catch (const AutomationError& error) {
     EXPECT_EQ(error.RuntimeNumber(), 3343);
@@ -55,7 +55,7 @@ TEST_F(Jet3Texts, ThatTheCodePageLacksAreRefusedByNameAndNeverReplaced) {
   MakeInCodePage(1252, "x");
   const std::string before = file.bytes;
   Databases databases(file);
-  const auto rows = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config");
+  const auto rows = databases.Open(kFile)->OpenRecordSet("SELECT * FROM Config");
   rows->Edit();
   try {
     rows->SetColumn("sValue", "5 Ω");

@@ -33,9 +33,9 @@ class OpenFile {
     constexpr std::uint32_t kPageOfId = 0x00FFFFFF;
     constexpr int kTypeOfObject = 0x7F;
     Table& catalogue = *TableAt(kCataloguePage);
-    const std::size_t id = Require(catalogue, "Id");
-    const std::size_t type = Require(catalogue, "Type");
-    for (const std::size_t row : catalogue.Find({{Require(catalogue, "Name"), name}})) {
+    const std::size_t id = Require(catalogue, "Id", ColumnType::Long);
+    const std::size_t type = Require(catalogue, "Type", ColumnType::Integer);
+    for (const std::size_t row : catalogue.Find({{Require(catalogue, "Name", ColumnType::Text), name}})) {
       const auto& values = catalogue.Rows()[row].stored.values;
       if (!values[id] || !values[type]) continue;
       if ((Get16(*values[type], 0) & kTypeOfObject) != kTableObject) continue;
@@ -57,9 +57,13 @@ class OpenFile {
  private:
   File Read(std::string_view path) const { return {files_.ReadAll(path), std::string(path), codePages_}; }
 
-  std::size_t Require(const Table& catalogue, std::string_view column) const {
+  /// A number is required to have its fixed place, and so has its bytes wherever it is not null.
+  std::size_t Require(const Table& catalogue, std::string_view column, ColumnType type) const {
     const std::optional<std::size_t> found = catalogue.Definition().FindColumn(column);
-    if (!found) Fail(EngineError::UnrecognizedFormat, "the database has no catalogue: \"" + file_.Name() + "\"");
+    const std::vector<Column>& columns = catalogue.Definition().shape.columns;
+    const bool fixed = type != ColumnType::Text;
+    if (!found || columns[*found].type != type || columns[*found].fixed != fixed)
+      Fail(EngineError::UnrecognizedFormat, "the database has no catalogue: \"" + file_.Name() + "\"");
     return *found;
   }
 
@@ -114,7 +118,7 @@ class JetRecordSet : public TypedRecordSet {
   void Update() override {
     RequireChange("Update");
     if (change_ == Change::Add) {
-      file_->Save([&](File& file) { file.AddRow(file.ReadTable(table_.page), values_); });
+      file_->Save([&](File& file) { file.AddRow(SameTable(file), values_); });
     } else {
       const RowPlace place = Current().stored.place;
       file_->Save([&](File& file) { Replace(file); });
@@ -150,8 +154,17 @@ class JetRecordSet : public TypedRecordSet {
 
   std::string InTable() const { return " in table \"" + tableName_ + "\" of \"" + file_->Name() + "\""; }
 
+  /// The table as it stands in the file now; the values of a row belong to the columns that it had.
+  TableDefinition SameTable(const File& file) const {
+    TableDefinition table = file.ReadTable(table_.page);
+    if (table.shape.columns != table_.shape.columns) {
+      Fail(EngineError::ChangedMeanwhile, "the columns were changed by somebody else" + InTable());
+    }
+    return table;
+  }
+
   void Replace(File& file) const {
-    const TableDefinition table = file.ReadTable(table_.page);
+    const TableDefinition table = SameTable(file);
     const Row& known = Current().stored;
     for (const Row& row : file.ReadRows(table)) {
       if (row.place != known.place || row.values != known.values) continue;

@@ -22,7 +22,7 @@ class Decoder {
     longValueBytes_ += bytes.size();
     if (longValueBytes_ > file_.Bytes().size()) {
       Fail(EngineError::UnrecognizedFormat,
-           "The database is damaged (memos share their bytes): '" + file_.Name() + "'");
+           "the database is damaged (memos share their bytes): \"" + file_.Name() + "\"");
     }
     return bytes;
   }

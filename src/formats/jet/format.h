@@ -61,6 +61,8 @@ struct Column {
   std::uint16_t fixedOffset = 0;      ///< from the end of the row's column count
   std::uint16_t size = 0;             ///< bytes: exactly for fixed columns, at most for texts
   std::optional<std::uint8_t> scale;  ///< of a Decimal of Jet 4: how many of its digits are places
+
+  bool operator==(const Column&) const = default;
 };
 
 /// What the rows of one table have in common.

@@ -319,7 +319,10 @@ DecodedDefinition DecodeDefinition(const TextForm& form, std::string_view bytes)
   table.pagesWithRoom = GetPlace(bytes, at.pagesWithRoom);
   const std::size_t columnCount = Get16(bytes, at.columnCount);
   const std::size_t treeCount = Get32(bytes, at.indexTreeCount);
-  if (columnCount > kMostColumns) return {{}, "a table has too many columns"};
+  // A row of Jet 3 counts its columns in one byte, the deleted ones among them.
+  const bool tooMany = table.shape.version == Version::Jet3 &&
+                       (table.shape.columnCount > kMostColumns || table.shape.variableCount > kMostColumns);
+  if (columnCount > kMostColumns || tooMany) return {{}, "a table has too many columns"};
 
   DefinitionReader reader(bytes);
   reader.Take(at.lists);

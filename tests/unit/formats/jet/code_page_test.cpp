@@ -1,22 +1,22 @@
 #include "formats/jet/code_page.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "adapters/posix/code_pages.h"
-#include "formats/jet/databases.h"
-#include "formats/jet/writer.h"
 #include "seams/automation_error.h"
-#include "tests/support/one_file.h"
-#include "tests/unit/formats/jet/changed_header.h"
+#include "tests/support/raised_by.h"
+#include "tests/unit/formats/jet/one_database.h"
 
 namespace parvex::jet {
 namespace {
 
 using standin::JetTable;
+using test::ErrorIn;
+using namespace std::string_literals;
+using testing::HasSubstr;
 
-constexpr const char* kFile = "C:\\Project.mdb";
-
-class Jet3Texts : public testing::Test {
+class Jet3File : public testing::Test {
  protected:
   test::OneFile file;
 
@@ -28,22 +28,31 @@ class Jet3Texts : public testing::Test {
   }
 };
 
-TEST_F(Jet3Texts, AreReadAndWrittenInTheCodePageOfTheFile) {
+TEST_F(Jet3File, HasItsTextsReadAndWrittenInItsCodePage) {
   MakeInCodePage(1251, "Ìèð");
   Databases databases(file, posix::CodePageOf);
-  const auto found = databases.Open(kFile)->OpenRecordSet("SELECT * FROM Config WHERE sValue='Мир'");
+  const auto found = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config WHERE sValue='Мир'");
   EXPECT_EQ(found->Column("sValue"), "Мир");
   found->Edit();
   found->SetColumn("sValue", "Да");
   found->Update();
-  EXPECT_EQ(databases.Open(kFile)->OpenRecordSet("SELECT * FROM Config")->Column("sValue"), "Да");
+  EXPECT_EQ(databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config")->Column("sValue"), "Да");
   EXPECT_NE(file.bytes.find("k\xC4\xE0"), std::string::npos);
 }
 
-TEST_F(Jet3Texts, InACodePageThatIsNotKnownAreRefusedByItsNumber) {
+TEST_F(Jet3File, CountsItsColumnsInOneByte) {
+  for (const std::size_t place : {0x15u, 0x17u}) {
+    MakeInCodePage(1252, "x");
+    Put16(file.bytes, kDefinitionPage * PageSize(Version::Jet3) + place, 256);
+    EXPECT_THAT(ErrorIn([&] { Databases(file).Open(kPath)->OpenRecordSet("SELECT * FROM Config"); }),
+                HasSubstr("3343 the database is damaged (a table has too many columns)"));
+  }
+}
+
+TEST_F(Jet3File, InACodePageThatIsNotKnownIsRefusedByItsNumber) {
   MakeInCodePage(1251, "x");
   try {
-    Databases(file).Open(kFile);
+    Databases(file).Open(kPath);
     ADD_FAILURE() << "opened";
   } catch (const AutomationError& error) {
     EXPECT_EQ(error.RuntimeNumber(), 3343);
@@ -51,11 +60,11 @@ TEST_F(Jet3Texts, InACodePageThatIsNotKnownAreRefusedByItsNumber) {
   }
 }
 
-TEST_F(Jet3Texts, ThatTheCodePageLacksAreRefusedByNameAndNeverReplaced) {
+TEST_F(Jet3File, RefusesTextsThatItsCodePageLacksByNameAndNeverReplacesThem) {
   MakeInCodePage(1252, "x");
   const std::string before = file.bytes;
   Databases databases(file);
-  const auto rows = databases.Open(kFile)->OpenRecordSet("SELECT * FROM Config");
+  const auto rows = databases.Open(kPath)->OpenRecordSet("SELECT * FROM Config");
   rows->Edit();
   try {
     rows->SetColumn("sValue", "5 Ω");

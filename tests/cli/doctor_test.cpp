@@ -58,7 +58,7 @@ TEST_F(Doctor, FindsNothingWrongWithASampleMachineAndLeavesItAsItWas) {
   EXPECT_EQ(registry, ReadHostFile(Sample() + "/registry.reg"));
 }
 
-std::string Lines(int count, const std::string& end = "\r\n") {
+std::string NumberedLines(int count, const std::string& end = "\r\n") {
   std::string lines;
   for (int i = 0; i < count; ++i) {
     lines += "Key=Value" + end;
@@ -95,9 +95,9 @@ TEST_F(Doctor, NamesWhatIsMissingOrDamagedWithAHint) {
       {"kdwfm470.exe", "kdwfm470.exe", remove("Bin/kdwfm470.exe")},
       {"kdwfm470.exe", "a Windows program, which does not run here", write("Bin/kdwfm470.exe", "MZ\x90")},
       {"UIKeys.txt", "UIKeys.txt", remove("Bin/UIKeys.txt")},
-      {"UIKeys.txt", "has 102 lines", write("Bin/UIKeys.txt", Lines(102))},
-      {"UIKeys.txt", "has 102 lines", write("Bin/UIKeys.txt", Lines(102, "\r"))},
-      {"UIKeys.txt", "has 102 lines", write("Bin/UIKeys.txt", Lines(101) + "no final line break")},
+      {"UIKeys.txt", "has 102 lines", write("Bin/UIKeys.txt", NumberedLines(102))},
+      {"UIKeys.txt", "has 102 lines", write("Bin/UIKeys.txt", NumberedLines(102, "\r"))},
+      {"UIKeys.txt", "has 102 lines", write("Bin/UIKeys.txt", NumberedLines(101) + "no final line break")},
       {"Options.xml", "Options.xml", remove("Bin/Options.xml")},
       {"Tools.xml", "does not parse", write("Bin/Tools.xml", "<Tools>")},
       {"TagUpdateInfo.xml", "TagUpdateInfo.xml", remove("Bin/TagUpdateInfo.xml")},

@@ -1,5 +1,7 @@
 #include "com/legacy_orla_pull_object.h"
 
+#include <utility>
+
 #include "adapters/msxml/msxml_document.h"
 #include "adapters/windows/dispatch_object.h"
 #include "com/values.h"
@@ -14,19 +16,23 @@ using windows::Variant;
 constexpr DISPID kPull = 1;
 constexpr DISPID kPullNGORLA = 2;
 
-// The instance as the consumer that the builder is told of, for the time of one command: held longer, it would keep
-// itself alive.
-class OfferedAsConsumer {
+// One call of an instance: it keeps the instance alive until it has returned, whatever a message of the host releases
+// meanwhile, and offers it as the consumer that the builder is told of. A nested call gives the consumer back as it
+// found it; held longer than a call, it would keep the instance alive for ever.
+class RunningCall {
  public:
-  OfferedAsConsumer(parvex::LegacyORLAPull& pull, IDispatch* instance) : pull_(pull) {
-    pull_.SetConsumer(windows::WrapDispatch(ComPointer<IDispatch>::Share(instance), "Parvex.LegacyORLAPull"));
-  }
-  ~OfferedAsConsumer() { pull_.SetConsumer(nullptr); }
-  OfferedAsConsumer(const OfferedAsConsumer&) = delete;
-  OfferedAsConsumer& operator=(const OfferedAsConsumer&) = delete;
+  RunningCall(parvex::LegacyORLAPull& pull, IDispatch* instance)
+      : instance_(ComPointer<IDispatch>::Share(instance)),
+        pull_(pull),
+        former_(pull.SetConsumer(windows::WrapDispatch(instance_, "Parvex.LegacyORLAPull"))) {}
+  ~RunningCall() { pull_.SetConsumer(std::move(former_)); }
+  RunningCall(const RunningCall&) = delete;
+  RunningCall& operator=(const RunningCall&) = delete;
 
  private:
+  const ComPointer<IDispatch> instance_;
   parvex::LegacyORLAPull& pull_;
+  automation::ObjectRef former_;
 };
 
 IUnknown* ObjectArgument(const VARIANT& value) {
@@ -47,12 +53,12 @@ IUnknown* ObjectArgument(const VARIANT& value) {
 LegacyORLAPullObject::LegacyORLAPullObject() : pull_(machine_.AsPlatform()) {}
 
 ComPointer<IXMLDOMDocument2> LegacyORLAPullObject::ReplyTo(IUnknown* command) {
-  const OfferedAsConsumer consumer(pull_, this);
+  const RunningCall running(pull_, this);
   return windows::ComDocument(pull_.Pull(windows::AdoptDocument(command)));
 }
 
 std::string LegacyORLAPullObject::ReplyTo(std::string_view commandXml) {
-  const OfferedAsConsumer consumer(pull_, this);
+  const RunningCall running(pull_, this);
   return pull_.PullNGORLA(commandXml);
 }
 

@@ -18,8 +18,15 @@
 namespace parvex {
 namespace {
 
-xml::Document AnswerRun(const Platform& platform, const QuoteBuilderRun& run, std::string_view projectName) {
-  return run.ok ? BuildHybrisTagDocument(platform, run.outputFile, projectName) : MakeFailedReply("User Canceled");
+/// Answers with the document of the run's selection. `run` is RunQuoteBuilder or RunQuoteBuilderNoUI.
+template <typename Run>
+xml::Document AnswerRun(Run run, const Platform& platform, const std::string& binPath, std::string_view projectName) {
+  xml::Document answer;
+  run(platform, binPath, [&](const QuoteBuilderRun& outcome) {
+    answer = outcome.ok ? BuildHybrisTagDocument(platform, outcome.outputFile, projectName)
+                        : MakeFailedReply("User Canceled");
+  });
+  return answer;
 }
 
 xml::Document AnswerUnknownBinPath() { return MakeFailedReply("System Error: Unable to read BinPath"); }
@@ -75,7 +82,8 @@ xml::Document GetHybrisXML(LegacyLink& link, const xml::Document&) {
   if (!ReadBinPath(platform, binPath)) {
     return AnswerUnknownBinPath();
   }
-  return AnswerRun(platform, RunQuoteBuilder(platform, binPath), "");
+  FinishEarlierRun();
+  return AnswerRun(RunQuoteBuilder, platform, binPath, "");
 }
 
 xml::Document GetHybrisXMLNoUI(LegacyLink& link, const xml::Document& command) {
@@ -84,10 +92,11 @@ xml::Document GetHybrisXMLNoUI(LegacyLink& link, const xml::Document& command) {
   if (!ReadBinPath(platform, binPath)) {
     return AnswerUnknownBinPath();
   }
+  FinishEarlierRun();
   const std::string projectName = SaveUserSelection(platform, command);
   WriteQuoteBuilderInput(platform);
   ClearQuoteBuilderOutput(platform);
-  return AnswerRun(platform, RunQuoteBuilderNoUI(platform, binPath), projectName);
+  return AnswerRun(RunQuoteBuilderNoUI, platform, binPath, projectName);
 }
 
 xml::Document BuildHybrisTagDocument(const Platform& platform, std::string_view qbOutputFile,

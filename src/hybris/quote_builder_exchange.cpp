@@ -1,10 +1,14 @@
 #include "hybris/quote_builder_exchange.h"
 
+#include <exception>
+#include <utility>
+
 #include "formats/text/text.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/ini_target.h"
 #include "legacy_env/install_paths.h"
 #include "legacy_env/process_runner.h"
+#include "legacy_env/thread_state.h"
 #include "protocol/required_node.h"
 #include "seams/automation_error.h"
 
@@ -24,24 +28,80 @@ std::string OutputFileBeside(const std::string& binPath) {
   return folder.substr(0, folder.rfind('\\') + 1) + "Temp\\QBOutput.ini";
 }
 
-QuoteBuilderRun RunWorkflow(const Platform& platform, const std::string& binPath, std::string_view option,
-                            std::string_view actionWhenMissing) {
-  // A program folder that ends with a backslash gives a doubled one; the command line has always looked so.
-  RunAndWait(platform, binPath + "\\kdwfm470.exe " + std::string(option), kNormalWindowWithFocus);
+QuoteBuilderRun ReadOutcome(const Platform& platform, const std::string& binPath, std::string_view actionWhenMissing) {
   const std::string outputFile = OutputFileBeside(binPath);
   SetIniTarget(platform, "Header", outputFile);
   const std::string action = ReadIniString(platform, "Action", actionWhenMissing);
   return {outputFile, ToUpper(TrimBlanks(action)) != "CANCEL"};
 }
 
-}  // namespace
+/// One run of the program, known to the thread for as long as it is waited for.
+class WorkflowRun : public HandOver {
+ public:
+  // A program folder that ends with a backslash gives a doubled one; the command line has always looked so.
+  WorkflowRun(const Platform& platform, const std::string& binPath, std::string_view option,
+              std::function<void()> readOutcome)
+      : readOutcome_(std::move(readOutcome)),
+        program_(platform, binPath + "\\kdwfm470.exe " + std::string(option), kNormalWindowWithFocus),
+        outer_(std::exchange(ThisThread().handOver, this)) {}
+  ~WorkflowRun() { ThisThread().handOver = outer_; }
+  WorkflowRun(const WorkflowRun&) = delete;
+  WorkflowRun& operator=(const WorkflowRun&) = delete;
 
-QuoteBuilderRun RunQuoteBuilder(const Platform& platform, const std::string& binPath) {
-  return RunWorkflow(platform, binPath, "/OrlaProjectImport", "Cancel");
+  void Finish() override {
+    program_.Wait();
+    if (std::exchange(isRead_, true)) {
+      return;
+    }
+    try {
+      readOutcome_();
+    } catch (...) {
+      failure_ = std::current_exception();
+    }
+  }
+
+  void RaiseFailure() const {
+    if (failure_ != nullptr) {
+      std::rethrow_exception(failure_);
+    }
+  }
+
+ private:
+  std::function<void()> readOutcome_;
+  RunningProgram program_;
+  HandOver* outer_;
+  bool isRead_ = false;
+  std::exception_ptr failure_;
+};
+
+QuoteBuilderRun RunWorkflow(const Platform& platform, const std::string& binPath, std::string_view option,
+                            std::string_view actionWhenMissing, const OutcomeReader& read) {
+  QuoteBuilderRun outcome;
+  WorkflowRun run(platform, binPath, option, [&] {
+    outcome = ReadOutcome(platform, binPath, actionWhenMissing);
+    if (read) {
+      read(outcome);
+    }
+  });
+  run.Finish();
+  run.RaiseFailure();
+  return outcome;
 }
 
-QuoteBuilderRun RunQuoteBuilderNoUI(const Platform& platform, const std::string& binPath) {
-  return RunWorkflow(platform, binPath, "/OrlaImportNoUI", "");
+}  // namespace
+
+void FinishEarlierRun() {
+  if (HandOver* earlier = ThisThread().handOver) {
+    earlier->Finish();
+  }
+}
+
+QuoteBuilderRun RunQuoteBuilder(const Platform& platform, const std::string& binPath, const OutcomeReader& read) {
+  return RunWorkflow(platform, binPath, "/OrlaProjectImport", "Cancel", read);
+}
+
+QuoteBuilderRun RunQuoteBuilderNoUI(const Platform& platform, const std::string& binPath, const OutcomeReader& read) {
+  return RunWorkflow(platform, binPath, "/OrlaImportNoUI", "", read);
 }
 
 void WriteQuoteBuilderInput(const Platform& platform) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -10,20 +11,32 @@ namespace parvex {
 
 // The hand-over with the quote builder, the legacy application's workflow program kdwfm470.exe. It goes through files
 // in the design application's temporary folder and keeps no state of its own.
+//
+// All exports share these files. While one waits for the program, a message of the host may start another; that one
+// first waits for the earlier program (FinishEarlierRun), and the earlier outcome is read before anything is written
+// over it.
 
 struct QuoteBuilderRun {
   std::string outputFile;  ///< where the program leaves QBOutput.ini: Temp beside the program folder
-  bool ok;                 ///< false when the user cancelled
+  bool ok = false;         ///< false when the user cancelled
 };
 
-/// Runs the program with its user interface and waits for its end. Its exit code is not looked at, nor whether it
-/// started: the Action that QBOutput.ini holds afterwards tells. Without one the run counts as cancelled. A program
-/// folder with no backslash is an error (5).
-QuoteBuilderRun RunQuoteBuilder(const Platform& platform, const std::string& binPath);
+/// Takes a run's outcome; what it throws leaves the function that runs the program.
+using OutcomeReader = std::function<void(const QuoteBuilderRun& run)>;
+
+/// Lets the run that an outer call of this thread waits for come to its end, and has its outcome read. To be called
+/// before the hand-over files are written.
+void FinishEarlierRun();
+
+/// Runs the program with its user interface, waits for its end, and has the outcome read, also by `read` when one is
+/// given. Its exit code is not looked at, nor whether it started: the Action that QBOutput.ini holds afterwards tells.
+/// Without one the run counts as cancelled. A program folder with no backslash is an error (5).
+QuoteBuilderRun RunQuoteBuilder(const Platform& platform, const std::string& binPath, const OutcomeReader& read = {});
 
 /// Runs it without user interface. Here a run that leaves no Action counts as a success, deliberately unlike the
 /// interactive one, where a user who closes the window leaves none.
-QuoteBuilderRun RunQuoteBuilderNoUI(const Platform& platform, const std::string& binPath);
+QuoteBuilderRun RunQuoteBuilderNoUI(const Platform& platform, const std::string& binPath,
+                                    const OutcomeReader& read = {});
 
 /// Makes QBInput.ini anew.
 void WriteQuoteBuilderInput(const Platform& platform);

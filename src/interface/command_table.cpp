@@ -14,6 +14,8 @@
 namespace parvex {
 namespace {
 
+constexpr bool kDrives = true;
+
 constexpr CommandEntry kGetHybrisXml = {"getHybrisXML", GetHybrisXML,
                                         "exports the units selected in the quote builder, shown to its user"};
 
@@ -27,18 +29,18 @@ constexpr CommandEntry kPullCommands[] = {
     {"getProjectProperties", GetProjectProperties, "returns a project's properties and contact data"},
     {"setProjectProperties", SetProjectProperties, "stores a project's properties"},
     {"renameProject", RenameProject, "renames a project"},
-    {"rebuildAllTags", RebuildAllTags, "rebuilds every tag of a project through the legacy builder"},
+    {"rebuildAllTags", RebuildAllTags, "rebuilds every tag of a project through the legacy builder", kDrives},
     {"getTagList", GetTagList, "lists the tags of one project"},
     {"getTags", GetTags, "returns tag documents"},
     {"renameTag", RenameTag, "renames a tag"},
     {"deleteTag", DeleteTag, "deletes a tag"},
-    {"newTag", NewTag, "creates a tag through the legacy builder"},
+    {"newTag", NewTag, "creates a tag through the legacy builder", kDrives},
     {"copyTag", CopyTag, "copies a tag, possibly into another project"},
-    {"configureTag", ConfigureTag, "configures a tag through the legacy builder"},
+    {"configureTag", ConfigureTag, "configures a tag through the legacy builder", kDrives},
     kGetHybrisXml,
-    {"getReport", GetReport, "generates one report"},
-    {"getReports", GetReports, "generates several reports"},
-    {"getSubmittal", GetSubmittal, "generates a submittal"},
+    {"getReport", GetReport, "generates one report", kDrives},
+    {"getReports", GetReports, "generates several reports", kDrives},
+    {"getSubmittal", GetSubmittal, "generates a submittal", kDrives},
     {"getAvailableReports", GetAvailableReports, "lists the reports that can be generated"},
     {"getOptions", GetOptions, "returns the language and unit-of-measure options"},
     {"setOptions", SetOptions, "stores the language and unit-of-measure options"},

@@ -16,6 +16,8 @@ struct CommandEntry {
   std::string_view name;  ///< compared exactly, letter case included
   CommandHandler handler;
   std::string_view summary;  ///< one line for people
+  /// Whether it drives the builder or the report server, which an instance does for one command at a time.
+  bool drivesLegacyObjects = false;
 };
 
 /// The commands that Pull serves, in the order in which names are compared.

@@ -1,23 +1,53 @@
 #include "interface/legacy_orla_pull.h"
 
 #include <algorithm>
+#include <memory>
 #include <span>
 
 #include "interface/command_table.h"
 #include "protocol/command_document.h"
 #include "protocol/reply_envelope.h"
+#include "seams/automation_error.h"
 
 namespace parvex {
 namespace {
 
-xml::Document Dispatch(std::span<const CommandEntry> commands, LegacyLink& link, const xml::Document& command) {
+/// A builder or report command of an instance, for the time that it runs: the only one.
+class Driving {
+ public:
+  Driving(LegacyLink& link, std::string_view command) : link_(link) {
+    if (!link.driving.empty()) {
+      throw MakeRuntimeError(RuntimeError::ObjectNotSet,
+                             std::string(command) + ": " + std::string(link.driving) +
+                                 " is still running and holds the instance's builder and report server");
+    }
+    link.driving = command;
+  }
+  ~Driving() { link_.driving = {}; }
+  Driving(const Driving&) = delete;
+  Driving& operator=(const Driving&) = delete;
+
+ private:
+  LegacyLink& link_;
+};
+
+/// Holds the link for itself: a message that runs during the command may destroy the instance.
+xml::Document Dispatch(std::span<const CommandEntry> commands, std::shared_ptr<LegacyLink> link,
+                       const xml::Document& command) {
   const auto entry = std::ranges::find(commands, GetCommandName(command), &CommandEntry::name);
-  return entry == commands.end() ? MakeFailedReply() : entry->handler(link, command);
+  if (entry == commands.end()) {
+    return MakeFailedReply();
+  }
+  if (!entry->drivesLegacyObjects) {
+    return entry->handler(*link, command);
+  }
+  const Driving driving(*link, entry->name);
+  return entry->handler(*link, command);
 }
 
 }  // namespace
 
-LegacyORLAPull::LegacyORLAPull(const Platform& platform) : link_(platform) {}
+LegacyORLAPull::LegacyORLAPull(const Platform& platform) : link_(std::make_shared<LegacyLink>(platform)) {}
 
 xml::Document LegacyORLAPull::Pull(const xml::Document& command) { return Dispatch(PullCommands(), link_, command); }
 

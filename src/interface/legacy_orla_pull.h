@@ -1,7 +1,9 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "protocol/legacy_link.h"
 #include "seams/platform.h"
@@ -11,13 +13,21 @@ namespace parvex {
 
 /// The one public object: takes a command document, carries it out against the legacy application, answers with a reply
 /// document. Belongs to one thread. Run-time errors are not trapped: they leave the call as an AutomationError.
+///
+/// Calls may nest: while a command waits, the host's own messages run, and one of them may call again. A nested command
+/// works as any other and disturbs nothing; but while a builder or report command runs, a nested builder or report
+/// command of the same instance is refused with "object not set" (91), since builder and report server serve one at a
+/// time. An instance that is destroyed by a message ends when its last call has returned.
 class LegacyORLAPull {
  public:
   /// Creates the message router; its AutomationError when it cannot be created.
   explicit LegacyORLAPull(const Platform& platform);
 
-  /// The instance as an automation object of its face, which the builder is told of; none at first.
-  void SetConsumer(automation::ObjectRef consumer) { link_.consumer = std::move(consumer); }
+  /// The instance as an automation object of its face, which the builder is told of; none at first. Gives the former
+  /// one.
+  automation::ObjectRef SetConsumer(automation::ObjectRef consumer) {
+    return std::exchange(link_->consumer, std::move(consumer));
+  }
 
   /// Carries out one of PullCommands(). The command document is changed in place where the handler rewrites it. The
   /// reply is the handler's document itself; a null document where the handler answers with none.
@@ -28,7 +38,7 @@ class LegacyORLAPull {
   std::string PullNGORLA(std::string_view commandXml);
 
  private:
-  LegacyLink link_;
+  std::shared_ptr<LegacyLink> link_;
 };
 
 }  // namespace parvex

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 
 #include "seams/platform.h"
@@ -30,6 +31,9 @@ class LegacyLink {
 
   /// The instance itself as an automation object, which the builder is told of; null where a face offers none.
   automation::ObjectRef consumer;
+  /// The command that drives the builder or the report server at this moment; empty when none does. They take no second
+  /// one beside it: a host's message that arrives while the first waits may carry one.
+  std::string_view driving;
   /// The builder, held only while a command drives it.
   automation::ObjectRef builder;
   /// The report server, kept once a report command has created it; the builder commands drop it.

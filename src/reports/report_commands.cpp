@@ -60,13 +60,14 @@ ReportedTag ReadTag(const xml::Node& tag, const std::string& pdsg) {
   return {pdsg, Required(tag.Descendant("TagName"), ".//TagName", "TAG").Text(), tag.Xml()};
 }
 
-/// Gives whether a server was held already.
-bool HoldReportServer(LegacyLink& link) {
-  if (link.reportServer != nullptr) {
-    return true;
+/// The server that the instance holds, made when it holds none. A command keeps it for itself, since the server may run
+/// the host's own messages while it works. `held` tells whether it was there.
+ObjectRef HoldReportServer(LegacyLink& link, bool& held) {
+  held = link.reportServer != nullptr;
+  if (!held) {
+    link.reportServer = link.platform.automation->Create(legacy::kReportServerClass);
   }
-  link.reportServer = link.platform.automation->Create(legacy::kReportServerClass);
-  return false;
+  return link.reportServer;
 }
 
 void PrepareReport(const ObjectRef& server, std::string_view clientId, const ReportedTags& tags) {
@@ -83,11 +84,13 @@ void PrepareReport(const ObjectRef& server, std::string_view clientId, const Rep
 
 /// The server of getReport and getReports: held or new, told what is to be made.
 ObjectRef PrepareReportServer(LegacyLink& link, const ReportedTags& tags) {
-  if (HoldReportServer(link)) {
-    link.reportServer->Call("Reset", {});
+  bool held = false;
+  const ObjectRef server = HoldReportServer(link, held);
+  if (held) {
+    server->Call("Reset", {});
   }
-  PrepareReport(link.reportServer, "NGORLA", tags);
-  return link.reportServer;
+  PrepareReport(server, "NGORLA", tags);
+  return server;
 }
 
 void CallWithTexts(const ObjectRef& server, std::string_view member, std::initializer_list<std::string> texts) {
@@ -263,8 +266,8 @@ xml::Document GetSubmittal(LegacyLink& link, const xml::Document& command) {
   const xml::Document reply = xml::Document::Parse("<TAGS/>");
   const ReportedTags tags = FetchTags(link, command);
   const std::string reportName = GetParamFromCmdDoc(command, "reportName");
-  HoldReportServer(link);
-  const ObjectRef server = link.reportServer;
+  bool held = false;
+  const ObjectRef server = HoldReportServer(link, held);
   for (const xml::Node& element : tags.data.All("//TAG")) {
     const std::string pdsg = PdsgOf(element);
     const std::string templatePath = TemplatesFolder(platform, pdsg) + "\\NGSubmittal_qdf.xml";

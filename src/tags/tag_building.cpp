@@ -25,16 +25,35 @@ constexpr auto kPollPause = 200ms;
 constexpr std::string_view kShowNothing = "0";
 constexpr std::string_view kShowAll = "-1";
 
-/// The builder of one command: no reference is left behind it, however the command ends.
+/// The builder of one command. The command holds it for itself, since the host's own messages run while it waits;
+/// no reference is left behind it, however the command ends.
 class HeldBuilder {
  public:
   explicit HeldBuilder(LegacyLink& link) : link_(link) {}
-  ~HeldBuilder() { link_.builder.reset(); }
+  ~HeldBuilder() { LetGo(); }
   HeldBuilder(const HeldBuilder&) = delete;
   HeldBuilder& operator=(const HeldBuilder&) = delete;
 
+  void Open(bool existingTags) {
+    if (link_.builder == nullptr) {
+      link_.builder = link_.platform.automation->Create(legacy::kBuilderClass);
+      link_.builder->Put("standalone", false);
+    }
+    builder_ = link_.builder;
+    Argument arguments[] = {{existingTags}, {ObjectRef()}};
+    builder_->Call("View", arguments);
+  }
+
+  void LetGo() {
+    link_.builder.reset();
+    builder_.reset();
+  }
+
+  const ObjectRef& operator*() const { return builder_; }
+
  private:
   LegacyLink& link_;
+  ObjectRef builder_;
 };
 
 void LetGoOfEarlierObjects(LegacyLink& link) {
@@ -43,15 +62,6 @@ void LetGoOfEarlierObjects(LegacyLink& link) {
   link.builder.reset();
   link.platform.messagePump->Sleep(100ms);
   link.platform.messagePump->RunPending();
-}
-
-void OpenBuilder(LegacyLink& link, bool existingTags) {
-  if (link.builder == nullptr) {
-    link.builder = link.platform.automation->Create(legacy::kBuilderClass);
-    link.builder->Put("standalone", false);
-  }
-  Argument arguments[] = {{existingTags}, {ObjectRef()}};
-  link.builder->Call("View", arguments);
 }
 
 /// Compared with false as the legacy runtime compares: nothing and zero are false.
@@ -69,10 +79,10 @@ bool IsLoaded(const ObjectRef& builder) {
   throw MakeRuntimeError(RuntimeError::TypeMismatch, builder->Name() + ".UILoaded is neither true nor false");
 }
 
-void WaitUntilLoaded(LegacyLink& link) {
-  while (!IsLoaded(link.builder)) {
-    link.platform.messagePump->RunPending();
-    link.platform.messagePump->Sleep(kPollPause);
+void WaitUntilLoaded(const Platform& platform, const ObjectRef& builder) {
+  while (!IsLoaded(builder)) {
+    platform.messagePump->RunPending();
+    platform.messagePump->Sleep(kPollPause);
   }
 }
 
@@ -86,12 +96,12 @@ ObjectRef ObjectMember(const ObjectRef& parent, std::string_view member) {
 }
 
 /// Gives what the workflow gives back. Nobody looks at it; it is held until the reply is made.
-Value RunWorkflow(LegacyLink& link, std::string commandLine) {
+Value RunWorkflow(const LegacyLink& link, const ObjectRef& builder, std::string commandLine) {
   auto named = std::make_shared<automation::KeyedItems>();
   named->emplace_back("Consumer", Argument{link.consumer});
-  named->emplace_back("Builder", Argument{link.builder, true});
+  named->emplace_back("Builder", Argument{builder, true});
   named->emplace_back("Command Line", Argument{std::move(commandLine)});
-  const ObjectRef broker = ObjectMember(ObjectMember(link.builder, "Framework"), "ServiceBroker");
+  const ObjectRef broker = ObjectMember(ObjectMember(builder, "Framework"), "ServiceBroker");
   Argument arguments[] = {{std::string("Workflow Service")},
                           {std::string("runBuilder")},
                           {automation::CollectionRef(named)},
@@ -111,28 +121,28 @@ std::string ConfigureCommandLine(const xml::Document& command) {
 
 xml::Document NewTag(LegacyLink& link, const xml::Document& command) {
   LetGoOfEarlierObjects(link);
-  const HeldBuilder held(link);
-  OpenBuilder(link, false);
-  WaitUntilLoaded(link);
+  HeldBuilder builder(link);
+  builder.Open(false);
+  WaitUntilLoaded(link.platform, *builder);
   // partNumber is part of the command too, and takes no part in the call: deliberate, the builder asks its user for it.
   const Value given = RunWorkflow(
-      link, "\\\\" + GetParamFromCmdDoc(command, "PDSG") + "\\" + GetParamFromCmdDoc(command, "projectName"));
-  link.builder.reset();
+      link, *builder, "\\\\" + GetParamFromCmdDoc(command, "PDSG") + "\\" + GetParamFromCmdDoc(command, "projectName"));
+  builder.LetGo();
   return MakeReplyEnvelope();
 }
 
 xml::Document ConfigureTag(LegacyLink& link, const xml::Document& command) {
   LetGoOfEarlierObjects(link);
-  const HeldBuilder held(link);
+  HeldBuilder builder(link);
   setUIValue(link.platform, kShowNothing);
-  OpenBuilder(link, true);
+  builder.Open(true);
   try {
-    WaitUntilLoaded(link);
-    const Value given = RunWorkflow(link, ConfigureCommandLine(command));
-    WaitUntilLoaded(link);
+    WaitUntilLoaded(link.platform, *builder);
+    const Value given = RunWorkflow(link, *builder, ConfigureCommandLine(command));
+    WaitUntilLoaded(link.platform, *builder);
     link.platform.messagePump->Sleep(200ms);
     setUIValue(link.platform, kShowAll);
-    link.builder.reset();
+    builder.LetGo();
     return MakeReplyEnvelope();
   } catch (const AutomationError&) {
     return MakeFailedReply();
@@ -141,12 +151,12 @@ xml::Document ConfigureTag(LegacyLink& link, const xml::Document& command) {
 
 xml::Document RebuildAllTags(LegacyLink& link, const xml::Document& command) {
   LetGoOfEarlierObjects(link);
-  const HeldBuilder held(link);
-  OpenBuilder(link, true);
-  WaitUntilLoaded(link);
-  const Value given = RunWorkflow(link, "\\\\:" + GetParamFromCmdDoc(command, "projectName"));
+  HeldBuilder builder(link);
+  builder.Open(true);
+  WaitUntilLoaded(link.platform, *builder);
+  const Value given = RunWorkflow(link, *builder, "\\\\:" + GetParamFromCmdDoc(command, "projectName"));
   setUIValue(link.platform, kShowAll);
-  link.builder->Call("Shutdown", {});
+  (*builder)->Call("Shutdown", {});
   return MakeReplyEnvelope();
 }
 

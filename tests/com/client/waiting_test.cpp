@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <thread>
+#include <utility>
 
 #include "adapters/windows/com_object.h"
 #include "adapters/windows/exposed_object.h"
@@ -80,6 +82,7 @@ struct BuilderPart : automation::Object {
   int polls = 3;
   std::vector<std::string>* calls = nullptr;
   ComPointer<IUnknown>* consumer = nullptr;
+  std::function<void()>* whileLoading = nullptr;
   ObjectRef part;
 
   std::string Name() const override { return name; }
@@ -91,6 +94,9 @@ struct BuilderPart : automation::Object {
   Value Get(std::string_view member) override {
     Fail(member);
     if (member == "UILoaded") {
+      if (*whileLoading) {
+        std::exchange(*whileLoading, nullptr)();
+      }
       return --polls < 0;
     }
     return part;
@@ -137,6 +143,7 @@ class OwnBuilder {
         part->failAt = failAt;
         part->calls = &calls;
         part->consumer = &consumer;
+        part->whileLoading = &whileLoading;
         parts.push_back(part);
       }
       framework->part = broker;
@@ -163,6 +170,8 @@ class OwnBuilder {
   std::vector<std::weak_ptr<BuilderPart>> parts;
   std::vector<std::string> calls;
   ComPointer<IUnknown> consumer;
+  /// Called once, from within a look at UILoaded.
+  std::function<void()> whileLoading;
 
  private:
   DWORD cookie_ = 0;
@@ -182,6 +191,19 @@ TEST(BuilderReferences, NoneIsLeftBehindItsCommandAndTheConsumerIsTheInstance) {
     builder.consumer = {};
     EXPECT_EQ(ReferenceCount(pull), 1u) << "the instance does not keep itself alive";
   }
+}
+
+TEST(BuilderReferences, TheConsumerIsTheInstanceAlsoWhenACallWasNested) {
+  OwnBuilder builder("");
+  const auto pull = Make<LegacyORLAPull, ILegacyORLAPull>();
+  HRESULT nested = E_PENDING;
+  builder.whileLoading = [&] { nested = Pull(pull, Command("getTagList", {{"projectName", "Riverside Clinic"}})); };
+  ASSERT_EQ(Pull(pull, kNewTag), S_OK) << TakeErrorInfo().description;
+  EXPECT_EQ(nested, S_OK);
+  ASSERT_TRUE(builder.consumer) << "the broker got no consumer";
+  EXPECT_EQ(builder.consumer.Get(), pull.As<IUnknown>(IID_IUnknown).Get());
+  builder.consumer = {};
+  EXPECT_EQ(ReferenceCount(pull), 1u);
 }
 
 TEST(BuilderReferences, NoneIsLeftBehindAFailingCommand) {

@@ -4,6 +4,7 @@
 #include "adapters/windows/dao_databases.h"
 #include "adapters/windows/system_automation.h"
 #include "adapters/windows/system_files.h"
+#include "adapters/windows/system_message_boxes.h"
 #include "adapters/windows/system_message_pump.h"
 #include "adapters/windows/system_message_router.h"
 #include "adapters/windows/system_private_profile.h"

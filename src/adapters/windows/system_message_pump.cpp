@@ -2,9 +2,18 @@
 
 #include <windows.h>
 
-#include "adapters/windows/wide_text.h"
-
 namespace parvex::windows {
+namespace {
+
+bool IsDialog(HWND window) { return GetClassLongW(window, GCW_ATOM) == 32770u; }
+
+// Whether the message was a key for a dialog that the host shows, which its own loop would have asked.
+bool TakenByADialog(MSG& message) {
+  const HWND top = message.hwnd == nullptr ? nullptr : GetAncestor(message.hwnd, GA_ROOT);
+  return top != nullptr && IsDialog(top) && IsDialogMessageW(top, &message);
+}
+
+}  // namespace
 
 void SystemMessagePump::RunPending() {
   MSG message;
@@ -14,16 +23,13 @@ void SystemMessagePump::RunPending() {
       PostQuitMessage(static_cast<int>(message.wParam));
       return;
     }
-    TranslateMessage(&message);
-    DispatchMessageW(&message);
+    if (!CallMsgFilterW(&message, MSGF_USER) && !TakenByADialog(message)) {
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
+    }
   }
 }
 
 void SystemMessagePump::Sleep(std::chrono::milliseconds duration) { ::Sleep(static_cast<DWORD>(duration.count())); }
-
-void SystemMessageBoxes::Show(std::string_view text, std::string_view caption, Icon icon) {
-  const UINT style = MB_OK | MB_TASKMODAL | (icon == Icon::Stop ? MB_ICONSTOP : 0u);
-  MessageBoxW(nullptr, Widen(text).c_str(), Widen(caption).c_str(), style);
-}
 
 }  // namespace parvex::windows

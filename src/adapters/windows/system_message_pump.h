@@ -1,20 +1,15 @@
 #pragma once
 
-#include "seams/message_boxes.h"
 #include "seams/message_pump.h"
 
 namespace parvex::windows {
 
+/// Serves the thread's messages as the host's own loop would: the host's message hooks see them first, where it may
+/// translate its accelerators, then its dialogs, for their keys.
 class SystemMessagePump : public MessagePump {
  public:
   void RunPending() override;
   void Sleep(std::chrono::milliseconds duration) override;
-};
-
-/// Boxes of the desktop; Show returns when the user has closed the box.
-class SystemMessageBoxes : public MessageBoxes {
- public:
-  void Show(std::string_view text, std::string_view caption, Icon icon) override;
 };
 
 }  // namespace parvex::windows

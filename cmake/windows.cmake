@@ -27,3 +27,24 @@ foreach(name gtest gtest_main gmock gmock_main)
     add_library(GTest::${name} ALIAS ${name})
   endif()
 endforeach()
+
+# Header and type library from the interface definition.
+set(WIDL ${PARVEX_TRIPLET}-widl)
+find_program(PARVEX_WIDL ${WIDL} REQUIRED)
+set(WINE_IDL /usr/include/wine/wine/windows CACHE PATH "Wine's interface definitions")
+set(WINE_MODULES /usr/lib/x86_64-linux-gnu/wine/x86_64-windows CACHE PATH "Wine's modules, for their type libraries")
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(WIDL_BITS -m64)
+else()
+  set(WIDL_BITS -m32)
+endif()
+
+# parvex_idl(IDL HEADER TYPELIB IDS): HEADER, TYPELIB and IDS (the identifiers, a C source) are paths below the build tree.
+function(parvex_idl idl header typelib ids)
+  set(call ${PARVEX_WIDL} ${WIDL_BITS} -I ${WINE_IDL} -I ${PROJECT_SOURCE_DIR}/src/adapters/windows -L ${WINE_MODULES})
+  add_custom_command(OUTPUT ${header} ${typelib} ${ids}
+    COMMAND ${call} -h -o ${header} ${idl}
+    COMMAND ${call} -t -o ${typelib} ${idl}
+    COMMAND ${call} -u -o ${ids} ${idl}
+    DEPENDS ${idl} COMMENT "Compiling ${idl}" VERBATIM)
+endfunction()

@@ -6,12 +6,14 @@
 #include "legacy_standin/late_bound/late_bound_members.h"
 #include "legacy_standin/late_bound/passed_collection.h"
 #include "protocol/legacy_names.h"
+#include "seams/member_errors.h"
 
 namespace parvex::standin {
 namespace {
 
 using automation::Argument;
 using automation::Object;
+using automation::ObjectRef;
 using automation::Value;
 
 static_assert(legacy::kBuilderClass == kBuilderClass);
@@ -56,12 +58,10 @@ class ServiceBroker : public BuilderPart {
     if (member != legacy::kBrokerCall) {
       RefuseMember(*this, member);
     }
-    if (arguments.size() != 4) {
-      RefuseValue(*this, member, "4 arguments are wanted, not " + std::to_string(arguments.size()));
-    }
-    CheckText(arguments[0], "Workflow Service");
-    CheckText(arguments[1], "runBuilder");
-    CheckText(arguments[3], "QuoteBuilder");
+    RequireCount(*this, member, arguments, 4);
+    CheckText(arguments, 1, "Workflow Service");
+    CheckText(arguments, 2, "runBuilder");
+    CheckText(arguments, 4, "QuoteBuilder");
     const std::string commandLine = CommandLine(arguments[2]);
     if (!application_.settings.builder.cancelled) {
       RunBuilderWorkflow(application_, commandLine);
@@ -70,9 +70,12 @@ class ServiceBroker : public BuilderPart {
   }
 
  private:
-  void CheckText(const Argument& argument, const std::string& wanted) const {
-    const auto* text = std::get_if<std::string>(&argument.value);
-    if (text == nullptr || *text != wanted) {
+  void CheckText(std::span<const Argument> arguments, std::size_t number, const std::string& wanted) const {
+    const auto* text = std::get_if<std::string>(&arguments[number - 1].value);
+    if (text == nullptr) {
+      throw automation::WrongArgumentType(Name(), legacy::kBrokerCall, number);
+    }
+    if (*text != wanted) {
       RefuseValue(*this, legacy::kBrokerCall, "\"" + wanted + "\" is wanted and not another text");
     }
   }
@@ -80,8 +83,11 @@ class ServiceBroker : public BuilderPart {
   /// The collection holds Consumer, Builder and Command Line, in this order.
   std::string CommandLine(const Argument& argument) const {
     const std::optional<PassedCollection> items = PassedCollection::From(argument.value);
-    if (!items || items->Count() != 3) {
-      RefuseValue(*this, legacy::kBrokerCall, "the third argument is no collection of three items");
+    if (!items) {
+      throw automation::WrongArgumentType(Name(), legacy::kBrokerCall, 3);
+    }
+    if (items->Count() != 3) {
+      RefuseValue(*this, legacy::kBrokerCall, "the collection does not have three items");
     }
     constexpr const char* kKeys[] = {"Consumer", "Builder", "Command Line"};
     for (std::size_t i = 0; i < std::size(kKeys); ++i) {
@@ -139,7 +145,7 @@ void Builder::Put(std::string_view member, const Value& value) {
   }
   const auto* flag = std::get_if<bool>(&value);
   if (flag == nullptr) {
-    RefuseValue(*this, member, "the value is neither true nor false");
+    throw automation::WrongArgumentType(Name(), member, 1);
   }
   standalone_ = *flag;
 }
@@ -150,6 +156,7 @@ Value Builder::Call(std::string_view member, std::span<Argument> arguments) {
   if (member == "View") {
     View(arguments);
   } else if (member == "Shutdown") {
+    RequireCount(*this, member, arguments, 0);
     isShutDown_ = true;
   } else {
     RefuseMember(*this, member);
@@ -158,8 +165,12 @@ Value Builder::Call(std::string_view member, std::span<Argument> arguments) {
 }
 
 void Builder::View(std::span<const Argument> arguments) {
-  if (arguments.size() != 2 || !std::holds_alternative<bool>(arguments[0].value)) {
-    RefuseValue(*this, "View", "a yes or no and an object are wanted");
+  RequireCount(*this, "View", arguments, 2);
+  if (!std::holds_alternative<bool>(arguments[0].value)) {
+    throw automation::WrongArgumentType(Name(), "View", 1);
+  }
+  if (!std::holds_alternative<ObjectRef>(arguments[1].value)) {
+    throw automation::WrongArgumentType(Name(), "View", 2);
   }
   isShown_ = true;
   looks_ = 0;

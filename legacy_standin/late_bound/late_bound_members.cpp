@@ -1,11 +1,11 @@
 #include "legacy_standin/late_bound/late_bound_members.h"
 
 #include "seams/automation_error.h"
+#include "seams/member_errors.h"
 
 namespace parvex::standin {
 namespace {
 
-constexpr std::uint32_t kNoSuchMember = 0x800A0000u + 438u;
 constexpr std::uint32_t kToldToFail = kObjectErrorBase + 1u;
 
 std::string PathOf(const automation::Object& object, std::string_view member) {
@@ -15,7 +15,7 @@ std::string PathOf(const automation::Object& object, std::string_view member) {
 }  // namespace
 
 void RefuseMember(const automation::Object& object, std::string_view member) {
-  throw AutomationError(kNoSuchMember, object.Name(), PathOf(object, member) + ": the object has no such member");
+  throw automation::NoSuchMember(object.Name(), member);
 }
 
 void RefuseValue(const automation::Object& object, std::string_view member, const std::string& reason) {
@@ -28,17 +28,22 @@ void FailWhereTold(std::string_view failAt, const automation::Object& object, st
   }
 }
 
-std::vector<std::string> TextArguments(const automation::Object& object, std::string_view member,
-                                       std::span<const automation::Argument> arguments, std::size_t count) {
+void RequireCount(const automation::Object& object, std::string_view member,
+                  std::span<const automation::Argument> arguments, std::size_t count) {
   if (arguments.size() != count) {
-    RefuseValue(object, member,
-                std::to_string(count) + " arguments are wanted, not " + std::to_string(arguments.size()));
+    throw automation::WrongArgumentCount(object.Name(), member, arguments.size());
   }
+}
+
+std::vector<std::string> TextArguments(const automation::Object& object, std::string_view member,
+                                       std::span<const automation::Argument> arguments, std::size_t count,
+                                       Passed passed) {
+  RequireCount(object, member, arguments, count);
   std::vector<std::string> texts;
   for (const automation::Argument& argument : arguments) {
     const auto* text = std::get_if<std::string>(&argument.value);
-    if (text == nullptr) {
-      RefuseValue(object, member, "argument " + std::to_string(texts.size() + 1) + " is no text");
+    if (text == nullptr || (passed == Passed::ByReference && !argument.byReference)) {
+      throw automation::WrongArgumentType(object.Name(), member, texts.size() + 1);
     }
     texts.push_back(*text);
   }

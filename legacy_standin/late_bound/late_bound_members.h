@@ -20,8 +20,17 @@ namespace parvex::standin {
 /// Fails when the member is the one that standin.json names.
 void FailWhereTold(std::string_view failAt, const automation::Object& object, std::string_view member);
 
-/// The texts that a member got; another number or type of arguments is refused.
+/// Another number of arguments is refused (450).
+void RequireCount(const automation::Object& object, std::string_view member,
+                  std::span<const automation::Argument> arguments, std::size_t count);
+
+/// How a member wants its texts. One that is declared to take them by reference refuses values, as the typed servers of
+/// the legacy application may.
+enum class Passed { AnyHow, ByReference };
+
+/// The texts that a member got; another number (450) or type (13) of arguments is refused.
 std::vector<std::string> TextArguments(const automation::Object& object, std::string_view member,
-                                       std::span<const automation::Argument> arguments, std::size_t count);
+                                       std::span<const automation::Argument> arguments, std::size_t count,
+                                       Passed passed = Passed::AnyHow);
 
 }  // namespace parvex::standin

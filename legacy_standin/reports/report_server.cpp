@@ -6,6 +6,7 @@
 #include "legacy_standin/late_bound/late_bound_members.h"
 #include "legacy_standin/reports/bitmap.h"
 #include "legacy_standin/reports/rtf_text.h"
+#include "seams/member_errors.h"
 
 namespace parvex::standin {
 namespace {
@@ -54,7 +55,7 @@ void ReportServer::Put(std::string_view member, const Value& value) {
   }
   const auto* text = std::get_if<std::string>(&value);
   if (text == nullptr) {
-    RefuseValue(*this, member, "the value is no text");
+    throw automation::WrongArgumentType(Name(), member, 1);
   }
   properties_[std::string(member)] = *text;
 }
@@ -65,11 +66,11 @@ Value ReportServer::Call(std::string_view member, std::span<Argument> arguments)
     TextArguments(*this, member, arguments, 0);
     Reset();
   } else if (member == "AddTag") {
-    AddTag(TextArguments(*this, member, arguments, 5));
+    AddTag(TextArguments(*this, member, arguments, 5, Passed::ByReference));
   } else if (member == "AddReport") {
-    AddReport(TextArguments(*this, member, arguments, 5));
+    AddReport(TextArguments(*this, member, arguments, 5, Passed::ByReference));
   } else if (member == "MakeReport") {
-    TextArguments(*this, member, arguments, 1);
+    TextArguments(*this, member, arguments, 1, Passed::ByReference);
     return MakeReport();
   } else {
     RefuseMember(*this, member);

@@ -3,6 +3,7 @@
 #include "legacy_standin/late_bound/late_bound_members.h"
 #include "legacy_standin/reports/report_server.h"
 #include "legacy_standin/reports/rtf_text.h"
+#include "seams/member_errors.h"
 #include "seams/xml.h"
 
 namespace parvex::standin {
@@ -25,16 +26,17 @@ Value ScheduleRequest::Call(std::string_view member, std::span<Argument> argumen
   if (member != kMember) {
     RefuseMember(*this, member);
   }
-  if (arguments.size() != 2) {
-    RefuseValue(*this, member, "2 arguments are wanted, not " + std::to_string(arguments.size()));
-  }
+  RequireCount(*this, member, arguments, 2);
   const auto* operation = std::get_if<std::string>(&arguments[0].value);
-  if (operation == nullptr || *operation != "SHOWSCHEDULE") {
+  if (operation == nullptr) {
+    throw automation::WrongArgumentType(Name(), member, 1);
+  }
+  if (*operation != "SHOWSCHEDULE") {
     RefuseValue(*this, member, "the first argument is not \"SHOWSCHEDULE\"");
   }
   const std::optional<PassedCollection> items = PassedCollection::From(arguments[1].value);
   if (!items) {
-    RefuseValue(*this, member, "the second argument is no collection");
+    throw automation::WrongArgumentType(Name(), member, 2);
   }
   return ShowSchedule(*items);
 }

@@ -1,5 +1,5 @@
 // The substitute legacy application as an in-process server: its message router, and its late-bound classes behind
-// dispatch interfaces.
+// their interfaces.
 
 #include <array>
 #include <deque>
@@ -7,12 +7,13 @@
 #include <mutex>
 
 #include "adapters/windows/com_object.h"
-#include "adapters/windows/exposed_object.h"
 #include "adapters/windows/machine.h"
 #include "adapters/windows/wide_text.h"
 #include "com_server/failures.h"
 #include "com_server/server.h"
 #include "legacy_standin/standin.h"
+#include "legacy_standin/windows/typed_classes.h"
+#include "seams/automation_error.h"
 #include "standin_idl.h"
 
 namespace parvex::standin {
@@ -45,13 +46,16 @@ Installation& MakeInstallation() {
 }
 
 // Late binding reaches the default interface only, which has no members.
-class RouterObject : public windows::ComObject<IMessageRouter, IRequestRouter> {
+class RouterObject : public windows::ComObject<IMessageRouter, IRequestRouter, ISupportErrorInfo> {
  public:
   RouterObject() : router_(MakeInstallation().standin.Routers().Create()) {}
 
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     *count = 0;
     return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID id) override {
+    return id == __uuidof(IRequestRouter) ? S_OK : S_FALSE;
   }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return DISP_E_BADINDEX; }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
@@ -76,28 +80,28 @@ class RouterObject : public windows::ComObject<IMessageRouter, IRequestRouter> {
 
 ComPointer<IUnknown> MakeRouter() { return windows::MakeCom<RouterObject>().As<IUnknown>(IID_IUnknown); }
 
-ComPointer<IUnknown> MakeLateBound(const std::string& programmaticId) {
+using Expose = ComPointer<IUnknown> (*)(automation::ObjectRef);
+
+ComPointer<IUnknown> MakeLateBound(const std::string& programmaticId, Expose expose) {
   for (const LateBoundClass& offered : MakeInstallation().standin.Classes()) {
     if (offered.programmaticId == programmaticId) {
-      return windows::ExposeObject(offered.create()).As<IUnknown>(IID_IUnknown);
+      return expose(offered.create());
     }
   }
-  return {};
+  throw MakeRuntimeError(RuntimeError::CannotCreateObject, programmaticId + " is told to be missing");
 }
 
-ComClass LateBound(const CLSID& id, const std::string& programmaticId) {
+ComClass LateBound(const CLSID& id, const std::string& programmaticId, Expose expose) {
   return {id, windows::Widen(programmaticId), L"Substitute legacy application",
-          [programmaticId] { return MakeLateBound(programmaticId); }};
+          [programmaticId, expose] { return MakeLateBound(programmaticId, expose); }};
 }
 
 std::span<const ComClass> Classes() {
   static const std::array kClasses = {
       ComClass{CLSID_MessageRouter, L"KorvaneSubstitute.MessageRouter", L"Substitute message router", MakeRouter},
-      LateBound({0x6ce356ae, 0x63b2, 0x4098, {0xa2, 0xec, 0x54, 0x6e, 0xac, 0x16, 0x57, 0x4f}}, "KDQU470.CKDBuilder"),
-      LateBound({0x797820b4, 0xea78, 0x469b, {0x83, 0x1d, 0x3e, 0xe5, 0x79, 0x2c, 0x9f, 0xc9}},
-                "KDQU470.CKDScheduleRequest"),
-      LateBound({0xd103e052, 0x4bdb, 0x47d5, {0xa0, 0x73, 0x66, 0xd4, 0x96, 0x50, 0xc9, 0xf6}},
-                "KDRPTSV47.CRemoteInterface")};
+      LateBound(CLSID_CKDBuilder, "KDQU470.CKDBuilder", ExposeBuilder),
+      LateBound(CLSID_CKDScheduleRequest, "KDQU470.CKDScheduleRequest", ExposeScheduleRequest),
+      LateBound(CLSID_CRemoteInterface, "KDRPTSV47.CRemoteInterface", ExposeReportServer)};
   return kClasses;
 }
 

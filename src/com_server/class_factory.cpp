@@ -18,7 +18,7 @@ extern "C" int __cxa_thread_atexit(void (*destroy)(void*), void* object, void* m
 namespace parvex::com {
 namespace {
 
-class ClassFactory : public windows::ComObject<IClassFactory> {
+class ClassFactory : public windows::ComObject<IClassFactory, ISupportErrorInfo> {
  public:
   explicit ClassFactory(const ComClass& made) : made_(made) {}
 
@@ -30,9 +30,7 @@ class ClassFactory : public windows::ComObject<IClassFactory> {
     if (outer != nullptr) {
       return CLASS_E_NOAGGREGATION;
     }
-    HRESULT offered = S_OK;
-    const HRESULT made = Guarded(IID_IClassFactory, [&] { offered = made_.create()->QueryInterface(id, object); });
-    return FAILED(made) ? made : offered;
+    return Guarded(IID_IClassFactory, [&] { return made_.create()->QueryInterface(id, object); });
   }
 
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
@@ -42,6 +40,10 @@ class ClassFactory : public windows::ComObject<IClassFactory> {
       windows::ModuleUse::Unlock();
     }
     return S_OK;
+  }
+
+  HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID id) override {
+    return id == IID_IClassFactory ? S_OK : S_FALSE;
   }
 
  private:
@@ -59,11 +61,8 @@ HRESULT GetClassFactory(std::span<const ComClass> classes, REFCLSID classId, REF
   if (found == classes.end()) {
     return CLASS_E_CLASSNOTAVAILABLE;
   }
-  HRESULT offered = S_OK;
-  const HRESULT made = Guarded(IID_IClassFactory, [&] {
-    offered = windows::MakeCom<ClassFactory>(*found)->QueryInterface(interfaceId, factory);
-  });
-  return FAILED(made) ? made : offered;
+  return Guarded(IID_IClassFactory,
+                 [&] { return windows::MakeCom<ClassFactory>(*found)->QueryInterface(interfaceId, factory); });
 }
 
 HRESULT CanUnloadNow() {

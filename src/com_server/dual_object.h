@@ -47,10 +47,8 @@ class DualObject : public windows::ComObject<Interface, ISupportErrorInfo> {
     if (id != IID_NULL) {
       return DISP_E_UNKNOWNINTERFACE;
     }
-    HRESULT result = S_OK;
-    const HRESULT found = Guarded(__uuidof(Interface),
-                                  [&] { result = TypeInfoOf(__uuidof(Interface))->GetIDsOfNames(names, count, ids); });
-    return FAILED(found) ? found : result;
+    return Guarded(__uuidof(Interface),
+                   [&] { return TypeInfoOf(__uuidof(Interface))->GetIDsOfNames(names, count, ids); });
   }
 
   HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID id, LCID, WORD kind, DISPPARAMS* parameters, VARIANT* result,

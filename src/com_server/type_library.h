@@ -6,13 +6,12 @@
 #include <string>
 
 #include "adapters/windows/com_pointer.h"
+#include "adapters/windows/this_module.h"
 
 namespace parvex::com {
 
-/// The DLL or program that this code is linked into.
-HMODULE ThisModule();
-/// Its path.
-std::wstring ThisModulePath();
+using windows::ThisModule;
+using windows::ThisModulePath;
 
 /// The type library that is embedded in a file, or a type library file; an AutomationError when there is none.
 windows::ComPointer<ITypeLib> LoadTypeLibrary(const std::wstring& path);

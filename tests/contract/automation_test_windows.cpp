@@ -5,7 +5,7 @@
 #include "adapters/windows/dispatch_object.h"
 #include "adapters/windows/exposed_object.h"
 #include "adapters/windows/variant_values.h"
-#include "seams/automation_error.h"
+#include "seams/member_errors.h"
 
 // Objects of this system driven from outside, and outer objects driven from here: one drives the other through
 // IDispatch, as a script and the report server would.
@@ -29,7 +29,7 @@ class Echo : public automation::Object {
   std::string Name() const override { return "Echo"; }
   Value Get(std::string_view member) override {
     if (member == "Fail") throw AutomationError(kToldToFail, "Echo.Fail", "told to fail");
-    if (member == "Method") throw MakeRuntimeError(RuntimeError::InvalidCall, "no property");
+    if (member == "Method") throw automation::NoSuchMember("Echo", member);
     return kept;
   }
   void Put(std::string_view, const Value& value) override { kept = value; }

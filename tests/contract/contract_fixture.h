@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -59,6 +60,9 @@ struct ContractMachine {
   static constexpr std::string_view kProbeHold = "probe.hold";
   /// The lines of the probe's report.
   std::vector<std::string> ProbeArguments();
+
+  /// Offers a class to late binding while the test runs; gives its programmatic identifier.
+  std::string Offer(std::function<automation::ObjectRef()> make);
 
   /// Shows a box, closes it as its user would and gives all the text that the user saw, caption included.
   std::string SeenInBox(std::string_view text, std::string_view caption, MessageBoxes::Icon icon);

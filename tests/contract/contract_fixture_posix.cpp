@@ -79,6 +79,11 @@ void ContractMachine::InstallProbe(std::string_view path) {
   std::filesystem::permissions(host, std::filesystem::perms::owner_all);
 }
 
+std::string ContractMachine::Offer(std::function<automation::ObjectRef()> make) {
+  host_->machine.RegisterClass("Parvex.Contract", std::move(make));
+  return "Parvex.Contract";
+}
+
 std::string ContractMachine::SeenInBox(std::string_view text, std::string_view caption, MessageBoxes::Icon icon) {
   testing::internal::CaptureStderr();
   messageBoxes.Show(text, caption, icon);

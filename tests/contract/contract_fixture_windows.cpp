@@ -1,13 +1,16 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <deque>
 #include <thread>
 
 #include "adapters/windows/ansi_text.h"
+#include "adapters/windows/exposed_object.h"
 #include "adapters/windows/machine.h"
 #include "adapters/windows/wide_text.h"
 #include "tests/contract/contract_fixture.h"
 #include "tests/contract/substitute_engine_windows.h"
+#include "tests/support/offered_class_windows.h"
 #include "tests/support/own_boxes_windows.h"
 
 namespace parvex::test {
@@ -48,6 +51,7 @@ SubstituteEngine::SubstituteEngine(std::string_view version)
 struct ContractMachine::Host {
   SubstituteEngine engine{"36"};
   windows::Machine machine;
+  std::deque<OfferedClass> offered;
 };
 
 namespace {
@@ -108,6 +112,12 @@ void ContractMachine::SetReadOnly(std::string_view path, bool readOnly) {
 void ContractMachine::InstallProbe(std::string_view path) {
   const std::wstring probe = OwnFolder() + L"contract_probe.exe";
   ASSERT_TRUE(CopyFileW(probe.c_str(), windows::Widen(path).c_str(), FALSE)) << GetLastError();
+}
+
+std::string ContractMachine::Offer(std::function<automation::ObjectRef()> make) {
+  const std::string programmaticId = "Parvex.Contract" + std::to_string(GetCurrentProcessId());
+  host_->offered.emplace_back(programmaticId, [make] { return windows::ExposeObject(make()); });
+  return programmaticId;
 }
 
 std::string ContractMachine::SeenInBox(std::string_view text, std::string_view caption, MessageBoxes::Icon icon) {

@@ -4,6 +4,7 @@
 #include <oleauto.h>
 #include <windows.h>
 
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -75,13 +76,16 @@ class ComPointer {
   T* object_ = nullptr;
 };
 
-/// An owned BSTR.
+/// An owned BSTR. Made from a text it is never null; std::bad_alloc when there is no memory for it.
 class Bstr {
  public:
   Bstr() = default;
   explicit Bstr(std::string_view text) {
     const std::wstring wide = Widen(text);
     text_ = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    if (text_ == nullptr) {
+      throw std::bad_alloc();
+    }
   }
   ~Bstr() { SysFreeString(text_); }
   Bstr(const Bstr&) = delete;

@@ -1,5 +1,6 @@
 #include "adapters/windows/dispatch_object.h"
 
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "adapters/windows/variant_values.h"
 #include "adapters/windows/wide_text.h"
 #include "seams/automation_error.h"
+#include "seams/member_errors.h"
 
 namespace parvex::windows {
 namespace {
@@ -17,6 +19,45 @@ using automation::Object;
 using automation::ObjectRef;
 using automation::Value;
 
+constexpr UINT kNotTold = ~0u;  // an object need not say which argument it refuses
+
+// The arguments of one call as the protocol takes them: last first, what goes by reference as a reference of its own
+// type. A text is never a reference to a variant, which a member with a text by reference refuses.
+class PassedArguments {
+ public:
+  explicit PassedArguments(std::span<Argument> arguments)
+      : arguments_(arguments), values_(arguments.size()), slots_(arguments.size()) {
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+      values_[i] = ToVariant(arguments[i].value);
+      const VARIANT& value = values_[i].Get();
+      objects_.push_back(V_VT(&value) == VT_DISPATCH ? V_DISPATCH(&value) : nullptr);
+      slots_[arguments.size() - 1 - i] = arguments[i].byReference ? ReferenceTo(values_[i].Get()) : value;
+    }
+  }
+
+  VARIANTARG* Slots() { return slots_.data(); }
+
+  // What the member left in the references. An object that is still the same stays the one that was passed.
+  void TakeBack(const std::string& name) {
+    for (std::size_t i = 0; i < arguments_.size(); ++i) {
+      if (arguments_[i].byReference && !IsSameObject(i)) {
+        arguments_[i].value = FromVariant(values_[i].Get(), name);
+      }
+    }
+  }
+
+ private:
+  bool IsSameObject(std::size_t i) const {
+    const VARIANT& now = values_[i].Get();
+    return V_VT(&now) == VT_DISPATCH && V_DISPATCH(&now) == objects_.at(i);
+  }
+
+  std::span<Argument> arguments_;
+  std::vector<Variant> values_;      // what references refer to
+  std::vector<IDispatch*> objects_;  // that were passed, null for everything else
+  std::vector<VARIANTARG> slots_;
+};
+
 // An automation object from outside.
 class DispatchObject : public Object {
  public:
@@ -24,7 +65,10 @@ class DispatchObject : public Object {
       : dispatch_(std::move(dispatch)), name_(std::move(name)) {}
 
   std::string Name() const override { return name_; }
-  Value Get(std::string_view member) override { return Invoke(member, DISPATCH_PROPERTYGET, {}); }
+  Value Get(std::string_view member) override {
+    // A value that its server offers as a method is read all the same, as scripts read it.
+    return Invoke(member, DISPATCH_METHOD | DISPATCH_PROPERTYGET, {});
+  }
   void Put(std::string_view member, const Value& value) override {
     Argument argument{value, false};
     const bool isObject = std::holds_alternative<ObjectRef>(value);
@@ -48,79 +92,70 @@ class DispatchObject : public Object {
     DISPID id = 0;
     const HRESULT result = dispatch_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id);
     if (FAILED(result)) {
-      throw AutomationError(
-          static_cast<std::uint32_t>(result), kErrorSource,
-          Described(member) + ": the object has no such member (" + Hex(static_cast<std::uint32_t>(result)) + ")");
+      ThrowRefusal(member, result, std::nullopt, 0);
     }
     return id;
   }
 
   Value Invoke(std::string_view member, WORD kind, std::span<Argument> arguments) {
     const DISPID id = IdOf(member);
-    std::vector<Variant> values(arguments.size());
-    std::vector<VARIANTARG> passed(arguments.size());
-    PassArguments(arguments, values, passed);
+    PassedArguments passed(arguments);
     DISPID putName = DISPID_PROPERTYPUT;
-    DISPPARAMS parameters = {passed.data(), nullptr, static_cast<UINT>(passed.size()), 0};
-    if ((kind & DISPATCH_PROPERTYPUT) != 0) {
-      parameters.rgdispidNamedArgs = &putName;
-      parameters.cNamedArgs = 1;
-    }
+    const bool isPut = (kind & DISPATCH_PROPERTYPUT) != 0;
+    DISPPARAMS parameters = {passed.Slots(), isPut ? &putName : nullptr, static_cast<UINT>(arguments.size()),
+                             isPut ? 1u : 0u};
     Variant answer;
     EXCEPINFO exception = {};
-    UINT refused = 0;
-    const HRESULT result =
-        dispatch_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
-                          (kind & DISPATCH_PROPERTYPUT) != 0 ? nullptr : answer.Out(), &exception, &refused);
+    UINT refused = kNotTold;
+    const HRESULT result = dispatch_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
+                                             isPut ? nullptr : answer.Out(), &exception, &refused);
+    if (result == DISP_E_EXCEPTION) {
+      ThrowException(member, exception);
+    }
     if (FAILED(result)) {
-      ThrowFailure(member, result, exception, refused, arguments.size());
+      const bool told = refused < arguments.size();
+      ThrowRefusal(member, result, told ? std::optional(arguments.size() - refused) : std::nullopt, arguments.size());
     }
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-      if (arguments[i].byReference) {
-        arguments[i].value = FromVariant(values[i].Get(), Described(member));
-      }
-    }
+    passed.TakeBack(Described(member));
     return FromVariant(answer.Get(), Described(member));
   }
 
-  // The protocol takes arguments last first; one by reference is a variant that refers to our own.
-  static void PassArguments(std::span<Argument> arguments, std::vector<Variant>& values,
-                            std::vector<VARIANTARG>& passed) {
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-      values[i] = ToVariant(arguments[i].value);
-      VARIANTARG& slot = passed[arguments.size() - 1 - i];
-      VariantInit(&slot);
-      if (arguments[i].byReference) {
-        V_VT(&slot) = VT_BYREF | VT_VARIANT;
-        V_VARIANTREF(&slot) = &values[i].Get();
-      } else {
-        slot = values[i].Get();
+  // The call did not reach the member. `refused` is the number of the argument that the object blames.
+  [[noreturn]] void ThrowRefusal(std::string_view member, HRESULT result, std::optional<std::size_t> refused,
+                                 std::size_t given) const {
+    switch (result) {
+      case DISP_E_UNKNOWNNAME:
+      case DISP_E_MEMBERNOTFOUND:
+        throw automation::NoSuchMember(name_, member);
+      case DISP_E_BADPARAMCOUNT:
+      case DISP_E_PARAMNOTOPTIONAL:
+        throw automation::WrongArgumentCount(name_, member, given);
+      case DISP_E_TYPEMISMATCH:
+        throw automation::WrongArgumentType(name_, member, refused);
+      default: {
+        const auto number = static_cast<std::uint32_t>(result);
+        throw AutomationError(number, kErrorSource, Described(member) + " failed with " + Hex(number));
       }
     }
   }
 
-  [[noreturn]] void ThrowFailure(std::string_view member, HRESULT result, EXCEPINFO& exception, UINT refused,
-                                 std::size_t count) const {
-    if (result != DISP_E_EXCEPTION) {
-      std::string text = Described(member) + " failed with " + Hex(static_cast<std::uint32_t>(result));
-      if ((result == DISP_E_TYPEMISMATCH || result == DISP_E_PARAMNOTFOUND) && refused < count) {
-        text += " at argument " + std::to_string(count - refused);
-      }
-      throw AutomationError(static_cast<std::uint32_t>(result), kErrorSource, text);
-    }
+  // What the member itself raised.
+  [[noreturn]] void ThrowException(std::string_view member, EXCEPINFO& exception) const {
     if (exception.pfnDeferredFillIn != nullptr) {
       exception.pfnDeferredFillIn(&exception);
     }
-    const std::string source = TextOf(exception.bstrSource);
-    const std::string description = TextOf(exception.bstrDescription);
+    Bstr source;
+    Bstr description;
+    Bstr helpFile;
+    *source.Out() = exception.bstrSource;
+    *description.Out() = exception.bstrDescription;
+    *helpFile.Out() = exception.bstrHelpFile;
     const std::uint32_t number =
         exception.scode != 0 ? static_cast<std::uint32_t>(exception.scode) : 0x800A0000u + exception.wCode;
-    SysFreeString(exception.bstrSource);
-    SysFreeString(exception.bstrDescription);
-    SysFreeString(exception.bstrHelpFile);
     // What the object says of its error stands as it is: replies repeat it.
-    throw AutomationError(number, source.empty() ? kErrorSource : source,
-                          description.empty() ? Described(member) + " failed with " + Hex(number) : description);
+    throw AutomationError(
+        number, source.Text().empty() ? kErrorSource : source.Text(),
+        description.Text().empty() ? Described(member) + " failed with " + Hex(number) : description.Text());
   }
 
   ComPointer<IDispatch> dispatch_;

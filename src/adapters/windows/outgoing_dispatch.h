@@ -3,7 +3,6 @@
 #include <oaidl.h>
 
 #include "adapters/windows/com_object.h"
-#include "seams/automation_error.h"
 
 namespace parvex::windows {
 
@@ -11,13 +10,19 @@ namespace parvex::windows {
 class OutgoingDispatch : public ComObject<IDispatch> {
  public:
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    if (count == nullptr) {
+      return E_POINTER;
+    }
     *count = 0;
     return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return DISP_E_BADINDEX; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
+    if (info == nullptr) {
+      return E_POINTER;
+    }
+    *info = nullptr;
+    return DISP_E_BADINDEX;
+  }
 };
-
-/// An error as the automation protocol tells it: in `exception` where the caller gave one, else by its number alone.
-HRESULT ReportError(const AutomationError& error, EXCEPINFO* exception);
 
 }  // namespace parvex::windows

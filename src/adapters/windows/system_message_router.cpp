@@ -19,7 +19,8 @@ namespace {
 
 class SystemMessageRouter : public MessageRouter {
  public:
-  explicit SystemMessageRouter(ComPointer<IRequestRouter> router) : router_(std::move(router)) {}
+  SystemMessageRouter(ComPointer<IRequestRouter> router, REFIID interfaceId)
+      : router_(std::move(router)), interfaceId_(interfaceId) {}
 
   bool SendRequestMessage(const std::string& request, std::string& response) override {
     Bstr asked(request);
@@ -27,23 +28,25 @@ class SystemMessageRouter : public MessageRouter {
     BSTR askedText = asked.Detach();
     BSTR answeredText = answered.Detach();
     VARIANT_BOOL success = VARIANT_FALSE;
+    SetErrorInfo(0, nullptr);  // what an earlier failure left on this thread is not the router's
     const HRESULT result = router_->SendRequestMessage(&askedText, &answeredText, &success);
-    response = TextOf(answeredText);
-    SysFreeString(askedText);
-    SysFreeString(answeredText);
+    *asked.Out() = askedText;  // owned again, whoever made them
+    *answered.Out() = answeredText;
     if (FAILED(result)) {
       throw Failure(result);
     }
+    response = answered.Text();
     return success != VARIANT_FALSE;
   }
 
  private:
-  static AutomationError Failure(HRESULT result) {
+  AutomationError Failure(HRESULT result) const {
     ComPointer<IErrorInfo> info;
     std::string source = kErrorSource;
     std::string description =
         "the message router's SendRequestMessage failed with " + Hex(static_cast<std::uint32_t>(result));
-    if (GetErrorInfo(0, info.Out()) == S_OK) {
+    // Taken before anything else is called, which may clear it.
+    if (GetErrorInfo(0, info.Out()) == S_OK && TellsOfErrors()) {
       Bstr text;
       if (SUCCEEDED(info->GetSource(text.Out())) && !text.Text().empty()) {
         source = text.Text();
@@ -55,7 +58,14 @@ class SystemMessageRouter : public MessageRouter {
     return AutomationError(static_cast<std::uint32_t>(result), source, description);
   }
 
+  // Another router's error information would be somebody else's, left by an object that it used.
+  bool TellsOfErrors() const {
+    const auto support = router_.As<ISupportErrorInfo>(IID_ISupportErrorInfo);
+    return support && support->InterfaceSupportsErrorInfo(interfaceId_) == S_OK;
+  }
+
   ComPointer<IRequestRouter> router_;
+  const IID interfaceId_;
 };
 
 IID ParsedId(const wchar_t* text) {
@@ -83,11 +93,12 @@ std::unique_ptr<MessageRouter> SystemMessageRouters::Create() {
     throw refuse("the legacy application's message router " PARVEX_ROUTER_CLSID " cannot be created", result);
   }
   ComPointer<IRequestRouter> router;
-  result = object->QueryInterface(ParsedId(kInterface), reinterpret_cast<void**>(router.Out()));
+  const IID interfaceId = ParsedId(kInterface);
+  result = object->QueryInterface(interfaceId, reinterpret_cast<void**>(router.Out()));
   if (FAILED(result)) {
     throw refuse("the message router has no interface " PARVEX_ROUTER_IID, result);
   }
-  return std::make_unique<SystemMessageRouter>(std::move(router));
+  return std::make_unique<SystemMessageRouter>(std::move(router), interfaceId);
 }
 
 }  // namespace parvex::windows

@@ -1,13 +1,17 @@
 #include "adapters/windows/variant_values.h"
 
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <new>
 #include <utility>
 #include <variant>
 
 #include "adapters/windows/dispatch_object.h"
 #include "adapters/windows/exposed_collection.h"
 #include "adapters/windows/exposed_object.h"
+#include "adapters/windows/kept_variant.h"
 #include "adapters/windows/wide_text.h"
 #include "seams/automation_error.h"
 
@@ -52,10 +56,54 @@ struct IntoVariant {
     return variant;
   }
   Variant operator()(const ObjectRef& value) const {
-    return DispatchVariant(value == nullptr ? ComPointer<IDispatch>() : ExposeObject(value));
+    if (value == nullptr) {
+      return DispatchVariant({});
+    }
+    if (const VARIANT* kept = KeptVariant(*value)) {
+      Variant variant;
+      CheckCopied(CopyVariant(variant.Out(), *kept));
+      return variant;
+    }
+    return DispatchVariant(ExposeObject(value));
   }
-  Variant operator()(const CollectionRef& value) const { return DispatchVariant(ExposeCollection(value)); }
+  Variant operator()(const CollectionRef& value) const {
+    return DispatchVariant(value == nullptr ? ComPointer<IDispatch>() : ExposeCollection(value));
+  }
+
+  static void CheckCopied(HRESULT result) {
+    if (FAILED(result)) {
+      throw std::bad_alloc();
+    }
+  }
 };
+
+// Bytes of a type that is copied as it stands; 0 for one that owns something or is none of those.
+std::size_t PlainSize(VARTYPE type) {
+  switch (type) {
+    case VT_I1:
+    case VT_UI1:
+      return 1;
+    case VT_I2:
+    case VT_UI2:
+    case VT_BOOL:
+      return 2;
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+    case VT_R4:
+    case VT_ERROR:
+      return 4;
+    case VT_I8:
+    case VT_UI8:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+      return 8;
+    default:
+      return 0;
+  }
+}
 
 }  // namespace
 
@@ -116,6 +164,43 @@ Value FromVariant(const VARIANT& value, const std::string& name) {
       }
       return TextOf(V_BSTR(&converted.Get()));
     }
+  }
+}
+
+VARIANT ReferenceTo(VARIANT& value) {
+  VARIANT reference;
+  VariantInit(&reference);
+  if (V_VT(&value) == VT_EMPTY) {
+    V_VT(&reference) = VT_BYREF | VT_VARIANT;
+    V_VARIANTREF(&reference) = &value;
+  } else {
+    V_VT(&reference) = static_cast<VARTYPE>(VT_BYREF | V_VT(&value));
+    V_BYREF(&reference) = &V_BYREF(&value);  // all values of a variant begin at the same place
+  }
+  return reference;
+}
+
+void WriteThrough(VARIANT& reference, const Value& value, const std::string& name) {
+  const auto type = static_cast<VARTYPE>(V_VT(&reference) & ~VT_BYREF);
+  Variant given = ToVariant(value);
+  if (type == VT_VARIANT) {
+    std::swap(*V_VARIANTREF(&reference), given.Get());
+    return;
+  }
+  const bool isObject = type == VT_DISPATCH || type == VT_UNKNOWN;
+  if (!isObject && type != VT_BSTR && PlainSize(type) == 0) {
+    return;
+  }
+  if (FAILED(VariantChangeType(&given.Get(), &given.Get(), 0, type))) {
+    throw MakeRuntimeError(RuntimeError::TypeMismatch,
+                           name + ": an answer by reference has another type than is wanted");
+  }
+  if (isObject) {
+    std::swap(*V_UNKNOWNREF(&reference), V_UNKNOWN(&given.Get()));
+  } else if (type == VT_BSTR) {
+    std::swap(*V_BSTRREF(&reference), V_BSTR(&given.Get()));
+  } else {
+    std::memcpy(V_BYREF(&reference), &V_BYREF(&given.Get()), PlainSize(type));
   }
 }
 

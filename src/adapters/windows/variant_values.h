@@ -16,4 +16,13 @@ namespace parvex::windows {
 automation::Value FromVariant(const VARIANT& value, const std::string& name);
 Variant ToVariant(const automation::Value& value);
 
+/// What passes `value` by reference: a reference of the value's own type (a text goes as a reference to a text), or to
+/// the variant where it is empty. It owns nothing; what it refers to is `value`'s, also after the called member has
+/// replaced it.
+VARIANT ReferenceTo(VARIANT& value);
+
+/// Replaces what a by-reference variant refers to, in the type that it has there; what was there is freed. A value that
+/// does not become that type is an AutomationError (13) that begins with `name`. A reference to an array is left alone.
+void WriteThrough(VARIANT& reference, const automation::Value& value, const std::string& name);
+
 }  // namespace parvex::windows

@@ -2,13 +2,12 @@
 
 #include <memory>
 
-#include "seams/automation_error.h"
+#include "seams/member_errors.h"
 
 namespace parvex::cli {
 namespace {
 
 constexpr const char* kName = "Parvex.LegacyORLAPull";
-constexpr std::uint32_t kNoSuchMember = 0x800A0000u + 438u;
 
 class Consumer : public automation::Object {
  public:
@@ -18,9 +17,7 @@ class Consumer : public automation::Object {
   automation::Value Call(std::string_view member, std::span<automation::Argument>) override { Refuse(member); }
 
  private:
-  [[noreturn]] static void Refuse(std::string_view member) {
-    throw AutomationError(kNoSuchMember, kName, std::string(kName) + " has no member " + std::string(member));
-  }
+  [[noreturn]] static void Refuse(std::string_view member) { throw automation::NoSuchMember(kName, member); }
 };
 
 }  // namespace

@@ -82,8 +82,12 @@ TEST_F(BuilderTest, RefusesWhatItHasNotAndWhatItCannotWorkWith) {
   Builder builder(application);
   EXPECT_EQ(RaisedBy([&] { builder.Get("Version"); }), 438);
   EXPECT_EQ(RaisedBy([&] { builder.Put("UILoaded", true); }), 438);
-  EXPECT_EQ(RaisedBy([&] { builder.Put("standalone", std::string("no")); }), 5);
-  EXPECT_EQ(RaisedBy([&] { builder.Call("View", {}); }), 5);
+  EXPECT_EQ(RaisedBy([&] { builder.Put("standalone", std::string("no")); }), 13);
+  EXPECT_EQ(RaisedBy([&] { builder.Call("View", {}); }), 450);
+  Argument textForFlag[] = {{std::string("no")}, {ObjectRef()}};
+  EXPECT_EQ(RaisedBy([&] { builder.Call("View", textForFlag); }), 13);
+  Argument textForObject[] = {{true}, {std::string("no")}};
+  EXPECT_EQ(RaisedBy([&] { builder.Call("View", textForObject); }), 13);
   EXPECT_EQ(RaisedBy([&] { builder.Get("Framework"); }), 5) << "not before View";
   builder.Call("Shutdown", {});
   EXPECT_EQ(RaisedBy([&] { View(builder); }), 5);
@@ -154,7 +158,7 @@ TEST_F(BuilderTest, SaysWhetherItsUserCancelledAndThenChangesNothing) {
 }
 
 TEST_F(BuilderTest, RefusesACallThatIsNotTheOneItKnows) {
-  EXPECT_EQ(RaisedBy([&] { CallService(nullptr); }), 5);
+  EXPECT_EQ(RaisedBy([&] { CallService(nullptr); }), 13);
   EXPECT_EQ(RaisedBy([&] { CallService(std::make_shared<KeyedItems>()); }), 5);
   const auto misordered = std::make_shared<KeyedItems>();
   misordered->emplace_back("Builder", Argument{ObjectRef()});

@@ -131,9 +131,11 @@ TEST_F(ReportServerTest, RefusesWhatDoesNotFit) {
   EXPECT_EQ(ErrorIn([&] { server.Put("Format", std::string()); }),
             "438 " + name + "Format: the object has no such member");
   EXPECT_EQ(ErrorIn([&] { Call(server, "Close", {}); }), "438 " + name + "Close: the object has no such member");
-  EXPECT_EQ(ErrorIn([&] { server.Put("action", 1); }), "5 " + name + "action: the value is no text");
-  EXPECT_EQ(ErrorIn([&] { Call(server, "AddTag", {}); }), "5 " + name + "AddTag: 5 arguments are wanted, not 0");
-  EXPECT_EQ(ErrorIn([&] { Call(server, "MakeReport", {true}); }), "5 " + name + "MakeReport: argument 1 is no text");
+  EXPECT_EQ(ErrorIn([&] { server.Put("action", 1); }),
+            "13 " + name + "action: argument 1 has another type than is wanted");
+  EXPECT_EQ(ErrorIn([&] { Call(server, "AddTag", {}); }), "450 " + name + "AddTag: it does not take 0 arguments");
+  EXPECT_EQ(ErrorIn([&] { Call(server, "MakeReport", {true}); }),
+            "13 " + name + "MakeReport: argument 1 has another type than is wanted");
   EXPECT_THAT(ErrorIn([&] { AddTag("<TAG>"); }), HasSubstr("AddTag: the data of \"A\" is no XML document: "));
   EXPECT_THAT(ErrorIn([&] { CallTexts("AddTag", {"", kTag, "A", "B", ""}); }), HasSubstr("once \"A\" and once \"B\""));
   AddTag();
@@ -144,6 +146,22 @@ TEST_F(ReportServerTest, RefusesWhatDoesNotFit) {
   AddReport();
   Prepare("Somebody");
   EXPECT_THAT(ErrorIn([&] { Make(); }), HasSubstr("ClientID is \"Somebody\" and not \"NGORLA\""));
+}
+
+// Its texts are by reference as a typed server declares them: a value is refused, whatever its type.
+TEST_F(ReportServerTest, RefusesTextsThatAreNotPassedByReference) {
+  const std::string name = "KDRPTSV47.CRemoteInterface.";
+  for (const char* member : {"AddTag", "AddReport"}) {
+    std::vector<Argument> arguments(5, Argument{std::string("RTU47"), true});
+    arguments[3].byReference = false;
+    EXPECT_EQ(ErrorIn([&] { server.Call(member, arguments); }),
+              "13 " + name + member + ": argument 4 has another type than is wanted");
+  }
+  Argument text{std::string(), false};
+  EXPECT_EQ(ErrorIn([&] {
+              server.Call("MakeReport", {&text, 1});
+            }),
+            "13 " + name + "MakeReport: argument 1 has another type than is wanted");
 }
 
 TEST_F(ReportServerTest, FailsWhereItIsTold) {
@@ -189,8 +207,9 @@ TEST_F(ScheduleRequestTest, RefusesWhatDoesNotFit) {
   EXPECT_THAT(ErrorIn([&] {
                 Call(request, "SendRequest", {std::string("SHOWSCHEDULE"), true});
               }),
-              HasSubstr("the second argument is no collection"));
-  EXPECT_THAT(ErrorIn([&] { Call(request, "SendRequest", {}); }), HasSubstr("2 arguments are wanted, not 0"));
+              HasSubstr("13 KDQU470.CKDScheduleRequest.SendRequest: argument 2 has another type"));
+  EXPECT_THAT(ErrorIn([&] { Call(request, "SendRequest", {}); }),
+              HasSubstr("450 KDQU470.CKDScheduleRequest.SendRequest: it does not take 0 arguments"));
   EXPECT_THAT(ErrorIn([&] { Call(request, "Send", {}); }), HasSubstr("438 "));
   items["pdsg"] = "KDQ47";
   EXPECT_THAT(ErrorIn([&] { Send(); }), HasSubstr("no schedule of the group \"KDQ47\""));

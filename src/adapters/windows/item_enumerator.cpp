@@ -10,11 +10,11 @@
 namespace parvex::windows {
 namespace {
 
-using Items = std::shared_ptr<const std::vector<Variant>>;
+using EnumeratedItems = std::shared_ptr<const std::vector<Variant>>;
 
 class ItemEnumerator : public ComObject<IEnumVARIANT> {
  public:
-  ItemEnumerator(Items items, std::size_t next) : items_(std::move(items)), next_(next) {}
+  ItemEnumerator(EnumeratedItems items, std::size_t next) : items_(std::move(items)), next_(next) {}
 
   HRESULT STDMETHODCALLTYPE Next(ULONG wanted, VARIANT* items, ULONG* fetched) override {
     if (fetched != nullptr) {
@@ -64,7 +64,7 @@ class ItemEnumerator : public ComObject<IEnumVARIANT> {
   }
 
  private:
-  const Items items_;
+  const EnumeratedItems items_;
   std::size_t next_;
 };
 

@@ -10,7 +10,8 @@ using namespace parvex::com;
 extern "C" {
 
 HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** factory) {
-  return GetClassFactory(ThisServer().classes, classId, interfaceId, factory);
+  return Guarded(IID_IClassFactory,
+                 [&] { return GetClassFactory(ThisServer().classes, classId, interfaceId, factory); });
 }
 
 HRESULT STDAPICALLTYPE DllCanUnloadNow() { return CanUnloadNow(); }

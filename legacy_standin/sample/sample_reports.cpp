@@ -102,14 +102,14 @@ constexpr SampleTag kFanCoil = {"Küche & Café <EG>", "FCB47"};
 
 /// One parameter that names all of these reports; at least one.
 void AddReportNames(const xml::Document& command, const std::vector<std::string_view>& reportNames) {
-  const xml::Node parameter = command.Append(MakeParameterElement("reportName", reportNames.front()));
+  const xml::Node parameter = command.Append(MakeParameterElement(command, "reportName", reportNames.front()));
   for (std::size_t i = 1; i < reportNames.size(); ++i) {
     xml::AppendElement(parameter, "VALUE", reportNames[i]);
   }
 }
 
 void AddTags(const xml::Document& command, const std::vector<SampleTag>& tags) {
-  const xml::Node data = command.Append(MakeParameterElement("data", "")).Child("VALUE");
+  const xml::Node data = command.Append(MakeParameterElement(command, "data", "")).Child("VALUE");
   for (const SampleTag& tag : tags) {
     const xml::Node entry = xml::AppendElement(data, "TAG");
     xml::AppendElement(entry, "NAME", tag.name);

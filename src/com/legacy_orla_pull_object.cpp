@@ -43,8 +43,9 @@ IUnknown* ObjectArgument(const VARIANT& value) {
     case VT_EMPTY:
       return nullptr;
     default:
-      throw MakeRuntimeError(RuntimeError::TypeMismatch,
-                             "command: no document was given (variant type " + std::to_string(V_VT(&value)) + ")");
+      throw MakeRuntimeError(RuntimeError::TypeMismatch, "command: no document was given (variant type " +
+                                                             std::to_string(V_VT(&value)) + "); " +
+                                                             windows::ExpectedDocument());
   }
 }
 

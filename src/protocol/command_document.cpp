@@ -69,16 +69,15 @@ bool SetParamValue(const xml::Document& command, std::string_view name, std::str
   }
 }
 
-xml::Node MakeParameterElement(std::string_view name, std::string_view value) {
-  const xml::Document scratch = xml::Document::New();
-  const xml::Node parameter = scratch.CreateElement("PARAMETER");
+xml::Node MakeParameterElement(const xml::Document& owner, std::string_view name, std::string_view value) {
+  const xml::Node parameter = owner.CreateElement("PARAMETER");
   xml::AppendElement(parameter, "NAME", name);
   xml::AppendElement(parameter, "VALUE", value);
   return parameter;
 }
 
 void AddParameter(const xml::Document& command, std::string_view name, std::string_view value) {
-  command.Root().Append(MakeParameterElement(name, value));
+  command.Root().Append(MakeParameterElement(command, name, value));
 }
 
 void AddParameters(const xml::Document& command, Parameters parameters) {

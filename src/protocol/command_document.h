@@ -26,8 +26,9 @@ std::string GetParamFromCmdDoc(const xml::Document& command, std::string_view na
 /// Replaces the parameter's value by a text (child elements are removed). False when there is no such parameter.
 bool SetParamValue(const xml::Document& command, std::string_view name, std::string_view value);
 
-/// A new PARAMETER element, not yet part of a command.
-xml::Node MakeParameterElement(std::string_view name, std::string_view value);
+/// A new PARAMETER element of that document, not yet part of it. It is made there and not elsewhere: a command may be a
+/// document of the front end's own, which takes no nodes of others or only copies them.
+xml::Node MakeParameterElement(const xml::Document& owner, std::string_view name, std::string_view value);
 
 /// Appends a parameter to the document element, whatever that is.
 void AddParameter(const xml::Document& command, std::string_view name, std::string_view value);

@@ -78,7 +78,7 @@ std::string ReportsFolder(const Platform& platform, std::string_view pdsg, std::
 }
 
 void Offer(const xml::Document& reports, std::string_view type, std::string_view displayName) {
-  xml::AppendElement(reports.Root(), "REPORT").Append(MakeParameterElement(type, displayName));
+  xml::AppendElement(reports.Root(), "REPORT").Append(MakeParameterElement(reports, type, displayName));
 }
 
 /// What a qdf entry names: without the five characters before the name and the extension behind it; nothing for an

@@ -17,7 +17,7 @@ constexpr std::string_view kTagTable = "TagData";
 
 /// Appends a parameter with an empty value and gives its VALUE.
 xml::Node AddEmptyParameter(const xml::Document& command, std::string_view name) {
-  return command.Append(MakeParameterElement(name, "")).Child("VALUE");
+  return command.Append(MakeParameterElement(command, name, "")).Child("VALUE");
 }
 
 /// The tag's owner goes into a parameter of its own, since the request itself is addressed to the legacy application.

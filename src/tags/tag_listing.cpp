@@ -125,7 +125,7 @@ xml::Document GetTags(LegacyLink& link, const xml::Document& command) {
 
 void LookUpTagProducts(LegacyLink& link, std::string_view projectName, const xml::Document& tags) {
   const xml::Document command = MakeCommandDocument("getTags", {{"projectName", projectName}});
-  const xml::Node data = command.Append(MakeParameterElement("data", "")).Child("VALUE");
+  const xml::Node data = command.Append(MakeParameterElement(command, "data", "")).Child("VALUE");
   const std::vector<xml::Node> entries = tags.All("//TAG");
   for (const xml::Node& tag : entries) {
     data.Append(tag.Clone());

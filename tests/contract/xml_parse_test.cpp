@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 
 #include "seams/xml.h"
@@ -147,8 +148,74 @@ TEST(XmlLoad, DecodesUtf16ByItsByteOrderMark) {
   EXPECT_EQ(Document::Load(little).Root().Text(), "\xC3\xA9\xE2\x82\xAC");
 }
 
+TEST(XmlLoad, DecodesUtf16WithoutAMark) {
+  const std::string little("<\0a\0>\0\xE9\0\xAC\x20<\0/\0a\0>\0", 18);
+  EXPECT_EQ(Document::Load(little).Root().Text(), "\xC3\xA9\xE2\x82\xAC");
+  const std::string big("\0<\0a\0>\0\xE9\x20\xAC\0<\0/\0a\0>", 18);
+  EXPECT_EQ(Document::Load(big).Root().Text(), "\xC3\xA9\xE2\x82\xAC");
+}
+
+struct Encoded {
+  const char* name;
+  const char* bytes;
+  const char* text;
+  bool mayBeUnknownToWine = false;
+};
+
+void PrintTo(const Encoded& encoded, std::ostream* out) { *out << encoded.name; }
+
+class XmlEncoding : public testing::TestWithParam<Encoded> {};
+
+TEST_P(XmlEncoding, IsReadByEveryAdapter) {
+  const std::string file = "<?xml version=\"1.0\" encoding=\"" + std::string(GetParam().name) + "\"?><a b=\"" +
+                           GetParam().bytes + "\">" + GetParam().bytes + "</a>";
+  const Document document = Document::Load(file);
+  if (GetParam().mayBeUnknownToWine && test::RunsUnderWine() && document.IsEmpty()) {
+    GTEST_SKIP() << "Wine has no table for " << GetParam().name;
+  }
+  EXPECT_EQ(document.ParseError(), "");
+  ASSERT_FALSE(document.IsEmpty());
+  EXPECT_EQ(document.Root().Text(), GetParam().text);
+  EXPECT_EQ(document.Root().Attribute("b"), GetParam().text);
+  EXPECT_EQ(Document::Load(document.Bytes()).Root().Text(), GetParam().text) << "and written so that it reads again";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    KnownToWindows, XmlEncoding,
+    testing::Values(
+        Encoded{"windows-1250", "\xB9", "ą"}, Encoded{"windows-1251", "\xDF", "Я"},
+        Encoded{"windows-1253", "\xE1", "α"}, Encoded{"windows-1254", "\xFE", "ş"},
+        Encoded{"windows-1255", "\xE0", "א"}, Encoded{"windows-1256", "\xC7", "ا"},
+        Encoded{"windows-1257", "\xE0", "ą"}, Encoded{"windows-1258", "\xFE", "₫"}, Encoded{"windows-874", "\xA1", "ก"},
+        Encoded{"ISO-8859-2", "\xB1", "ą"}, Encoded{"ISO-8859-3", "\xB1", "ħ"}, Encoded{"ISO-8859-4", "\xB1", "ą"},
+        Encoded{"ISO-8859-5", "\xCF", "Я"}, Encoded{"ISO-8859-6", "\xC7", "ا"}, Encoded{"ISO-8859-7", "\xE1", "α"},
+        Encoded{"ISO-8859-8", "\xE0", "א"}, Encoded{"ISO-8859-9", "\xFE", "ş"}, Encoded{"ISO-8859-13", "\xE0", "ą"},
+        Encoded{"ISO-8859-15", "\xA4", "€"}, Encoded{"koi8-r", "\xF1", "Я"}, Encoded{"koi8-u", "\xA4", "є"},
+        Encoded{"IBM437", "\x84", "ä"}, Encoded{"IBM850", "\x84", "ä"}, Encoded{"cp866", "\x9F", "Я"},
+        Encoded{"macintosh", "\x8A", "ä"}, Encoded{"Shift_JIS", "\x93\xFA\x96{", "日本"},
+        Encoded{"shift_jis", "\x87\x40", "①"}, Encoded{"gb2312", "\xC8\xD5", "日"}, Encoded{"GBK", "\x96\x7C", "東"},
+        Encoded{"gb2312", "\x96\x7C", "東"}, Encoded{"big5", "\xA4\xE9", "日"},
+        Encoded{"ks_c_5601-1987", "\xC0\xCF", "일"}, Encoded{"euc-kr", "\xC0\xCF", "일"},
+        Encoded{"EUC-JP", "\xC6\xFC", "日"}, Encoded{"iso-2022-jp", "\x1B$BF|\x1B(B", "日", true},
+        Encoded{"GB18030", "\xC8\xD5", "日", true}, Encoded{"utf-7", "+ZeU-", "日"}, Encoded{"latin1", "\xE4", "ä"},
+        Encoded{"x-sjis", "\x93\xFA", "日"}, Encoded{"utf8", "\xC3\xA4", "ä"}));
+
+TEST(XmlLoad, RefusesAnEncodingThatIsNotKnownAndSaysItsName) {
+  const Document document = Document::Load("<?xml version='1.0' encoding='x-no-such'?><a/>");
+  EXPECT_TRUE(document.IsEmpty());
+  EXPECT_EQ(document.ParseError(), "the encoding \"x-no-such\" cannot be read");
+}
+
+TEST(XmlLoad, RefusesUtf16ThatTheBytesAreNotIn) {
+  const Document document = Document::Load("<?xml version='1.0' encoding='UTF-16'?><a/>");
+  EXPECT_TRUE(document.IsEmpty());
+  EXPECT_EQ(document.ParseError(), "the declaration names \"UTF-16\", but the bytes are not in it");
+}
+
 TEST(XmlLoad, RefusesBytesThatAreNotValidInTheirEncoding) {
-  for (const char* bytes : {"<a>\xE9</a>", "<a>\xC3</a>", "<?xml version='1.0' encoding='UTF-8'?><a b='\xFF'/>"}) {
+  for (const char* bytes : {"<a>\xE9</a>", "<a>\xC3</a>", "<?xml version='1.0' encoding='UTF-8'?><a b='\xFF'/>",
+                            "<?xml version='1.0' encoding='Shift_JIS'?><a>\x93</a>",
+                            "<?xml version='1.0' encoding='ISO-8859-7'?><a>\xFF</a>"}) {
     const Document document = Document::Load(bytes);
     EXPECT_TRUE(document.IsEmpty());
     EXPECT_NE(document.ParseError(), "");

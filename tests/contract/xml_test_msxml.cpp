@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <thread>
@@ -10,6 +11,7 @@
 #include "adapters/msxml/msxml_document.h"
 #include "seams/automation_error.h"
 #include "tests/contract/contract_fixture.h"
+#include "tests/contract/xml_reading.h"
 #include "tests/support/hostile_markup.h"
 
 // What the adapter over MSXML does beyond the seam's contract: its guards, and documents that others made.
@@ -21,6 +23,14 @@ using test::RefusalOf;
 using test::Repeated;
 using windows::ComPointer;
 using xml::Document;
+
+constexpr IID kDocument2 = {0x2933BF95, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+
+// Of MSXML 3 and 6, for one apartment and free-threaded.
+constexpr CLSID kDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+constexpr CLSID kFreeThreaded30 = {0xF5078F33, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+constexpr CLSID kDocument60 = {0x88D96A05, 0xF192, 0x11D4, {0xA6, 0x5F, 0x00, 0x40, 0x96, 0x32, 0x51, 0xE5}};
+constexpr CLSID kFreeThreaded60 = {0x88D96A06, 0xF192, 0x11D4, {0xA6, 0x5F, 0x00, 0x40, 0x96, 0x32, 0x51, 0xE5}};
 
 DWORD WINAPI RunInApartment(void* act) {
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
@@ -105,23 +115,204 @@ TEST(XmlAdopted, DocumentIsChangedInPlace) {
   EXPECT_EQ(made.Root().Text(), "changed");
 }
 
-TEST(XmlAdopted, NothingAndAnotherObjectAreErrors) {
+TEST(XmlAdopted, NothingAndAnotherObjectAreErrorsThatSayWhichDocumentIsExpected) {
   EXPECT_EQ(test::RaisedBy([] { windows::AdoptDocument(nullptr); }), 91);
   const Document made = Document::Parse("<a/>");
   ComPointer<IXMLDOMElement> element;
   windows::ComDocument(made)->get_documentElement(element.Out());
   EXPECT_EQ(test::RaisedBy([&] { windows::AdoptDocument(element.Get()); }), 13);
+  EXPECT_NE(test::DescriptionOfErrorIn([&] { windows::AdoptDocument(element.Get()); }).find("DOMDocument of MSXML 3"),
+            std::string::npos);
+}
+
+windows::Variant Property(const ComPointer<IXMLDOMDocument2>& document, const char* name) {
+  windows::Variant value;
+  EXPECT_HRESULT_SUCCEEDED(document->getProperty(windows::Bstr(name).Get(), value.Out()));
+  return value;
+}
+
+std::string TextProperty(const ComPointer<IXMLDOMDocument2>& document, const char* name) {
+  const windows::Variant value = Property(document, name);
+  return V_VT(&value.Get()) == VT_BSTR ? windows::TextOf(V_BSTR(&value.Get())) : "no text";
+}
+
+void SetProperty(const ComPointer<IXMLDOMDocument2>& document, const char* name, std::string_view text) {
+  windows::Variant value;
+  V_VT(&value.Get()) = VT_BSTR;
+  V_BSTR(&value.Get()) = windows::Bstr(text).Detach();
+  EXPECT_HRESULT_SUCCEEDED(document->setProperty(windows::Bstr(name).Get(), value.Get()));
+}
+
+ComPointer<IXMLDOMDocument2> MadeBy(const CLSID& maker, std::string_view text) {
+  ComPointer<IXMLDOMDocument2> document;
+  EXPECT_HRESULT_SUCCEEDED(
+      CoCreateInstance(maker, nullptr, CLSCTX_INPROC_SERVER, kDocument2, reinterpret_cast<void**>(document.Out())));
+  document->put_async(VARIANT_FALSE);
+  VARIANT_BOOL loaded = VARIANT_FALSE;
+  document->loadXML(windows::Bstr(text).Get(), &loaded);
+  EXPECT_TRUE(loaded) << text;
+  return document;
 }
 
 TEST(XmlAdopted, DocumentIsSelectedFromByXPathWhateverItsOwnerChose) {
-  const Document made = Document::Parse("<a><b>1</b><b>2</b></a>");
-  const auto com = windows::ComDocument(made);
-  const windows::Bstr name("SelectionLanguage");
-  windows::Variant patterns;
-  V_VT(&patterns.Get()) = VT_BSTR;
-  V_BSTR(&patterns.Get()) = windows::Bstr("XSLPattern").Detach();
-  ASSERT_EQ(com->setProperty(name.Get(), patterns.Get()), S_OK);
-  EXPECT_EQ(windows::AdoptDocument(com.Get()).First("a/b[1]").Text(), "1") << "patterns count from 0";
+  const auto com = MadeBy(kDocument30, "<a><b>1</b><b>2</b></a>");
+  SetProperty(com, "SelectionLanguage", "XSLPattern");
+  const Document adopted = windows::AdoptDocument(com.Get());
+  EXPECT_EQ(adopted.First("a/b[1]").Text(), "1") << "patterns count from 0";
+  EXPECT_EQ(adopted.All("a/b[2]").front().Text(), "2");
+}
+
+TEST(XmlAdopted, DocumentKeepsTheLanguageAndTheNamespacesThatItsOwnerChose) {
+  for (const char* language : {"XSLPattern", "XPath"}) {
+    const auto com = MadeBy(kDocument30, "<a xmlns:n='urn:n'><n:b>1</n:b></a>");
+    SetProperty(com, "SelectionLanguage", language);
+    SetProperty(com, "SelectionNamespaces", "xmlns:m='urn:n'");
+    const Document adopted = windows::AdoptDocument(com.Get());
+    EXPECT_EQ(TextProperty(com, "SelectionLanguage"), language);
+    const xml::Node found = adopted.First("//m:b");
+    EXPECT_EQ(found.Text(), "1");
+    EXPECT_EQ(found.All("..").size(), 1u);
+    EXPECT_EQ(test::RaisedBy([&] { adopted.First("//m:b['"); }), 5);
+    EXPECT_EQ(test::RaisedBy([&] { adopted.All("//m:b['"); }), 5);
+    EXPECT_EQ(TextProperty(com, "SelectionLanguage"), language);
+    EXPECT_EQ(TextProperty(com, "SelectionNamespaces"), "xmlns:m='urn:n'");
+  }
+}
+
+TEST(XmlAdopted, DocumentThatGoesOutIsAsAFreshOne) {
+  const Document made = Document::Parse("<a><b/></a>");
+  made.All("//b");
+  EXPECT_EQ(TextProperty(windows::ComDocument(made), "SelectionLanguage"),
+            TextProperty(MadeBy(kDocument30, "<a/>"), "SelectionLanguage"));
+}
+
+// --- Documents of another make ---------------------------------------------------------------------------------------
+
+class XmlOfAnotherMake : public testing::TestWithParam<CLSID> {};
+
+TEST_P(XmlOfAnotherMake, TakesNodesOfOursAndGivesItsOwn) {
+  const auto com = MadeBy(GetParam(), "<COMMAND><NAME>x</NAME></COMMAND>");
+  const Document adopted = windows::AdoptDocument(com.Get());
+  const Document made = Document::Parse("<o k='v'><p>t<![CDATA[c]]></p></o>");
+  EXPECT_EQ(test::Outline(adopted.Append(made.Root())), "o(k=v)[p[#text't'#cdata-section'c']]");
+  made.Append(adopted.First("//NAME"));
+  EXPECT_EQ(test::Outline(made.Root()), "NAME[#text'x']");
+  EXPECT_EQ(test::Outline(adopted.Root()), "COMMAND[o(k=v)[p[#text't'#cdata-section'c']]]");
+}
+
+INSTANTIATE_TEST_SUITE_P(Makes, XmlOfAnotherMake,
+                         testing::Values(kDocument30, kFreeThreaded30, kDocument60, kFreeThreaded60));
+
+/// A document in the apartment of another thread: as strict about nodes as a document of another make.
+class XmlOfAnotherApartment : public testing::Test {
+ protected:
+  XmlOfAnotherApartment() {
+    thread_ = std::thread([this] {
+      CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+      const auto made = MadeBy(kDocument30, "<COMMAND><NAME>x</NAME></COMMAND>");
+      EXPECT_HRESULT_SUCCEEDED(CoMarshalInterThreadInterfaceInStream(kDocument2, made.Get(), &stream_));
+      SetEvent(ready_);
+      WaitForSingleObject(done_, INFINITE);
+      CoUninitialize();
+    });
+    WaitForSingleObject(ready_, INFINITE);
+    EXPECT_HRESULT_SUCCEEDED(
+        CoGetInterfaceAndReleaseStream(stream_, kDocument2, reinterpret_cast<void**>(proxy_.Out())));
+    adopted = windows::AdoptDocument(proxy_.Get());
+  }
+  ~XmlOfAnotherApartment() override {
+    adopted = {};
+    proxy_ = {};
+    SetEvent(done_);
+    thread_.join();
+    CloseHandle(ready_);
+    CloseHandle(done_);
+  }
+
+  Document adopted;
+
+ private:
+  const HANDLE ready_ = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  const HANDLE done_ = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  IStream* stream_ = nullptr;
+  ComPointer<IXMLDOMDocument2> proxy_;
+  std::thread thread_;
+};
+
+TEST_F(XmlOfAnotherApartment, TakesANodeOfOurs) {
+  const Document made = Document::Parse(
+      "<o k='v'><m/><p xmlns:n='urn:n' n:k='w'>t<![CDATA[c<]]><!-- d --><?i j?><n:q>u</n:q></p><r/></o>");
+  const xml::Node moved = adopted.Append(made.First("//p"));
+  EXPECT_EQ(moved.Name(), "p");
+  EXPECT_EQ(test::Outline(made.Root()), "o(k=v)[m[]r[]]") << "it is moved, not copied";
+  EXPECT_EQ(adopted.First("//p/*").Name(), "n:q");
+  EXPECT_EQ(test::Outline(test::Reparsed(adopted)),
+            "COMMAND[NAME[#text'x']p(n:k=w)[#text't'#cdata-section'c<'#comment' d 'i[]n:q[#text'u']]]")
+      << adopted.Xml();
+}
+
+TEST_F(XmlOfAnotherApartment, AHandleOnAMovedNodeAndItsCopiesStayValid) {
+  const Document made = Document::Parse("<o/>");
+  const xml::Node node = made.CreateElement("PARAMETER");
+  const xml::Node copy = node;
+  adopted.Append(node);
+  xml::AppendElement(copy, "VALUE", "7");
+  node.SetAttribute("k", "w");
+  EXPECT_EQ(test::Outline(adopted.Root()), "COMMAND[NAME[#text'x']PARAMETER(k=w)[VALUE[#text'7']]]");
+  EXPECT_EQ(node.Parent().Name(), "COMMAND");
+}
+
+TEST_F(XmlOfAnotherApartment, GivesItsNodesToADocumentOfOurs) {
+  const Document made = Document::Parse("<o/>");
+  made.Append(adopted.First("//NAME"));
+  EXPECT_EQ(test::Outline(made.Root()), "o[NAME[#text'x']]");
+  EXPECT_EQ(test::Outline(adopted.Root()), "COMMAND[]");
+}
+
+TEST_F(XmlOfAnotherApartment, TakesAPartThatIsNestedDeeply) {
+  const Document made = Document::Parse("<o>" + Repeated("<d>", 200) + "x" + Repeated("</d>", 200) + "</o>");
+  adopted.Append(made.Root().FirstChild());
+  EXPECT_EQ(adopted.All("//d").size(), 200u);
+}
+
+TEST_F(XmlOfAnotherApartment, RefusesWhatADocumentOfOursRefusesAndStaysAsItIs) {
+  const Document made = Document::Parse("<o k='v'/>");
+  EXPECT_EQ(test::RaisedBy([&] { adopted.AsNode().Append(made.Root()); }), 5) << "a second root";
+  EXPECT_EQ(test::RaisedBy([&] { adopted.Append(made.First("//@k")); }), 5);
+  EXPECT_EQ(test::Outline(made.Root()), "o(k=v)[]");
+  EXPECT_EQ(test::Outline(adopted.Root()), "COMMAND[NAME[#text'x']]");
+}
+
+using Query = HRESULT(STDMETHODCALLTYPE*)(IUnknown*, REFIID, void**);
+Query originalQuery = nullptr;
+
+HRESULT STDMETHODCALLTYPE QueryWithoutTheSecondInterface(IUnknown* self, REFIID id, void** object) {
+  if (id == kDocument2) {
+    *object = nullptr;
+    return E_NOINTERFACE;
+  }
+  return originalQuery(self, id, object);
+}
+
+/// Documents of before MSXML 3 have no second interface. The instance that this is given answers from now on as one of
+/// them: its table of members is replaced by one in which the question for interfaces refuses that one.
+void TakeAwayTheSecondInterface(IXMLDOMDocument2* document) {
+  constexpr std::size_t kMembers = 85;  // of the widest interface of a document
+  static void* table[kMembers];
+  void*** const instance = reinterpret_cast<void***>(document);
+  std::copy(*instance, *instance + kMembers, table);
+  originalQuery = reinterpret_cast<Query>(table[0]);
+  table[0] = reinterpret_cast<void*>(QueryWithoutTheSecondInterface);
+  *instance = table;
+}
+
+TEST(XmlAdopted, DocumentWithoutALanguageToChooseIsServedInItsOwn) {
+  const auto com = MadeBy(kDocument30, "<COMMAND><NAME>x</NAME></COMMAND>");
+  TakeAwayTheSecondInterface(com.Get());
+  const Document adopted = windows::AdoptDocument(com.Get());
+  EXPECT_EQ(adopted.First(".//COMMAND/NAME").Text(), "x");
+  adopted.Append(Document::Parse("<o/>").Root());
+  EXPECT_EQ(test::Outline(adopted.Root()), "COMMAND[NAME[#text'x']o[]]");
 }
 
 }  // namespace

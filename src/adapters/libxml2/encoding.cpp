@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 
+#include "formats/text/encoding_names.h"
 #include "formats/text/unicode.h"
 #include "formats/text/xml_characters.h"
 #include "seams/automation_error.h"
@@ -15,19 +16,44 @@ constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16LittleMark = "\xFF\xFE";
 constexpr std::string_view kUtf16BigMark = "\xFE\xFF";
 
-std::string Upper(std::string_view name) {
-  std::string upper(name);
-  std::transform(upper.begin(), upper.end(), upper.begin(),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 0x20) : c; });
-  return upper;
+constexpr unsigned kUtf8 = 65001;
+constexpr unsigned kUtf16Little = 1200;
+constexpr unsigned kUtf16Big = 1201;
+
+struct Renamed {
+  unsigned codePage;
+  const char* name;
+};
+
+// What this system calls code pages that it does not know by their number.
+constexpr Renamed kRenamed[] = {
+    {kUtf8, "UTF-8"},       {kUtf16Little, "UTF-16LE"}, {kUtf16Big, "UTF-16BE"}, {65000, "UTF-7"},
+    {20127, "US-ASCII"},    {20866, "KOI8-R"},          {21866, "KOI8-U"},       {51932, "EUC-JP"},
+    {50220, "ISO-2022-JP"}, {50225, "ISO-2022-KR"},     {54936, "GB18030"},      {10000, "MACINTOSH"},
+};
+
+/// How iconv calls an encoding that a document names. Names mean what they mean on Windows; one that is not known there
+/// goes to iconv as it is.
+std::string IconvNameOf(std::string_view encoding) {
+  const std::optional<unsigned> codePage = CodePageNamed(encoding);
+  if (!codePage) {
+    return std::string(encoding);
+  }
+  for (const Renamed& renamed : kRenamed) {
+    if (renamed.codePage == *codePage) {
+      return renamed.name;
+    }
+  }
+  constexpr unsigned kIsoParts = 28590;
+  return *codePage > kIsoParts && *codePage < kIsoParts + 20 ? "ISO-8859-" + std::to_string(*codePage - kIsoParts)
+                                                             : "CP" + std::to_string(*codePage);
 }
 
-bool IsUtf8Name(std::string_view name) { return name.empty() || Upper(name) == "UTF-8" || Upper(name) == "UTF8"; }
+bool IsUtf8Name(std::string_view name) { return name.empty() || CodePageNamed(name) == kUtf8; }
 
 bool IsUtf16Name(std::string_view name) {
-  static constexpr std::array<std::string_view, 5> kNames = {"UTF-16", "UTF-16LE", "UTF-16BE", "UCS-2",
-                                                             "ISO-10646-UCS-2"};
-  return std::find(kNames.begin(), kNames.end(), Upper(name)) != kNames.end();
+  const std::optional<unsigned> codePage = CodePageNamed(name);
+  return codePage == kUtf16Little || codePage == kUtf16Big;
 }
 
 bool IsNameCharacter(char c) {
@@ -69,7 +95,7 @@ std::optional<std::string> Convert(iconv_t converter, std::string_view text) {
 }
 
 Decoded DecodeFrom(const std::string& encoding, std::string_view bytes) {
-  const Converter converter = OpenConverter("UTF-8", encoding);
+  const Converter converter = OpenConverter("UTF-8", IconvNameOf(encoding));
   if (converter == nullptr) {
     return {"", "", "the encoding " + Quoted(encoding) + " cannot be read"};
   }
@@ -149,15 +175,13 @@ std::unique_ptr<Encoding> Encoding::Named(std::string_view name) {
     return encoding;
   }
   const bool utf16 = IsUtf16Name(name);
-  const bool bigEndian = Upper(name) == "UTF-16BE";
-  const std::string target = utf16 ? (bigEndian ? "UTF-16BE" : "UTF-16LE") : std::string(name);
-  encoding->converter_ = OpenConverter(target, "UTF-8");
+  encoding->converter_ = OpenConverter(IconvNameOf(name), "UTF-8");
   if (encoding->converter_ == nullptr) {
     return nullptr;
   }
   if (utf16) {
     encoding->unicode_ = true;
-    encoding->mark_ = bigEndian ? kUtf16BigMark : kUtf16LittleMark;
+    encoding->mark_ = CodePageNamed(name) == kUtf16Big ? kUtf16BigMark : kUtf16LittleMark;
     return encoding;
   }
   std::string ascii = "\t\n\r";

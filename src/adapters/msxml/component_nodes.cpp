@@ -14,11 +14,18 @@ using windows::ComPointer;
 using windows::Hex;
 using windows::Variant;
 
+constexpr std::string_view kLanguage = "SelectionLanguage";
+constexpr std::string_view kXPath = "XPath";
+
 constexpr CLSID kDomDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+
+bool IsDeclaration(const ComNode& node) {
+  return node && TypeOf(node) == NODE_PROCESSING_INSTRUCTION && NameOf(node) == "xml";
+}
 
 // The component shows a document's declaration as its first node; here it is none.
 ComNode SkipDeclaration(ComNode node) {
-  while (node && TypeOf(node) == NODE_PROCESSING_INSTRUCTION && NameOf(node) == "xml") {
+  while (IsDeclaration(node)) {
     ComNode next;
     node->get_nextSibling(next.Out());
     node = next;
@@ -89,11 +96,11 @@ ComElement AsElement(const ComNode& node) { return node.As<IXMLDOMElement>(kDomE
 
 ComDocument DocumentOf(const ComNode& node) {
   if (TypeOf(node) == NODE_DOCUMENT) {
-    return node.As<IXMLDOMDocument2>(kDomDocument2);
+    return node.As<IXMLDOMDocument>(kDomDocument);
   }
-  ComPointer<IXMLDOMDocument> owner;
+  ComDocument owner;
   Check(node->get_ownerDocument(owner.Out()), "finding a node's document");
-  return owner.As<IXMLDOMDocument2>(kDomDocument2);
+  return owner;
 }
 
 ComElement RootOf(const ComDocument& document) {
@@ -102,14 +109,29 @@ ComElement RootOf(const ComDocument& document) {
   return root;
 }
 
-void SelectByXPath(const ComDocument& document) {
-  const Bstr name("SelectionLanguage");
-  Check(document->setProperty(name.Get(), TextVariant("XPath").Get()), "choosing XPath");
+SelectingByXPath::SelectingByXPath(const ComNode& node) {
+  const auto document = DocumentOf(node).As<IXMLDOMDocument2>(kDomDocument2);
+  if (!document) {
+    return;
+  }
+  const Bstr name(kLanguage);
+  Check(document->getProperty(name.Get(), former_.Out()), "reading the selection language");
+  if (V_VT(&former_.Get()) == VT_BSTR && windows::TextOf(V_BSTR(&former_.Get())) == kXPath) {
+    return;
+  }
+  Check(document->setProperty(name.Get(), TextVariant(kXPath).Get()), "choosing XPath");
+  changed_ = document;
+}
+
+SelectingByXPath::~SelectingByXPath() {
+  if (changed_) {
+    changed_->setProperty(Bstr(kLanguage).Get(), former_.Get());
+  }
 }
 
 ComDocument NewComDocument() {
   ComDocument document;
-  const HRESULT result = CoCreateInstance(kDomDocument30, nullptr, CLSCTX_INPROC_SERVER, kDomDocument2,
+  const HRESULT result = CoCreateInstance(kDomDocument30, nullptr, CLSCTX_INPROC_SERVER, kDomDocument,
                                           reinterpret_cast<void**>(document.Out()));
   if (FAILED(result)) {
     throw MakeRuntimeError(RuntimeError::CannotCreateObject,
@@ -118,7 +140,6 @@ ComDocument NewComDocument() {
   document->put_async(VARIANT_FALSE);
   document->put_validateOnParse(VARIANT_FALSE);
   document->put_resolveExternals(VARIANT_FALSE);
-  SelectByXPath(document);
   return document;
 }
 
@@ -141,6 +162,19 @@ void LoadText(const ComDocument& document, std::string_view text) {
   const Bstr wide(text);
   VARIANT_BOOL loaded = VARIANT_FALSE;
   Check(document->loadXML(wide.Get(), &loaded), "loading a text");
+}
+
+void SetDeclaration(const ComDocument& document, std::string_view content) {
+  ComNode former;
+  document->get_firstChild(former.Out());
+  if (!IsDeclaration(former)) {
+    return;
+  }
+  ComPointer<IXMLDOMProcessingInstruction> made;
+  Check(document->createProcessingInstruction(Bstr("xml").Get(), Bstr(content).Get(), made.Out()),
+        "making a declaration");
+  ComNode replaced;
+  Check(document->replaceChild(made.Get(), former.Get(), replaced.Out()), "replacing the declaration");
 }
 
 }  // namespace parvex::xml

@@ -15,11 +15,16 @@ namespace parvex::xml {
 
 using ComNode = windows::ComPointer<IXMLDOMNode>;
 using ComElement = windows::ComPointer<IXMLDOMElement>;
-using ComDocument = windows::ComPointer<IXMLDOMDocument2>;
+/// Its second interface, which has the selection language, is asked for where it is wanted: documents of before MSXML 3
+/// lack it.
+using ComDocument = windows::ComPointer<IXMLDOMDocument>;
 
-// The import library of the compiler knows neither.
+// The import library of the compiler knows none of them.
+inline constexpr IID kDomDocument = {0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 inline constexpr IID kDomDocument2 = {0x2933BF95, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 inline constexpr IID kDomElement = {0x2933BF86, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+
+inline constexpr IID kDomAttribute = {0x2933BF85, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
 
 /// Raises a failed result; `doing` says what was tried.
 void Check(HRESULT result, const char* doing);
@@ -44,11 +49,29 @@ ComDocument DocumentOf(const ComNode& node);
 /// Null for an empty document.
 ComElement RootOf(const ComDocument& document);
 
-/// A new, empty document that selects by XPath.
+/// A new, empty document of MSXML 3.
 ComDocument NewComDocument();
-void SelectByXPath(const ComDocument& document);
+
+/// While it lives, a node's document selects by XPath; then it has again the language that it had, which its owner may
+/// have chosen. So no expression ever goes out as a pattern: a malformed one ends the process of some versions.
+/// A document without a language to choose keeps its own.
+class SelectingByXPath {
+ public:
+  explicit SelectingByXPath(const ComNode& node);
+  ~SelectingByXPath();
+  SelectingByXPath(const SelectingByXPath&) = delete;
+  SelectingByXPath& operator=(const SelectingByXPath&) = delete;
+
+ private:
+  windows::ComPointer<IXMLDOMDocument2> changed_;  // null when there is nothing to put back
+  windows::Variant former_;
+};
+
 /// Leaves the document empty, with its own parse error, when the text does not parse.
 void LoadText(const ComDocument& document, std::string_view text);
+
+/// Gives the document's declaration, if it has one, this content.
+void SetDeclaration(const ComDocument& document, std::string_view content);
 
 void ClearChildren(const ComNode& node);
 void AppendTextNode(const ComNode& element, std::string_view text);

@@ -35,6 +35,9 @@ struct Adapter {
     return node;
   }
 
+  /// Another node for a handle and all its copies.
+  static void PutInPlace(const Node& node, ComNode com) { static_cast<Box*>(node.handle_)->node = std::move(com); }
+
   static Document DocumentOn(const ComDocument& com) {
     Document document;
     document.node_ = HandleOn(ComNode::Share(com.Get()));

@@ -7,6 +7,7 @@
 #include "adapters/msxml/handle_box.h"
 #include "adapters/msxml/markup_encoding.h"
 #include "adapters/msxml/refusals.h"
+#include "adapters/msxml/transplant.h"
 #include "adapters/windows/system_error.h"
 #include "formats/text/text.h"
 #include "formats/text/xml_characters.h"
@@ -107,6 +108,7 @@ std::string Node::Xml() const {
 
 Node Node::First(std::string_view xpath) const {
   const ComNode& node = Adapter::Com(*this, "First");
+  const SelectingByXPath language(node);
   const Bstr expression(xpath);
   ComNode found;
   const HRESULT result = xpath.empty() ? E_INVALIDARG : node->selectSingleNode(expression.Get(), found.Out());
@@ -118,6 +120,7 @@ Node Node::First(std::string_view xpath) const {
 
 std::vector<Node> Node::All(std::string_view xpath) const {
   const ComNode& node = Adapter::Com(*this, "All");
+  const SelectingByXPath language(node);
   const Bstr expression(xpath);
   ComPointer<IXMLDOMNodeList> list;
   const HRESULT result = xpath.empty() ? E_INVALIDARG : node->selectNodes(expression.Get(), list.Out());
@@ -179,7 +182,9 @@ Node Node::Append(const Node& child) const {
   const ComNode& moved = Adapter::Com(child, "Append");
   RefuseAppend(parent, moved);
   ComNode appended;
-  Check(parent->appendChild(moved.Get(), appended.Out()), "appending a node");
+  if (FAILED(parent->appendChild(moved.Get(), appended.Out()))) {
+    Adapter::PutInPlace(child, MoveByCopy(moved, parent));
+  }
   return child;
 }
 
@@ -210,7 +215,11 @@ Document Document::Parse(std::string_view text) {
   Document document = Adapter::DocumentOn(com);
   std::string refusal = windows::RefusedMarkup(text);
   if (refusal.empty()) {
-    LoadText(com, text);
+    const windows::NeutralMarkup neutral = windows::WithoutEncoding(text);
+    LoadText(com, neutral.text);
+    if (!neutral.declaration.empty()) {
+      SetDeclaration(com, neutral.declaration);
+    }
   }
   Adapter::BoxOf(document)->refusal = std::move(refusal);
   return document;

@@ -4,35 +4,58 @@
 
 #include <optional>
 
-#include "adapters/windows/wide_text.h"
+#include "adapters/windows/code_page_text.h"
+#include "adapters/windows/mlang.h"
 #include "formats/text/encoded_text.h"
+#include "formats/text/encoding_names.h"
 #include "formats/text/markup_bounds.h"
 #include "formats/text/text.h"
 #include "formats/text/unicode.h"
 #include "formats/text/xml_characters.h"
+#include "seams/automation_error.h"
 
 namespace parvex::windows {
 namespace {
 
 constexpr UINT kUtf8 = 65001;
-constexpr UINT kUtf16 = 1200;
+constexpr UINT kUtf16Little = 1200;
+constexpr UINT kUtf16Big = 1201;
 
-struct KnownEncoding {
-  std::string_view name;
-  UINT codePage;
+/// Names that are not known to every platform are asked of the system.
+std::optional<UINT> CodePageOf(const std::string& name) {
+  const std::optional<unsigned> known = CodePageNamed(name);
+  return known ? known : CodePageByMlang(name);
+}
+
+bool IsUtf16CodePage(UINT codePage) { return codePage == kUtf16Little || codePage == kUtf16Big; }
+
+/// How bytes are encoded that tell it without a declaration: by a byte order mark, or as UTF-16 by the zero bytes
+/// beside their first character.
+TextEncoding EncodingOfMarkup(std::string_view bytes) {
+  if (bytes.starts_with(std::string_view("<\0", 2))) {
+    return TextEncoding::Utf16Little;
+  }
+  return bytes.starts_with(std::string_view("\0<", 2)) ? TextEncoding::Utf16Big : EncodingOf(bytes);
+}
+
+/// Where a pseudo-attribute and its value stand in a declaration's content.
+struct Place {
+  std::size_t begin = 0;
+  std::size_t value = 0;
+  std::size_t end = 0;  ///< behind the quote that closes it
 };
 
-constexpr KnownEncoding kEncodings[] = {
-    {"UTF-8", kUtf8},       {"UTF-16", kUtf16},     {"US-ASCII", 20127},    {"WINDOWS-1250", 1250},
-    {"WINDOWS-1251", 1251}, {"WINDOWS-1252", 1252}, {"WINDOWS-1253", 1253}, {"WINDOWS-1254", 1254},
-    {"WINDOWS-1257", 1257}, {"ISO-8859-1", 28591},  {"ISO-8859-2", 28592},  {"ISO-8859-15", 28605},
-};
-
-std::optional<UINT> CodePageOf(std::string_view name) {
-  const std::string upper = ToUpper(name);
-  for (const KnownEncoding& known : kEncodings) {
-    if (known.name == upper) {
-      return known.codePage;
+std::optional<Place> PlaceOfAttribute(std::string_view declaration, std::string_view name) {
+  for (std::size_t pos = declaration.find(name); pos != std::string_view::npos; pos = declaration.find(name, pos + 1)) {
+    std::size_t at = pos + name.size();
+    while (at < declaration.size() && (xml::IsBlank(declaration[at]) || declaration[at] == '=')) {
+      ++at;
+    }
+    if (at < declaration.size() && (declaration[at] == '"' || declaration[at] == '\'')) {
+      const std::size_t close = declaration.find(declaration[at], at + 1);
+      if (close != std::string_view::npos) {
+        return Place{pos, at + 1, close + 1};
+      }
     }
   }
   return std::nullopt;
@@ -40,57 +63,39 @@ std::optional<UINT> CodePageOf(std::string_view name) {
 
 /// The value of a pseudo-attribute in a declaration's content; empty when it has none.
 std::string PseudoAttribute(std::string_view declaration, std::string_view name) {
-  for (std::size_t pos = declaration.find(name); pos != std::string_view::npos; pos = declaration.find(name, pos + 1)) {
-    std::size_t at = pos + name.size();
-    while (at < declaration.size() && (declaration[at] == ' ' || declaration[at] == '=')) {
-      ++at;
-    }
-    if (at < declaration.size() && (declaration[at] == '"' || declaration[at] == '\'')) {
-      const std::size_t end = declaration.find(declaration[at], at + 1);
-      if (end != std::string_view::npos) {
-        return std::string(declaration.substr(at + 1, end - at - 1));
-      }
-    }
-  }
-  return {};
+  const auto place = PlaceOfAttribute(declaration, name);
+  return place ? std::string(declaration.substr(place->value, place->end - 1 - place->value)) : std::string();
 }
 
 /// What stands between "<?xml" and "?>" at the head of a text; empty when there is no declaration.
 std::string_view DeclarationIn(std::string_view text) {
-  if (!text.starts_with("<?xml ")) {
+  if (!text.starts_with("<?xml") || text.size() == 5 || !xml::IsBlank(text[5])) {
     return {};
   }
   const std::size_t end = text.find("?>");
   return end == std::string_view::npos ? std::string_view() : text.substr(5, end - 5);
 }
 
-/// Nothing when the bytes are not valid in the code page.
-std::optional<std::string> FromCodePage(std::string_view bytes, UINT codePage) {
-  if (bytes.empty()) {
-    return std::string();
+/// Whether markup can be written in a code page: one in which ASCII is single bytes, or the declaration could not be
+/// read back.
+bool KeepsAscii(UINT codePage) {
+  std::string ascii = "\t\n\r";
+  for (char c = 0x20; c < 0x7F; ++c) {
+    ascii += c;
   }
-  const int count = static_cast<int>(bytes.size());
-  const int units = MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, bytes.data(), count, nullptr, 0);
-  if (units == 0) {
-    return std::nullopt;
-  }
-  std::wstring wide(static_cast<std::size_t>(units), L'\0');
-  MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, bytes.data(), count, wide.data(), units);
-  return Narrow(wide);
+  return ToCodePageExactly(ascii, codePage) == ascii;
 }
 
-/// The bytes of one character, nothing when the code page lacks it.
-std::optional<std::string> InCodePage(std::string_view character, UINT codePage) {
-  const std::wstring wide = Widen(character);
-  char bytes[8];
-  BOOL replaced = FALSE;
-  const int count = WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, wide.data(), static_cast<int>(wide.size()),
-                                        bytes, sizeof bytes, nullptr, &replaced);
-  return count == 0 || replaced ? std::nullopt : std::optional(std::string(bytes, static_cast<std::size_t>(count)));
+/// The code page to write markup in that names this encoding; UTF-8 without a name, nothing for a name that is not
+/// known or does not keep ASCII.
+std::optional<UINT> CodePageToWrite(const std::string& name) {
+  const std::optional<UINT> codePage = name.empty() ? kUtf8 : CodePageOf(name);
+  const bool isUsable = codePage && (*codePage == kUtf8 || IsUtf16CodePage(*codePage) || KeepsAscii(*codePage));
+  return isUsable ? codePage : std::nullopt;
 }
 
-/// Markup in a single-byte code page.
-std::string ToCodePage(std::string_view markup, UINT codePage) {
+/// Markup in a code page; a character that it lacks is a reference.
+std::string MarkupIn(std::string_view markup, UINT codePage) {
   std::string bytes;
   bytes.reserve(markup.size());
   bool inSection = false;
@@ -106,7 +111,7 @@ std::string ToCodePage(std::string_view markup, UINT codePage) {
     const std::string_view character = markup.substr(from, pos - from);
     if (code < 0x80) {
       bytes.append(character);
-    } else if (const auto known = InCodePage(character, codePage)) {
+    } else if (const auto known = ToCodePageExactly(character, codePage)) {
       bytes.append(*known);
     } else {
       const std::string reference = "&#" + std::to_string(static_cast<std::uint32_t>(code)) + ";";
@@ -215,8 +220,9 @@ std::string RefusedEntities(std::string_view text) {
 }  // namespace
 
 std::string DecodeMarkup(std::string_view bytes, std::string& refusal) {
-  const TextEncoding encoding = EncodingOf(bytes);
-  const std::string_view content = bytes.substr(MarkOf(encoding).size());
+  const TextEncoding encoding = EncodingOfMarkup(bytes);
+  const std::string_view mark = MarkOf(encoding);
+  const std::string_view content = bytes.substr(bytes.starts_with(mark) ? mark.size() : 0);
   if (IsUtf16(encoding)) {
     // Half of a surrogate pair is kept: the component refuses it.
     return FromUtf16(UnitsOf(content, encoding), LoneSurrogates::Kept);
@@ -224,15 +230,31 @@ std::string DecodeMarkup(std::string_view bytes, std::string& refusal) {
   const bool hasMark = encoding == TextEncoding::Utf8;
   const std::string name = hasMark ? "UTF-8" : PseudoAttribute(DeclarationIn(content), "encoding");
   const std::optional<UINT> codePage = name.empty() ? kUtf8 : CodePageOf(name);
-  if (!codePage || *codePage == kUtf16) {
-    refusal = "the encoding \"" + name + "\" cannot be read";
+  if (codePage && IsUtf16CodePage(*codePage)) {
+    refusal = "the declaration names " + Quoted(name) + ", but the bytes are not in it";
     return {};
   }
-  const std::optional<std::string> text = FromCodePage(content, *codePage);
+  if (!codePage || !IsKnownCodePage(*codePage)) {
+    refusal = "the encoding " + Quoted(name) + " cannot be read";
+    return {};
+  }
+  const std::optional<std::string> text = FromCodePageExactly(content, *codePage);
   if (!text) {
-    refusal = "bytes that are not valid in the encoding \"" + (name.empty() ? "UTF-8" : name) + "\"";
+    refusal = "bytes that are not valid in the encoding " + Quoted(name.empty() ? "UTF-8" : name);
   }
   return text.value_or("");
+}
+
+NeutralMarkup WithoutEncoding(std::string_view markup) {
+  const std::string_view declaration = DeclarationIn(markup);
+  const auto place = PlaceOfAttribute(declaration, "encoding");
+  if (!place) {
+    return {std::string(markup), ""};
+  }
+  NeutralMarkup neutral = {std::string(markup), std::string(TrimBlanks(declaration))};
+  constexpr std::size_t kBeforeDeclaration = 5;
+  neutral.text.replace(kBeforeDeclaration + place->begin, place->end - place->begin, place->end - place->begin, ' ');
+  return neutral;
 }
 
 std::string EncodeMarkup(std::string_view markup, std::string_view declaration) {
@@ -242,8 +264,9 @@ std::string EncodeMarkup(std::string_view markup, std::string_view declaration) 
   const std::string version = PseudoAttribute(declaration, "version");
   const std::string standalone = PseudoAttribute(declaration, "standalone");
   std::string name = PseudoAttribute(declaration, "encoding");
-  const UINT codePage = name.empty() ? kUtf8 : CodePageOf(name).value_or(0);
-  if (codePage == 0) {
+  const std::optional<UINT> known = CodePageToWrite(name);
+  const UINT codePage = known.value_or(kUtf8);
+  if (!known) {
     name = "UTF-8";
   }
   std::string text = "<?xml version=\"" + (version.empty() ? "1.0" : version) + "\"";
@@ -251,10 +274,10 @@ std::string EncodeMarkup(std::string_view markup, std::string_view declaration) 
   text += standalone.empty() ? "" : " standalone=\"" + standalone + "\"";
   text += "?>";
   text.append(DeclarationIn(markup).empty() ? markup : markup.substr(markup.find("?>") + 2));
-  if (codePage == kUtf16) {
-    return WithMark(text, TextEncoding::Utf16Little);
+  if (IsUtf16CodePage(codePage)) {
+    return WithMark(text, codePage == kUtf16Big ? TextEncoding::Utf16Big : TextEncoding::Utf16Little);
   }
-  return codePage == kUtf8 || codePage == 0 ? text : ToCodePage(text, codePage);
+  return codePage == kUtf8 ? text : MarkupIn(text, codePage);
 }
 
 std::string RefusedMarkup(std::string_view text) {

@@ -12,6 +12,14 @@ namespace parvex::windows {
 /// valid in their encoding leave a reason in `refusal`.
 std::string DecodeMarkup(std::string_view bytes, std::string& refusal);
 
+struct NeutralMarkup {
+  std::string text;         ///< as long as the markup, so that places in it stay
+  std::string declaration;  ///< the content that the declaration had; empty when nothing was taken out
+};
+
+/// Markup whose declaration names no encoding: the component may refuse a text that names one which it does not know.
+NeutralMarkup WithoutEncoding(std::string_view markup);
+
 /// Bytes for `markup` (UTF-8; its own declaration, if any, is replaced) in the encoding that the declaration's
 /// pseudo-attributes name. Without a declaration: UTF-8. An encoding that is not known is written as UTF-8, and the
 /// declaration says so. Characters that the encoding lacks become references; in CDATA sections they stand between two.

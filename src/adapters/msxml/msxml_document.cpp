@@ -10,19 +10,27 @@ xml::Document AdoptDocument(IUnknown* unknown) {
   if (unknown == nullptr) {
     throw MakeRuntimeError(RuntimeError::ObjectNotSet, "no command document was given");
   }
-  ComPointer<IXMLDOMDocument2> document;
-  if (FAILED(unknown->QueryInterface(xml::kDomDocument2, reinterpret_cast<void**>(document.Out())))) {
-    throw MakeRuntimeError(RuntimeError::TypeMismatch, "the object given is no MSXML document");
+  xml::ComDocument document;
+  if (FAILED(unknown->QueryInterface(xml::kDomDocument, reinterpret_cast<void**>(document.Out())))) {
+    throw MakeRuntimeError(RuntimeError::TypeMismatch, "the object given is no MSXML document: " + ExpectedDocument());
   }
-  xml::SelectByXPath(document);
   return xml::Adapter::DocumentOn(document);
+}
+
+std::string ExpectedDocument() {
+  return "a DOMDocument of MSXML 3, or of another version that has its interface IXMLDOMDocument, is expected";
 }
 
 ComPointer<IXMLDOMDocument2> ComDocument(const xml::Document& document) {
   if (!document) {
     return {};
   }
-  return xml::DocumentOf(xml::Adapter::Com(document.AsNode(), "ComDocument"));
+  auto com =
+      xml::DocumentOf(xml::Adapter::Com(document.AsNode(), "ComDocument")).As<IXMLDOMDocument2>(xml::kDomDocument2);
+  if (!com) {
+    throw MakeRuntimeError(RuntimeError::TypeMismatch, "the document has no interface IXMLDOMDocument2");
+  }
+  return com;
 }
 
 }  // namespace parvex::windows

@@ -7,7 +7,7 @@
 
 namespace parvex::windows {
 
-/// Bytes in the system's ANSI code page, "?" for a character that it lacks.
+/// Between text and the system's ANSI code page, which may be UTF-8, as ToCodePage and FromCodePage do it.
 std::string ToAnsi(std::string_view text);
 std::string FromAnsi(std::string_view bytes);
 

@@ -176,6 +176,61 @@ TEST(Apartments, ADocumentTravelsThroughTheProxyAndItsReplyBack) {
   EXPECT_EQ(TextAt(reply.Get(), "//TAG/NAME"), "RTU-1");
 }
 
+/// A multi-threaded apartment that stands while this lives; threads that never asked for an apartment are in it.
+class OpenApartment {
+ public:
+  OpenApartment() {
+    thread_ = std::thread([this] {
+      CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+      SetEvent(ready_);
+      WaitForSingleObject(done_, INFINITE);
+      CoUninitialize();
+    });
+    WaitForSingleObject(ready_, INFINITE);
+  }
+  ~OpenApartment() {
+    SetEvent(done_);
+    thread_.join();
+    CloseHandle(ready_);
+    CloseHandle(done_);
+  }
+  OpenApartment(const OpenApartment&) = delete;
+  OpenApartment& operator=(const OpenApartment&) = delete;
+
+ private:
+  const HANDLE ready_ = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  const HANDLE done_ = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  std::thread thread_;
+};
+
+// Its documents live on the spot, its instance in an apartment that the system provides: each is a stranger to the
+// other.
+TEST(Apartments, AHostThreadWithoutAnApartmentOfItsOwnIsServed) {
+  const OpenApartment apartment;
+  std::thread([] {
+    const auto pull = Make<LegacyORLAPull, ILegacyORLAPull>();
+    ASSERT_TRUE(pull);
+    for (const auto& [command, expected] :
+         {std::pair{Command("getProjectProperties", {{"projectName", "Riverside Clinic"}}), "Riverside Clinic"},
+          std::pair{Command("getTagList", {{"projectName", "Riverside Clinic"}}), "RTU-1"},
+          std::pair{Command("renameTag", {{"projectName", "Riverside Clinic"},
+                                          {"tagName", "no such tag"},
+                                          {"newTagName", "x"},
+                                          {"pdsg", "XRC47"}}),
+                    "LegacyORLA"}}) {
+      EXPECT_THAT(ReplyTo(pull, command), HasSubstr(expected)) << command;
+    }
+    const auto changed = NewDocument(Command("getProjectProperties", {{"projectName", "Riverside Clinic"}}));
+    changed->AddRef();
+    domDocument* argument = reinterpret_cast<domDocument*>(static_cast<IUnknown*>(changed.Get()));
+    domDocument* answered = nullptr;
+    ASSERT_EQ(pull->Pull(&argument, &answered), S_OK) << TakeErrorInfo().description;
+    const auto back = ComPointer<IUnknown>::Attach(reinterpret_cast<IUnknown*>(argument));
+    const auto reply = ComPointer<IUnknown>::Attach(reinterpret_cast<IUnknown*>(answered));
+    EXPECT_EQ(TextAt(changed.Get(), "/COMMAND/PARAMETER[NAME='pdsg']/VALUE"), "KDQ47");
+  }).join();
+}
+
 TEST(Apartments, AFailureTravelsThroughTheProxyWithItsNumber) {
   Elsewhere<cBinEncoder, IcBinEncoder> elsewhere;
   const ComPointer<IcBinEncoder> proxy = elsewhere.Proxy();

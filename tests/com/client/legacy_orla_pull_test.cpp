@@ -58,6 +58,57 @@ TEST_F(CommandInterface, TheCallersDocumentIsChangedInPlaceAndTheReplyIsADocumen
   EXPECT_NE(Reply().As<IUnknown>(IID_IUnknown).Get(), command.As<IUnknown>(IID_IUnknown).Get());
 }
 
+std::string Language(IXMLDOMDocument2* document) {
+  Variant language;
+  EXPECT_HRESULT_SUCCEEDED(document->getProperty(Bstr("SelectionLanguage").Get(), language.Out()));
+  return TextOf(V_BSTR(&language.Get()));
+}
+
+TEST_F(CommandInterface, TheCallersDocumentKeepsItsSelectionLanguageAlsoWhenTheCallFails) {
+  for (const char* language : {"XSLPattern", "XPath"}) {
+    const Bstr chosen(language);
+    for (const auto& xml : {Command("getProjectProperties", {{"projectName", "Riverside Clinic"}}),
+                            Command("noSuchCommand"), std::string("<COMMAND/>")}) {
+      const auto command = NewDocument(xml);
+      ASSERT_HRESULT_SUCCEEDED(command->setProperty(Bstr("SelectionLanguage").Get(), Borrowed(chosen.Get())));
+      EXPECT_EQ(Pull(command.Get()), xml == "<COMMAND/>" ? kObjectNotSet : S_OK);
+      EXPECT_EQ(Language(command.Get()), language) << xml;
+    }
+  }
+}
+
+TEST_F(CommandInterface, AReplySelectsAsAFreshDocumentDoes) {
+  for (const auto& xml : {Command("getTagList", {{"projectName", "Riverside Clinic"}}), Command("noSuchCommand")}) {
+    ASSERT_EQ(Pull(NewDocument(xml).Get()), S_OK);
+    EXPECT_EQ(Language(Reply().Get()), Language(NewDocument("<a/>").Get())) << xml;
+  }
+}
+
+// Of MSXML 3 free-threaded, of MSXML 6 and of MSXML 6 free-threaded; the reply is one of MSXML 3 all the same.
+constexpr CLSID kOtherMakes[] = {
+    {0xF5078F33, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}},
+    {0x88D96A05, 0xF192, 0x11D4, {0xA6, 0x5F, 0x00, 0x40, 0x96, 0x32, 0x51, 0xE5}},
+    {0x88D96A06, 0xF192, 0x11D4, {0xA6, 0x5F, 0x00, 0x40, 0x96, 0x32, 0x51, 0xE5}},
+};
+
+TEST_F(CommandInterface, ADocumentOfAnotherMakeIsServedAsItIs) {
+  for (const CLSID& make : kOtherMakes) {
+    ComPointer<IXMLDOMDocument2> command;
+    ASSERT_HRESULT_SUCCEEDED(
+        CoCreateInstance(make, nullptr, CLSCTX_INPROC_SERVER, kXmlDocument2, reinterpret_cast<void**>(command.Out())));
+    command->put_async(VARIANT_FALSE);
+    VARIANT_BOOL parsed = VARIANT_FALSE;
+    const Bstr xml(Command("getProjectProperties", {{"projectName", "Riverside Clinic"}}));
+    ASSERT_EQ(command->loadXML(xml.Get(), &parsed), S_OK);
+    const std::string language = Language(command.Get());
+    ASSERT_EQ(Pull(command.Get()), S_OK) << TakeErrorInfo().description;
+    EXPECT_EQ(TextAt(Reply().Get(), "//NAME"), "Riverside Clinic");
+    EXPECT_EQ(TextAt(command.Get(), "//COMMAND/PARAMETER[NAME='pdsg']/VALUE"), "KDQ47");
+    EXPECT_EQ(Language(command.Get()), language);
+    EXPECT_EQ(Language(Reply().Get()), Language(NewDocument("<a/>").Get()));
+  }
+}
+
 TEST_F(CommandInterface, TheReplyBelongsToTheCallerAlone) {
   ASSERT_EQ(Pull(NewDocument(Command("getOptions")).Get()), S_OK);
   EXPECT_EQ(ReferenceCount(reply), 1u);
@@ -80,7 +131,9 @@ TEST_F(CommandInterface, AnObjectOfAnotherKindAndNoObjectAreRefused) {
   const auto tag = Make<TagCls, ITagCls>();
   EXPECT_EQ(Pull(tag.Get()), kTypeMismatch);
   EXPECT_FALSE(reply);
-  EXPECT_EQ(TakeErrorInfo().source, "Parvex");
+  const RaisedError raised = TakeErrorInfo();
+  EXPECT_EQ(raised.source, "Parvex");
+  EXPECT_THAT(raised.description, HasSubstr("DOMDocument of MSXML 3"));
   EXPECT_EQ(ReferenceCount(tag), 1u);
   EXPECT_EQ(Pull(nullptr), kObjectNotSet);
   EXPECT_NE(TakeErrorInfo().description, "");

@@ -165,9 +165,9 @@ TEST(SetParamValue, IsFalseForAMissingParameterAndWithoutDocument) {
 }
 
 TEST(MakeParameterElement, HoldsNameThenValue) {
-  EXPECT_EQ(MakeParameterElement("a&b", "<c>").Xml(),
+  EXPECT_EQ(MakeParameterElement(xml::Document::New(), "a&b", "<c>").Xml(),
             "<PARAMETER><NAME>a&amp;b</NAME><VALUE>&lt;c&gt;</VALUE></PARAMETER>");
-  EXPECT_EQ(MakeParameterElement("a", "").Xml(), "<PARAMETER><NAME>a</NAME><VALUE/></PARAMETER>");
+  EXPECT_EQ(MakeParameterElement(xml::Document::New(), "a", "").Xml(), "<PARAMETER><NAME>a</NAME><VALUE/></PARAMETER>");
 }
 
 TEST(AddParameter, AppendsBehindTheFrontEndsOwnParameters) {

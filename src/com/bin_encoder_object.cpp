@@ -30,8 +30,11 @@ HRESULT BinEncoderObject::Encode(BSTR text, BSTR* base64) {
   return Guard([&] { GiveText(base64, encoder_.Encode(TextOf(text))); });
 }
 
-HRESULT BinEncoderObject::EncodeArr(SAFEARRAY* bytes, BSTR* base64) {
-  return Guard([&] { GiveText(base64, encoder_.EncodeArr(BytesOf(bytes, "bytes"))); });
+HRESULT BinEncoderObject::EncodeArr(SAFEARRAY** bytes, BSTR* base64) {
+  return Guard([&] {
+    RequirePointer(bytes, "bytes");
+    GiveText(base64, encoder_.EncodeArr(BytesOf(*bytes, "bytes")));
+  });
 }
 
 HRESULT BinEncoderObject::EncodeFromFile(BSTR fileName, BSTR* base64) {

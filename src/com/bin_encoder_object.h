@@ -17,7 +17,7 @@ class BinEncoderObject : public DualObject<IcBinEncoder> {
   HRESULT STDMETHODCALLTYPE DecodeArr(BSTR base64, SAFEARRAY** bytes) override;
   HRESULT STDMETHODCALLTYPE DecodeToFile(BSTR base64, BSTR fileName) override;
   HRESULT STDMETHODCALLTYPE Encode(BSTR text, BSTR* base64) override;
-  HRESULT STDMETHODCALLTYPE EncodeArr(SAFEARRAY* bytes, BSTR* base64) override;
+  HRESULT STDMETHODCALLTYPE EncodeArr(SAFEARRAY** bytes, BSTR* base64) override;
   HRESULT STDMETHODCALLTYPE EncodeFromFile(BSTR fileName, BSTR* base64) override;
 
  protected:

@@ -130,14 +130,20 @@ class BaseUnitClsObject : public DualObject<IBaseUnitCls> {
   HRESULT STDMETHODCALLTYPE get_Accessories(SAFEARRAY** value) override {
     return Guard([&] { GiveReferences(value, accessories_, __uuidof(IAccessoryCls)); });
   }
-  HRESULT STDMETHODCALLTYPE put_Accessories(SAFEARRAY* value) override {
-    return Guard([&] { accessories_ = ReadReferences(value, __uuidof(IAccessoryCls), "Accessories"); });
+  HRESULT STDMETHODCALLTYPE put_Accessories(SAFEARRAY** value) override {
+    return Guard([&] {
+      RequirePointer(value, "Accessories");
+      accessories_ = ReadReferences(*value, __uuidof(IAccessoryCls), "Accessories");
+    });
   }
   HRESULT STDMETHODCALLTYPE get_Warranties(SAFEARRAY** value) override {
     return Guard([&] { GiveReferences(value, warranties_, __uuidof(IWarrantyCls)); });
   }
-  HRESULT STDMETHODCALLTYPE put_Warranties(SAFEARRAY* value) override {
-    return Guard([&] { warranties_ = ReadReferences(value, __uuidof(IWarrantyCls), "Warranties"); });
+  HRESULT STDMETHODCALLTYPE put_Warranties(SAFEARRAY** value) override {
+    return Guard([&] {
+      RequirePointer(value, "Warranties");
+      warranties_ = ReadReferences(*value, __uuidof(IWarrantyCls), "Warranties");
+    });
   }
   HRESULT STDMETHODCALLTYPE LoadAnInstance(BSTR pdsgVal, BSTR desc, BSTR part, BSTR price, BSTR quant, BSTR mrkfor1,
                                            BSTR mrkfor2, BSTR mrkfor3, BSTR mrkfor4, BSTR bu1, BSTR bu2, BSTR supp,

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "adapters/windows/system_error.h"
+#include "com/script_arrays.h"
 #include "com_server/dual_object.h"
 #include "seams/automation_error.h"
 
@@ -83,12 +84,21 @@ SAFEARRAY* ArrayOf(const Variant& value, const char* name) {
   return V_ARRAY(&value.Get());
 }
 
-unsigned char ByteOf(VARIANT& element, const char* name, LONG index) {
+unsigned char ByteOf(const VARIANT& element, const char* name, LONG index) {
   Variant number;
-  if (FAILED(VariantChangeType(number.Out(), &element, 0, VT_UI1))) {
+  if (V_VT(&element) == VT_EMPTY ||
+      FAILED(VariantChangeType(number.Out(), const_cast<VARIANT*>(&element), 0, VT_UI1))) {
     throw Mismatch(name, "element " + std::to_string(index) + " is no byte");
   }
   return V_UI1(&number.Get());
+}
+
+std::string BytesOfScriptArray(IDispatch* array, const char* name) {
+  std::string bytes;
+  ForEachScriptElement(array, name, [&](LONG index, const VARIANT& element) {
+    bytes.push_back(static_cast<char>(ByteOf(ReadThrough(element).Get(), name, index)));
+  });
+  return bytes;
 }
 
 ComPointer<IDispatch> ReferenceOf(IUnknown* element, REFIID elementId, const char* name, LONG index) {
@@ -104,6 +114,7 @@ ComPointer<IDispatch> ReferenceIn(const VARIANT& element, REFIID elementId, cons
   const Variant value = ReadThrough(element);
   switch (V_VT(&value.Get())) {
     case VT_EMPTY:
+    case VT_NULL:
       return {};
     case VT_DISPATCH:
     case VT_UNKNOWN:
@@ -161,6 +172,9 @@ std::string BytesOf(SAFEARRAY* array, const char* name) {
 
 std::string BytesArgument(const VARIANT& value, const char* name) {
   const Variant read = ReadThrough(value);
+  if (IDispatch* const object = ScriptArrayIn(read.Get())) {
+    return BytesOfScriptArray(object, name);
+  }
   SAFEARRAY* array = ArrayOf(read, name);
   if (array == nullptr || ElementTypeOf(array) != VT_VARIANT) {
     return BytesOf(array, name);
@@ -209,6 +223,13 @@ ReferenceArray ReadReferences(SAFEARRAY* array, REFIID elementId, const char* na
 
 ReferenceArray ReferencesArgument(const VARIANT& value, REFIID elementId, const char* name) {
   const Variant read = ReadThrough(value);
+  if (IDispatch* const object = ScriptArrayIn(read.Get())) {
+    ReferenceArray references;
+    ForEachScriptElement(object, name, [&](LONG index, const VARIANT& element) {
+      references.elements.push_back(ReferenceIn(element, elementId, name, index));
+    });
+    return references;
+  }
   return ReadReferences(ArrayOf(read, name), elementId, name);
 }
 

@@ -28,7 +28,8 @@ LONG IndexArgument(const VARIANT& value, const char* name);
 /// Bytes of an array; one of another type than bytes, or with several dimensions, is a type mismatch (13). A null array
 /// has none.
 std::string BytesOf(SAFEARRAY* array, const char* name);
-/// Bytes of a late-bound array argument: an array of bytes, or one of variants that hold numbers from 0 to 255.
+/// Bytes of a late-bound array argument: an array of bytes, or one of variants, or a script engine's own, whose
+/// elements are numbers from 0 to 255.
 std::string BytesArgument(const VARIANT& value, const char* name);
 /// A new array of bytes from index 0.
 SAFEARRAY* MakeByteArray(std::string_view bytes);
@@ -44,7 +45,8 @@ struct ReferenceArray {
 /// names the array and the element's index: an element that does not have the interface `elementId`. A null array has
 /// no elements.
 ReferenceArray ReadReferences(SAFEARRAY* array, REFIID elementId, const char* name);
-/// The same for a late-bound argument.
+/// The same for a late-bound argument, which may be a script engine's own array, too. An element that it lacks is a
+/// null reference.
 ReferenceArray ReferencesArgument(const VARIANT& value, REFIID elementId, const char* name);
 /// A new array of references of that interface, for early-bound callers.
 SAFEARRAY* MakeReferences(const ReferenceArray& array, REFIID elementId);

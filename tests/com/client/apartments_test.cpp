@@ -246,7 +246,7 @@ TEST(Apartments, BytesAndTextsTravelThroughTheProxy) {
   SAFEARRAY* bytes = nullptr;
   ASSERT_EQ(proxy->DecodeArr(Bstr("TWFu").Get(), &bytes), S_OK);
   Bstr base64;
-  ASSERT_EQ(proxy->EncodeArr(bytes, base64.Out()), S_OK);
+  ASSERT_EQ(proxy->EncodeArr(&bytes, base64.Out()), S_OK);
   SafeArrayDestroy(bytes);
   EXPECT_EQ(base64.Text(), "TWFu");
 }

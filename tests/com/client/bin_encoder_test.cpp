@@ -20,7 +20,7 @@ class BinEncoder : public testing::Test {
 
   std::string Encoded(SAFEARRAY* bytes) {
     Bstr base64;
-    EXPECT_EQ(encoder->EncodeArr(bytes, base64.Out()), S_OK);
+    EXPECT_EQ(encoder->EncodeArr(&bytes, base64.Out()), S_OK);
     return base64.Text();
   }
   /// The decoded bytes; their array starts at 0.
@@ -118,7 +118,7 @@ TEST_F(BinEncoder, AnArrayOfSomethingElseIsRefused) {
   SAFEARRAYBOUND bounds[] = {{1, 0}, {1, 0}};
   Bstr base64;
   for (SAFEARRAY* array : {SafeArrayCreate(VT_I4, 1, bounds), SafeArrayCreate(VT_UI1, 2, bounds)}) {
-    EXPECT_EQ(encoder->EncodeArr(array, base64.Out()), static_cast<HRESULT>(0x800A000D));
+    EXPECT_EQ(encoder->EncodeArr(&array, base64.Out()), static_cast<HRESULT>(0x800A000D));
     EXPECT_THAT(TakeErrorInfo().description, HasSubstr("bytes"));
     SafeArrayDestroy(array);
   }

@@ -145,6 +145,8 @@ class References {
   References& operator=(const References&) = delete;
 
   SAFEARRAY* Get() const { return array_; }
+  /// As an argument by reference.
+  SAFEARRAY** Given() { return &array_; }
   void Put(LONG index, IDispatch* object) { EXPECT_EQ(SafeArrayPutElement(array_, &index, object), S_OK); }
   ComPointer<IDispatch> At(LONG index) const {
     ComPointer<IDispatch> object;
@@ -189,7 +191,7 @@ TEST(ReferenceArrays, KeepBoundsAndNullElementsAndTheObjectsThemselves) {
   for (const LONG lower : {0, 1, -3}) {
     References given(__uuidof(IAccessoryCls), lower, 2);
     given.Put(lower, first.Get());
-    ASSERT_EQ(unit->put_Accessories(given.Get()), S_OK);
+    ASSERT_EQ(unit->put_Accessories(given.Given()), S_OK);
     const References read(AccessoriesOf(unit));
     EXPECT_EQ(read.Lower(), lower);
     EXPECT_EQ(read.Upper(), lower + 1);
@@ -207,7 +209,7 @@ TEST(ReferenceArrays, AreCopiedInAndOutWhileTheirObjectsAreShared) {
   const auto second = NewAccessory("second");
   References given(__uuidof(IAccessoryCls), 1, 1);
   given.Put(1, first.Get());
-  ASSERT_EQ(unit->put_Accessories(given.Get()), S_OK);
+  ASSERT_EQ(unit->put_Accessories(given.Given()), S_OK);
   given.Put(1, second.Get());
   References read(AccessoriesOf(unit));
   EXPECT_EQ(read.At(1).Get(), static_cast<IDispatch*>(first.Get())) << "the caller's change is his own";
@@ -224,16 +226,18 @@ TEST(ReferenceArrays, LetTheirObjectsGoWithTheUnitOrTheNextArray) {
   {
     References given(__uuidof(IAccessoryCls), 1, 1);
     given.Put(1, accessory.Get());
-    ASSERT_EQ(unit->put_Accessories(given.Get()), S_OK);
+    ASSERT_EQ(unit->put_Accessories(given.Given()), S_OK);
     const References read(AccessoriesOf(unit));
     EXPECT_EQ(ReferenceCount(accessory), 4u) << "ours, the given array's, the unit's, the read array's";
   }
   EXPECT_EQ(ReferenceCount(accessory), 2u);
-  ASSERT_EQ(unit->put_Accessories(nullptr), S_OK);
+  SAFEARRAY* none = nullptr;
+  ASSERT_EQ(unit->put_Accessories(&none), S_OK);
+  EXPECT_EQ(unit->put_Accessories(nullptr), static_cast<HRESULT>(0x800A0005));
   EXPECT_EQ(ReferenceCount(accessory), 1u);
   References given(__uuidof(IAccessoryCls), 1, 1);
   given.Put(1, accessory.Get());
-  ASSERT_EQ(unit->put_Accessories(given.Get()), S_OK);
+  ASSERT_EQ(unit->put_Accessories(given.Given()), S_OK);
   EXPECT_EQ(ReferenceCount(accessory), 3u);
   EXPECT_EQ(unit.Detach()->Release(), 0u);
   EXPECT_EQ(ReferenceCount(accessory), 2u);
@@ -245,17 +249,17 @@ TEST(ReferenceArrays, AnElementOfAnotherClassIsRefusedAndTheStoredArrayStays) {
   const auto warranty = Make<WarrantyCls, IWarrantyCls>();
   References good(__uuidof(IAccessoryCls), 1, 1);
   good.Put(1, accessory.Get());
-  ASSERT_EQ(unit->put_Accessories(good.Get()), S_OK);
+  ASSERT_EQ(unit->put_Accessories(good.Given()), S_OK);
   References bad(IID_IDispatch, 4, 2);
   bad.Put(4, accessory.Get());
   bad.Put(5, warranty.Get());
-  EXPECT_EQ(unit->put_Accessories(bad.Get()), kTypeMismatch);
+  EXPECT_EQ(unit->put_Accessories(bad.Given()), kTypeMismatch);
   const RaisedError raised = TakeErrorInfo();
   EXPECT_EQ(raised.source, "Parvex");
   EXPECT_EQ(raised.interfaceId, __uuidof(IBaseUnitCls));
   EXPECT_THAT(raised.description, HasSubstr("Accessories"));
   EXPECT_THAT(raised.description, HasSubstr("5"));
-  EXPECT_EQ(unit->put_Warranties(good.Get()), kTypeMismatch);
+  EXPECT_EQ(unit->put_Warranties(good.Given()), kTypeMismatch);
   const References read(AccessoriesOf(unit));
   EXPECT_EQ(read.Upper(), 1);
   EXPECT_EQ(read.At(1).Get(), static_cast<IDispatch*>(accessory.Get()));
@@ -264,10 +268,10 @@ TEST(ReferenceArrays, AnElementOfAnotherClassIsRefusedAndTheStoredArrayStays) {
 TEST(ReferenceArrays, AnArrayOfSomethingElseIsRefused) {
   const auto unit = Make<BaseUnitCls, IBaseUnitCls>();
   SAFEARRAYBOUND bounds[] = {{1, 0}, {1, 0}};
-  const References texts(SafeArrayCreate(VT_BSTR, 1, bounds));
-  EXPECT_EQ(unit->put_Accessories(texts.Get()), kTypeMismatch);
-  const References plane(SafeArrayCreate(VT_DISPATCH, 2, bounds));
-  EXPECT_EQ(unit->put_Accessories(plane.Get()), kTypeMismatch);
+  References texts(SafeArrayCreate(VT_BSTR, 1, bounds));
+  EXPECT_EQ(unit->put_Accessories(texts.Given()), kTypeMismatch);
+  References plane(SafeArrayCreate(VT_DISPATCH, 2, bounds));
+  EXPECT_EQ(unit->put_Accessories(plane.Given()), kTypeMismatch);
   EXPECT_EQ(unit->get_Accessories(nullptr), static_cast<HRESULT>(0x800A0005));
 }
 

@@ -1,10 +1,6 @@
 # What the cross build for Windows needs beyond the native one.
 enable_language(RC)
 
-# The message router of the legacy application, as the installation registers it; the defaults are the substitute's.
-set(PARVEX_ROUTER_CLSID "{196AAAC4-3B30-44CD-BF13-4C212B3BCD3D}" CACHE STRING "Class id of the message router")
-set(PARVEX_ROUTER_IID "{E3B59D45-E9F2-4852-95E0-C034FE2B0A22}" CACHE STRING "Interface id of the message router")
-
 # The cross compiler sees none of this system's header folders. Libraries that are headers only are staged alone.
 function(parvex_stage_headers target folder)
   find_path(${target}_HEADERS ${folder} PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
@@ -17,6 +13,27 @@ endfunction()
 
 parvex_stage_headers(nlohmann_json nlohmann)
 parvex_stage_headers(CLI11 CLI)
+
+# The version resource of a program or DLL that is built as FILE, and the type library in it, if one is named.
+#
+#   parvex_resources(TARGET FILE DESCRIPTION [TYPE_LIBRARY])
+function(parvex_resources target file description)
+  set(RESOURCE_FILE ${file})
+  set(RESOURCE_DESCRIPTION ${description})
+  cmake_path(GET file STEM RESOURCE_NAME)
+  if(file MATCHES "[.]dll$")
+    set(RESOURCE_FILE_TYPE VFT_DLL)
+  else()
+    set(RESOURCE_FILE_TYPE VFT_APP)
+  endif()
+  if(ARGN)
+    set(RESOURCE_TYPE_LIBRARY "1 TYPELIB \"${ARGN}\"")
+  endif()
+  set(resources ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version_resource.rc.in ${resources} @ONLY)
+  set_source_files_properties(${resources} PROPERTIES OBJECT_DEPENDS "${ARGN}")
+  target_sources(${target} PRIVATE ${resources})
+endfunction()
 
 # GoogleTest comes as sources.
 find_path(PARVEX_GOOGLETEST_SOURCES googletest/CMakeLists.txt PATHS /usr/src/googletest NO_CMAKE_FIND_ROOT_PATH REQUIRED)

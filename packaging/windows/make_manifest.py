@@ -17,7 +17,7 @@ def main():
     library = read_library(idl)
     lines = ['<?xml version="1.0" encoding="UTF-8" standalone="yes"?>',
              '<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">',
-             f'  <assemblyIdentity type="win32" name="Parvex" version="{version}.0"'
+             f'  <assemblyIdentity type="win32" name="{Path(out).stem}" version="{version}.0"'
              f' processorArchitecture="{architecture}"/>',
              '  <file name="Parvex.dll">']
     for c in library.classes:

@@ -1,13 +1,26 @@
 """Writes the description of the installer: files, and the registration that DllRegisterServer would make.
 
-    make_wxs.py IDL VERSION x64|x86 OUT
+    make_wxs.py IDL VERSION x64|x86 OUT CONDITIONS
+
+CONDITIONS is written for finish_msi.py: what the installer's compiler has no words for.
 
 The files are expected under the names that the variable BIN of the installer's compiler gives a folder for. Everything
 is written as plain registry values, so that removing the product removes each of them.
+
+What the installers of both bitnesses write alike (programmatic ids, the type library's name, the application of the
+surrogate) stands in components that have the same identifier in both: the system counts who uses them, and removes them
+with the last one.
+
+Public properties:
+    INSTALLDIR                  the folder
+    ROUTER_CLSID, ROUTER_IID    the message router's identifiers, written to SOFTWARE\\Parvex\\Router when both are given
+    SURROGATE=1                 the classes are served by a surrogate process too
+    MSIINSTALLPERUSER=1         for the current user only; else for all users
 """
 
 import sys
 import uuid
+from dataclasses import dataclass, field
 from pathlib import Path
 from xml.sax.saxutils import quoteattr
 
@@ -16,8 +29,37 @@ from interface_definition import read_library
 AUTOMATION_PROXY = "{00020424-0000-0000-C000-000000000046}"
 # Fixed for ever: by it the next version finds this one.
 UPGRADE_CODES = {"x64": "{1D5C0B0E-33E7-4E0B-8C1C-0E0F7D8B6A64}", "x86": "{1D5C0B0E-33E7-4E0B-8C1C-0E0F7D8B6A86}"}
+# The same as in the component (parvex_server.cpp).
+APPLICATION = "{5C1C5A5E-3A2F-4A4B-9F4D-276E0BD1C047}"
 NAMESPACE = uuid.UUID("6a1f0e52-78f4-4f0e-9f0f-0f4f3f1c5e01")
-FILES = ["Parvex.dll", "Parvex.tlb", "Parvex.manifest", "parvex.exe", "LICENSE.txt"]
+FILES = ["Parvex.dll", "Parvex.tlb", "Parvex.Component.manifest", "parvex.exe", "LICENSE.txt"]
+DLL = "[#ParvexDll]"
+# Given by the user; the first two are found by the search for other versions.
+PROPERTIES = ["WIX_UPGRADE_DETECTED", "WIX_DOWNGRADE_DETECTED", "INSTALLDIR", "ROUTER_CLSID", "ROUTER_IID", "SURROGATE"]
+
+
+@dataclass
+class Component:
+    """What is installed and removed together. `values` are (root, key, value name, type, value)."""
+    name: str
+    guid: str
+    in_64_bit_view: bool
+    file: str = ""
+    condition: str = ""
+    values: list = field(default_factory=list)
+
+    def lines(self):
+        win64 = ' Win64="yes"' if self.in_64_bit_view else ""
+        yield f'          <Component Id="{self.name}" Guid="{self.guid}"{win64}>'
+        if self.file:
+            yield (f'            <File Id="{file_identifier(self.file)}" Name="{self.file}"'
+                   f' Source="$(var.BIN)/{self.file}" KeyPath="yes"/>')
+        for i, (root, key, name, kind, value) in enumerate(self.values):
+            named = f" Name={quoteattr(name)}" if name else ""
+            key_path = ' KeyPath="yes"' if i == 0 and not self.file else ""
+            yield (f'            <RegistryValue Root="{root}" Key={quoteattr(key)}{named} Type="{kind}"'
+                   f' Value={quoteattr(value)}{key_path}/>')
+        yield '          </Component>'
 
 
 def identifier(*parts):
@@ -29,68 +71,123 @@ def file_identifier(name):
     return "".join(part.capitalize() for part in name.split("."))
 
 
-def registry_values(library, architecture):
-    """(key below HKCR, value name, text)"""
-    dll = "[#ParvexDll]"
+def text(key, name, value):
+    return "HKCR", key, name, "string", value
+
+
+def class_values(library):
     for c in library.classes:
         key = f"CLSID\\{c.id}"
         program_id = f"Parvex.{c.name}"
-        yield key, "", c.description
-        yield f"{key}\\InprocServer32", "", dll
-        yield f"{key}\\InprocServer32", "ThreadingModel", "Apartment"
-        yield f"{key}\\ProgID", "", f"{program_id}.1"
-        yield f"{key}\\VersionIndependentProgID", "", program_id
-        yield f"{key}\\TypeLib", "", library.id
-        yield f"{program_id}.1", "", c.description
-        yield f"{program_id}.1\\CLSID", "", c.id
-        yield program_id, "", c.description
-        yield f"{program_id}\\CLSID", "", c.id
-        yield f"{program_id}\\CurVer", "", f"{program_id}.1"
-    key = f"TypeLib\\{library.id}\\{library.version}"
-    yield key, "", library.description
-    yield f"{key}\\FLAGS", "", "0"
-    yield f"{key}\\0\\{'win64' if architecture == 'x64' else 'win32'}", "", dll
-    yield f"{key}\\HELPDIR", "", "[INSTALLDIR]"
+        yield text(key, "", c.description)
+        yield text(f"{key}\\InprocServer32", "", DLL)
+        yield text(f"{key}\\InprocServer32", "ThreadingModel", "Apartment")
+        yield text(f"{key}\\ProgID", "", f"{program_id}.1")
+        yield text(f"{key}\\VersionIndependentProgID", "", program_id)
+        yield text(f"{key}\\TypeLib", "", library.id)
+
+
+def programmatic_id_values(library):
+    for c in library.classes:
+        program_id = f"Parvex.{c.name}"
+        yield text(program_id, "", c.description)
+        yield text(f"{program_id}\\CLSID", "", c.id)
+        yield text(f"{program_id}\\CurVer", "", f"{program_id}.1")
+        yield text(f"{program_id}.1", "", c.description)
+        yield text(f"{program_id}.1\\CLSID", "", c.id)
+
+
+def library_key(library):
+    return f"TypeLib\\{library.id}\\{library.version}"
+
+
+def library_values(library):
+    yield text(library_key(library), "", library.description)
+    yield text(f"{library_key(library)}\\FLAGS", "", "0")
+
+
+def interface_values(library):
     for i in library.interfaces:
         key = f"Interface\\{i.id}"
-        yield key, "", i.name
-        yield f"{key}\\ProxyStubClsid32", "", AUTOMATION_PROXY
-        yield f"{key}\\TypeLib", "", library.id
-        yield f"{key}\\TypeLib", "Version", library.version
+        yield text(key, "", i.name)
+        yield text(f"{key}\\ProxyStubClsid32", "", AUTOMATION_PROXY)
+        yield text(f"{key}\\TypeLib", "", library.id)
+        yield text(f"{key}\\TypeLib", "Version", library.version)
+
+
+def application_values(x64):
+    key = f"AppID\\{APPLICATION}"
+    yield text(key, "", "Parvex")
+    yield text(key, "DllSurrogate", "")
+    yield "HKCR", key, "PreferredServerBitness", "integer", "3" if x64 else "2"
+
+
+def router_values():
+    for name, value in (("ClassId", "[ROUTER_CLSID]"), ("InterfaceId", "[ROUTER_IID]")):
+        yield "HKMU", "SOFTWARE\\Parvex\\Router", name, "string", value
+
+
+def components(library, architecture):
+    x64 = architecture == "x64"
+    for name in FILES:
+        file_component = Component(f"Component{file_identifier(name)}", identifier("component", name, architecture), x64,
+                                   file=name)
+        if name == "Parvex.dll":
+            file_component.values += class_values(library)
+            platform = "win64" if x64 else "win32"
+            file_component.values.append(text(f"{library_key(library)}\\0\\{platform}", "", DLL))
+        yield file_component
+
+    def own(name, values, condition=""):
+        return Component(name, identifier("component", name, architecture), x64, condition=condition,
+                         values=list(values))
+
+    def shared(name, values, condition=""):
+        # One identifier and one view in both installers.
+        return Component(name, identifier("component", name), False, condition=condition, values=list(values))
+
+    yield shared("ProgrammaticIds", programmatic_id_values(library))
+    yield shared("TypeLibrary", library_values(library))
+    # Seen by 32-bit programs, and by 64-bit ones: calls between the two need both.
+    yield shared("Interfaces", interface_values(library))
+    if x64:
+        yield own("InterfacesFor64Bit", interface_values(library))
+    yield shared("Surrogate", application_values(x64), "SURROGATE")
+    yield own("ServedBySurrogate", [text(f"CLSID\\{c.id}", "AppID", APPLICATION) for c in library.classes],
+              "SURROGATE")
+    yield own("RouterIdentifiers", router_values(), "ROUTER_CLSID AND ROUTER_IID")
 
 
 def main():
-    idl, version, architecture, out = sys.argv[1:]
+    idl, version, architecture, out, conditions = sys.argv[1:]
     library = read_library(idl)
-    x64 = architecture == "x64"
-    win64 = ' Win64="yes"' if x64 else ""
+    folder = "ProgramFiles64Folder" if architecture == "x64" else "ProgramFilesFolder"
+    made = list(components(library, architecture))
     lines = ['<?xml version="1.0" encoding="UTF-8"?>',
              '<Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">',
              f'  <Product Id="{identifier("product", version, architecture)}" Name="Parvex ({architecture})"',
              f'           Language="1033" Version="{version}" Manufacturer="The developers of Parvex"'
              f' UpgradeCode="{UPGRADE_CODES[architecture]}">',
-             f'    <Package InstallerVersion="200" Compressed="yes" InstallScope="perMachine"/>',
-             '    <MajorUpgrade DowngradeErrorMessage="A newer version of Parvex is installed."/>',
+             # For all users or, with MSIINSTALLPERUSER=1, for the current one.
+             '    <Package InstallerVersion="500" Compressed="yes"/>',
+             '    <Property Id="ALLUSERS" Value="2"/>',
+             '    <MajorUpgrade DowngradeErrorMessage="A newer version of Parvex is installed. Remove it first to install'
+             ' this one."/>',
+             '    <Condition Message="ROUTER_CLSID and ROUTER_IID belong together: give both or none.">'
+             '(ROUTER_CLSID AND ROUTER_IID) OR (NOT ROUTER_CLSID AND NOT ROUTER_IID)</Condition>',
              '    <Media Id="1" Cabinet="parvex.cab" EmbedCab="yes"/>',
              '    <Directory Id="TARGETDIR" Name="SourceDir">',
-             f'      <Directory Id="{"ProgramFiles64Folder" if x64 else "ProgramFilesFolder"}">',
+             f'      <Directory Id="{folder}">',
              '        <Directory Id="INSTALLDIR" Name="Parvex">']
-    for name in FILES:
-        file_id = file_identifier(name)
-        component_id = identifier("component", name, architecture)
-        lines += [f'          <Component Id="Component{file_id}" Guid="{component_id}"{win64}>',
-                  f'            <File Id="{file_id}" Name="{name}" Source="$(var.BIN)/{name}" KeyPath="yes"/>']
-        if name == "Parvex.dll":
-            for key, value_name, text in registry_values(library, architecture):
-                named = f" Name={quoteattr(value_name)}" if value_name else ""
-                lines.append(f'            <RegistryValue Root="HKCR" Key={quoteattr(key)}{named} Type="string"'
-                             f' Value={quoteattr(text)}/>')
-        lines.append('          </Component>')
+    for component in made:
+        lines += component.lines()
     lines += ['        </Directory>', '      </Directory>', '    </Directory>',
               '    <Feature Id="Complete" Title="Parvex" Level="1">']
-    lines += [f'      <ComponentRef Id="Component{file_identifier(name)}"/>' for name in FILES]
+    lines += [f'      <ComponentRef Id="{component.name}"/>' for component in made]
     lines += ['    </Feature>', '  </Product>', '</Wix>']
     Path(out).write_text("\n".join(lines) + "\n")
+    of_components = [f"{component.name}\t{component.condition}" for component in made if component.condition]
+    Path(conditions).write_text("\n".join([*of_components, ";".join(PROPERTIES)]) + "\n")
 
 
 main()

@@ -1,77 +1,39 @@
 #include "com_server/registration.h"
 
-#include <cwchar>
+#include <algorithm>
 #include <functional>
 #include <optional>
 
-#include "adapters/windows/system_error.h"
-#include "com_server/type_library.h"
+#include "adapters/windows/wide_text.h"
+#include "com_server/library_registration.h"
+#include "com_server/registry_changes.h"
 #include "seams/automation_error.h"
 
 namespace parvex::com {
 namespace {
 
-using windows::ComPointer;
-
 constexpr const wchar_t* kVersion = L".1";
+// In which process the system serves a class whose module it finds in both bitnesses: one of this module's.
+constexpr DWORD kServerBitness = sizeof(void*) == 8 ? 3 : 2;
 
-AutomationError Refused(const std::string& doing, LSTATUS status) {
-  return AutomationError(static_cast<std::uint32_t>(HRESULT_FROM_WIN32(static_cast<DWORD>(status))), kErrorSource,
-                         doing + ": the system refuses it with " + std::to_string(status));
+ClassesKey ClassesFor(const RegistrationKind& kind) {
+  return ClassesKey(kind.forUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE);
 }
 
-void Require(HRESULT result, const std::string& doing) {
-  if (FAILED(result)) {
-    throw AutomationError(static_cast<std::uint32_t>(result), kErrorSource,
-                          doing + ": " + windows::Hex(static_cast<std::uint32_t>(result)));
-  }
-}
-
-class OpenKey {
- public:
-  OpenKey() = default;
-  ~OpenKey() {
-    if (key_ != nullptr) {
-      RegCloseKey(key_);
-    }
-  }
-  OpenKey(const OpenKey&) = delete;
-  OpenKey& operator=(const OpenKey&) = delete;
-  HKEY Get() const { return key_; }
-  HKEY* Out() { return &key_; }
-
- private:
-  HKEY key_ = nullptr;
-};
-
-std::wstring WideIdText(REFGUID id) {
-  wchar_t text[40];
-  StringFromGUID2(id, text, 40);
-  return text;
-}
-
-std::wstring KeyText(HKEY root, const std::wstring& key) {
-  wchar_t text[64] = {};
-  DWORD size = sizeof(text) - sizeof(wchar_t);
-  return RegGetValueW(root, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text, &size) == ERROR_SUCCESS ? text : L"";
-}
-
-bool KeyExists(HKEY root, const std::wstring& key) {
-  OpenKey opened;
-  return RegOpenKeyExW(root, key.c_str(), 0, KEY_QUERY_VALUE, opened.Out()) == ERROR_SUCCESS;
-}
+std::wstring ClassKey(const ComClass& c) { return L"CLSID\\" + KeyName(c.id); }
+std::wstring ApplicationKey(const GUID& id) { return L"AppID\\" + KeyName(id); }
 
 void RegisterClass(RegistryChanges& changes, const ComClass& c, const std::wstring& modulePath, const GUID* libraryId) {
-  const std::wstring id = WideIdText(c.id);
+  const std::wstring id = KeyName(c.id);
   const std::wstring versioned = c.programmaticId + kVersion;
-  const std::wstring key = L"CLSID\\" + id;
+  const std::wstring key = ClassKey(c);
   changes.Set(key, L"", c.description);
   changes.Set(key + L"\\InprocServer32", L"", modulePath);
   changes.Set(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
   changes.Set(key + L"\\ProgID", L"", versioned);
   changes.Set(key + L"\\VersionIndependentProgID", L"", c.programmaticId);
   if (libraryId != nullptr) {
-    changes.Set(key + L"\\TypeLib", L"", WideIdText(*libraryId));
+    changes.Set(key + L"\\TypeLib", L"", KeyName(*libraryId));
   }
   changes.Set(versioned, L"", c.description);
   changes.Set(versioned + L"\\CLSID", L"", id);
@@ -80,111 +42,83 @@ void RegisterClass(RegistryChanges& changes, const ComClass& c, const std::wstri
   changes.Set(c.programmaticId + L"\\CurVer", L"", versioned);
 }
 
-void RegisterLibrary(const std::wstring& modulePath) {
-  const std::wstring folder = modulePath.substr(0, modulePath.find_last_of(L'\\'));
-  Require(RegisterTypeLib(LoadTypeLibrary(modulePath).Get(), const_cast<wchar_t*>(modulePath.c_str()),
-                          const_cast<wchar_t*>(folder.c_str())),
-          "cannot register the type library of " + windows::Narrow(modulePath));
-}
-
-void UnregisterLibrary(const std::wstring& modulePath) {
-  TLIBATTR* attributes = nullptr;
-  const ComPointer<ITypeLib> library = LoadTypeLibrary(modulePath);
-  Require(library->GetLibAttr(&attributes), "cannot read the type library");
-  const TLIBATTR read = *attributes;
-  library->ReleaseTLibAttr(attributes);
-  wchar_t version[16];
-  swprintf(version, 16, L"\\%x.%x", read.wMajorVerNum, read.wMinorVerNum);
-  if (!KeyExists(HKEY_CLASSES_ROOT, L"TypeLib\\" + WideIdText(read.guid) + version)) {
-    return;  // what was not registered is unregistered; systems differ in what they call it
-  }
-  Require(UnRegisterTypeLib(read.guid, read.wMajorVerNum, read.wMinorVerNum, read.lcid, read.syskind),
-          "cannot unregister the type library");
-}
-
-void RemoveKey(const std::wstring& key) {
-  const LSTATUS status = RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
-  if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) {
-    throw Refused("cannot remove the registry key " + windows::Narrow(key), status);
+void RegisterSurrogate(RegistryChanges& changes, std::span<const ComClass> classes, const GUID& application) {
+  const std::wstring key = ApplicationKey(application);
+  changes.Set(key, L"", L"Parvex");
+  changes.Set(key, L"DllSurrogate", L"");  // empty: the system's own surrogate program
+  changes.SetNumber(key, L"PreferredServerBitness", kServerBitness);
+  for (const ComClass& c : classes) {
+    changes.Set(ClassKey(c), L"AppID", KeyName(application));
   }
 }
 
-void UnregisterClass(const ComClass& c) {
-  const std::wstring id = WideIdText(c.id);
+void UnregisterClass(ClassesKey classes, const ComClass& c) {
+  const std::wstring id = KeyName(c.id);
+  classes.Remove(ClassKey(c));
+  // Asked for when this bitness's is gone: on a system with one bitness it is the same key.
+  if (classes.Exists(ClassKey(c) + L"\\InprocServer32", kOtherView)) {
+    return;
+  }
   for (const std::wstring& programmaticId : {c.programmaticId, c.programmaticId + kVersion}) {
-    if (lstrcmpiW(KeyText(HKEY_CLASSES_ROOT, programmaticId + L"\\CLSID").c_str(), id.c_str()) == 0) {
-      RemoveKey(programmaticId);
+    if (lstrcmpiW(classes.Text(programmaticId + L"\\CLSID").c_str(), id.c_str()) == 0) {
+      classes.Remove(programmaticId);
     }
   }
-  RemoveKey(L"CLSID\\" + id);
+}
+
+// Behind the classes.
+void UnregisterSurrogate(ClassesKey key, std::span<const ComClass> classes, const GUID& application) {
+  for (const ComClass& c : classes) {
+    if (lstrcmpiW(key.Text(ClassKey(c), L"AppID", kOtherView).c_str(), KeyName(application).c_str()) == 0) {
+      return;
+    }
+  }
+  key.Remove(ApplicationKey(application));
+}
+
+AutomationError RefusedWord(const std::wstring& word, const std::string& why) {
+  return AutomationError(static_cast<std::uint32_t>(E_INVALIDARG), kErrorSource,
+                         FailureText("cannot register as", windows::Narrow(word), why));
 }
 
 }  // namespace
 
-RegistryChanges::~RegistryChanges() {
-  for (auto step = undo_.rbegin(); step != undo_.rend(); ++step) {
-    Undo(*step);
+RegistrationKind ReadRegistrationKind(std::wstring_view words, const GUID* application) {
+  constexpr std::wstring_view kBetween = L" ,\t";
+  RegistrationKind kind;
+  while ((words = words.substr(std::min(words.find_first_not_of(kBetween), words.size()))).size() > 0) {
+    const std::wstring word(words.substr(0, words.find_first_of(kBetween)));
+    words.remove_prefix(word.size());
+    if (lstrcmpiW(word.c_str(), L"user") == 0) {
+      kind.forUser = true;
+    } else if (lstrcmpiW(word.c_str(), L"surrogate") != 0) {
+      throw RefusedWord(word, "the words are user and surrogate");
+    } else if (application == nullptr) {
+      throw RefusedWord(word, "this server has no surrogate");
+    } else {
+      kind.surrogate = application;
+    }
   }
+  return kind;
 }
 
-void RegistryChanges::Set(const std::wstring& key, const std::wstring& name, const std::wstring& text) {
-  for (std::size_t end = key.find(L'\\'); end != std::wstring::npos; end = key.find(L'\\', end + 1)) {
-    MakeKey(key.substr(0, end));
-  }
-  MakeKey(key);
-  Step step{key, false, name, {}};
-  DWORD size = 0;
-  step.old.existed = RegGetValueW(root_, key.c_str(), name.c_str(), RRF_RT_ANY | RRF_NOEXPAND, &step.old.type, nullptr,
-                                  &size) == ERROR_SUCCESS;
-  step.old.content.resize(size);
-  if (step.old.existed) {
-    RegGetValueW(root_, key.c_str(), name.c_str(), RRF_RT_ANY | RRF_NOEXPAND, nullptr, step.old.content.data(), &size);
-    step.old.content.resize(size);
-  }
-  const LSTATUS status = RegSetKeyValueW(root_, key.c_str(), name.c_str(), REG_SZ, text.c_str(),
-                                         static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-  if (status != ERROR_SUCCESS) {
-    throw Refused("cannot write the registry value " + windows::Narrow(key + L"\\" + name), status);
-  }
-  undo_.push_back(std::move(step));
-}
-
-void RegistryChanges::MakeKey(const std::wstring& key) {
-  OpenKey made;
-  DWORD disposition = 0;
-  const LSTATUS status = RegCreateKeyExW(root_, key.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_SET_VALUE,
-                                         nullptr, made.Out(), &disposition);
-  if (status != ERROR_SUCCESS) {
-    throw Refused("cannot make the registry key " + windows::Narrow(key), status);
-  }
-  if (disposition == REG_CREATED_NEW_KEY) {
-    undo_.push_back({key, true, {}, {}});
-  }
-}
-
-void RegistryChanges::Undo(const Step& step) {
-  if (step.madeKey) {
-    RegDeleteKeyW(root_, step.key.c_str());
-  } else if (step.old.existed) {
-    RegSetKeyValueW(root_, step.key.c_str(), step.name.c_str(), step.old.type, step.old.content.data(),
-                    static_cast<DWORD>(step.old.content.size()));
-  } else {
-    RegDeleteKeyValueW(root_, step.key.c_str(), step.name.c_str());
-  }
-}
-
-void RegisterModule(std::span<const ComClass> classes, const std::wstring& modulePath, const GUID* libraryId) {
-  RegistryChanges changes(HKEY_CLASSES_ROOT);
+void RegisterModule(std::span<const ComClass> classes, const std::wstring& modulePath, const GUID* libraryId,
+                    const RegistrationKind& kind) {
+  RegistryChanges changes(ClassesFor(kind));
   for (const ComClass& c : classes) {
     RegisterClass(changes, c, modulePath, libraryId);
   }
   if (libraryId != nullptr) {
-    RegisterLibrary(modulePath);
+    RegisterLibrary(changes, modulePath);
+  }
+  if (kind.surrogate != nullptr) {
+    RegisterSurrogate(changes, classes, *kind.surrogate);
   }
   changes.Keep();
 }
 
-void UnregisterModule(std::span<const ComClass> classes, const std::wstring& modulePath, const GUID* libraryId) {
+void UnregisterModule(std::span<const ComClass> classes, const std::wstring& modulePath, const GUID* libraryId,
+                      const RegistrationKind& kind) {
   std::optional<AutomationError> first;
   const auto attempt = [&](const std::function<void()>& step) {
     try {
@@ -193,11 +127,15 @@ void UnregisterModule(std::span<const ComClass> classes, const std::wstring& mod
       first = first ? first : error;
     }
   };
+  const ClassesKey key = ClassesFor(kind);
   if (libraryId != nullptr) {
-    attempt([&] { UnregisterLibrary(modulePath); });
+    attempt([&] { UnregisterLibrary(key, modulePath); });
   }
   for (const ComClass& c : classes) {
-    attempt([&] { UnregisterClass(c); });
+    attempt([&] { UnregisterClass(key, c); });
+  }
+  if (kind.surrogate != nullptr) {
+    attempt([&] { UnregisterSurrogate(key, classes, *kind.surrogate); });
   }
   if (first) {
     throw *first;

@@ -2,17 +2,13 @@
 
 #include <string>
 
+#include "formats/router_ids/router_ids.h"
+
 namespace parvex::com {
 
-/// The identifiers by which a build finds the message router of an installation.
-struct RouterIds {
-  std::string classId;      ///< with braces
-  std::string interfaceId;  ///< of the interface that has SendRequestMessage
-};
-
-/// Reads them from a type library, or a file that has one in it: the class with an interface that has a method
-/// SendRequestMessage, the class's default interface only when no other has it. An AutomationError that names the file
-/// when it has no type library, or no such class.
+/// Reads the identifiers of a message router from a type library, or a file that has one in it: the class with an
+/// interface that has a method SendRequestMessage, the class's default interface only when no other has it. An
+/// AutomationError that names the file when it has no type library, or no such class.
 RouterIds ReadRouterIds(const std::wstring& path);
 
 }  // namespace parvex::com

@@ -6,11 +6,12 @@
 
 namespace parvex::com {
 
-/// What the four entry points of a DLL (dll/exports.cpp) serve.
+/// What the entry points of a DLL (entry_points/exports.cpp) serve.
 struct Server {
   std::span<const ComClass> classes;
   const GUID* libraryId = nullptr;             ///< the embedded type library; null for none
   void (*checkBeforeRegistering)() = nullptr;  ///< refuses by an AutomationError
+  const GUID* applicationId = nullptr;         ///< for a surrogate process; null where none is offered
 };
 
 /// Defined once by each DLL.

@@ -52,7 +52,7 @@ TEST_F(Doctor, FindsNothingWrongWithASampleMachineAndLeavesItAsItWas) {
   const Outcome outcome = Run();
   EXPECT_EQ(outcome.status, 0) << outcome.out;
   EXPECT_EQ(outcome.err, "");
-  EXPECT_THAT(outcome.out, HasSubstr("\n0 failed, 0 with a warning, of 19 checks\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("\n0 failed, 0 with a warning, of 20 checks\n"));
   EXPECT_THAT(outcome.out, Not(HasSubstr("\x1b"))) << "no colours where nobody sees them";
   EXPECT_TRUE(std::filesystem::is_empty(Installed("Temp")));
   EXPECT_EQ(registry, ReadHostFile(Sample() + "/registry.reg"));
@@ -126,6 +126,35 @@ TEST_F(Doctor, LooksAtTheProgramFolderThatTheRegistryNames) {
     EXPECT_THAT(checks.at("registry value")["detail"].get<std::string>(), HasSubstr(named));
     EXPECT_EQ(std::string(state) == "failure", checks.contains("folders and files")) << "nothing to look at";
   }
+}
+
+TEST_F(Doctor, TellsTheRoutersIdentifiersAndWhereTheyComeFrom) {
+  SortedJson check = Checks()["router identifiers"];
+  EXPECT_EQ(check["state"], "ok");
+  EXPECT_EQ(check["detail"],
+            "class {196AAAC4-3B30-44CD-BF13-4C212B3BCD3D}, interface {E3B59D45-E9F2-4852-95E0-C034FE2B0A22}, from this "
+            "build; they are the substitute's");
+  const std::string registry = ReadHostFile(Sample() + "/registry.reg");
+  const auto add = [&](const std::string& hive, const std::string& values) {
+    std::string bytes = registry;
+    for (const char c : "\r\n[" + hive + "\\Software\\Parvex\\Router]\r\n" + values) {
+      bytes += {c, '\0'};
+    }
+    WriteHostFile(Sample() + "/registry.reg", bytes);
+  };
+  const std::string id = "{AAAAAAAA-0000-4000-8000-00000000000A}";
+  add("HKEY_LOCAL_MACHINE", "\"ClassId\"=\"" + id + "\"\r\n\"InterfaceId\"=\"" + id + "\"\r\n");
+  check = Checks()["router identifiers"];
+  EXPECT_EQ(check["state"], "ok");
+  EXPECT_EQ(check["detail"],
+            "class " + id + ", interface " + id + ", from HKEY_LOCAL_MACHINE\\SOFTWARE\\Parvex\\Router");
+  add("HKEY_CURRENT_USER", "\"ClassId\"=\"none\"\r\n\"InterfaceId\"=\"" + id + "\"\r\n");
+  for (const char* name : {"router identifiers", "router"}) {
+    check = Checks()[name];
+    EXPECT_EQ(check["state"], "failure");
+    EXPECT_THAT(check["detail"].get<std::string>(), HasSubstr("ClassId of HKEY_CURRENT_USER\\SOFTWARE\\Parvex"));
+  }
+  EXPECT_THAT(Run().out, HasSubstr("parvex router-ids FILE --save"));
 }
 
 TEST_F(Doctor, TriesTheComponentsOfTheLegacyApplication) {

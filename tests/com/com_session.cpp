@@ -161,6 +161,12 @@ HRESULT CallExport(HMODULE module, const char* name) {
   return function == nullptr ? E_NOTIMPL : function();
 }
 
+HRESULT CallInstall(HMODULE module, bool install, const wchar_t* words) {
+  const auto function = reinterpret_cast<HRESULT(STDAPICALLTYPE*)(BOOL, LPCWSTR)>(
+      reinterpret_cast<void*>(module == nullptr ? nullptr : GetProcAddress(module, "DllInstall")));
+  return function == nullptr ? E_NOTIMPL : function(install ? TRUE : FALSE, words);
+}
+
 StandinMisbehaves::StandinMisbehaves(std::string_view json) { std::ofstream(kSettings, std::ios::binary) << json; }
 
 StandinMisbehaves::~StandinMisbehaves() { DeleteFileA(kSettings); }

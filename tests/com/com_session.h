@@ -108,6 +108,9 @@ class Unregistered {
 /// What an exported function without parameters gives back; E_NOTIMPL when the module has none of that name.
 HRESULT CallExport(HMODULE module, const char* name);
 
+/// The module's DllInstall; E_NOTIMPL when it has none.
+HRESULT CallInstall(HMODULE module, bool install, const wchar_t* words);
+
 /// While it lives, the substitute application that is created anew behaves as this standin.json says.
 class StandinMisbehaves {
  public:

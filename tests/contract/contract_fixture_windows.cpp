@@ -56,6 +56,14 @@ struct ContractMachine::Host {
 
 namespace {
 
+// In both hives, and as programs of either bitness see it.
+void RemoveKey(const std::string& key) {
+  for (const HKEY hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+    RegDeleteKeyExA(hive, key.c_str(), KEY_WOW64_64KEY, 0);
+    RegDeleteKeyExA(hive, key.c_str(), KEY_WOW64_32KEY, 0);
+  }
+}
+
 // Every suite runs in an apartment, as the component does.
 class Apartment : public testing::Environment {
   void SetUp() override { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
@@ -79,13 +87,13 @@ ContractMachine::ContractMachine()
       codePage(host_->machine.GetCodePage()),
       scratch(NewScratchFolder()),
       scratchKey(ScratchKey()) {
-  RegDeleteKeyA(HKEY_LOCAL_MACHINE, scratchKey.c_str());
+  RemoveKey(scratchKey);
   // Where the probe writes: programs started from here inherit it.
   SetEnvironmentVariableW(L"PARVEX_PROBE_FOLDER", windows::Widen(scratch).c_str());
 }
 
 ContractMachine::~ContractMachine() {
-  RegDeleteKeyA(HKEY_LOCAL_MACHINE, scratchKey.c_str());
+  RemoveKey(scratchKey);
   try {
     for (const std::string& name : files.ListFiles(Path("*.*"))) {
       SetReadOnly(Path(name), false);

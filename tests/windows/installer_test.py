@@ -1,4 +1,5 @@
-"""The installer under Wine: what it installs works, and it is removed without a trace.
+"""The installer under Wine: what it installs works, side by side with the one of the other bitness too, its properties do
+what they say, and it is removed without a trace.
 
     installer_test.py MSI NATIVE_BIN WINDOWS_BIN
 
@@ -65,7 +66,7 @@ def main():
             wine.run("msiexec", "/i", wine.windows_path(msi), "/qn")
             installed = wine.drive_c() / "Program Files" / "Parvex"
             names = {path.name for path in installed.iterdir()}
-            check(names == {"Parvex.dll", "Parvex.tlb", "Parvex.manifest", "parvex.exe", "LICENSE.txt"},
+            check(names == {"Parvex.dll", "Parvex.tlb", "Parvex.Component.manifest", "parvex.exe", "LICENSE.txt"},
                   "the files are installed")
             check("PASS" in run_script(scratch), "a script creates and uses the installed classes")
             machine = subprocess.run([Path(native_bin) / "parvex", "commands"], capture_output=True).stdout
@@ -78,6 +79,10 @@ def main():
             check(removed == before[0], "the registry is as it was", difference(before[0], removed))
             check(program_files() == before[1], "the program folder is as it was")
 
+            check_properties(msi, before[0], scratch)
+            check_side_by_side(msi, build(windows_bin, scratch, "0.1.0", "x86"), before[0], scratch)
+            check_upgrade(Path(msi), build(windows_bin, scratch, "99.0.0", "x64"), before[0])
+
             wine.register(dll)
             registered = classes()
             check(len(of_parvex(registered)) > 40, "the classes are found in the registry", of_parvex(registered))
@@ -86,6 +91,90 @@ def main():
                   difference(of_parvex(registered), of_parvex(after_installing)))
     finally:
         wine.register(dll)
+
+
+NOBODY = "{11111111-2222-3333-4444-555555555555}"
+PACKAGING = Path(__file__).parents[2] / "packaging" / "windows"
+DEFINITION = Path(__file__).parents[2] / "src" / "com" / "parvex.idl"
+
+
+def build(windows_bin, scratch, version, architecture):
+    """An installer of the same files, whose contents do not matter to what is looked at here."""
+    folder = Path(scratch) / f"{version}-{architecture}"
+    folder.mkdir()
+    (folder / "bin").symlink_to(Path(windows_bin).resolve())
+    for command in ([sys.executable, "-B", PACKAGING / "make_wxs.py", DEFINITION, version, architecture, "p.wxs", "p.c"],
+                    ["wixl", "-a", architecture, "-D", "BIN=bin", "-o", "p.msi", "p.wxs"],
+                    [sys.executable, "-B", PACKAGING / "finish_msi.py", "p.msi", "p.c"]):
+        subprocess.run(command, cwd=folder, check=True)
+    return folder / "p.msi"
+
+
+def install(msi, *properties, check=True):
+    return wine.run("msiexec", "/i", wine.windows_path(msi), "/qn", *properties, check=check)
+
+
+def remove(msi):
+    wine.run("msiexec", "/x", wine.windows_path(msi), "/qn")
+
+
+def exported(key):
+    """The text of a key with all below it; empty when there is none."""
+    with tempfile.NamedTemporaryFile(suffix=".reg", dir=wine.prefix()) as file:
+        if wine.run("reg", "export", key, wine.windows_path(file.name), "/y", check=False).returncode != 0:
+            return ""
+        return Path(file.name).read_bytes().decode("utf-16")
+
+
+def check_properties(msi, before, scratch):
+    refused = install(msi, f"ROUTER_CLSID={NOBODY}", check=False)
+    check(refused.returncode != 0 and classes() == before, "half a pair of router ids installs nothing")
+    install(msi, r"INSTALLDIR=C:\Elsewhere", f"ROUTER_CLSID={NOBODY}", f"ROUTER_IID={NOBODY}", "SURROGATE=1")
+    check((wine.drive_c() / "Elsewhere" / "Parvex.dll").is_file(), "INSTALLDIR names the folder")
+    check(exported(r"HKLM\Software\Parvex\Router").count(NOBODY) == 2, "the router ids are written",
+          exported(r"HKLM\Software\Parvex"))
+    check("PASS" not in run_script(scratch), "and are those that the component uses")
+    text = "\n".join(classes())
+    check('"DllSurrogate"=""' in text and text.count('"AppID"="{5C1C5A5E') == 6, "SURROGATE registers the application")
+    remove(msi)
+    check(classes() == before, "all of that is removed", difference(before, classes()))
+    check(NOBODY not in exported(r"HKLM\Software\Parvex"), "the router ids too")
+
+
+def check_side_by_side(msi, other, before, scratch):
+    install(msi)
+    alone = classes()
+    install(other)
+    check("PASS" in run_script(scratch), "both bitnesses are installed")
+    remove(other)
+    check(classes() == alone, "removing the other one leaves this one whole", difference(alone, classes()))
+    check("PASS" in run_script(scratch), "which works")
+    install(other)
+    remove(msi)
+    left = classes()
+    ids = [section for section in left if section.startswith("[HKEY_CLASSES_ROOT\\Parvex.")]
+    check(sorted(ids) == sorted(s for s in alone if s.startswith("[HKEY_CLASSES_ROOT\\Parvex.")),
+          "removing this one leaves the programmatic ids to the other")
+    check(any("\\0\\win32]" in section and "TypeLib" in section and "Parvex.dll" in section for section in left),
+          "and its type library")
+    remove(other)
+    check(classes() == before, "nothing is left behind the last one", difference(before, classes()))
+
+
+def check_upgrade(msi, later, before):
+    def versions():
+        text = exported(r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall")
+        return [re.search(r'"DisplayVersion"="(.*)"', section)[1] for section in text.split("\r\n\r\n")
+                if '"DisplayName"="Parvex' in section]
+
+    install(msi)
+    install(later)
+    check(versions() == ["99.0.0"], "a later version replaces the earlier one", versions())
+    refused = install(msi, check=False)
+    check(refused.returncode != 0 and versions() == ["99.0.0"], "an earlier one is refused", versions())
+    check(b"A newer version of Parvex is installed." in msi.read_bytes(), "by a sentence")
+    remove(later)
+    check(classes() == before, "and nothing is left", difference(before, classes()))
 
 
 def of_parvex(sections):

@@ -3,6 +3,7 @@
     router_ids_test.py WINDOWS_BIN
 """
 
+import json
 import sys
 from pathlib import Path
 
@@ -27,7 +28,44 @@ def main():
         told = done.stderr.decode()
         if done.returncode != 3 or name not in told or reason not in told:
             sys.exit(f"FAILED: of {name} it says {told} and ends with {done.returncode}")
+    saving(windows_bin)
     print("ok")
+
+
+def saving(windows_bin):
+    """What is saved is in force: for the user, and for all users of either bitness."""
+    key = r"SOFTWARE\Parvex\Router"
+
+    def run(*arguments):
+        return wine.run(windows_bin / "parvex.exe", *arguments, check=False).stdout.decode()
+
+    def expect(condition, seen):
+        if not condition:
+            sys.exit(f"FAILED: {seen}")
+
+    def in_force():
+        checks = json.loads(run("doctor", "--json"))["checks"]
+        return next(check for check in checks if check["name"] == "router identifiers")
+
+    def value(hive, view):
+        return wine.run("reg", "query", f"{hive}\\{key}", "/v", "ClassId", f"/reg:{view}", check=False).stdout
+
+    check = in_force()
+    expect("from this build" in check["detail"] and check["state"] == "warning" and "--save" in check["hint"], check)
+    library = wine.windows_path(windows_bin / "KorvaneSubstitute.dll")
+    try:
+        told = run("router-ids", library, "--save", "--machine-wide")
+        expect("saved in HKEY_LOCAL_MACHINE" in told, told)
+        expect("from HKEY_LOCAL_MACHINE" in in_force()["detail"], in_force())
+        for view in (32, 64):
+            expect(b"{196AAAC4" in value("HKLM", view), f"the machine's key, seen with {view} bits: {value('HKLM', view)}")
+        told = run("router-ids", library, "--save")
+        expect("saved in HKEY_CURRENT_USER" in told, told)
+        expect("from HKEY_CURRENT_USER" in in_force()["detail"], in_force())
+    finally:
+        for hive in ("HKLM", "HKCU"):
+            for view in (32, 64):
+                wine.run("reg", "delete", f"{hive}\\{key}", "/f", f"/reg:{view}", check=False)
 
 
 main()

@@ -35,6 +35,7 @@ Machine::~Machine() = default;
 const std::filesystem::path& Machine::Root() const { return parts_->folder.Root(); }
 
 Registry& Machine::GetRegistry() { return parts_->registry; }
+OwnSettings& Machine::GetOwnSettings() { return parts_->registry; }
 PrivateProfile& Machine::GetPrivateProfile() { return parts_->privateProfile; }
 Files& Machine::GetFiles() { return parts_->files; }
 Processes& Machine::GetProcesses() { return parts_->processes; }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "seams/own_settings.h"
 #include "seams/platform.h"
 
 namespace parvex::posix {
@@ -21,6 +22,7 @@ class Machine {
   const std::filesystem::path& Root() const;
 
   Registry& GetRegistry();
+  OwnSettings& GetOwnSettings();
   PrivateProfile& GetPrivateProfile();
   Files& GetFiles();
   Processes& GetProcesses();

@@ -15,6 +15,7 @@ namespace parvex::posix {
 namespace {
 
 constexpr std::string_view kBlanksAndReturn = " \t\r";
+constexpr std::string_view kNewFile = "Windows Registry Editor Version 5.00\r\n";
 constexpr std::string_view kSoftware = "HKEY_LOCAL_MACHINE\\SOFTWARE\\";
 
 std::string_view Trim(std::string_view text) {
@@ -81,7 +82,33 @@ std::string FoldKey(std::string_view key) {
     }
     key.remove_prefix(std::min(end + 1, key.size()));
   }
-  return folded == "HKLM" || folded.starts_with("HKLM\\") ? "HKEY_LOCAL_MACHINE" + folded.substr(4) : folded;
+  for (const auto& [shortName, longName] :
+       {std::pair("HKLM", "HKEY_LOCAL_MACHINE"), std::pair("HKCU", "HKEY_CURRENT_USER")}) {
+    if (folded == shortName || folded.starts_with(shortName + std::string("\\"))) {
+      return longName + folded.substr(4);
+    }
+  }
+  return folded;
+}
+
+std::string PathOf(RegistryHive hive, std::string_view key) {
+  std::string path = hive == RegistryHive::CurrentUser ? "HKEY_CURRENT_USER\\" : "HKEY_LOCAL_MACHINE\\";
+  path += key;
+  return path;
+}
+
+std::string QuotedAndEscaped(std::string_view text) {
+  return Quoted(ReplaceAll(ReplaceAll(text, "\\", "\\\\"), "\"", "\\\""));
+}
+
+// Behind bytes of a registry text, whatever they end with.
+std::string Appended(std::string bytes, std::string_view text, CodePage& codePage) {
+  const TextEncoding encoding = EncodingOf(bytes);
+  if (!IsUtf16(encoding)) {
+    return bytes + (encoding == TextEncoding::Utf8 ? std::string(text) : codePage.ToAnsi(text));
+  }
+  bytes.resize(bytes.size() / 2 * 2);
+  return bytes + BytesOf(ToUtf16(text), encoding);
 }
 
 // What stands behind the "=" of a value line.
@@ -203,18 +230,40 @@ std::optional<std::string> RegistryText::Value(std::string_view key, std::string
 }
 
 std::optional<std::string> RegistryFile::LocalMachineString(std::string_view key, std::string_view valueName) {
+  const RegistryText& registry = Text();
+  const std::string whole = FoldKey(PathOf(RegistryHive::LocalMachine, key));
+  std::optional<std::string> text = registry.Value(whole, valueName);
+  if (!text && whole.starts_with(kSoftware)) {
+    text = registry.Value(std::string(kSoftware) + "WOW6432NODE\\" + whole.substr(kSoftware.size()), valueName);
+  }
+  return text;
+}
+
+std::optional<std::string> RegistryFile::Read(RegistryHive hive, std::string_view key, std::string_view valueName) {
+  return Text().Value(PathOf(hive, key), valueName);
+}
+
+void RegistryFile::Write(RegistryHive hive, std::string_view key, std::string_view valueName, std::string_view text) {
+  if (Read(hive, key, valueName) == text) {
+    return;
+  }
+  std::string bytes =
+      VersionOf(file_) ? ReadHostFile(file_, file_.string()) : WithMark(kNewFile, TextEncoding::Utf16Little);
+  // Empty lines in front, for the file may end in the middle of a line, and that line want to go on in the next.
+  const std::string section =
+      "\r\n\r\n[" + PathOf(hive, key) + "]\r\n" + QuotedAndEscaped(valueName) + "=" + QuotedAndEscaped(text) + "\r\n";
+  WriteHostFile(file_, Appended(std::move(bytes), section, codePage_), IfPresent::Replace, file_.string());
+  settled_ = false;
+}
+
+const RegistryText& RegistryFile::Text() {
   const std::optional<FileVersion> version = VersionOf(file_);
   if (version != version_ || !settled_) {
     version_ = version;
     settled_ = !version || IsSettled(*version);
     text_ = version ? ReadText() : RegistryText();
   }
-  const std::string whole = FoldKey("HKEY_LOCAL_MACHINE\\" + std::string(key));
-  std::optional<std::string> text = text_.Value(whole, valueName);
-  if (!text && whole.starts_with(kSoftware)) {
-    text = text_.Value(std::string(kSoftware) + "WOW6432NODE\\" + whole.substr(kSoftware.size()), valueName);
-  }
-  return text;
+  return text_;
 }
 
 RegistryText RegistryFile::ReadText() const {

@@ -8,6 +8,7 @@
 #include "adapters/posix/file_version.h"
 #include "adapters/posix/machine_folder.h"
 #include "seams/code_page.h"
+#include "seams/own_settings.h"
 #include "seams/registry.h"
 
 namespace parvex::posix {
@@ -33,16 +34,21 @@ class RegistryText {
 };
 
 /// The machine's registry: registry.reg in its folder, none when there is no such file. The file is looked at on each
-/// call and read when its version has changed. What a 32-bit application of a 64-bit machine has written is found where
-/// such a machine exports it, under SOFTWARE\WOW6432Node, when the key itself lacks the value.
-class RegistryFile : public Registry {
+/// call and read when its version has changed. It holds both hives, as an export of several keys may. What a 32-bit
+/// application of a 64-bit machine has written is found where such a machine exports it, under SOFTWARE\WOW6432Node,
+/// when the key itself lacks the value.
+class RegistryFile : public Registry, public OwnSettings {
  public:
   RegistryFile(const MachineFolder& folder, CodePage& codePage)
       : file_(folder.Root() / "registry.reg"), codePage_(codePage) {}
 
   std::optional<std::string> LocalMachineString(std::string_view key, std::string_view valueName) override;
+  std::optional<std::string> Read(RegistryHive hive, std::string_view key, std::string_view valueName) override;
+  /// Appends the value to the file, in the file's encoding; a file that is missing is made.
+  void Write(RegistryHive hive, std::string_view key, std::string_view valueName, std::string_view text) override;
 
  private:
+  const RegistryText& Text();
   RegistryText ReadText() const;
 
   std::filesystem::path file_;

@@ -22,6 +22,7 @@ class Machine {
   Machine& operator=(const Machine&) = delete;
 
   Registry& GetRegistry() { return registry_; }
+  OwnSettings& GetOwnSettings() { return registry_; }
   PrivateProfile& GetPrivateProfile() { return privateProfile_; }
   Files& GetFiles() { return files_; }
   Processes& GetProcesses() { return processes_; }
@@ -52,7 +53,7 @@ class Machine {
   SystemProcesses processes_;
   SystemMessagePump messagePump_;
   SystemMessageBoxes messageBoxes_;
-  SystemMessageRouters messageRouters_;
+  SystemMessageRouters messageRouters_{registry_};
   SystemAutomation automation_;
   DaoDatabases databases_{automation_};
   SystemCodePage codePage_;

@@ -5,6 +5,8 @@
 
 #include "adapters/windows/com_pointer.h"
 #include "adapters/windows/system_error.h"
+#include "adapters/windows/wide_text.h"
+#include "formats/router_ids/router_ids.h"
 #include "seams/automation_error.h"
 
 namespace parvex::windows {
@@ -68,35 +70,36 @@ class SystemMessageRouter : public MessageRouter {
   const IID interfaceId_;
 };
 
-IID ParsedId(const wchar_t* text) {
-  IID id;
-  if (FAILED(IIDFromString(text, &id))) {
-    throw MakeRuntimeError(RuntimeError::CannotCreateObject,
-                           "the build's identifier of the message router is none: " + Narrow(text));
-  }
+// Of an identifier that was found well-formed.
+IID ParsedId(const std::string& text) {
+  IID id = {};
+  IIDFromString(Widen(text).c_str(), &id);
   return id;
 }
 
 }  // namespace
 
 std::unique_ptr<MessageRouter> SystemMessageRouters::Create() {
-  constexpr const wchar_t* kClass = L"" PARVEX_ROUTER_CLSID;
-  constexpr const wchar_t* kInterface = L"" PARVEX_ROUTER_IID;
-  const auto refuse = [](const char* doing, HRESULT result) {
+  const auto [ids, place] = RouterIdsInForce(settings_);
+  const auto refuse = [&place = place](const std::string& doing, HRESULT result) {
     return MakeRuntimeError(RuntimeError::CannotCreateObject,
-                            std::string(doing) + ": " + Hex(static_cast<std::uint32_t>(result)));
+                            doing + " (which " + place + " names): " + Hex(static_cast<std::uint32_t>(result)));
   };
   ComPointer<IUnknown> object;
-  HRESULT result = CoCreateInstance(ParsedId(kClass), nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IUnknown,
-                                    reinterpret_cast<void**>(object.Out()));
+  HRESULT result = CoCreateInstance(ParsedId(ids.classId), nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
+                                    IID_IUnknown, reinterpret_cast<void**>(object.Out()));
   if (FAILED(result)) {
-    throw refuse("the legacy application's message router " PARVEX_ROUTER_CLSID " cannot be created", result);
+    throw refuse("the legacy application's message router " + ids.classId + " cannot be created", result);
   }
   ComPointer<IRequestRouter> router;
+<<<<<<< HEAD
   const IID interfaceId = ParsedId(kInterface);
   result = object->QueryInterface(interfaceId, reinterpret_cast<void**>(router.Out()));
+=======
+  result = object->QueryInterface(ParsedId(ids.interfaceId), reinterpret_cast<void**>(router.Out()));
+>>>>>>> 2322bb5 (The router's identifiers are read at run time, and the components of both bitnesses live side by side)
   if (FAILED(result)) {
-    throw refuse("the message router has no interface " PARVEX_ROUTER_IID, result);
+    throw refuse("the message router " + ids.classId + " has no interface " + ids.interfaceId, result);
   }
   return std::make_unique<SystemMessageRouter>(std::move(router), interfaceId);
 }

@@ -43,13 +43,7 @@ CommandLine::CommandLine()
   AddDoctor();
   AddBase64();
   AddMachines();
-  Add(app_, "router-ids", "Read a type library for the identifiers by which a build finds the message router",
-      [this] {
-        WriteOutput(RouterIdsIn(typeLibrary_));
-        return kReply;
-      })
-      ->add_option("TYPELIB", typeLibrary_, "A type library, or a program or DLL that has one in it")
-      ->required();
+  AddRouterIds();
   AddReferences();
 }
 
@@ -112,6 +106,19 @@ void CommandLine::AddDoctor() {
   Add(app_, "doctor", "Find out whether the machine has everything that commands need", [this] {
     return Doctor(session_, doctorAsJson_);
   })->add_flag("--json", doctorAsJson_, "Write what was found as JSON");
+}
+
+void CommandLine::AddRouterIds() {
+  CLI::App* command =
+      Add(app_, "router-ids", "Find the identifiers of the legacy application's message router, and save them",
+          [this] { return TellRouterIds(session_, routerIds_); });
+  command
+      ->add_option("FILE", routerIds_.file,
+                   "A type library, a program or DLL that has one in it, or what this command has written of one")
+      ->required()
+      ->type_name("");
+  CLI::Option* save = command->add_flag("--save", routerIds_.save, "Save them in the registry, for the current user");
+  command->add_flag("--machine-wide", routerIds_.machineWide, "Save them for all users")->needs(save);
 }
 
 void CommandLine::AddBase64() {

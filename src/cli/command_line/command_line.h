@@ -8,6 +8,7 @@
 
 #include "cli/commands/export_command.h"
 #include "cli/commands/return_command.h"
+#include "cli/commands/router_ids_command.h"
 #include "cli/commands/show_command.h"
 #include "cli/host/exit_status.h"
 #include "cli/session/session.h"
@@ -38,6 +39,7 @@ class CommandLine {
   void AddReturn();
   void AddShow();
   void AddDoctor();
+  void AddRouterIds();
   void AddBase64();
   void AddMachines();
   /// Commands that write down what the command line offers.
@@ -51,7 +53,7 @@ class CommandLine {
   bool doctorAsJson_ = false;
   std::string base64File_ = "-";
   std::string newMachine_;
-  std::string typeLibrary_;
+  RouterIdsOptions routerIds_;
 
   Action action_;
   CLI::App app_;

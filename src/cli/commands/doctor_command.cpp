@@ -77,7 +77,7 @@ std::string AsJson(const std::vector<Finding>& findings) {
 
 ExitStatus Doctor(const SessionOptions& sessionOptions, bool asJson) {
   Session session(sessionOptions);
-  const std::vector<Finding> findings = ExamineMachine(session.Platform(), Host::Facts());
+  const std::vector<Finding> findings = ExamineMachine(session.Platform(), session.Settings(), Host::Facts());
   session.Close();
   WriteOutput(asJson ? AsJson(findings) : AsTable(findings, TakesColours(stdout)));
   return Count(findings, State::Failure) > 0 ? kFailedReply : kReply;

@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 
+#include "formats/router_ids/router_ids.h"
 #include "formats/text/text.h"
 #include "legacy_env/install_paths.h"
 #include "legacy_env/ui_settings.h"
@@ -103,6 +104,14 @@ Found FindXml(const Platform& platform, const std::string& path) {
           document.IsEmpty() ? State::Failure : State::Ok};
 }
 
+Found FindRouterIds(OwnSettings& settings, const HostFacts& facts) {
+  const auto [ids, place] = RouterIdsInForce(settings);
+  const bool areSubstitutes = AreSubstitutes(ids);
+  return {"class " + ids.classId + ", interface " + ids.interfaceId + ", from " + place +
+              (areSubstitutes ? "; they are the substitute's" : ""),
+          areSubstitutes && facts.runsWindowsPrograms ? State::Warning : State::Ok};
+}
+
 Found AskRouter(const Platform& platform) {
   LegacyLink link(platform);
   const bool answers = !IsFailedReply(GetProjectList(link, xml::Document::New()));
@@ -184,7 +193,7 @@ std::vector<Finding> ExamineInstallation(const Platform& platform, const HostFac
 
 }  // namespace
 
-std::vector<Finding> ExamineMachine(const Platform& platform, const HostFacts& facts) {
+std::vector<Finding> ExamineMachine(const Platform& platform, OwnSettings& settings, const HostFacts& facts) {
   std::vector<Finding> findings = {
       {"bitness", State::Ok, facts.program, ""},
       Check("XML parser", "Install MSXML 3, which belongs to Windows.", [&] { return ParseXml(facts); }),
@@ -203,6 +212,10 @@ std::vector<Finding> ExamineMachine(const Platform& platform, const HostFacts& f
   } else {
     findings.push_back({"folders and files", State::Unchecked, "not looked at without the program folder", ""});
   }
+  findings.push_back(Check("router identifiers",
+                           "Save those of the installed application: \"parvex router-ids FILE --save\", where FILE is "
+                           "its component with the message router.",
+                           [&] { return FindRouterIds(settings, facts); }));
   findings.push_back(Check("router", kBitnessHint, [&] { return AskRouter(platform); }));
   findings.push_back(Check("builder", kBitnessHint, [&] { return CreateComponent(platform, legacy::kBuilderClass); }));
   findings.push_back(

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "cli/host/host.h"
+#include "seams/own_settings.h"
 #include "seams/platform.h"
 
 namespace parvex::cli {
@@ -26,6 +27,6 @@ struct Finding {
 /// the legacy application's components, databases. A request for the list of projects is sent, each component created
 /// once, and a file written and removed in folders that commands write to; nothing else is changed. Never throws for
 /// what is wrong with the machine.
-std::vector<Finding> ExamineMachine(const Platform& platform, const HostFacts& facts);
+std::vector<Finding> ExamineMachine(const Platform& platform, OwnSettings& settings, const HostFacts& facts);
 
 }  // namespace parvex::cli

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "formats/router_ids/router_ids.h"
+#include "seams/own_settings.h"
 #include "seams/platform.h"
 
 namespace parvex::cli {
@@ -33,6 +35,7 @@ class Host {
 
   /// The members live as long as the host.
   parvex::Platform Platform();
+  OwnSettings& Settings();
 
   static HostFacts Facts();
 
@@ -50,10 +53,9 @@ inline std::filesystem::path PathOf(const std::string& name) { return std::u8str
 /// Makes a sample machine folder that holds a substitute for the legacy application.
 void CreateMachine(const std::filesystem::path& folder);
 
-/// What a build takes to find the message router that a type library (or a file with one in it) describes: one line for
-/// CMake each. A UsageError where the platform cannot read type libraries; an AutomationError that names the file when
-/// it describes no router.
-std::string RouterIdsIn(const std::string& typeLibrary);
+/// The identifiers of the message router that a type library (or a file with one in it) describes. A UsageError where
+/// the platform cannot read type libraries; an AutomationError that names the file when it describes no router.
+RouterIds RouterIdsIn(const std::string& typeLibrary);
 
 /// Makes standard input and output carry bytes as they stand, and makes writing to a reader that went away, or to a
 /// stream that was closed from the start, an error that can be reported.

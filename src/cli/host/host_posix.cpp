@@ -33,6 +33,20 @@ void KeepTaken(int descriptor, int mode) {
   }
 }
 
+// The one router of a machine folder. It answers for every identifier, but there has to be one.
+class FolderRouters : public MessageRouters {
+ public:
+  FolderRouters(OwnSettings& settings, MessageRouters& substitute) : settings_(settings), substitute_(substitute) {}
+  std::unique_ptr<MessageRouter> Create() override {
+    RouterIdsInForce(settings_);
+    return substitute_.Create();
+  }
+
+ private:
+  OwnSettings& settings_;
+  MessageRouters& substitute_;
+};
+
 }  // namespace
 
 struct Host::Parts {
@@ -47,6 +61,7 @@ struct Host::Parts {
   posix::Machine machine;
   WrittenBoxes messageBoxes;
   standin::Standin standin;
+  FolderRouters routers{machine.GetOwnSettings(), standin.Routers()};
 };
 
 Host::Host(const std::string& machineFolder) {
@@ -61,9 +76,11 @@ Host::~Host() = default;
 parvex::Platform Host::Platform() {
   parvex::Platform platform = parts_->machine.AsPlatform();
   platform.messageBoxes = &parts_->messageBoxes;
-  platform.messageRouters = &parts_->standin.Routers();
+  platform.messageRouters = &parts_->routers;
   return platform;
 }
+
+OwnSettings& Host::Settings() { return parts_->machine.GetOwnSettings(); }
 
 HostFacts Host::Facts() {
   return {.program = std::to_string(8 * sizeof(void*)) + "-bit program on a machine folder, which has no bitness",
@@ -77,8 +94,10 @@ std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv 
 
 void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }
 
-std::string RouterIdsIn(const std::string&) {
-  throw UsageError("type libraries can be read by parvex on Windows (or under Wine) only");
+RouterIds RouterIdsIn(const std::string& typeLibrary) {
+  throw UsageError(typeLibrary +
+                   " does not hold what router-ids writes; a type library can be read by parvex on Windows (or under "
+                   "Wine) only");
 }
 
 void PrepareStandardStreams() {

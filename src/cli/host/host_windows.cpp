@@ -40,6 +40,8 @@ parvex::Platform Host::Platform() {
   return platform;
 }
 
+OwnSettings& Host::Settings() { return parts_->machine.GetOwnSettings(); }
+
 HostFacts Host::Facts() {
   return {.program = std::to_string(8 * sizeof(void*)) + "-bit Windows program",
           .xmlEngine = "MSXML 3",
@@ -52,9 +54,8 @@ std::vector<std::string> ProgramArguments(int, char**) { return windows::Program
 
 void CreateMachine(const std::filesystem::path& folder) { standin::CreateSampleMachine(folder, WorkflowProgram()); }
 
-std::string RouterIdsIn(const std::string& typeLibrary) {
-  const com::RouterIds ids = com::ReadRouterIds(std::filesystem::absolute(PathOf(typeLibrary)).wstring());
-  return "-DPARVEX_ROUTER_CLSID=" + ids.classId + "\n-DPARVEX_ROUTER_IID=" + ids.interfaceId + "\n";
+RouterIds RouterIdsIn(const std::string& typeLibrary) {
+  return com::ReadRouterIds(std::filesystem::absolute(PathOf(typeLibrary)).wstring());
 }
 
 void PrepareStandardStreams() {

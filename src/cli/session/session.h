@@ -29,6 +29,7 @@ class Session {
 
   /// The members live until Close.
   parvex::Platform Platform();
+  OwnSettings& Settings() { return host_->Settings(); }
 
   /// Ends the journal; an AutomationError (75) when it could not be written completely.
   void Close();

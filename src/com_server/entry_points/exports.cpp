@@ -7,6 +7,24 @@
 
 using namespace parvex::com;
 
+namespace {
+
+void Register(const RegistrationKind& kind) {
+  const Server server = ThisServer();
+  if (server.checkBeforeRegistering != nullptr) {
+    server.checkBeforeRegistering();
+  }
+  RegisterModule(server.classes, ThisModulePath(), server.libraryId, kind);
+}
+
+void Unregister(RegistrationKind kind) {
+  const Server server = ThisServer();
+  kind.surrogate = server.applicationId;  // whether it was asked for or not
+  UnregisterModule(server.classes, ThisModulePath(), server.libraryId, kind);
+}
+
+}  // namespace
+
 extern "C" {
 
 HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** factory) {
@@ -17,19 +35,24 @@ HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID classId, REFIID interfaceId, v
 HRESULT STDAPICALLTYPE DllCanUnloadNow() { return CanUnloadNow(); }
 
 HRESULT STDAPICALLTYPE DllRegisterServer() {
-  return Guarded(IID_NULL, [] {
-    const Server server = ThisServer();
-    if (server.checkBeforeRegistering != nullptr) {
-      server.checkBeforeRegistering();
-    }
-    RegisterModule(server.classes, ThisModulePath(), server.libraryId);
-  });
+  return Guarded(IID_NULL, [] { Register({}); });
 }
 
 HRESULT STDAPICALLTYPE DllUnregisterServer() {
-  return Guarded(IID_NULL, [] {
-    const Server server = ThisServer();
-    UnregisterModule(server.classes, ThisModulePath(), server.libraryId);
+  return Guarded(IID_NULL, [] { Unregister({}); });
+}
+
+// Words of the command line: "user" for the current user only, "surrogate" for a surrogate process; none is
+// DllRegisterServer.
+HRESULT STDAPICALLTYPE DllInstall(BOOL install, LPCWSTR commandLine) {
+  return Guarded(IID_NULL, [&] {
+    const RegistrationKind kind =
+        ReadRegistrationKind(commandLine == nullptr ? L"" : commandLine, ThisServer().applicationId);
+    if (install) {
+      Register(kind);
+    } else {
+      Unregister(kind);
+    }
   });
 }
 

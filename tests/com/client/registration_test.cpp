@@ -16,6 +16,7 @@ namespace parvex::test {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 class Registration : public testing::TestWithParam<const wchar_t*> {
  protected:
@@ -24,6 +25,7 @@ class Registration : public testing::TestWithParam<const wchar_t*> {
     Register();
     FreeLibrary(module_);
   }
+  HMODULE Module() const { return module_; }
   void Register() { EXPECT_HRESULT_SUCCEEDED(CallExport(module_, "DllRegisterServer")); }
   void Unregister() { EXPECT_HRESULT_SUCCEEDED(CallExport(module_, "DllUnregisterServer")); }
 
@@ -61,6 +63,41 @@ TEST_P(Registration, UnregisteringWhatIsNotRegisteredChangesNothing) {
   EXPECT_EQ(Difference(before, SnapshotOfClasses()), "");
 }
 
+TEST_P(Registration, OfTheUserAloneTouchesNothingOfTheMachine) {
+  Unregister();
+  const RegistrySnapshot before = SnapshotOfClasses();
+  ASSERT_HRESULT_SUCCEEDED(CallInstall(Module(), true, L"User"));
+  const std::string made = Difference(before, SnapshotOfClasses());
+  EXPECT_THAT(made, HasSubstr("new: HKCU\\CLSID\\{"));
+  EXPECT_THAT(made, Not(HasSubstr(": HKLM")));
+  EXPECT_THAT(made, Not(HasSubstr("changed")));
+  ASSERT_HRESULT_SUCCEEDED(CallInstall(Module(), false, L"user"));
+  EXPECT_EQ(Difference(before, SnapshotOfClasses()), "");
+}
+
+TEST(RegistrationByWords, OfNoneIsTheMachines) {
+  const std::wstring folder = ComponentFolder();
+  const Unregistered parvex(L"Parvex.dll");
+  const HMODULE module = LoadLibraryW((folder + L"Parvex.dll").c_str());
+  for (const wchar_t* words : {static_cast<const wchar_t*>(nullptr), L"", L" , "}) {
+    ASSERT_HRESULT_SUCCEEDED(CallInstall(module, true, words));
+    EXPECT_TRUE(Create<ILegacyORLAPull>("Parvex.LegacyORLAPull"));
+    ASSERT_HRESULT_SUCCEEDED(CallInstall(module, false, words));
+    EXPECT_FALSE(Create<ILegacyORLAPull>("Parvex.LegacyORLAPull"));
+  }
+  FreeLibrary(module);
+}
+
+TEST(RegistrationByWords, OfAnUnknownOneIsRefused) {
+  const std::wstring folder = ComponentFolder();
+  const Unregistered parvex(L"Parvex.dll");
+  const HMODULE module = LoadLibraryW((folder + L"Parvex.dll").c_str());
+  EXPECT_EQ(CallInstall(module, true, L"user, everyone"), E_INVALIDARG);
+  EXPECT_THAT(TakeErrorInfo().description, HasSubstr("\"everyone\""));
+  EXPECT_FALSE(Create<ILegacyORLAPull>("Parvex.LegacyORLAPull"));
+  FreeLibrary(module);
+}
+
 TEST(ProgrammaticIds, OneThatNamesAnotherClassMeanwhileStays) {
   constexpr const wchar_t* kKey = L"Parvex.TagCls\\CLSID";
   constexpr const wchar_t kOther[] = L"{11111111-2222-3333-4444-555555555555}";
@@ -83,7 +120,7 @@ TEST(Manifest, OffersEveryClassWithoutRegistration) {
   for (const PublicClass& c : PublicClasses()) {
     EXPECT_FALSE(Create<IDispatch>(c.ProgrammaticId())) << "nothing is registered";
   }
-  const ActiveManifest manifest(folder + L"Parvex.manifest");
+  const ActiveManifest manifest(folder + L"Parvex.Component.manifest");
   for (const PublicClass& c : PublicClasses()) {
     ComPointer<IUnknown> object;
     EXPECT_HRESULT_SUCCEEDED(
@@ -101,7 +138,7 @@ TEST(Manifest, OffersEveryClassWithoutRegistration) {
 TEST(Manifest, CarriesCallsFromApartmentToApartmentToo) {
   const std::wstring folder = ComponentFolder();
   const Unregistered parvex(L"Parvex.dll");
-  const ActiveManifest manifest(folder + L"Parvex.manifest");
+  const ActiveManifest manifest(folder + L"Parvex.Component.manifest");
   const auto encoder = Make<cBinEncoder, IcBinEncoder>();
   IStream* stream = nullptr;
   ASSERT_HRESULT_SUCCEEDED(CoMarshalInterThreadInterfaceInStream(__uuidof(IcBinEncoder), encoder.Get(), &stream));
@@ -110,7 +147,7 @@ TEST(Manifest, CarriesCallsFromApartmentToApartmentToo) {
   std::thread other([&] {
     const windows::Apartment apartment;
     {
-      const ActiveManifest there(folder + L"Parvex.manifest");
+      const ActiveManifest there(folder + L"Parvex.Component.manifest");
       ComPointer<IcBinEncoder> proxy;
       EXPECT_HRESULT_SUCCEEDED(
           CoGetInterfaceAndReleaseStream(stream, __uuidof(IcBinEncoder), reinterpret_cast<void**>(proxy.Out())));

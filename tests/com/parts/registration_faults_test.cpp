@@ -7,9 +7,11 @@
 #include "adapters/windows/wide_text.h"
 #include "com/parvex_classes.h"
 #include "com_server/registration.h"
+#include "com_server/registry_changes.h"
 #include "com_server/type_library.h"
 #include "parvex_idl.h"
 #include "seams/automation_error.h"
+#include "tests/com/com_session.h"
 #include "tests/com/registry_snapshot.h"
 
 // Registering that fails on the way: the first failure is reported, and what was written is undone.
@@ -86,12 +88,105 @@ TEST_F(RegistrationFaults, ALinkThatLeadsNowhereIsAFailureAndUndone) {
   RegCloseKey(link);
 }
 
+TEST_F(RegistrationFaults, AHalfRegisteredTypeLibraryIsUndone) {
+  const std::wstring path = ComponentFolder() + L"Parvex.dll";
+  const Unregistered parvex(L"Parvex.dll");
+  const std::wstring refused = L"Software\\Classes\\Interface\\" + com::KeyName(__uuidof(IcBinEncoder));
+  HKEY link = nullptr;
+  ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, refused.c_str(), 0, nullptr,
+                            REG_OPTION_CREATE_LINK | REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &link, nullptr),
+            0);
+  constexpr wchar_t kTarget[] = L"\\Registry\\Machine\\Software\\ParvexNowhere\\Nothing";
+  RegSetValueExW(link, L"SymbolicLinkValue", 0, REG_LINK, reinterpret_cast<const BYTE*>(kTarget),
+                 sizeof kTarget - sizeof(wchar_t));
+  const RegistrySnapshot before = SnapshotOfClasses();
+  EXPECT_THAT(FailureOfRegistering(good, path, &LIBID_Parvex), HasSubstr("Interface"));
+  EXPECT_EQ(Difference(before, SnapshotOfClasses()), "");
+  RegCloseKey(link);
+  RegOpenKeyExW(HKEY_LOCAL_MACHINE, refused.c_str(), REG_OPTION_OPEN_LINK, KEY_ALL_ACCESS, &link);
+  RegDeleteKeyW(link, L"");
+  RegCloseKey(link);
+}
+
 TEST_F(RegistrationFaults, UnregisteringGoesOnBehindAFailureAndReportsIt) {
   com::RegisterModule(good, L"C:\\first.dll", nullptr);
   EXPECT_THROW(com::UnregisterModule(good, L"C:\\no such\\module.dll", &LIBID_Parvex), AutomationError);
   CLSID id;
   EXPECT_HRESULT_FAILED(CLSIDFromProgID(L"ParvexTest.First", &id));
   EXPECT_HRESULT_FAILED(CLSIDFromProgID(L"ParvexTest.Second", &id));
+}
+
+// The module of the other bitness, as far as it stands in the registry.
+class SideBySide : public RegistrationFaults {
+ protected:
+  void SetUp() override { com::RegisterModule(good, path, &LIBID_Parvex, surrogate); }
+  void TearDown() override { classes.Remove(OtherClass(), com::kOtherView); }
+
+  static std::wstring OtherClass() { return L"CLSID\\" + com::KeyName(kFirst); }
+
+  static constexpr GUID kApplication = {0x8d0f2f44, 0x6a0e, 0x4a53, {0x9c, 0x11, 0x5d, 0x6f, 0x0e, 0x3b, 0x61, 0x03}};
+  const std::wstring path = ComponentFolder() + L"Parvex.dll";
+  const Unregistered parvex{L"Parvex.dll"};
+  const com::ClassesKey classes{HKEY_LOCAL_MACHINE};
+  const com::RegistrationKind surrogate = {.surrogate = &kApplication};
+  const std::wstring library = L"TypeLib\\" + com::KeyName(LIBID_Parvex);
+  const std::wstring application = L"AppID\\" + com::KeyName(kApplication);
+  const std::wstring interfaceKey = L"Interface\\" + com::KeyName(__uuidof(IcBinEncoder));
+};
+
+TEST_F(SideBySide, WithoutTheOtherBitnessEverythingGoes) {
+  EXPECT_TRUE(classes.Exists(L"ParvexTest.First"));
+  EXPECT_TRUE(classes.Exists(library));
+  EXPECT_TRUE(classes.Exists(application));
+  EXPECT_TRUE(classes.Exists(interfaceKey, com::kOtherView)) << "callers of the other bitness";
+  com::UnregisterModule(good, path, &LIBID_Parvex, surrogate);
+  for (const std::wstring& key : {std::wstring(L"ParvexTest.First"), library, application, interfaceKey}) {
+    EXPECT_FALSE(classes.Exists(key)) << windows::Narrow(key);
+    EXPECT_FALSE(classes.Exists(key, com::kOtherView)) << windows::Narrow(key);
+  }
+}
+
+TEST_F(SideBySide, WhatTheOtherBitnessNeedsStays) {
+  {
+    com::RegistryChanges other(classes);
+    other.Set(OtherClass() + L"\\InprocServer32", L"", L"C:\\other.dll", com::kOtherView);
+    other.Set(OtherClass(), L"AppID", com::KeyName(kApplication), com::kOtherView);
+    other.Set(library + L"\\1.0\\0\\" + (sizeof(void*) == 8 ? L"win32" : L"win64"), L"", L"C:\\other.dll");
+    other.Keep();
+  }
+  com::UnregisterModule(good, path, &LIBID_Parvex, surrogate);
+  EXPECT_TRUE(classes.Exists(L"ParvexTest.First"));
+  EXPECT_TRUE(classes.Exists(L"ParvexTest.First.1"));
+  EXPECT_FALSE(classes.Exists(L"ParvexTest.Second")) << "of which the other bitness has no class";
+  EXPECT_TRUE(classes.Exists(OtherClass(), com::kOtherView));
+  EXPECT_FALSE(classes.Exists(OtherClass())) << "this bitness's own";
+  EXPECT_TRUE(classes.Exists(application));
+  EXPECT_TRUE(classes.Exists(library + L"\\1.0\\FLAGS"));
+  EXPECT_FALSE(classes.Exists(library + L"\\1.0\\0\\" + (sizeof(void*) == 8 ? L"win64" : L"win32")));
+  EXPECT_TRUE(classes.Exists(interfaceKey));
+  EXPECT_TRUE(classes.Exists(interfaceKey, com::kOtherView));
+
+  // It goes in its turn.
+  classes.Remove(OtherClass(), com::kOtherView);
+  classes.Remove(library + L"\\1.0\\0");
+  com::UnregisterModule(good, path, &LIBID_Parvex, surrogate);
+  EXPECT_FALSE(classes.Exists(L"ParvexTest.First"));
+  EXPECT_FALSE(classes.Exists(library));
+  EXPECT_FALSE(classes.Exists(application));
+}
+
+TEST(RegistrationWords, AreReadInAnyCaseAndOrder) {
+  constexpr GUID kSome = {1, 2, 3, {}};
+  const auto read = [&](const wchar_t* words) { return com::ReadRegistrationKind(words, &kSome); };
+  EXPECT_FALSE(read(L"").forUser);
+  EXPECT_EQ(read(L" ,").surrogate, nullptr);
+  EXPECT_TRUE(read(L"USER").forUser);
+  EXPECT_EQ(read(L"user").surrogate, nullptr);
+  EXPECT_FALSE(read(L"Surrogate").forUser);
+  EXPECT_EQ(read(L" surrogate,user ").surrogate, &kSome);
+  EXPECT_TRUE(read(L"surrogate user").forUser);
+  EXPECT_THROW(read(L"users"), AutomationError);
+  EXPECT_THROW(com::ReadRegistrationKind(L"surrogate", nullptr), AutomationError) << "a server without one";
 }
 
 }  // namespace

@@ -232,5 +232,41 @@ TEST_F(RegistryFileTest, AnExportOfA64BitMachineIsUnderstood) {
   EXPECT_EQ(registry.LocalMachineString("Software\\Korvane\\KDQ47", "BinPath"), "64");
 }
 
+TEST_F(RegistryFileTest, OwnSettingsAreThoseOfTheirHiveOnly) {
+  Write(
+      "REGEDIT4\n[HKEY_CURRENT_USER\\Software\\P]\n\"v\"=\"user\"\n[HKEY_LOCAL_MACHINE\\Software\\P]\n\"v\"="
+      "\"machine\"\n"
+      "[HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\P]\n\"w\"=\"32\"\n[HKCU\\Software\\P]\n\"x\"=\"short\"\n");
+  EXPECT_EQ(registry.Read(RegistryHive::CurrentUser, "SOFTWARE\\P", "V"), "user");
+  EXPECT_EQ(registry.Read(RegistryHive::LocalMachine, "SOFTWARE\\P", "V"), "machine");
+  EXPECT_EQ(registry.Read(RegistryHive::LocalMachine, "SOFTWARE\\P", "w"), std::nullopt);
+  EXPECT_EQ(registry.Read(RegistryHive::CurrentUser, "SOFTWARE\\P", "x"), "short");
+}
+
+TEST_F(RegistryFileTest, ASettingIsAppendedInTheEncodingOfTheFile) {
+  const std::string text = "\r\n[HKEY_LOCAL_MACHINE\\K]\r\n\"v\"=\"ä\"\r\n";
+  const std::string files[] = {"REGEDIT4" + codePage.ToAnsi(text), "\xEF\xBB\xBFWindows" + text,
+                               Utf16LittleEndian("Windows" + text), Utf16LittleEndian("Windows" + text) + "x",
+                               "REGEDIT4" + codePage.ToAnsi(text) + "\"w\"=hex(2):41,\\"};
+  for (const std::string& file : files) {
+    Write(file);
+    registry.Write(RegistryHive::LocalMachine, "Software\\P", "a\"b", "C:\\ö\\");
+    EXPECT_EQ(registry.Read(RegistryHive::LocalMachine, "Software\\P", "a\"b"), "C:\\ö\\");
+    EXPECT_EQ(registry.Read(RegistryHive::LocalMachine, "K", "v"), "ä") << "what stood there stays";
+    EXPECT_TRUE(test::ReadHostFile(folder.Path() / "registry.reg").starts_with(file.substr(0, file.size() - 1)));
+  }
+}
+
+TEST_F(RegistryFileTest, ASettingMakesAMissingFileAndIsWrittenOnce) {
+  for (int i = 0; i < 2; ++i) {
+    registry.Write(RegistryHive::CurrentUser, "Software\\P", "v", "x");
+    EXPECT_EQ(test::ReadHostFile(folder.Path() / "registry.reg"),
+              Utf16LittleEndian("Windows Registry Editor Version 5.00\r\n\r\n\r\n[HKEY_CURRENT_USER\\Software\\P]\r\n"
+                                "\"v\"=\"x\"\r\n"));
+  }
+  registry.Write(RegistryHive::CurrentUser, "Software\\P", "v", "y");
+  EXPECT_EQ(registry.Read(RegistryHive::CurrentUser, "Software\\P", "v"), "y");
+}
+
 }  // namespace
 }  // namespace parvex::posix

@@ -51,6 +51,8 @@ def main():
             database.execute(f"UPDATE `Component` SET `Condition` = '{condition}' WHERE `Component` = '{component}'")
         else:
             database.execute(f"UPDATE `Property` SET `Value` = '{line}' WHERE `Property` = 'SecureCustomProperties'")
+    # The compiler gives the root "of the user or the machine" a number that is none.
+    database.execute("UPDATE `Registry` SET `Root` = -1 WHERE `Root` = 4")
     database.commit()
 
 

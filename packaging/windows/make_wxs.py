@@ -34,6 +34,9 @@ APPLICATION = "{5C1C5A5E-3A2F-4A4B-9F4D-276E0BD1C047}"
 NAMESPACE = uuid.UUID("6a1f0e52-78f4-4f0e-9f0f-0f4f3f1c5e01")
 FILES = ["Parvex.dll", "Parvex.tlb", "Parvex.Component.manifest", "parvex.exe", "LICENSE.txt"]
 DLL = "[#ParvexDll]"
+# Where 64-bit programs do not see the programmatic ids, type libraries and applications that 32-bit ones see: before
+# Windows 7, and on Wine.
+TWO_CLASSES_KEYS = "VersionNT64 < 601 OR %WINECONFIGDIR"
 # Given by the user; the first two are found by the search for other versions.
 PROPERTIES = ["WIX_UPGRADE_DETECTED", "WIX_DOWNGRADE_DETECTED", "INSTALLDIR", "ROUTER_CLSID", "ROUTER_IID", "SURROGATE"]
 
@@ -150,9 +153,11 @@ def components(library, architecture):
     yield shared("TypeLibrary", library_values(library))
     # Seen by 32-bit programs, and by 64-bit ones: calls between the two need both.
     yield shared("Interfaces", interface_values(library))
+    yield shared("Surrogate", application_values(x64), "SURROGATE")
     if x64:
         yield own("InterfacesFor64Bit", interface_values(library))
-    yield shared("Surrogate", application_values(x64), "SURROGATE")
+        yield own("ClassesFor64Bit", [*programmatic_id_values(library), *library_values(library)], TWO_CLASSES_KEYS)
+        yield own("SurrogateFor64Bit", application_values(x64), f"SURROGATE AND ({TWO_CLASSES_KEYS})")
     yield own("ServedBySurrogate", [text(f"CLSID\\{c.id}", "AppID", APPLICATION) for c in library.classes],
               "SURROGATE")
     yield own("RouterIdentifiers", router_values(), "ROUTER_CLSID AND ROUTER_IID")
@@ -186,7 +191,9 @@ def main():
     lines += [f'      <ComponentRef Id="{component.name}"/>' for component in made]
     lines += ['    </Feature>', '  </Product>', '</Wix>']
     Path(out).write_text("\n".join(lines) + "\n")
-    of_components = [f"{component.name}\t{component.condition}" for component in made if component.condition]
+    # Conditions are about installing: whatever was installed is removed.
+    of_components = [f'{component.name}\t({component.condition}) OR REMOVE="ALL"' for component in made
+                     if component.condition]
     Path(conditions).write_text("\n".join([*of_components, ";".join(PROPERTIES)]) + "\n")
 
 

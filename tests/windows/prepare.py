@@ -5,6 +5,7 @@
 The prefix (WINEPREFIX) is made when it is not there.
 """
 
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -22,6 +23,11 @@ def main():
     # Windows and boxes without a display, and no debugger at a crash.
     wine.run("reg", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null", "/f")
     wine.run("reg", "add", r"HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug", "/v", "Auto", "/d", "0", "/f")
+    # Wine starts surrogate processes from the folder of 32-bit programs, which a prefix of 64 bits alone does not have.
+    surrogate = wine.drive_c() / "windows" / "syswow64" / "dllhost.exe"
+    if not surrogate.exists():
+        surrogate.parent.mkdir(exist_ok=True)
+        shutil.copy(wine.drive_c() / "windows" / "system32" / "dllhost.exe", surrogate)
     with tempfile.TemporaryDirectory() as scratch:
         wine.install_machine(native_bin, windows_bin, scratch)
     for dll in ("KorvaneSubstitute.dll", "SubstituteEngine.dll", "Parvex.dll"):

@@ -1,5 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <windows.h>
+// Behind windows.h, whose types it uses.
+#include <tlhelp32.h>
+
+#include <set>
 
 #include "parvex_idl.h"
 #include "tests/com/com_session.h"
@@ -13,22 +18,50 @@ namespace {
 
 using testing::HasSubstr;
 
+// A process of the module's own bitness, whatever a client of this one gets otherwise.
+constexpr DWORD kElsewhere =
+    CLSCTX_LOCAL_SERVER | (sizeof(void*) == 8 ? CLSCTX_ACTIVATE_64_BIT_SERVER : CLSCTX_ACTIVATE_32_BIT_SERVER);
+
 ComPointer<ILegacyORLAPull> CreateElsewhere(HRESULT& result) {
   ComPointer<ILegacyORLAPull> pull;
-  result = CoCreateInstance(__uuidof(LegacyORLAPull), nullptr, CLSCTX_LOCAL_SERVER, __uuidof(ILegacyORLAPull),
+  result = CoCreateInstance(__uuidof(LegacyORLAPull), nullptr, kElsewhere, __uuidof(ILegacyORLAPull),
                             reinterpret_cast<void**>(pull.Out()));
   return pull;
+}
+
+std::set<DWORD> SurrogateProcesses() {
+  std::set<DWORD> found;
+  const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+  PROCESSENTRY32W entry = {};
+  entry.dwSize = sizeof entry;
+  for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
+    if (lstrcmpiW(entry.szExeFile, L"dllhost.exe") == 0) {
+      found.insert(entry.th32ProcessID);
+    }
+  }
+  CloseHandle(snapshot);
+  return found;
 }
 
 class Surrogate : public testing::Test {
  protected:
   void SetUp() override { ASSERT_HRESULT_SUCCEEDED(CallInstall(module_, true, L"surrogate")); }
+  // Where a surrogate does not end by itself it would keep the output of this test open.
   void TearDown() override {
+    for (const DWORD id : SurrogateProcesses()) {
+      if (!earlier_.contains(id)) {
+        const HANDLE process = OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, id);
+        TerminateProcess(process, 0);
+        WaitForSingleObject(process, 5000);
+        CloseHandle(process);
+      }
+    }
     EXPECT_HRESULT_SUCCEEDED(CallExport(module_, "DllUnregisterServer"));
     EXPECT_HRESULT_SUCCEEDED(CallExport(module_, "DllRegisterServer"));
     FreeLibrary(module_);
   }
 
+  const std::set<DWORD> earlier_ = SurrogateProcesses();
   const HMODULE module_ = LoadLibraryW((ComponentFolder() + L"Parvex.dll").c_str());
 };
 
@@ -63,7 +96,7 @@ TEST_F(Surrogate, CarriesADocumentThereAndTheReplyBack) {
 
 TEST_F(Surrogate, CarriesLateBoundCalls) {
   ComPointer<IDispatch> pull;
-  ASSERT_EQ(CoCreateInstance(__uuidof(LegacyORLAPull), nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch,
+  ASSERT_EQ(CoCreateInstance(__uuidof(LegacyORLAPull), nullptr, kElsewhere, IID_IDispatch,
                              reinterpret_cast<void**>(pull.Out())),
             S_OK);
   const Bstr command(Command("noSuchCommand"));

@@ -81,7 +81,7 @@ def main():
 
             check_properties(msi, before[0], scratch)
             check_side_by_side(msi, build(windows_bin, scratch, "0.1.0", "x86"), before[0], scratch)
-            check_upgrade(Path(msi), build(windows_bin, scratch, "99.0.0", "x64"), before[0])
+            check_upgrade(Path(msi), build(windows_bin, scratch, "99.0.0", "x64"), classes())
 
             wine.register(dll)
             registered = classes()
@@ -90,6 +90,7 @@ def main():
                   "the installer registers the classes as the DLL does itself",
                   difference(of_parvex(registered), of_parvex(after_installing)))
     finally:
+        wine.run("msiexec", "/x", wine.windows_path(msi), "/qn", check=False)  # what a failed test has left
         wine.register(dll)
 
 
@@ -142,17 +143,21 @@ def check_properties(msi, before, scratch):
 
 
 def check_side_by_side(msi, other, before, scratch):
+    def values():
+        # Wine removes a key of its own that was empty before.
+        return [section for section in classes() if "\r\n" in section.strip()]
+
     install(msi)
-    alone = classes()
+    alone = values()
     install(other)
     check("PASS" in run_script(scratch), "both bitnesses are installed")
     remove(other)
-    check(classes() == alone, "removing the other one leaves this one whole", difference(alone, classes()))
+    check(values() == alone, "removing the other one leaves this one whole", difference(alone, values()))
     check("PASS" in run_script(scratch), "which works")
     install(other)
-    both = classes()
+    both = values()
     remove(msi)
-    left = classes()
+    left = values()
 
     def shared_in(sections):
         # Where 32-bit programs have classes of their own, they are below this key.
@@ -163,7 +168,8 @@ def check_side_by_side(msi, other, before, scratch):
     check(any("\\0\\win32]" in section and "TypeLib" in section and "Parvex.dll" in section for section in left),
           "and its type library")
     remove(other)
-    check(classes() == before, "nothing is left behind the last one", difference(before, classes()))
+    before = [section for section in before if "\r\n" in section.strip()]
+    check(values() == before, "nothing is left behind the last one", difference(before, values()))
 
 
 def check_upgrade(msi, later, before):

@@ -92,12 +92,8 @@ std::unique_ptr<MessageRouter> SystemMessageRouters::Create() {
     throw refuse("the legacy application's message router " + ids.classId + " cannot be created", result);
   }
   ComPointer<IRequestRouter> router;
-<<<<<<< HEAD
-  const IID interfaceId = ParsedId(kInterface);
+  const IID interfaceId = ParsedId(ids.interfaceId);
   result = object->QueryInterface(interfaceId, reinterpret_cast<void**>(router.Out()));
-=======
-  result = object->QueryInterface(ParsedId(ids.interfaceId), reinterpret_cast<void**>(router.Out()));
->>>>>>> 2322bb5 (The router's identifiers are read at run time, and the components of both bitnesses live side by side)
   if (FAILED(result)) {
     throw refuse("the message router " + ids.classId + " has no interface " + ids.interfaceId, result);
   }

@@ -14,7 +14,8 @@ set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static")
 
+# The 32-bit build runs where there is a 32-bit Wine of the same name (scripts/lib/test_windows_x86).
 find_program(PARVEX_WINE NAMES wine wine64)
-if(PARVEX_WINE AND (CMAKE_SYSTEM_PROCESSOR STREQUAL "AMD64" OR EXISTS /usr/lib/wine/wine))
+if(PARVEX_WINE)
   set(CMAKE_CROSSCOMPILING_EMULATOR ${PARVEX_WINE})
 endif()

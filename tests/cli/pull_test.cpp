@@ -359,7 +359,7 @@ TEST_F(JournalFile, HoldsAProgramWithItsCommandLineWindowStyleAndExitCode) {
 
 TEST_F(JournalFile, HoldsAProgramThatDoesNotExist) {
   const SortedJson line = LineOf(ExportCommand());
-  EXPECT_EQ(std::string(kProgram) + " /OrlaImportNoUI", line["command"]);
+  EXPECT_EQ(line["command"].get<std::string>(), std::string(kProgram) + " /OrlaImportNoUI");
   EXPECT_EQ(line["exitCode"], -2147221451);  // 0x80040035: file not found
   EXPECT_EQ(line["error"]["number"], "0x800A0035");
 }
@@ -367,7 +367,7 @@ TEST_F(JournalFile, HoldsAProgramThatDoesNotExist) {
 TEST_F(JournalFile, HoldsAProgramThatCannotBeStarted) {
   WriteHostFile(machine_.Installed("Bin", "kdwfm470.exe"), "MZ no program of this system");
   const SortedJson line = LineOf(CommandText("getHybrisXML"));
-  EXPECT_EQ(std::string(kProgram) + " /OrlaProjectImport", line["command"]);
+  EXPECT_EQ(line["command"].get<std::string>(), std::string(kProgram) + " /OrlaProjectImport");
   EXPECT_EQ(line["exitCode"], -2147221499);  // 0x80040005: not a program
   EXPECT_EQ(line["error"]["number"], "0x800A0005");
 }

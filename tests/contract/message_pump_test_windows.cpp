@@ -52,6 +52,8 @@ TEST(MessagePump, LeavesTheRequestToQuitForTheThreadsOwnLoop) {
   EXPECT_EQ(message.wParam, 42u);
 }
 
+INT_PTR CALLBACK ServeDialog(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
+
 /// Two fields with a tab stop each.
 HWND NewDialog() {
   struct alignas(4) Item {
@@ -68,9 +70,7 @@ HWND NewDialog() {
     return Item{{WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, x, 0, 20, 10, id}, 0xFFFF, kEdit, 0, 0};
   };
   static const Template shape = {{WS_POPUP | WS_VISIBLE, 0, 2, 0, 0, 60, 20}, 0, 0, 0, field(0, 1001), field(30, 1002)};
-  return CreateDialogIndirectParamW(
-      GetModuleHandleW(nullptr), &shape.dialog, nullptr, [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; },
-      0);
+  return CreateDialogIndirectParamW(GetModuleHandleW(nullptr), &shape.dialog, nullptr, ServeDialog, 0);
 }
 
 TEST(MessagePump, ADialogOfTheHostGetsItsKeys) {

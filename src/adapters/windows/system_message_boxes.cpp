@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cstring>
 #include <optional>
 #include <string>
 
@@ -44,7 +45,12 @@ std::optional<bool> AskedByRegistry(HKEY root) {
   if (read != ERROR_SUCCESS) {
     return std::nullopt;
   }
-  return type == REG_DWORD ? *reinterpret_cast<const DWORD*>(value) == 1 : std::wstring_view(value) == L"1";
+  if (type == REG_SZ) {
+    return std::wstring_view(value) == L"1";
+  }
+  DWORD number = 0;
+  std::memcpy(&number, value, sizeof number);
+  return number == 1;
 }
 
 // A box that nobody owns may come up behind the host's windows, which wait for it.

@@ -31,9 +31,18 @@ inline std::uint64_t Load(const char* from, std::size_t size) {
 
 // The low and the high half of a 128-bit product, folded together.
 inline std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
+#ifdef __SIZEOF_INT128__
   __extension__ using Product = unsigned __int128;
   const Product product = static_cast<Product>(a) * b;
   return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+#else
+  constexpr std::uint64_t kLow = 0xFFFFFFFF;
+  const std::uint64_t lows = (a & kLow) * (b & kLow);
+  const std::uint64_t crossed = (a >> 32) * (b & kLow) + (lows >> 32);
+  const std::uint64_t middle = (a & kLow) * (b >> 32) + (crossed & kLow);
+  const std::uint64_t high = (a >> 32) * (b >> 32) + (crossed >> 32) + (middle >> 32);
+  return ((middle << 32) | (lows & kLow)) ^ high;
+#endif
 }
 
 struct Words {

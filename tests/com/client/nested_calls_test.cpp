@@ -17,7 +17,7 @@
 namespace parvex::test {
 namespace {
 
-constexpr HRESULT kObjectNotSet = static_cast<HRESULT>(0x800A005B);
+constexpr HRESULT kRefusedBesideAnother = static_cast<HRESULT>(0x800A005B);
 const std::string kProject = "Riverside Clinic";
 
 struct NestedCall {
@@ -164,7 +164,7 @@ void NestEveryCommandUnderATimer(const NestedCall& outer) {
     EXPECT_EQ(outerSeen, outerAlone);
     ASSERT_TRUE(seen) << "the timer did not come to its turn";
     if (refused) {
-      EXPECT_EQ(seen->result, kObjectNotSet) << *seen;
+      EXPECT_EQ(seen->result, kRefusedBesideAnother) << *seen;
     } else {
       EXPECT_EQ(*seen, nestedAlone);
     }

@@ -21,11 +21,11 @@ PULL, PULL_NGORLA = "pull", "pull-ngorla"
 
 def canonical(markup):
     """Markup without the white space between elements, in one fixed form; so too the text of an element, where that is
-    the markup of another document."""
+    the markup of another document. (Wine also doubles line ends of such a text.)"""
     root = ElementTree.fromstring(markup)
     for element in root.iter():
         if not len(element) and (element.text or "").startswith("<"):
-            element.text = re.sub(r">\s+<", "><", element.text)
+            element.text = re.sub(r"\n+", "\n", re.sub(r">\s+<", "><", element.text))
         if len(element) and not (element.text or "").strip():
             element.text = None
         for child in element:
@@ -207,4 +207,5 @@ def main():
     sys.exit(1 if different or left_out or not compared else 0)
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -120,6 +120,22 @@ class JournalledMessageBoxes : public MessageBoxes {
   std::ostream& out_;
 };
 
+class JournalledNotes : public Notes {
+ public:
+  JournalledNotes(Notes* outside, std::ostream& out) : outside_(outside), out_(out) {}
+
+  void Take(std::string_view about, std::string_view text) override {
+    WriteLine(out_, {{"kind", "note"}, {"about", std::string(about)}, {"text", std::string(text)}});
+    if (outside_ != nullptr) {
+      outside_->Take(about, text);
+    }
+  }
+
+ private:
+  Notes* outside_;
+  std::ostream& out_;
+};
+
 }  // namespace
 
 struct JournalledPlatform::Parts {
@@ -128,13 +144,15 @@ struct JournalledPlatform::Parts {
         routers(*outside.messageRouters, out),
         automation(*outside.automation, out),
         processes(*outside.processes, out),
-        boxes(*outside.messageBoxes, out) {}
+        boxes(*outside.messageBoxes, out),
+        notes(outside.notes, out) {}
 
   const parvex::Platform outside;
   JournalledRouters routers;
   JournalledAutomation automation;
   JournalledProcesses processes;
   JournalledMessageBoxes boxes;
+  JournalledNotes notes;
 };
 
 JournalledPlatform::JournalledPlatform(const parvex::Platform& outside, std::ostream& out)
@@ -148,6 +166,7 @@ parvex::Platform JournalledPlatform::Platform() {
   journalled.automation = &parts_->automation;
   journalled.processes = &parts_->processes;
   journalled.messageBoxes = &parts_->boxes;
+  journalled.notes = &parts_->notes;
   return journalled;
 }
 

@@ -8,8 +8,9 @@
 namespace parvex::journal {
 
 /// A machine of which everything that crosses to the outside is written down: router requests, late-bound objects,
-/// programs and message boxes, one JSON object a line in order of occurrence (docs/journal.md). Nothing else about the
-/// machine changes; errors pass through. `outside` and the stream outlive this and every object that came from it.
+/// programs, message boxes and the notes that the system takes, one JSON object a line in order of occurrence
+/// (docs/journal.md). Nothing else about the machine changes; errors pass through. `outside` and the stream outlive
+/// this and every object that came from it.
 class JournalledPlatform {
  public:
   JournalledPlatform(const parvex::Platform& outside, std::ostream& out);

@@ -82,7 +82,7 @@ void SetPassedOptions(const xml::Document& options, const xml::Document& command
 
 void WriteOptions(const LegacyLink& link, const xml::Document& command) {
   const std::string path = OptionsPath(link);
-  const xml::Document options = xml::Document::Load(link.platform.files->ReadAll(path));
+  const xml::Document options = LoadDocument(link.platform, path);
   Required(options.Root(), "Tool", path);
   for (const std::string_view name : kGeneralOptions) {
     SetGeneralOption(options, command, name);

@@ -8,6 +8,7 @@
 #include "formats/text/text.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/install_paths.h"
+#include "legacy_env/program_folder_document.h"
 #include "protocol/command_document.h"
 #include "protocol/legacy_names.h"
 #include "protocol/reply_envelope.h"
@@ -231,7 +232,7 @@ xml::Document MakeSeveralReports(LegacyLink& link, const xml::Document& command,
 /// The root element of the report that the server has just written, with its drawings.
 xml::Node LoadSubmittal(const Platform& platform, std::string_view pdsg) {
   const std::string path = ReportsTempFolder(platform) + "\\NGreport.xml";
-  const xml::Document report = xml::Document::Load(platform.files->ReadAll(path));
+  const xml::Document report = LoadDocument(platform, path);
   if (report.IsEmpty()) {
     throw MakeRuntimeError(RuntimeError::ObjectNotSet, path + " is no XML document: " + report.ParseError());
   }

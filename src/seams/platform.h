@@ -6,6 +6,7 @@
 #include "seams/message_boxes.h"
 #include "seams/message_pump.h"
 #include "seams/message_router.h"
+#include "seams/notes.h"
 #include "seams/private_profile.h"
 #include "seams/processes.h"
 #include "seams/project_database.h"
@@ -27,6 +28,7 @@ struct Platform {
   automation::Automation* automation = nullptr;
   ProjectDatabases* projectDatabases = nullptr;
   CodePage* codePage = nullptr;
+  Notes* notes = nullptr;  ///< the one member that may stay null: nobody keeps notes then
 };
 
 }  // namespace parvex

@@ -153,6 +153,20 @@ TEST_F(Journalled, MessageBoxesBeforeTheyOpen) {
   EXPECT_EQ(boxes.linesWhileOpen, out_.Text());
 }
 
+TEST_F(Journalled, NotesAndWhoTakesThemOutside) {
+  struct Kept : Notes {
+    std::string text;
+    void Take(std::string_view about, std::string_view what) override { text = std::string(about) + "|" + what.data(); }
+  } kept;
+  Platform outside = machine_.platform;
+  outside.notes = &kept;
+  JournalledPlatform journalled(outside, out_);
+  journalled.Platform().notes->Take("C:\\a.xml", "it is odd");
+  EXPECT_EQ(Lines(), "{\"kind\":\"note\",\"about\":\"C:\\\\a.xml\",\"text\":\"it is odd\"}\n");
+  EXPECT_EQ(kept.text, "C:\\a.xml|it is odd");
+  platform_.notes->Take("C:\\a.xml", "nobody listens outside");
+}
+
 TEST_F(Journalled, NothingElseOfTheMachineChanges) {
   EXPECT_EQ(machine_.platform.files, platform_.files);
   EXPECT_EQ(machine_.platform.registry, platform_.registry);

@@ -4,6 +4,7 @@
 
 #include "adapters/windows/com_pointer.h"
 #include "adapters/windows/system_error.h"
+#include "com/values.h"
 #include "com_server/dual_object.h"
 #include "seams/automation_error.h"
 
@@ -12,10 +13,6 @@ namespace {
 
 using windows::Hex;
 using windows::Variant;
-
-AutomationError Mismatch(const char* parameter, const std::string& why) {
-  return MakeRuntimeError(RuntimeError::TypeMismatch, std::string(parameter) + ": " + why);
-}
 
 /// Leaves the value empty when there is no such member.
 HRESULT ReadMember(IDispatch* object, const std::wstring& name, Variant& value) {

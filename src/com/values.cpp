@@ -16,10 +16,6 @@ using windows::ComPointer;
 using windows::Hex;
 using windows::Variant;
 
-AutomationError Mismatch(const char* name, const std::string& why) {
-  return MakeRuntimeError(RuntimeError::TypeMismatch, std::string(name) + ": " + why);
-}
-
 void Require(HRESULT result, const char* name) {
   if (result == E_OUTOFMEMORY) {
     throw std::bad_alloc();
@@ -125,6 +121,10 @@ ComPointer<IDispatch> ReferenceIn(const VARIANT& element, REFIID elementId, cons
 }
 
 }  // namespace
+
+AutomationError Mismatch(const char* name, const std::string& why) {
+  return MakeRuntimeError(RuntimeError::TypeMismatch, std::string(name) + ": " + why);
+}
 
 void RequirePointer(const void* pointer, const char* name) {
   if (pointer == nullptr) {

@@ -8,8 +8,12 @@
 #include <vector>
 
 #include "adapters/windows/com_pointer.h"
+#include "seams/automation_error.h"
 
 namespace parvex::com {
+
+/// A type mismatch (13) that names the parameter and says why.
+AutomationError Mismatch(const char* name, const std::string& why);
 
 /// Gives `text` to the caller of a method, who frees it. A null result pointer is an AutomationError (5), lack of
 /// memory std::bad_alloc.

@@ -29,7 +29,7 @@ class ScriptArray : public windows::ComObject<IDispatch> {
   HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID, WORD kind, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
                                    UINT*) override {
     const auto& [name, value] = *std::next(members.begin(), member - 1);
-    if ((kind & DISPATCH_PROPERTYGET) == 0 || name == L"1" && fails) {
+    if ((kind & DISPATCH_PROPERTYGET) == 0 || (name == L"1" && fails)) {
       return DISP_E_MEMBERNOTFOUND;
     }
     return windows::CopyVariant(result, value.Get());

@@ -63,8 +63,19 @@ TEST_P(Registration, UnregisteringWhatIsNotRegisteredChangesNothing) {
   EXPECT_EQ(Difference(before, SnapshotOfClasses()), "");
 }
 
+/// The keys that the user's components share; whoever registers the first one makes them, and they stay.
+void MakeSharedKeysOfTheUser() {
+  for (const wchar_t* name : {L"CLSID", L"Interface", L"TypeLib", L"AppID"}) {
+    HKEY made = nullptr;
+    ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, (std::wstring(L"Software\\Classes\\") + name).c_str(), &made),
+              ERROR_SUCCESS);
+    RegCloseKey(made);
+  }
+}
+
 TEST_P(Registration, OfTheUserAloneTouchesNothingOfTheMachine) {
   Unregister();
+  MakeSharedKeysOfTheUser();
   const RegistrySnapshot before = SnapshotOfClasses();
   ASSERT_HRESULT_SUCCEEDED(CallInstall(Module(), true, L"User"));
   const std::string made = Difference(before, SnapshotOfClasses());

@@ -21,11 +21,11 @@ PULL, PULL_NGORLA = "pull", "pull-ngorla"
 
 def canonical(markup):
     """Markup without the white space between elements, in one fixed form; so too the text of an element, where that is
-    the markup of another document. (Wine also doubles line ends of such a text.)"""
+    the markup of another document. (Wine also doubles the line ends of a section that stands raw, as such texts do.)"""
     root = ElementTree.fromstring(markup)
     for element in root.iter():
-        if not len(element) and (element.text or "").startswith("<"):
-            element.text = re.sub(r"\n+", "\n", re.sub(r">\s+<", "><", element.text))
+        if not len(element) and (element.tag == "SAP_XML" or (element.text or "").startswith("<")):
+            element.text = re.sub(r"\n+", "\n", re.sub(r">\s+<", "><", element.text or ""))
         if len(element) and not (element.text or "").strip():
             element.text = None
         for child in element:

@@ -73,7 +73,7 @@ TEST(Base64, OfAFileThatCannotBeReadIsWrongUsage) {
       const Outcome outcome = RunParvex({"base64", verb, file});
       EXPECT_EQ(outcome.status, 2);
       EXPECT_EQ(outcome.out, "");
-      EXPECT_NE(std::string::npos, outcome.err.find(file)) << outcome.err;
+      EXPECT_NE(outcome.err.find(file), std::string::npos) << outcome.err;
     }
   }
 }

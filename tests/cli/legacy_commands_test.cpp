@@ -38,7 +38,7 @@ TEST(RouterCommands, RefusedByTheSubstituteAreTheFailedReply) {
   const CliMachine machine;
   const Outcome outcome = machine.Run({"pull", machine.Write("c.xml", CommandText("deleteProject"))});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(FailedReply(), outcome.out);
+  EXPECT_EQ(outcome.out, FailedReply());
 }
 
 TEST(RouterCommands, BeyondTheReplayAreAFailedCall) {
@@ -67,7 +67,7 @@ TEST(Options, ThatCannotBeStoredAreTheFailedReply) {
   const CliMachine machine;
   const Outcome outcome = machine.Run({"pull", machine.Write("c.xml", CommandText("setOptions"))});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(FailedReply(), outcome.out);
+  EXPECT_EQ(outcome.out, FailedReply());
 }
 
 class RoundTrip : public testing::Test {
@@ -117,7 +117,7 @@ TEST_F(RoundTrip, AnExportedTagSentBackLeavesTheOriginalBlob) {
     const Outcome returned = SendBack(document, markFor);
     EXPECT_EQ(returned.status, 0) << markFor << returned.err;
     EXPECT_THAT(returned.out, HasSubstr("<errorMessage>No error</errorMessage>")) << markFor;
-    ASSERT_NE("", Read(blob)) << blob;
+    ASSERT_NE(Read(blob), "") << blob;
     EXPECT_TRUE(Read("Temp/QPblob.tmp") == Read(blob)) << markFor;
     EXPECT_EQ(Read("Temp/input.ini"),
               "[Header]\r\nAction=ok\r\n[Partnumber1]\r\nfilename=C:\\Korvane\\TQ5-VX\\Temp\\QPblob.tmp\r\n");
@@ -147,7 +147,7 @@ TEST_F(RoundTrip, EveryComponentIsShownOnceForEveryBaseUnitOnStandardErrorAndInT
   std::size_t at = 0;
   for (const std::string& text : expected) {
     at = returned.err.find(text, at);
-    ASSERT_NE(std::string::npos, at) << text;
+    ASSERT_NE(at, std::string::npos) << text;
     at += text.size();
   }
 }

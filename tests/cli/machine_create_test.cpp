@@ -47,7 +47,7 @@ TEST(MachineCreate, BringsCommandsThatAreServed) {
   for (const std::string& file : files) {
     const xml::Node name = xml::Document::Load(ReadHostFile(file)).First("/COMMAND/NAME");
     ASSERT_TRUE(name) << file;
-    EXPECT_NE(std::string::npos, served.find("  " + name.Text() + " ")) << file;
+    EXPECT_NE(served.find("  " + name.Text() + " "), std::string::npos) << file;
   }
 }
 
@@ -64,7 +64,7 @@ TEST(MachineCreate, RefusesAFolderThatHoldsSomethingElse) {
   const Outcome outcome = RunParvex({"machine", "create", folder.Path().string()});
   EXPECT_EQ(outcome.status, 3);
   EXPECT_EQ(outcome.out, "");
-  EXPECT_NE(std::string::npos, outcome.err.find("0x800A004B")) << outcome.err;
+  EXPECT_NE(outcome.err.find("0x800A004B"), std::string::npos) << outcome.err;
   EXPECT_FALSE(std::filesystem::exists(folder.Path() / "registry.reg"));
   EXPECT_EQ(ReadHostFile(folder.Path() / "mine.txt"), "mine");
 }
@@ -83,7 +83,7 @@ TEST(SampleMachine, TellsTheWorkflowProgramToCancel) {
   WriteHostFile(folder.Path() / "c.xml", ExportCommand("Riverside Clinic"));
   const Outcome outcome = RunParvex({"--machine", machine, "pull-ngorla", (folder.Path() / "c.xml").string()});
   EXPECT_EQ(outcome.status, 1) << outcome.err;
-  EXPECT_EQ(FailedReply("User Canceled"), outcome.out);
+  EXPECT_EQ(outcome.out, FailedReply("User Canceled"));
 }
 
 }  // namespace

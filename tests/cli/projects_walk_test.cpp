@@ -132,7 +132,7 @@ TEST_F(ProjectsWalk, AProjectWithTagsSurvivesArchivingAndExportsAsBefore) {
   ASSERT_EQ(before.status, 0) << before.err;
   ASSERT_EQ(Send("archiveProject", {{"projectName", "Riverside Clinic"}}).out, kSuccess);
   ASSERT_EQ(Send("deleteProject", {{"projectName", "Riverside Clinic"}}).out, kSuccess);
-  ASSERT_NE(0, exportAll().status);
+  ASSERT_NE(exportAll().status, 0);
   ASSERT_EQ(Send("retrieveProject", {{"projectName", "Riverside Clinic"},
                                      {"fileSpec", "C:\\Korvane\\TQ5-VX\\Archives\\Riverside Clinic.E3A"},
                                      {"FOLDER", "C:\\Korvane\\TQ5-VX\\Projects\\Riverside Clinic"}})
@@ -146,7 +146,7 @@ TEST_F(ProjectsWalk, ANameThatExistsIsRefusedWithItsOwnMessage) {
   for (const char* command : {"copyProject", "renameProject"}) {
     const Outcome outcome = Send(command, {{"projectName", "Harbour"}, {"newProjectName", "riverside clinic"}});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(FailedReply("A Project of that name already exists"), outcome.out) << command;
+    EXPECT_EQ(outcome.out, FailedReply("A Project of that name already exists")) << command;
   }
   EXPECT_EQ(FailedReply(), Send("addProject", {{"projectName", "HARBOUR"}}).out);
   EXPECT_THAT(Projects(), ElementsAre("Harbour", "Harbour Annex", "Riverside Clinic"));
@@ -180,7 +180,7 @@ TEST_F(ProjectsWalk, EachRequestRefusedIsTheFailedReplyAndTheProjectsStay) {
     Refuse(request);
     const Outcome outcome = Send(command);
     EXPECT_EQ(outcome.status, 1) << request << outcome.err;
-    EXPECT_EQ(FailedReply(), outcome.out) << request;
+    EXPECT_EQ(outcome.out, FailedReply()) << request;
   }
   Refuse("nothing");
   EXPECT_EQ(before, Projects());

@@ -33,7 +33,7 @@ TEST(Pull, ExitsWith1AndPrintsAFailedReply) {
   CliMachine machine;
   const Outcome outcome = machine.Run({"pull", machine.Write("c.xml", CommandText("nonsense"))});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(FailedReply(), outcome.out);
+  EXPECT_EQ(outcome.out, FailedReply());
   EXPECT_EQ(outcome.err, "");
 }
 
@@ -50,7 +50,7 @@ TEST(PullNgorla, AnswersTheCommandsOfPullWithTheFailedReply) {
   for (const char* name : {"getProjectList", "getTagList", "getReport", "getOptions", "GetHybrisXML"}) {
     const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", CommandText(name)));
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(FailedReply(), outcome.out) << name;
+    EXPECT_EQ(outcome.out, FailedReply()) << name;
   }
 }
 
@@ -91,7 +91,7 @@ TEST(SeveralFiles, AreSentInOrderToOneProcessAndTheLastReplyDecides) {
   const std::string unknown = machine.Write("b.xml", CommandText("nonsense"));
   const Outcome outcome = machine.Run({"pull-ngorla", cancelled, unknown, cancelled});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(FailedReply("User Canceled") + FailedReply() + FailedReply("User Canceled"), outcome.out);
+  EXPECT_EQ(outcome.out, FailedReply("User Canceled") + FailedReply() + FailedReply("User Canceled"));
 }
 
 TEST(SeveralFiles, ExitWith0WhenTheLastReplyIsNoFailedOne) {
@@ -133,7 +133,7 @@ TEST(StandardInput, IsReadForADash) {
   for (const char* command : {"pull", "pull-ngorla"}) {
     const Outcome outcome = machine.Run({command, "-"}, {.input = CommandText("nonsense")});
     EXPECT_EQ(outcome.status, 1) << outcome.err;
-    EXPECT_EQ(FailedReply(), outcome.out);
+    EXPECT_EQ(outcome.out, FailedReply());
   }
 }
 
@@ -142,7 +142,7 @@ TEST(StandardInput, IsTheSameForEachDashAndMayStandBetweenFiles) {
   const std::string broken = machine.Write("broken.xml", "");
   const Outcome outcome = machine.Run({"pull", "-", broken, "-"}, {.input = CommandText("nonsense")});
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_EQ(FailedReply() + FailedReply(), outcome.out);
+  EXPECT_EQ(outcome.out, FailedReply() + FailedReply());
 }
 
 TEST(StandardInput, ThatIsEmptyIsAFailedCall) {
@@ -208,7 +208,7 @@ TEST(Registry, ThatIsAbsentIsAnUnreadableBinPath) {
   std::filesystem::remove(machine.Path("machine/registry.reg"));
   const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", ExportCommand()));
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(FailedReply("System Error: Unable to read BinPath"), outcome.out);
+  EXPECT_EQ(outcome.out, FailedReply("System Error: Unable to read BinPath"));
   EXPECT_EQ(outcome.out, machine.Run({"pull", machine.Write("c.xml", CommandText("getHybrisXML"))}).out);
   EXPECT_FALSE(machine.WorkflowRan());
 }
@@ -236,7 +236,7 @@ TEST(Machine, MayBeAnEmptyFolder) {
   const std::string file = machine.Write("c.xml", CommandText("nonsense"));
   const Outcome outcome = RunParvex({"--machine", machine.Path("empty"), "pull", file});
   EXPECT_EQ(outcome.status, 1) << outcome.err;
-  EXPECT_EQ(FailedReply(), outcome.out);
+  EXPECT_EQ(outcome.out, FailedReply());
 }
 
 TEST(Machine, MayLieInAFolderWithBlanksAndLettersBeyondAscii) {
@@ -294,7 +294,7 @@ TEST(Workflow, ThatCancelsGivesUserCanceledInBothRuns) {
   for (const std::string& command : {ExportCommand(), CommandText("getHybrisXML")}) {
     const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", command));
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(FailedReply("User Canceled"), outcome.out);
+    EXPECT_EQ(outcome.out, FailedReply("User Canceled"));
   }
 }
 
@@ -325,7 +325,7 @@ TEST(Workflow, GivesTheTagsOfItsSelection) {
   const Outcome outcome = machine.PullNgorla(machine.Write("c.xml", ExportCommand()));
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   const std::size_t first = outcome.out.find("Müller");
-  EXPECT_NE(std::string::npos, first) << outcome.out;
+  EXPECT_NE(first, std::string::npos) << outcome.out;
   EXPECT_LT(first, outcome.out.find("Second"));
 }
 
@@ -350,11 +350,10 @@ TEST_F(JournalFile, HoldsAProgramWithItsCommandLineWindowStyleAndExitCode) {
   machine_.SetWorkflow("exit 5");
   const SortedJson line = LineOf(ExportCommand());
   EXPECT_EQ(outcome_.status, 0) << outcome_.err;
-  EXPECT_EQ((SortedJson{{"kind", "process"},
-                        {"command", std::string(kProgram) + " /OrlaImportNoUI"},
-                        {"windowStyle", 1},
-                        {"exitCode", 5}}),
-            line);
+  EXPECT_EQ(line, (SortedJson{{"kind", "process"},
+                              {"command", std::string(kProgram) + " /OrlaImportNoUI"},
+                              {"windowStyle", 1},
+                              {"exitCode", 5}}));
 }
 
 TEST_F(JournalFile, HoldsAProgramThatDoesNotExist) {

@@ -248,7 +248,7 @@ TEST_F(ReportsWalk, AServerThatFailsAtAnyMemberIsAnsweredWithThatMember) {
     SetReportServer("{\"failAt\":\"" + member + "\"}");
     const Outcome outcome = Pull({Command("02-one")});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(FailedReply("Error in getReport. " + kServer + "." + member + ": told to fail"), outcome.out);
+    EXPECT_EQ(outcome.out, FailedReply("Error in getReport. " + kServer + "." + member + ": told to fail"));
   }
 }
 
@@ -256,7 +256,7 @@ TEST_F(ReportsWalk, WhatTheServerDoesNotMakeIsSaidSo) {
   SetReportServer("{\"makeReport\":false}");
   const Outcome outcome = Pull({Command("02-one"), Command("05-schedule")});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_EQ(std::string(kNotMade) + kNotMade, outcome.out);
+  EXPECT_EQ(outcome.out, std::string(kNotMade) + kNotMade);
   EXPECT_THAT(BoxTexts(), IsEmpty());
 }
 

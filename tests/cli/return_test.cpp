@@ -30,7 +30,7 @@ TEST_F(Return, BringsBackTheVeryBytesThatWereExported) {
   EXPECT_EQ(outcome.out, "");
   EXPECT_EQ(outcome.err, "") << "no boxes for components";
   const std::string archive = ReadHostFile(Installed("Projects/Riverside Clinic/tag1103.blb"));
-  EXPECT_NE("", archive);
+  EXPECT_NE(archive, "");
   EXPECT_EQ(archive, ReadHostFile(Installed("Temp/QPblob.tmp")));
   EXPECT_TRUE(std::filesystem::exists(Installed("Temp/input.ini")));
 }

@@ -10,7 +10,7 @@ namespace {
 void ExpectWrongUsage(const Outcome& outcome, const std::string& named) {
   EXPECT_EQ(outcome.status, 2) << outcome.err;
   EXPECT_EQ(outcome.out, "");
-  EXPECT_NE(std::string::npos, outcome.err.find(named)) << outcome.err;
+  EXPECT_NE(outcome.err.find(named), std::string::npos) << outcome.err;
 }
 
 TEST(Usage, VersionIsPrinted) {
@@ -31,7 +31,7 @@ TEST(Usage, HelpIsPrintedForTheProgramAndEachCommand) {
   for (const auto& arguments : commands) {
     const Outcome outcome = RunParvex(arguments);
     EXPECT_EQ(outcome.status, 0) << arguments.front();
-    EXPECT_NE(std::string::npos, outcome.out.find("Usage:")) << outcome.out;
+    EXPECT_NE(outcome.out.find("Usage:"), std::string::npos) << outcome.out;
     EXPECT_EQ(outcome.err, "");
   }
 }
@@ -40,7 +40,7 @@ TEST(Usage, HelpNamesTheOptionsAndTheExitStatus) {
   const std::string help = RunParvex({"--help"}).out;
   for (const char* word : {"--machine", "PARVEX_MACHINE", "--journal", "--replay", "pull", "pull-ngorla", "base64",
                            "machine", "commands", "Exit status"}) {
-    EXPECT_NE(std::string::npos, help.find(word)) << word;
+    EXPECT_NE(help.find(word), std::string::npos) << word;
   }
 }
 
@@ -67,7 +67,7 @@ TEST(Usage, WrongCommandLinesExitWith2) {
     const Outcome outcome = RunParvex(arguments);
     EXPECT_EQ(outcome.status, 2) << testing::PrintToString(arguments) << outcome.err;
     EXPECT_EQ(outcome.out, "") << testing::PrintToString(arguments);
-    EXPECT_NE("", outcome.err) << testing::PrintToString(arguments);
+    EXPECT_NE(outcome.err, "") << testing::PrintToString(arguments);
   }
 }
 
@@ -75,19 +75,19 @@ TEST(Usage, CommandsListsBothTablesWithTheirSummaries) {
   const Outcome outcome = RunParvex({"commands"});
   EXPECT_EQ(outcome.status, 0);
   const std::size_t second = outcome.out.find("pull-ngorla (PullNGORLA)");
-  ASSERT_NE(std::string::npos, second);
+  ASSERT_NE(second, std::string::npos);
   EXPECT_EQ(outcome.out.find("pull (Pull)"), 0u);
   std::size_t at = 0;
   for (const CommandEntry& command : PullCommands()) {
     at = outcome.out.find("\n  " + std::string(command.name) + " ", at);
     ASSERT_LT(at, second) << command.name;
-    EXPECT_NE(std::string::npos, outcome.out.find(command.summary, at)) << command.name;
+    EXPECT_NE(outcome.out.find(command.summary, at), std::string::npos) << command.name;
   }
   at = second;
   for (const CommandEntry& command : PullNgorlaCommands()) {
     at = outcome.out.find("\n  " + std::string(command.name) + " ", at);
-    ASSERT_NE(std::string::npos, at) << command.name;
-    EXPECT_NE(std::string::npos, outcome.out.find(command.summary, at)) << command.name;
+    ASSERT_NE(at, std::string::npos) << command.name;
+    EXPECT_NE(outcome.out.find(command.summary, at), std::string::npos) << command.name;
   }
 }
 
@@ -168,8 +168,8 @@ TEST(Journal, ThatIsNotWrittenCompletelyIsAFailure) {
   const std::string file = machine.Write("c.xml", ExportCommand());
   const Outcome outcome = machine.Run({"--journal", "/dev/full", "pull-ngorla", file});
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_NE(std::string::npos, outcome.err.find("/dev/full")) << outcome.err;
-  EXPECT_NE("", outcome.out);
+  EXPECT_NE(outcome.err.find("/dev/full"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.out, "");
 }
 
 TEST(ReplayFile, ThatCannotBeReadIsWrongUsageAndNothingIsSent) {
@@ -197,7 +197,7 @@ TEST(StandardOutput, ThatCannotBeWrittenIsAFailure) {
              {"pull", file}, {"base64", "encode", file}, {"commands"}, {"--version"}, {"--help"}}) {
       const Outcome outcome = machine.Run(arguments, {.outputFile = output});
       EXPECT_EQ(outcome.status, 3) << output << testing::PrintToString(arguments);
-      EXPECT_NE(std::string::npos, outcome.err.find("standard output")) << outcome.err;
+      EXPECT_NE(outcome.err.find("standard output"), std::string::npos) << outcome.err;
     }
   }
 }

@@ -62,9 +62,9 @@ TEST(CommandTables, HoldTheCommandsOfEachEntryPointInOrder) {
 TEST(CommandTables, GiveEachCommandAHandlerAndASummaryOfOneLine) {
   for (const auto table : {PullCommands(), PullNgorlaCommands()}) {
     for (const CommandEntry& command : table) {
-      EXPECT_NE(nullptr, command.handler) << command.name;
+      EXPECT_NE(command.handler, nullptr) << command.name;
       EXPECT_FALSE(command.summary.empty()) << command.name;
-      EXPECT_EQ(std::string_view::npos, command.summary.find('\n')) << command.name;
+      EXPECT_EQ(command.summary.find('\n'), std::string_view::npos) << command.name;
     }
   }
 }
@@ -86,27 +86,27 @@ TEST(LegacyOrlaPullConstruction, FailsWhenTheRouterCannotBeCreated) {
 
 TEST_F(LegacyOrlaPullTest, PullAnswersUnknownNamesWithTheFailedReply) {
   for (const char* name : {"nonsense", "", "getProjectListX", "getProject"}) {
-    EXPECT_EQ(failedReply_, Pull(name).Xml()) << name;
+    EXPECT_EQ(Pull(name).Xml(), failedReply_) << name;
   }
 }
 
 TEST_F(LegacyOrlaPullTest, PullComparesNamesWithLetterCase) {
   for (const char* name : {"GetProjectList", "getprojectlist", "GETHYBRISXML", "gethybrisxml"}) {
-    EXPECT_EQ(failedReply_, Pull(name).Xml()) << name;
+    EXPECT_EQ(Pull(name).Xml(), failedReply_) << name;
   }
   EXPECT_TRUE(machine_.processes.started.empty());
 }
 
 TEST_F(LegacyOrlaPullTest, PullDoesNotServeTheCommandsOfPullNgorla) {
-  EXPECT_EQ(failedReply_, Pull("getHybrisXMLNoUI").Xml());
-  EXPECT_EQ(failedReply_, Pull("RebuildTag").Xml());
+  EXPECT_EQ(Pull("getHybrisXMLNoUI").Xml(), failedReply_);
+  EXPECT_EQ(Pull("RebuildTag").Xml(), failedReply_);
   EXPECT_TRUE(machine_.processes.started.empty());
 }
 
 TEST_F(LegacyOrlaPullTest, PullNgorlaDoesNotServeTheCommandsOfPull) {
   for (const CommandEntry& command : PullCommands()) {
     if (command.name != "getHybrisXML") {
-      EXPECT_EQ(failedReply_, pull_.PullNGORLA(CommandText(command.name))) << command.name;
+      EXPECT_EQ(pull_.PullNGORLA(CommandText(command.name)), failedReply_) << command.name;
     }
   }
   EXPECT_TRUE(machine_.routers.requests.empty());
@@ -114,7 +114,7 @@ TEST_F(LegacyOrlaPullTest, PullNgorlaDoesNotServeTheCommandsOfPull) {
 
 TEST_F(LegacyOrlaPullTest, PullNgorlaComparesNamesWithLetterCase) {
   for (const char* name : {"rebuildTag", "getHybrisXMLNoUi", "GetHybrisXML"}) {
-    EXPECT_EQ(failedReply_, pull_.PullNGORLA(CommandText(name))) << name;
+    EXPECT_EQ(pull_.PullNGORLA(CommandText(name)), failedReply_) << name;
   }
   EXPECT_TRUE(machine_.processes.started.empty());
 }
@@ -128,8 +128,8 @@ TEST_F(LegacyOrlaPullTest, DispatchesACommandNestedUnderAnotherRoot) {
 TEST_F(LegacyOrlaPullTest, BothEntryPointsServeTheInteractiveExport) {
   machine_.SetBinPath("");
   const std::string unreadable = MakeFailedReply("System Error: Unable to read BinPath").Xml();
-  EXPECT_EQ(unreadable, Pull("getHybrisXML").Xml());
-  EXPECT_EQ(unreadable, pull_.PullNGORLA(CommandText("getHybrisXML")));
+  EXPECT_EQ(Pull("getHybrisXML").Xml(), unreadable);
+  EXPECT_EQ(pull_.PullNGORLA(CommandText("getHybrisXML")), unreadable);
 }
 
 TEST_F(LegacyOrlaPullTest, ACommandWithoutNameIsAFailedCall) {
@@ -142,11 +142,11 @@ TEST_F(LegacyOrlaPullTest, ACommandWithoutNameIsAFailedCall) {
 
 TEST_F(LegacyOrlaPullTest, IsUsableAfterAFailedCall) {
   EXPECT_THROW(pull_.PullNGORLA(""), AutomationError);
-  EXPECT_EQ(failedReply_, pull_.PullNGORLA(CommandText("nonsense")));
+  EXPECT_EQ(pull_.PullNGORLA(CommandText("nonsense")), failedReply_);
 }
 
 TEST_F(LegacyOrlaPullTest, PullNgorlaIgnoresTheEncodingThatTheTextDeclares) {
-  EXPECT_EQ(failedReply_, pull_.PullNGORLA("<?xml version=\"1.0\" encoding=\"UTF-16\"?>" + CommandText("Größe")));
+  EXPECT_EQ(pull_.PullNGORLA("<?xml version=\"1.0\" encoding=\"UTF-16\"?>" + CommandText("Größe")), failedReply_);
 }
 
 }  // namespace

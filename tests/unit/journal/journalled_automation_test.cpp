@@ -72,12 +72,12 @@ std::string Line(const std::string& object, const std::string& op, const std::st
 TEST_F(JournalledAutomationTest, WritesCreationAndRelease) {
   ObjectRef object = journalled_.Create("A.B");
   EXPECT_EQ(object->Name(), "A.B");
-  EXPECT_EQ(Line("A.B", "create"), NewLines());
+  EXPECT_EQ(NewLines(), Line("A.B", "create"));
   ObjectRef second = object;
   object.reset();
   EXPECT_EQ(NewLines(), "");
   second.reset();
-  EXPECT_EQ(Line("A.B", "release"), NewLines());
+  EXPECT_EQ(NewLines(), Line("A.B", "release"));
 }
 
 TEST_F(JournalledAutomationTest, NumbersTheObjectsOfAProgrammaticIdFromTheSecondOn) {
@@ -85,8 +85,8 @@ TEST_F(JournalledAutomationTest, NumbersTheObjectsOfAProgrammaticIdFromTheSecond
   const ObjectRef second = journalled_.Create("A.B");
   const ObjectRef other = journalled_.Create("C.D");
   const ObjectRef third = journalled_.Create("A.B");
-  EXPECT_EQ(Line("A.B", "create") + Line("A.B#2", "create") + Line("C.D", "create") + Line("A.B#3", "create"),
-            NewLines());
+  EXPECT_EQ(NewLines(),
+            Line("A.B", "create") + Line("A.B#2", "create") + Line("C.D", "create") + Line("A.B#3", "create"));
   EXPECT_EQ(third->Name(), "A.B#3");
 }
 
@@ -117,7 +117,7 @@ TEST_F(JournalledAutomationTest, WritesGetsWithTheirValue) {
   for (const auto& [value, json] : values) {
     fake_.get = [&](std::string_view) { return value; };
     EXPECT_EQ(value, object->Get("UILoaded"));
-    EXPECT_EQ(Line("A.B", "get", "UILoaded", "[]", json), NewLines());
+    EXPECT_EQ(NewLines(), Line("A.B", "get", "UILoaded", "[]", json));
   }
 }
 
@@ -130,7 +130,7 @@ TEST_F(JournalledAutomationTest, WritesPutsWithOneArgument) {
   };
   object->Put("standalone", false);
   EXPECT_EQ(Value(false), seen);
-  EXPECT_EQ(Line("A.B", "put", "standalone", "[false]"), NewLines());
+  EXPECT_EQ(NewLines(), Line("A.B", "put", "standalone", "[false]"));
 }
 
 TEST_F(JournalledAutomationTest, WritesByReferenceArgumentsWithTheirValueBeforeTheCall) {
@@ -143,7 +143,7 @@ TEST_F(JournalledAutomationTest, WritesByReferenceArgumentsWithTheirValueBeforeT
   std::vector<Argument> arguments = {{std::string("before"), true}, {std::int32_t{1}}};
   EXPECT_EQ(Value(true), object->Call("MakeReport", arguments));
   EXPECT_EQ(Value(std::string("after")), arguments[0].value);
-  EXPECT_EQ(Line("A.B", "call", "MakeReport", "[\"before\",1]", "true"), NewLines());
+  EXPECT_EQ(NewLines(), Line("A.B", "call", "MakeReport", "[\"before\",1]", "true"));
 }
 
 TEST_F(JournalledAutomationTest, NamesAnObjectFromAMemberByParentAndMember) {
@@ -154,12 +154,12 @@ TEST_F(JournalledAutomationTest, NamesAnObjectFromAMemberByParentAndMember) {
   framework->get = [&](std::string_view) { return Value(ObjectRef(broker)); };
   ObjectRef gotFramework = std::get<ObjectRef>(object->Get("Framework"));
   ObjectRef gotBroker = std::get<ObjectRef>(gotFramework->Get("ServiceBroker"));
-  EXPECT_EQ(Line("A.B", "get", "Framework", "[]", "{\"object\":\"A.B.Framework\"}") +
-                Line("A.B.Framework", "get", "ServiceBroker", "[]", "{\"object\":\"A.B.Framework.ServiceBroker\"}"),
-            NewLines());
+  EXPECT_EQ(NewLines(),
+            Line("A.B", "get", "Framework", "[]", "{\"object\":\"A.B.Framework\"}") +
+                Line("A.B.Framework", "get", "ServiceBroker", "[]", "{\"object\":\"A.B.Framework.ServiceBroker\"}"));
   gotFramework.reset();
   gotBroker.reset();
-  EXPECT_EQ(Line("A.B.Framework", "release") + Line("A.B.Framework.ServiceBroker", "release"), NewLines());
+  EXPECT_EQ(NewLines(), Line("A.B.Framework", "release") + Line("A.B.Framework.ServiceBroker", "release"));
 }
 
 TEST_F(JournalledAutomationTest, JournalsTheObjectThatACallGivesBack) {
@@ -167,7 +167,7 @@ TEST_F(JournalledAutomationTest, JournalsTheObjectThatACallGivesBack) {
   const auto given = std::make_shared<FakeObject>();
   fake_.call = [&](std::string_view, std::span<Argument>) { return Value(ObjectRef(given)); };
   object->Call("Run", {});
-  EXPECT_EQ(Line("A.B", "call", "Run", "[]", "{\"object\":\"A.B.Run\"}") + Line("A.B.Run", "release"), NewLines());
+  EXPECT_EQ(NewLines(), Line("A.B", "call", "Run", "[]", "{\"object\":\"A.B.Run\"}") + Line("A.B.Run", "release"));
 }
 
 TEST_F(JournalledAutomationTest, WritesObjectsEmptyReferencesAndKeyedCollectionsAsArguments) {
@@ -178,10 +178,10 @@ TEST_F(JournalledAutomationTest, WritesObjectsEmptyReferencesAndKeyedCollections
       {"Consumer", {ObjectRef(consumer)}}, {"Builder", {builder, true}}, {"Command Line", {std::string("\\\\X\\Y")}}});
   std::vector<Argument> arguments = {{true}, {ObjectRef()}, {CollectionRef(items)}};
   builder->Call("View", arguments);
-  EXPECT_EQ(Line("K.Builder", "call", "View",
+  EXPECT_EQ(NewLines(),
+            Line("K.Builder", "call", "View",
                  "[true,null,[[\"Consumer\",{\"object\":\"LegacyORLAPull\"}],[\"Builder\",{\"object\":\"K.Builder\"}],"
-                 "[\"Command Line\",\"\\\\\\\\X\\\\Y\"]]]"),
-            NewLines());
+                 "[\"Command Line\",\"\\\\\\\\X\\\\Y\"]]]"));
 }
 
 TEST_F(JournalledAutomationTest, TheOutsideGetsItsOwnObjectsBackAtAnyDepth) {
@@ -255,14 +255,14 @@ TEST_F(JournalledAutomationTest, WritesWhatACallCausedBeforeTheCall) {
     return Value();
   };
   object->Call("Run", {});
-  EXPECT_EQ(Line("C.D", "create") + Line("C.D", "release") + Line("A.B", "call", "Run"), NewLines());
+  EXPECT_EQ(NewLines(), Line("C.D", "create") + Line("C.D", "release") + Line("A.B", "call", "Run"));
 }
 
 TEST_F(JournalledAutomationTest, WritesANumberThatJsonLacksAsNull) {
   const ObjectRef object = CreateQuietly();
   fake_.get = [](std::string_view) { return Value(std::numeric_limits<double>::infinity()); };
   object->Get("N");
-  EXPECT_EQ(Line("A.B", "get", "N"), NewLines());
+  EXPECT_EQ(NewLines(), Line("A.B", "get", "N"));
 }
 
 }  // namespace

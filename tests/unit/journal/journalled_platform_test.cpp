@@ -106,7 +106,7 @@ TEST_F(Journalled, ProgramsWhenTheirExitCodeIsKnown) {
 TEST_F(Journalled, ExitCodesAsTheRunnerReturnsThem) {
   machine_.processes.exitCode = 0xC0000005u;
   platform_.processes->Start("p", 1)->ExitCode();
-  EXPECT_NE(std::string::npos, Lines().find("\"exitCode\":-1073741819}")) << Lines();
+  EXPECT_NE(Lines().find("\"exitCode\":-1073741819}"), std::string::npos) << Lines();
 }
 
 TEST_F(Journalled, AProgramDroppedWhileRunningHasNoExitCode) {

@@ -31,7 +31,7 @@ TEST_F(IniTarget, ReadsAndWritesItsSectionOfItsFile) {
   SetIniTarget(platform_, "Header", kFile);
   EXPECT_EQ(ReadIniString(platform_, "Key", "fallback"), "yes");
   EXPECT_EQ(ReadIniInt(platform_, "Count", 7), 12);
-  EXPECT_NE(0, WriteIniString(platform_, "New", "written"));
+  EXPECT_NE(WriteIniString(platform_, "New", "written"), 0);
   EXPECT_EQ(ReadIniString(platform_, "New", ""), "written");
   EXPECT_TRUE(machine_.boxes.boxes.empty());
 }

@@ -26,7 +26,7 @@ class InstallPaths : public testing::Test {
     try {
       operation(platform_);
     } catch (const AutomationError& error) {
-      EXPECT_NE(std::string::npos, error.Description().find(registry_.value.value_or(""))) << error.Description();
+      EXPECT_NE(error.Description().find(registry_.value.value_or("")), std::string::npos) << error.Description();
       return error.RuntimeNumber();
     }
     return 0;

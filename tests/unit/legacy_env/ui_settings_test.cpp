@@ -37,7 +37,7 @@ class UiSettings : public testing::Test {
     } catch (const AutomationError& error) {
       EXPECT_EQ(number, error.Number());
       EXPECT_EQ(source, error.Source());
-      EXPECT_NE(std::string::npos, error.Description().find(description)) << error.Description();
+      EXPECT_NE(error.Description().find(description), std::string::npos) << error.Description();
     }
   }
 };

@@ -13,11 +13,21 @@ from pathlib import Path
 TRANSACT = 4
 
 
+def library_of_installers():
+    """Debian 12 and 13 have it under different names."""
+    for name in ("libmsi-1.0.so.0", "libmsi.so.0"):
+        try:
+            return ctypes.CDLL(name)
+        except OSError:
+            pass
+    sys.exit("finish_msi: there is no libmsi, which wixl comes with")
+
+
 class Database:
     """The tables of an installer, through the library that its compiler is built on."""
 
     def __init__(self, path):
-        self.msi = ctypes.CDLL("libmsi.so.0")
+        self.msi = library_of_installers()
         gobject = ctypes.CDLL("libgobject-2.0.so.0")
         self.release = gobject.g_object_unref
         self.release.argtypes = [ctypes.c_void_p]

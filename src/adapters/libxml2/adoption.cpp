@@ -66,6 +66,7 @@ void AdoptOne(xmlNode* node, xmlDoc* from, xmlDoc* to, const OwnNamespaces& owne
 // Makes a tree that was cut out of one document one of another, with the handles on its nodes.
 void Adopt(xmlNode* top, xmlDoc* to, const OwnNamespaces& owned) {
   xmlDoc* from = top->doc;
+  StateOf(to).arena.JoinWith(StateOf(from).arena);
   std::size_t handles = 0;
   for (xmlNode* node = top; node != nullptr; node = NextInTree(node, top)) {
     VisitWithAttributes(node, [&](xmlNode* each) {

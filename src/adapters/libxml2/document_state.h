@@ -23,8 +23,8 @@
 //   which only an inner node was held stays in limbo until the document goes.)
 // - Namespaces that nodes refer to belong to the document, not to the element that declares them, so a node can leave
 //   its ancestors without dangling. Declarations on elements are kept beside, as what was written.
-// - All nodes but the DOCTYPE, and the texts in them, lie in an arena that the documents of a thread share. None of
-// them
+// - All nodes but the DOCTYPE, and the texts in them, lie in an arena of the document; where nodes moved between
+// documents, these share one. None of them
 //   may be given to the library to be freed.
 // - A text node ends before the fields that only elements have; a short text stands in their place.
 // - Element and attribute names are interned in a dictionary that the documents of a thread share. Nodes of documents
@@ -37,7 +37,7 @@ struct DocumentState {
 
   std::size_t handles = 0;
   xmlNode* limbo = nullptr;
-  std::shared_ptr<NodeArena> arena = ArenaOfThread();
+  SharedArena arena;
   std::map<Prefixed, xmlNs*> namespaces;
   /// About how long the document's markup is: what was put into it so far. Room is taken for that much at once.
   std::size_t markupGuess = 0;

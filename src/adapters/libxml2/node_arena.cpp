@@ -73,10 +73,10 @@ NodeArena::Class NodeArena::ClassOf(std::size_t size) noexcept {
 }
 
 void* NodeArena::Cut(Class of) {
-  FreePiece*& first = freed_[of.index];
-  if (FreePiece* piece = first; piece != nullptr) {
+  FreePieces& pieces = freed_[of.index];
+  if (FreePiece* piece = pieces.first; piece != nullptr) {
     Permit(piece, of.room);
-    first = piece->next;
+    pieces.first = piece->next;
     return piece;
   }
   if (static_cast<std::size_t>(end_ - free_) < of.room) {
@@ -87,8 +87,12 @@ void* NodeArena::Cut(Class of) {
 }
 
 void NodeArena::PutBack(void* piece, Class of) noexcept {
-  FreePiece*& first = freed_[of.index];
-  first = new (piece) FreePiece{first};
+  FreePieces& pieces = freed_[of.index];
+  auto* freed = new (piece) FreePiece{pieces.first};
+  if (pieces.first == nullptr) {
+    pieces.last = freed;
+  }
+  pieces.first = freed;
   Forbid(piece, of.room);
 }
 
@@ -116,6 +120,39 @@ void NodeArena::FreeLarge(void* piece, std::size_t size) noexcept {
   ::operator delete(header);
 }
 
+void NodeArena::Absorb(NodeArena& other) noexcept {
+  if (other.chunks_ != nullptr) {
+    (chunks_ == nullptr ? chunks_ : lastChunk_->next) = other.chunks_;
+    lastChunk_ = other.lastChunk_;
+    other.chunks_ = nullptr;
+  }
+  if (other.end_ - other.free_ > end_ - free_) {
+    free_ = other.free_;
+    end_ = other.end_;
+  }
+  other.free_ = other.end_ = nullptr;
+  nextChunk_ = std::max(nextChunk_, std::exchange(other.nextChunk_, kFirstChunk));
+  for (std::size_t i = 0; i < freed_.size(); ++i) {
+    FreePieces& theirs = other.freed_[i];
+    if (theirs.first == nullptr) {
+      continue;
+    }
+    FreePieces& ours = freed_[i];
+    Permit(theirs.last, sizeof(FreePiece));
+    theirs.last->next = ours.first;
+    Forbid(theirs.last, sizeof(FreePiece));
+    ours = {theirs.first, ours.first == nullptr ? theirs.last : ours.last};
+    theirs = {};
+  }
+  if (other.ring_.next != &other.ring_) {
+    other.ring_.next->previous = ring_.previous;
+    ring_.previous->next = other.ring_.next;
+    other.ring_.previous->next = &ring_;
+    ring_.previous = other.ring_.previous;
+    other.ring_ = {&other.ring_, &other.ring_};
+  }
+}
+
 void NodeArena::AddChunk() {
   static_assert(kFirstChunk >= sizeof(Chunk) + kLargestSmall);
   static_assert(kLargestChunk / kLargePieceOfChunk <= std::size_t{kLargestSmall} << (kLargeClasses / 4));
@@ -123,6 +160,7 @@ void NodeArena::AddChunk() {
   void* memory = size < kLargePage ? ::operator new(size) : ::operator new(size, kOnLargePage);
   PreferLargePages(memory, size);
   auto* chunk = new (memory) Chunk{chunks_, size};
+  lastChunk_ = chunks_ == nullptr ? chunk : lastChunk_;
   chunks_ = chunk;
   free_ = static_cast<std::byte*>(memory) + sizeof(Chunk);
   end_ = static_cast<std::byte*>(memory) + size;
@@ -140,14 +178,39 @@ void NodeArena::Release(Chunk* chunk) noexcept {
   }
 }
 
-std::shared_ptr<NodeArena> ArenaOfThread() {
-  thread_local std::weak_ptr<NodeArena> current;
-  std::shared_ptr<NodeArena> arena = current.lock();
-  if (arena == nullptr) {
-    arena = std::make_shared<NodeArena>();
-    current = arena;
+SharedArena::SharedArena() : group_(LastJoined().lock()) {
+  if (group_ == nullptr) {
+    group_ = std::make_shared<Group>();
   }
-  return arena;
+}
+
+std::weak_ptr<SharedArena::Group>& SharedArena::LastJoined() noexcept {
+  thread_local std::weak_ptr<Group> joined;
+  return joined;
+}
+
+bool SharedArena::IsShared() noexcept {
+  Joined();
+  return group_.use_count() > 1;
+}
+
+void SharedArena::JoinWith(SharedArena& other) noexcept {
+  Joined();
+  other.Joined();
+  if (group_ == other.group_) {
+    return;
+  }
+  // The shallower group leads to the deeper one, so that a way through many of them stays short.
+  const bool intoOther = group_->depth < other.group_->depth;
+  const std::shared_ptr<Group> kept = intoOther ? other.group_ : group_;
+  const std::shared_ptr<Group> absorbed = intoOther ? group_ : other.group_;
+  if (kept->depth == absorbed->depth) {
+    ++kept->depth;
+  }
+  kept->memory.Absorb(absorbed->memory);
+  absorbed->joined = kept;
+  group_ = other.group_ = kept;
+  LastJoined() = kept;
 }
 
 }  // namespace parvex::xml

@@ -19,8 +19,11 @@ class NodeArena {
 
   /// Memory for `size` bytes (at least one), aligned for pointers. Throws std::bad_alloc.
   void* Allocate(std::size_t size);
-  /// Takes back a piece that was allocated here with that size, or another that is the same number of grains.
+  /// Takes back a piece that was allocated here, or in an arena that was absorbed, with that size or another that is
+  /// the same number of grains.
   void Free(void* piece, std::size_t size) noexcept;
+  /// Takes over all that another arena holds; it is empty afterwards. The cost does not depend on how much that is.
+  void Absorb(NodeArena& other) noexcept;
 
   static constexpr std::size_t kGrain = 8;           ///< small pieces take a multiple of it
   static constexpr std::size_t kLargestSmall = 256;  ///< larger pieces take up to a quarter more than their size
@@ -38,6 +41,10 @@ class NodeArena {
   };
   struct FreePiece {
     FreePiece* next;
+  };
+  struct FreePieces {
+    FreePiece* first = nullptr;
+    FreePiece* last = nullptr;
   };
   // Stands before each large piece. Those with memory of their own form a ring; those cut from a chunk are in none.
   struct LargePiece {
@@ -63,12 +70,42 @@ class NodeArena {
   std::byte* end_ = nullptr;
   std::size_t nextChunk_ = kFirstChunk;
   Chunk* chunks_ = nullptr;
+  Chunk* lastChunk_ = nullptr;
   LargePiece ring_;
-  std::array<FreePiece*, kSmallClasses + kLargeClasses> freed_{};
+  std::array<FreePieces, kSmallClasses + kLargeClasses> freed_{};
 };
 
-/// The arena of the documents of this thread, which may exchange nodes: new documents begin with the one that is there,
-/// and it goes with the last of them.
-std::shared_ptr<NodeArena> ArenaOfThread();
+/// The arena of a document. Documents that have exchanged nodes use one and the same, which lives as long as any of
+/// them. New documents of the thread begin with the one that was joined last, as long as it lives: otherwise a document
+/// that takes from one short-lived document after another would gather their arenas.
+class SharedArena {
+ public:
+  SharedArena();
+
+  NodeArena& operator*() noexcept { return Joined().memory; }
+  NodeArena* operator->() noexcept { return &Joined().memory; }
+  /// Whether another document uses it too.
+  bool IsShared() noexcept;
+  /// From here on both documents use the same.
+  void JoinWith(SharedArena& other) noexcept;
+
+ private:
+  struct Group {
+    NodeArena memory;
+    std::shared_ptr<Group> joined;  // the group that took this one over
+    int depth = 0;                  // of the groups that lead here
+  };
+
+  Group& Joined() noexcept {
+    while (group_->joined != nullptr) {
+      group_ = std::shared_ptr<Group>(group_->joined);
+    }
+    return *group_;
+  }
+
+  static std::weak_ptr<Group>& LastJoined() noexcept;
+
+  std::shared_ptr<Group> group_;
+};
 
 }  // namespace parvex::xml

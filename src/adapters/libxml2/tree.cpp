@@ -102,7 +102,7 @@ void FreeDocument(xmlDoc* document) noexcept {
     CutOut(doctype);
     doctype->parent = doctype->prev = doctype->next = nullptr;
   }
-  if (state->arena.use_count() > 1) {
+  if (state->arena.IsShared()) {
     while (document->children != nullptr) {
       Free(document->children);
     }

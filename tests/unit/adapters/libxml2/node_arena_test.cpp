@@ -4,8 +4,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <memory>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -65,22 +63,94 @@ TEST(NodeArena, FreesLargePiecesInAnyOrder) {
   EXPECT_TRUE(HoldsOnly(pieces[5], 5));  // the rest goes with the arena
 }
 
-TEST(ArenaOfThread, IsOneAsLongAsSomebodyUsesIt) {
-  std::shared_ptr<NodeArena> one = ArenaOfThread();
-  const std::weak_ptr<NodeArena> first = one;
-  std::shared_ptr<NodeArena> other = ArenaOfThread();
-  EXPECT_EQ(other, one);
-  one = nullptr;
-  EXPECT_EQ(ArenaOfThread(), other);
-  other = nullptr;
-  EXPECT_TRUE(first.expired());
+TEST(NodeArena, TakesOverEverythingOfAnother) {
+  NodeArena arena;
+  std::vector<Piece> pieces;
+  void* freed = nullptr;
+  {
+    NodeArena other;
+    for (std::size_t i = 0; i < 1000; ++i) {
+      pieces.push_back(Filled(other, 200, 7));
+      pieces.push_back(Filled(other, 2000, 7));
+      pieces.push_back(Filled(arena, 200, 7));
+      pieces.push_back(Filled(arena, 2000, 7));
+    }
+    freed = other.Allocate(48);
+    other.Free(freed, 48);
+    arena.Free(arena.Allocate(48), 48);
+    arena.Absorb(other);
+    pieces.push_back(Filled(other, 200, 7));  // goes with the other one
+    pieces.pop_back();
+  }
+  EXPECT_TRUE(arena.Allocate(48) == freed || arena.Allocate(48) == freed);
+  for (const Piece& piece : pieces) {
+    ASSERT_TRUE(HoldsOnly(piece, 7));
+    arena.Free(piece.first, piece.second);
+  }
+  EXPECT_EQ(arena.Allocate(200), pieces[pieces.size() - 2].first);
 }
 
-TEST(ArenaOfThread, IsAnotherInEachThread) {
-  const std::shared_ptr<NodeArena> here = ArenaOfThread();
-  std::shared_ptr<NodeArena> there;
-  std::thread([&] { there = ArenaOfThread(); }).join();
-  EXPECT_NE(there, here);
+TEST(SharedArena, IsSharedAsLongAsTwoDocumentsLive) {
+  SharedArena one;
+  EXPECT_FALSE(one.IsShared());
+  void* piece = nullptr;
+  {
+    SharedArena two;
+    piece = two->Allocate(64);
+    std::memset(piece, 1, 64);
+    one.JoinWith(two);
+    EXPECT_TRUE(one.IsShared());
+    EXPECT_TRUE(two.IsShared());
+    EXPECT_EQ(&*one, &*two);
+    one.JoinWith(two);
+  }
+  EXPECT_FALSE(one.IsShared());
+  EXPECT_TRUE(HoldsOnly({static_cast<unsigned char*>(piece), 64}, 1));
+  one->Free(piece, 64);
+  EXPECT_EQ(one->Allocate(64), piece);
+}
+
+TEST(SharedArena, IsOneForAllThatJoinedOverOthers) {
+  SharedArena one;
+  SharedArena two;
+  SharedArena three;
+  SharedArena four;
+  two.JoinWith(one);
+  four.JoinWith(three);
+  two.JoinWith(four);
+  EXPECT_EQ(&*one, &*three);
+  EXPECT_EQ(&*two, &*four);
+}
+
+TEST(SharedArena, OfALongRowOfDocumentsIsFoundAndFreedWithoutRecursion) {
+  std::vector<SharedArena> row(20'000);
+  for (std::size_t i = 1; i < row.size(); ++i) {
+    row[i].JoinWith(row[i - 1]);
+  }
+  EXPECT_EQ(&*row.front(), &*row.back());
+  std::vector<SharedArena> pairs(20'000);
+  row.clear();
+  for (std::size_t step = 1; step < pairs.size(); step *= 2) {
+    for (std::size_t i = 0; i + step < pairs.size(); i += 2 * step) {
+      pairs[i + step].JoinWith(pairs[i]);
+    }
+  }
+  EXPECT_EQ(&*pairs.front(), &*pairs.back());
+}
+
+TEST(SharedArena, IsTheOneOfLaterDocumentsWhileItLives) {
+  NodeArena* joined = nullptr;
+  {
+    SharedArena one;
+    SharedArena two;
+    one.JoinWith(two);
+    joined = &*one;
+    SharedArena later;
+    EXPECT_EQ(&*later, joined);
+    EXPECT_TRUE(later.IsShared());
+  }
+  SharedArena fresh;
+  EXPECT_FALSE(fresh.IsShared());
 }
 
 }  // namespace

@@ -44,6 +44,24 @@ std::string FailureOfRegistering(const std::vector<ComClass>& classes, const std
   return "no failure";
 }
 
+/// A key of the machine's classes, there while this lives: keys that last cannot be made below one that does not.
+class KeyThatTakesNoneBelow {
+ public:
+  explicit KeyThatTakesNoneBelow(const std::wstring& key) : path_(L"Software\\Classes\\" + key) {
+    HKEY made = nullptr;
+    EXPECT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, path_.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
+                              nullptr, &made, nullptr),
+              ERROR_SUCCESS);
+    RegCloseKey(made);
+  }
+  ~KeyThatTakesNoneBelow() { RegDeleteTreeW(HKEY_LOCAL_MACHINE, path_.c_str()); }
+  KeyThatTakesNoneBelow(const KeyThatTakesNoneBelow&) = delete;
+  KeyThatTakesNoneBelow& operator=(const KeyThatTakesNoneBelow&) = delete;
+
+ private:
+  const std::wstring path_;
+};
+
 class RegistrationFaults : public testing::Test {
  protected:
   void TearDown() override { com::UnregisterModule(good, L"", nullptr); }
@@ -70,42 +88,20 @@ TEST_F(RegistrationFaults, AModuleWithoutATypeLibraryIsNamedAndUndone) {
   EXPECT_EQ(Difference(before, SnapshotOfClasses()), "");
 }
 
-TEST_F(RegistrationFaults, ALinkThatLeadsNowhereIsAFailureAndUndone) {
-  HKEY link = nullptr;
-  ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\ParvexTest.Second", 0, nullptr,
-                            REG_OPTION_CREATE_LINK | REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &link, nullptr),
-            0);
-  constexpr wchar_t kTarget[] = L"\\Registry\\Machine\\Software\\ParvexNowhere\\Nothing";
-  RegSetValueExW(link, L"SymbolicLinkValue", 0, REG_LINK, reinterpret_cast<const BYTE*>(kTarget),
-                 sizeof kTarget - sizeof(wchar_t));
+TEST_F(RegistrationFaults, AKeyThatTakesNoneBelowItIsAFailureAndUndone) {
+  const KeyThatTakesNoneBelow second(L"ParvexTest.Second");
   const RegistrySnapshot before = SnapshotOfClasses();
   EXPECT_THAT(FailureOfRegistering(good, L"C:\\first.dll", nullptr), HasSubstr("ParvexTest.Second"));
   EXPECT_EQ(Difference(before, SnapshotOfClasses()), "");
-  RegCloseKey(link);
-  RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\ParvexTest.Second", REG_OPTION_OPEN_LINK, KEY_ALL_ACCESS,
-                &link);
-  RegDeleteKeyW(link, L"");
-  RegCloseKey(link);
 }
 
 TEST_F(RegistrationFaults, AHalfRegisteredTypeLibraryIsUndone) {
   const std::wstring path = ComponentFolder() + L"Parvex.dll";
   const Unregistered parvex(L"Parvex.dll");
-  const std::wstring refused = L"Software\\Classes\\Interface\\" + com::KeyName(__uuidof(IcBinEncoder));
-  HKEY link = nullptr;
-  ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, refused.c_str(), 0, nullptr,
-                            REG_OPTION_CREATE_LINK | REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &link, nullptr),
-            0);
-  constexpr wchar_t kTarget[] = L"\\Registry\\Machine\\Software\\ParvexNowhere\\Nothing";
-  RegSetValueExW(link, L"SymbolicLinkValue", 0, REG_LINK, reinterpret_cast<const BYTE*>(kTarget),
-                 sizeof kTarget - sizeof(wchar_t));
+  const KeyThatTakesNoneBelow one(L"Interface\\" + com::KeyName(__uuidof(IcBinEncoder)));
   const RegistrySnapshot before = SnapshotOfClasses();
   EXPECT_THAT(FailureOfRegistering(good, path, &LIBID_Parvex), HasSubstr("Interface"));
   EXPECT_EQ(Difference(before, SnapshotOfClasses()), "");
-  RegCloseKey(link);
-  RegOpenKeyExW(HKEY_LOCAL_MACHINE, refused.c_str(), REG_OPTION_OPEN_LINK, KEY_ALL_ACCESS, &link);
-  RegDeleteKeyW(link, L"");
-  RegCloseKey(link);
 }
 
 TEST_F(RegistrationFaults, UnregisteringGoesOnBehindAFailureAndReportsIt) {

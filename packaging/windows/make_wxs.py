@@ -35,21 +35,29 @@ NAMESPACE = uuid.UUID("6a1f0e52-78f4-4f0e-9f0f-0f4f3f1c5e01")
 FILES = ["Parvex.dll", "Parvex.tlb", "Parvex.Component.manifest", "parvex.exe", "LICENSE.txt"]
 DLL = "[#ParvexDll]"
 # Where 64-bit programs do not see the programmatic ids, type libraries and applications that 32-bit ones see: before
-# Windows 7, and on Wine.
-TWO_CLASSES_KEYS = "VersionNT64 < 601 OR %WINECONFIGDIR"
-# Given by the user; the first two are found by the search for other versions.
-PROPERTIES = ["WIX_UPGRADE_DETECTED", "WIX_DOWNGRADE_DETECTED", "INSTALLDIR", "ROUTER_CLSID", "ROUTER_IID", "SURROGATE"]
+# Windows 7, and on Wine before 10. (Wine that has one key for both shows 32-bit programs what 64-bit ones know of texts.)
+TWO_CLASSES_KEYS = "VersionNT64 < 601 OR (%WINECONFIGDIR AND NOT ONE_CLASSES_KEY)"
+# Given by the user; the first three are found by searches.
+PROPERTIES = ["ONE_CLASSES_KEY", "WIX_UPGRADE_DETECTED", "WIX_DOWNGRADE_DETECTED", "INSTALLDIR", "ROUTER_CLSID",
+              "ROUTER_IID", "SURROGATE"]
 
 
 @dataclass
 class Component:
-    """What is installed and removed together. `values` are (root, key, value name, type, value)."""
+    """What is installed and removed together, where the user chose it and the system needs it. `values` are (root, key,
+    value name, type, value)."""
     name: str
     guid: str
     in_64_bit_view: bool
     file: str = ""
-    condition: str = ""
+    choice: str = ""
+    system: str = ""
     values: list = field(default_factory=list)
+
+    def condition(self):
+        """Choices are made when it is installed; whatever was installed is removed. The system stays the same."""
+        parts = ([f'({self.choice}) OR REMOVE="ALL"'] if self.choice else []) + ([self.system] if self.system else [])
+        return " AND ".join(f"({part})" for part in parts)
 
     def lines(self):
         win64 = ' Win64="yes"' if self.in_64_bit_view else ""
@@ -141,13 +149,13 @@ def components(library, architecture):
             file_component.values.append(text(f"{library_key(library)}\\0\\{platform}", "", DLL))
         yield file_component
 
-    def own(name, values, condition=""):
-        return Component(name, identifier("component", name, architecture), x64, condition=condition,
+    def own(name, values, choice="", system=""):
+        return Component(name, identifier("component", name, architecture), x64, choice=choice, system=system,
                          values=list(values))
 
-    def shared(name, values, condition=""):
+    def shared(name, values, choice=""):
         # One identifier and one view in both installers.
-        return Component(name, identifier("component", name), False, condition=condition, values=list(values))
+        return Component(name, identifier("component", name), False, choice=choice, values=list(values))
 
     yield shared("ProgrammaticIds", programmatic_id_values(library))
     yield shared("TypeLibrary", library_values(library))
@@ -156,8 +164,9 @@ def components(library, architecture):
     yield shared("Surrogate", application_values(x64), "SURROGATE")
     if x64:
         yield own("InterfacesFor64Bit", interface_values(library))
-        yield own("ClassesFor64Bit", [*programmatic_id_values(library), *library_values(library)], TWO_CLASSES_KEYS)
-        yield own("SurrogateFor64Bit", application_values(x64), f"SURROGATE AND ({TWO_CLASSES_KEYS})")
+        yield own("ClassesFor64Bit", [*programmatic_id_values(library), *library_values(library)],
+                  system=TWO_CLASSES_KEYS)
+        yield own("SurrogateFor64Bit", application_values(x64), "SURROGATE", TWO_CLASSES_KEYS)
     yield own("ServedBySurrogate", [text(f"CLSID\\{c.id}", "AppID", APPLICATION) for c in library.classes],
               "SURROGATE")
     yield own("RouterIdentifiers", router_values(), "ROUTER_CLSID AND ROUTER_IID")
@@ -176,6 +185,8 @@ def main():
              # For all users or, with MSIINSTALLPERUSER=1, for the current one.
              '    <Package InstallerVersion="500" Compressed="yes"/>',
              '    <Property Id="ALLUSERS" Value="2"/>',
+             '    <Property Id="ONE_CLASSES_KEY"><RegistrySearch Id="TextsIn32BitView" Root="HKLM" Type="raw"'
+             ' Key="Software\\Classes\\.txt" Name="Content Type"/></Property>',
              '    <MajorUpgrade DowngradeErrorMessage="A newer version of Parvex is installed. Remove it first to install'
              ' this one."/>',
              '    <Condition Message="ROUTER_CLSID and ROUTER_IID belong together: give both or none.">'
@@ -191,9 +202,7 @@ def main():
     lines += [f'      <ComponentRef Id="{component.name}"/>' for component in made]
     lines += ['    </Feature>', '  </Product>', '</Wix>']
     Path(out).write_text("\n".join(lines) + "\n")
-    # Conditions are about installing: whatever was installed is removed.
-    of_components = [f'{component.name}\t({component.condition}) OR REMOVE="ALL"' for component in made
-                     if component.condition]
+    of_components = [f"{component.name}\t{component.condition()}" for component in made if component.condition()]
     Path(conditions).write_text("\n".join([*of_components, ";".join(PROPERTIES)]) + "\n")
 
 

@@ -16,6 +16,7 @@
 namespace parvex::test {
 namespace {
 
+using testing::AnyOf;
 using testing::HasSubstr;
 
 // A process of the module's own bitness, whatever a client of this one gets otherwise.
@@ -112,7 +113,8 @@ TEST_F(Surrogate, IsGoneWithTheRegistration) {
   EXPECT_THAT(Difference(SnapshotOfClasses(), with), HasSubstr("AppID"));
   HRESULT created = S_OK;
   EXPECT_FALSE(CreateElsewhere(created));
-  EXPECT_EQ(created, REGDB_E_CLASSNOTREG);
+  // A system that looks for the class in its own server of processes may say what it misses there.
+  EXPECT_THAT(created, AnyOf(REGDB_E_CLASSNOTREG, REGDB_E_KEYMISSING));
 }
 
 }  // namespace

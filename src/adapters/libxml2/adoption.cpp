@@ -105,15 +105,19 @@ xmlNs* OwnNamespace(xmlDoc* document, const xmlNs* original) {
 }
 
 void Move(xmlNode* node, xmlNode* parent) {
-  // What may fail comes first: from the cut on the tree is nobody's until it is adopted.
-  const bool isForeign = node->doc != parent->doc;
-  const OwnNamespaces owned = isForeign ? NamespacesIn(node, parent->doc) : OwnNamespaces();
-  CutOut(node);
-  KeepBlankInside(node);
-  LinkLast(node, parent);
-  if (isForeign) {
-    Adopt(node, parent->doc, owned);
+  const auto relink = [&] {
+    CutOut(node);
+    KeepBlankInside(node);
+    LinkLast(node, parent);
+  };
+  if (node->doc == parent->doc) {
+    relink();
+    return;
   }
+  // What may fail comes first: from the cut on the tree is nobody's until it is adopted.
+  const OwnNamespaces owned = NamespacesIn(node, parent->doc);
+  relink();
+  Adopt(node, parent->doc, owned);
 }
 
 }  // namespace parvex::xml

@@ -32,9 +32,17 @@ xmlNs* NamespaceOf(xmlNode* element, std::string_view prefix) {
   return nullptr;
 }
 
-// An attribute whose name has a prefix; the name may turn out to be none.
-xmlAttr* NewAttribute(xmlNode* element, std::string_view name) {
-  const auto [prefix, local] = Split(name);
+bool HasName(const xmlAttr* attribute, const SplitName& name) {
+  if (name.local.empty() || static_cast<char>(attribute->name[0]) != name.local[0] ||
+      View(attribute->name) != name.local) {
+    return false;
+  }
+  return (attribute->ns == nullptr ? std::string_view{} : View(attribute->ns->prefix)) == name.prefix;
+}
+
+// Behind the last attribute; the name may turn out to be none.
+xmlAttr* NewAttribute(xmlNode* element, xmlAttr* last, std::string_view name, const SplitName& split) {
+  const auto [prefix, local] = split;
   const xmlChar* interned = PlainName(element->doc, local);
   if (interned == nullptr || (local.size() != name.size() && !IsPlainName(prefix))) {
     Refuse(Quoted(name) + " cannot be the name of an attribute of " + NameOf(element));
@@ -46,7 +54,7 @@ xmlAttr* NewAttribute(xmlNode* element, std::string_view name) {
       Refuse("the prefix of the attribute " + Quoted(name) + " is not declared at " + NameOf(element));
     }
   }
-  return AppendAttribute(element, LastAttribute(element), space, interned);
+  return AppendAttribute(element, last, space, interned);
 }
 
 }  // namespace
@@ -68,20 +76,24 @@ const xmlNs* FindDeclaration(const xmlNode* element, std::string_view prefix) {
   return nullptr;
 }
 
-xmlAttr* FindAttribute(const xmlNode* element, std::string_view prefix, std::string_view name) {
-  for (xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
-    const std::string_view itsPrefix = attribute->ns == nullptr ? std::string_view{} : View(attribute->ns->prefix);
-    if (View(attribute->name) == name && itsPrefix == prefix) {
-      return attribute;
-    }
+xmlAttr* FindAttribute(const xmlNode* element, const SplitName& name) {
+  xmlAttr* attribute = element->properties;
+  while (attribute != nullptr && !HasName(attribute, name)) {
+    attribute = attribute->next;
   }
-  return nullptr;
+  return attribute;
 }
 
 xmlAttr* AttributeFor(xmlNode* element, std::string_view name) {
-  const auto [prefix, local] = Split(name);
-  xmlAttr* found = FindAttribute(element, prefix, local);
-  return found == nullptr ? NewAttribute(element, name) : found;
+  const SplitName split = Split(name);
+  xmlAttr* last = nullptr;
+  for (xmlAttr* attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
+    if (HasName(attribute, split)) {
+      return attribute;
+    }
+    last = attribute;
+  }
+  return NewAttribute(element, last, name, split);
 }
 
 std::string ValueOf(const xmlAttr* attribute) {

@@ -24,8 +24,7 @@
 // - Namespaces that nodes refer to belong to the document, not to the element that declares them, so a node can leave
 //   its ancestors without dangling. Declarations on elements are kept beside, as what was written.
 // - All nodes but the DOCTYPE, and the texts in them, lie in an arena of the document; where nodes moved between
-// documents, these share one. None of them
-//   may be given to the library to be freed.
+//   documents, these share one. None of them may be given to the library to be freed.
 // - A text node ends before the fields that only elements have; a short text stands in their place.
 // - Element and attribute names are interned in a dictionary that the documents of a thread share. Nodes of documents
 //   with different dictionaries get their names copied when they move.

@@ -123,12 +123,12 @@ std::optional<std::string> Node::Attribute(std::string_view name) const {
   if (!xml::IsElement(element)) {
     return std::nullopt;
   }
-  const auto [prefix, local] = Split(name);
+  const SplitName split = Split(name);
   if (IsDeclarationName(name)) {
-    const xmlNs* space = FindDeclaration(element, prefix.empty() ? std::string_view{} : local);
+    const xmlNs* space = FindDeclaration(element, split.prefix.empty() ? std::string_view{} : split.local);
     return space == nullptr ? std::nullopt : std::optional<std::string>(View(space->href));
   }
-  const xmlAttr* attribute = FindAttribute(element, prefix, local);
+  const xmlAttr* attribute = FindAttribute(element, split);
   return attribute == nullptr ? std::nullopt : std::optional<std::string>(ValueOf(attribute));
 }
 

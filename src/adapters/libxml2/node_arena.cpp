@@ -1,7 +1,6 @@
 #include "adapters/libxml2/node_arena.h"
 
 #include <algorithm>
-#include <bit>
 #include <new>
 #include <utility>
 
@@ -49,27 +48,12 @@ NodeArena::~NodeArena() {
   }
 }
 
-void* NodeArena::Allocate(std::size_t size) { return size <= kLargestSmall ? Cut(ClassOf(size)) : AllocateLarge(size); }
-
 void NodeArena::Free(void* piece, std::size_t size) noexcept {
   if (size <= kLargestSmall) {
     PutBack(piece, ClassOf(size));
   } else {
     FreeLarge(piece, size);
   }
-}
-
-// Small pieces by the grain, larger ones four sizes to each doubling.
-NodeArena::Class NodeArena::ClassOf(std::size_t size) noexcept {
-  if (size <= kLargestSmall) {
-    const std::size_t grains = (size + kGrain - 1) / kGrain;
-    return {grains * kGrain, grains - 1};
-  }
-  const auto bits = static_cast<std::size_t>(std::bit_width(size - 1));
-  const std::size_t step = std::size_t{1} << (bits - 3);
-  const std::size_t steps = (size + step - 1) / step;  // 5 to 8
-  constexpr auto kFirstBits = static_cast<std::size_t>(std::bit_width(kLargestSmall));
-  return {steps * step, kSmallClasses + 4 * (bits - kFirstBits) + steps - 5};
 }
 
 void* NodeArena::Cut(Class of) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <memory>
 
@@ -18,7 +19,7 @@ class NodeArena {
   NodeArena& operator=(const NodeArena&) = delete;
 
   /// Memory for `size` bytes (at least one), aligned for pointers. Throws std::bad_alloc.
-  void* Allocate(std::size_t size);
+  void* Allocate(std::size_t size) { return size <= kLargestSmall ? Cut(ClassOf(size)) : AllocateLarge(size); }
   /// Takes back a piece that was allocated here, or in an arena that was absorbed, with that size or another that is
   /// the same number of grains.
   void Free(void* piece, std::size_t size) noexcept;
@@ -57,7 +58,18 @@ class NodeArena {
     std::size_t index;
   };
 
-  static Class ClassOf(std::size_t size) noexcept;
+  // Small pieces by the grain, larger ones four sizes to each doubling.
+  static constexpr Class ClassOf(std::size_t size) noexcept {
+    if (size <= kLargestSmall) {
+      const std::size_t grains = (size + kGrain - 1) / kGrain;
+      return {grains * kGrain, grains - 1};
+    }
+    const auto bits = static_cast<std::size_t>(std::bit_width(size - 1));
+    const std::size_t step = std::size_t{1} << (bits - 3);
+    const std::size_t steps = (size + step - 1) / step;  // 5 to 8
+    constexpr auto kFirstBits = static_cast<std::size_t>(std::bit_width(kLargestSmall));
+    return {steps * step, kSmallClasses + 4 * (bits - kFirstBits) + steps - 5};
+  }
   void* Cut(Class of);
   bool IsCutFromChunk(std::size_t room) const noexcept;
   void* AllocateLarge(std::size_t size);

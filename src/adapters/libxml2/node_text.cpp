@@ -91,7 +91,7 @@ bool PreservesSpace(const xmlNode* node) {
     if (!IsElement(node)) {
       continue;
     }
-    if (const xmlAttr* attribute = FindAttribute(node, "xml", "space")) {
+    if (const xmlAttr* attribute = FindAttribute(node, {"xml", "space"})) {
       return ValueOf(attribute) == "preserve";
     }
   }

@@ -164,14 +164,6 @@ xmlNode* AppendLeaf(xmlNode* parent, xmlElementType type, std::string_view conte
 
 void AppendText(xmlNode* parent, std::string_view text) { AppendLeaf(parent, XML_TEXT_NODE, text); }
 
-xmlAttr* LastAttribute(const xmlNode* element) {
-  xmlAttr* last = element->properties;
-  while (last != nullptr && last->next != nullptr) {
-    last = last->next;
-  }
-  return last;
-}
-
 xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, xmlNs* space, const xmlChar* name) {
   constexpr std::size_t kQuotesAndSign = 4;  // blank, =, ""
   StateOf(element->doc).markupGuess += View(name).size() + kQuotesAndSign;
@@ -226,25 +218,6 @@ xmlNode* NewClone(xmlNode* original) {
       return top;
     }
     node = node->next;
-  }
-}
-
-void CutOut(xmlNode* node) {
-  (node->prev != nullptr ? node->prev->next : node->parent->children) = node->next;
-  (node->next != nullptr ? node->next->prev : node->parent->last) = node->prev;
-}
-
-void LinkLast(xmlNode* node, xmlNode* parent) {
-  node->parent = parent;
-  node->next = nullptr;
-  node->prev = parent->last;
-  (parent->last != nullptr ? parent->last->next : parent->children) = node;
-  parent->last = node;
-}
-
-void KeepBlankInside(xmlNode* node) {
-  if (BlanksAt(node) != 0) {
-    node->extra &= kBlankInside;
   }
 }
 

@@ -63,9 +63,8 @@ xmlNode* AppendElement(xmlNode* parent, const xmlChar* name);
 xmlNode* AppendLeaf(xmlNode* parent, xmlElementType type, std::string_view content, const xmlChar* name = nullptr);
 void AppendText(xmlNode* parent, std::string_view text);
 
-/// The last attribute of an element; null when it has none.
-xmlAttr* LastAttribute(const xmlNode* element);
-/// A new attribute without a value behind the last one of its element; `space` is null or the document's own.
+/// A new attribute without a value behind the last one of its element, null when it has none; `space` is null or the
+/// document's own.
 xmlAttr* AppendAttribute(xmlNode* element, xmlAttr* last, xmlNs* space, const xmlChar* name);
 /// Writes down that an element declares a namespace; `prefix` empty for the default one.
 void AppendDeclaration(xmlNode* element, std::string_view prefix, std::string_view uri);
@@ -74,10 +73,23 @@ void AppendDeclaration(xmlNode* element, std::string_view prefix, std::string_vi
 xmlNode* NextInTree(xmlNode* node, const xmlNode* top);
 
 /// Leaves the node's own links to its place as they were.
-void CutOut(xmlNode* node);
-void LinkLast(xmlNode* node, xmlNode* parent);
+inline void CutOut(xmlNode* node) {
+  (node->prev != nullptr ? node->prev->next : node->parent->children) = node->next;
+  (node->next != nullptr ? node->next->prev : node->parent->last) = node->prev;
+}
+inline void LinkLast(xmlNode* node, xmlNode* parent) {
+  node->parent = parent;
+  node->next = nullptr;
+  node->prev = parent->last;
+  (parent->last != nullptr ? parent->last->next : parent->children) = node;
+  parent->last = node;
+}
 /// What was dropped behind a node stays behind when it leaves its place.
-void KeepBlankInside(xmlNode* node);
+inline void KeepBlankInside(xmlNode* node) {
+  if (BlanksAt(node) != 0) {
+    node->extra &= kBlankInside;
+  }
+}
 
 /// Takes a node out of its place, into limbo.
 void Unlink(xmlNode* node);

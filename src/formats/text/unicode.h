@@ -55,27 +55,31 @@ std::string WellFormed(std::string_view text);
 // ---- How it is done: inline, for a long text asks at every character. ----
 
 inline Utf8Character FirstCharacter(std::string_view text) {
-  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  const auto lead = static_cast<unsigned char>(text[0]);
+  constexpr Utf8Character kNone{kReplacementCharacter, 1, false};
+  const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+  const auto goesOnAt = [&](std::size_t at) { return (byte(at) & 0xC0) == 0x80; };
+  const auto low6 = [&](std::size_t at) { return byte(at) & 0x3Fu; };
+  const auto lead = byte(0);
   if (lead < 0x80) {
     return {lead, 1, true};
   }
-  const std::size_t bytes = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-  if (lead < 0xC2 || lead > 0xF4 || bytes > text.size()) {
-    return {kReplacementCharacter, 1, false};
+  if (lead < 0xE0) {
+    const bool isWhole = lead >= 0xC2 && text.size() >= 2 && goesOnAt(1);
+    return isWhole ? Utf8Character{(lead & 0x1Fu) << 6 | low6(1), 2, true} : kNone;
   }
-  char32_t code = lead & (0x7Fu >> bytes);
-  for (std::size_t i = 1; i < bytes; ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if ((byte & 0xC0) != 0x80) {
-      return {kReplacementCharacter, 1, false};
-    }
-    code = code << 6 | (byte & 0x3Fu);
+  if (text.size() < 3 || !goesOnAt(1) || !goesOnAt(2)) {
+    return kNone;
   }
-  if (code < kSmallest[bytes] || code > 0x10FFFF) {
-    return {kReplacementCharacter, bytes, false};
+  if (lead < 0xF0) {
+    const char32_t code = (lead & 0x0Fu) << 12 | low6(1) << 6 | low6(2);
+    return code < 0x800 ? Utf8Character{kReplacementCharacter, 3, false} : Utf8Character{code, 3, !IsSurrogate(code)};
   }
-  return {code, bytes, !IsSurrogate(code)};
+  if (lead > 0xF4 || text.size() < 4 || !goesOnAt(3)) {
+    return kNone;
+  }
+  const char32_t code = (lead & 0x07u) << 18 | low6(1) << 12 | low6(2) << 6 | low6(3);
+  const bool isCode = code >= 0x10000 && code <= 0x10FFFF;
+  return {isCode ? code : kReplacementCharacter, 4, isCode};
 }
 
 inline char32_t NextCodePoint(std::string_view text, std::size_t& pos) {

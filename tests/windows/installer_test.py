@@ -3,7 +3,7 @@ what they say, and it is removed without a trace.
 
     installer_test.py MSI NATIVE_BIN WINDOWS_BIN
 
-Parvex is not registered by other means while this runs, and is again afterwards.
+The prefix is a fresh one, which this makes a machine.
 """
 
 import difflib
@@ -14,6 +14,7 @@ import tempfile
 from pathlib import Path
 
 import wine
+from prepare import prepare
 
 SCRIPT = """
 Set encoder = CreateObject("Parvex.cBinEncoder")
@@ -62,47 +63,43 @@ def check(condition, message, seen=""):
 
 def main():
     msi, native_bin, windows_bin = sys.argv[1:]
-    dll = Path(windows_bin) / "Parvex.dll"
     architecture = Path(msi).stem.rpartition("-")[2]
-    wine.register(dll, "/u")
     if architecture == "x64":
         keep_keys_of_32_bit()
-    try:
-        with tempfile.TemporaryDirectory() as scratch:
-            # Some systems' script host registers a type library of its own when it first runs.
-            check("PASS" not in run_script(scratch), "nothing is there before the installation")
-            before = classes(), program_files()
+    prepare(Path(native_bin), Path(windows_bin))
+    wine.register(Path(windows_bin) / "Parvex.dll", "/u")
+    with tempfile.TemporaryDirectory() as scratch:
+        # Some systems' script host registers a type library of its own when it first runs.
+        check("PASS" not in run_script(scratch), "nothing is there before the installation")
+        before = classes(), program_files()
 
-            wine.run("msiexec", "/i", wine.windows_path(msi), "/qn")
-            installed = wine.drive_c() / "Program Files" / "Parvex"
-            names = {path.name for path in installed.iterdir()}
-            check(names == {"Parvex.dll", "Parvex.tlb", "Parvex.Component.manifest", "parvex.exe", "LICENSE.txt"},
-                  "the files are installed")
-            check("PASS" in run_script(scratch), "a script creates and uses the installed classes")
-            machine = subprocess.run([Path(native_bin) / "parvex", "commands"], capture_output=True).stdout
-            program = wine.run(installed / "parvex.exe", "commands").stdout.replace(b"\r\n", b"\n")
-            check(program == machine, "the installed program runs")
-            after_installing = classes()
+        wine.run("msiexec", "/i", wine.windows_path(msi), "/qn")
+        installed = wine.drive_c() / "Program Files" / "Parvex"
+        names = {path.name for path in installed.iterdir()}
+        check(names == {"Parvex.dll", "Parvex.tlb", "Parvex.Component.manifest", "parvex.exe", "LICENSE.txt"},
+              "the files are installed")
+        check("PASS" in run_script(scratch), "a script creates and uses the installed classes")
+        machine = subprocess.run([Path(native_bin) / "parvex", "commands"], capture_output=True).stdout
+        program = wine.run(installed / "parvex.exe", "commands").stdout.replace(b"\r\n", b"\n")
+        check(program == machine, "the installed program runs")
+        after_installing = classes()
 
-            wine.run("msiexec", "/x", wine.windows_path(msi), "/qn")
-            removed = classes()
-            check(removed == before[0], "the registry is as it was", difference(before[0], removed))
-            check(program_files() == before[1], "the program folder is as it was")
+        wine.run("msiexec", "/x", wine.windows_path(msi), "/qn")
+        removed = classes()
+        check(removed == before[0], "the registry is as it was", difference(before[0], removed))
+        check(program_files() == before[1], "the program folder is as it was")
 
-            check_properties(msi, before[0], scratch)
-            if architecture == "x64":  # a 32-bit Windows takes no installer of the other bitness
-                check_side_by_side(msi, build(windows_bin, scratch, "0.1.0", "x86"), before[0], scratch)
-            check_upgrade(Path(msi), build(windows_bin, scratch, "99.0.0", architecture), classes())
+        check_properties(msi, before[0], scratch)
+        if architecture == "x64":  # a 32-bit Windows takes no installer of the other bitness
+            check_side_by_side(msi, build(windows_bin, scratch, "0.1.0", "x86"), before[0], scratch)
+        check_upgrade(Path(msi), build(windows_bin, scratch, "99.0.0", architecture), classes())
 
-            wine.register(dll)
-            registered = classes()
-            check(len(of_parvex(registered)) > 40, "the classes are found in the registry", of_parvex(registered))
-            check(of_parvex(after_installing) == of_parvex(registered),
-                  "the installer registers the classes as the DLL does itself",
-                  difference(of_parvex(registered), of_parvex(after_installing)))
-    finally:
-        wine.run("msiexec", "/x", wine.windows_path(msi), "/qn", check=False)  # what a failed test has left
-        wine.register(dll)
+        wine.register(Path(windows_bin) / "Parvex.dll")
+        registered = classes()
+        check(len(of_parvex(registered)) > 40, "the classes are found in the registry", of_parvex(registered))
+        check(of_parvex(after_installing) == of_parvex(registered),
+              "the installer registers the classes as the DLL does itself",
+              difference(of_parvex(registered), of_parvex(after_installing)))
 
 
 NOBODY = "{11111111-2222-3333-4444-555555555555}"

@@ -14,8 +14,7 @@ from pathlib import Path
 import wine
 
 
-def main():
-    native_bin, windows_bin = map(Path, sys.argv[1:])
+def prepare(native_bin, windows_bin):
     # Started first and kept, or the first program whose output is read waits for the services for ever.
     subprocess.run(["wineserver", "-p"])  # refuses when one runs already
     subprocess.run(["wine", "cmd", "/c", "exit"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
@@ -34,4 +33,5 @@ def main():
         wine.register(windows_bin / dll)
 
 
-main()
+if __name__ == "__main__":
+    prepare(*map(Path, sys.argv[1:]))

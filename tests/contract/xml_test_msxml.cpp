@@ -106,6 +106,13 @@ TEST(XmlGuards, RefuseExpressionsThatAreNestedTooDeeply) {
   });
 }
 
+// A node is found among others without a mark on it.
+TEST(XmlGuards, LeaveEveryAttributeAsItIsWhenANodeIsMoved) {
+  const Document document = Document::Parse("<r><r parvex-mark='own'><b/></r><c/></r>");
+  document.First("r/c").Append(document.First("r/r"));
+  EXPECT_EQ(test::Outline(document.Root()), "r[c[r(parvex-mark=own)[b[]]]]");
+}
+
 // --- Documents of others ---------------------------------------------------------------------------------------------
 
 TEST(XmlAdopted, DocumentIsChangedInPlace) {

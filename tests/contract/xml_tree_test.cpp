@@ -182,6 +182,35 @@ TEST(XmlAppend, RefusesWhatWouldBreakTheTree) {
   EXPECT_EQ(Outline(root), "r(k=1)[a[b[]#text't']]");
 }
 
+// Handles that were got on their own, on elements that all have one name.
+TEST(XmlAppend, KnowsWhatIsAboveByNeitherHandleNorName) {
+  const Document document = Parsed("<r><a/><r i='1'><b/><r i='2'><r i='3'/></r>t</r><r i='4'><r/></r></r>");
+  const auto node = [&](const char* number) { return document.First("//r[@i='" + std::string(number) + "']"); };
+  const std::string before = Outline(document.Root());
+  EXPECT_EQ(RaisedBy([&] { node("2").Append(node("1")); }), kInvalidCall);
+  EXPECT_EQ(RaisedBy([&] { node("2").Append(document.Root()); }), kInvalidCall);
+  EXPECT_EQ(RaisedBy([&] { node("3").Append(node("3")); }), kInvalidCall);
+  EXPECT_EQ(RaisedBy([&] { node("1").Append(node("1")); }), kInvalidCall);
+  EXPECT_EQ(Outline(document.Root()), before) << "each is where it was";
+  node("3").Append(node("4"));
+  node("4").Append(node("4").FirstChild());
+  EXPECT_EQ(Outline(document.Root()), "r[a[]r(i=1)[b[]r(i=2)[r(i=3)[r(i=4)[r[]]]]#text't']]");
+}
+
+TEST(XmlAppend, KnowsWhatIsAboveInATreeWithoutDocument) {
+  const Document document = Parsed("<r/>");
+  const Node top = document.CreateElement("p");
+  const Node inner = top.Append(document.CreateElement("p"));
+  EXPECT_EQ(RaisedBy([&] { inner.Append(inner.Parent()); }), kInvalidCall);
+  EXPECT_EQ(RaisedBy([&] { top.First("p").Append(top); }), kInvalidCall);
+  EXPECT_EQ(RaisedBy([&] { top.Append(top.First(".")); }), kInvalidCall);
+  EXPECT_FALSE(top.Parent());
+  const Node other = document.CreateElement("p");
+  other.Append(document.CreateElement("p"));
+  inner.Append(other.First("."));
+  EXPECT_EQ(Outline(top), "p[p[p[p[]]]]");
+}
+
 TEST(XmlCreate, RefusesWhatIsNoName) {
   const Document document = Document::New();
   for (const char* name : {"", " ", "1a", "a b", "<a>", "p:a", "-"}) {
@@ -255,6 +284,22 @@ TEST(XmlHandle, FollowsItsNodeIntoAnotherDocument) {
   EXPECT_TRUE(IsSame(inner.Owner(), target));
   target = Document();
   EXPECT_EQ(inner.Parent().Parent().Name(), "t");
+}
+
+TEST(XmlHandle, MakesNodesForTheDocumentThatItsNodeLivesInNow) {
+  const Document target = Parsed("<t/>");
+  const Document source = Parsed("<s><x><y/></x></s>");
+  const Node x = source.First("s/x");
+  const Node y = source.First("s/x/y");
+  target.Append(source.First("s/x"));
+  for (const Node& node : {x, y}) {
+    EXPECT_TRUE(IsSame(node.Owner(), target));
+    EXPECT_TRUE(IsSame(xml::AppendElement(node, "made", "1").Owner(), target));
+  }
+  EXPECT_EQ(Outline(target.Root()).substr(0, 1), "t");
+  EXPECT_EQ(target.All("//made").size(), 2u);
+  source.Append(y);
+  EXPECT_TRUE(IsSame(y.FirstChild().Owner(), source));
 }
 
 TEST(XmlHandle, SurvivesWhenTheContentOfItsParentIsReplaced) {

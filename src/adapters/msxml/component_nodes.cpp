@@ -10,7 +10,6 @@ namespace parvex::xml {
 namespace {
 
 using windows::Bstr;
-using windows::ComPointer;
 using windows::Hex;
 using windows::Variant;
 
@@ -70,8 +69,10 @@ Variant TextVariant(std::string_view text) {
 ComNode FirstChildOf(const ComNode& node) {
   ComNode child;
   node->get_firstChild(child.Out());
-  return SkipDeclaration(std::move(child));
+  return child;
 }
+
+ComNode FirstChildOfDocument(const ComNode& node) { return SkipDeclaration(FirstChildOf(node)); }
 
 ComNode NextOf(const ComNode& node) {
   ComNode next;
@@ -80,7 +81,8 @@ ComNode NextOf(const ComNode& node) {
 }
 
 ComNode FirstNamed(ComNode node, std::string_view name) {
-  while (node && !(TypeOf(node) == NODE_ELEMENT && NameOf(node) == name)) {
+  // The name first, which tells most of them; a processing instruction can have it, too.
+  while (node && !(NameOf(node) == name && TypeOf(node) == NODE_ELEMENT)) {
     node = NextOf(node);
   }
   return node;
@@ -109,8 +111,8 @@ ComElement RootOf(const ComDocument& document) {
   return root;
 }
 
-SelectingByXPath::SelectingByXPath(const ComNode& node) {
-  const auto document = DocumentOf(node).As<IXMLDOMDocument2>(kDomDocument2);
+SelectingByXPath::SelectingByXPath(const ComDocument& anyVersion) {
+  const auto document = anyVersion.As<IXMLDOMDocument2>(kDomDocument2);
   if (!document) {
     return;
   }
@@ -150,14 +152,6 @@ void ClearChildren(const ComNode& node) {
   }
 }
 
-void AppendTextNode(const ComNode& element, std::string_view text) {
-  ComPointer<IXMLDOMText> made;
-  const Bstr value(text);
-  Check(DocumentOf(element)->createTextNode(value.Get(), made.Out()), "making a text");
-  ComNode appended;
-  Check(element->appendChild(made.Get(), appended.Out()), "appending a text");
-}
-
 void LoadText(const ComDocument& document, std::string_view text) {
   const Bstr wide(text);
   VARIANT_BOOL loaded = VARIANT_FALSE;
@@ -170,7 +164,7 @@ void SetDeclaration(const ComDocument& document, std::string_view content) {
   if (!IsDeclaration(former)) {
     return;
   }
-  ComPointer<IXMLDOMProcessingInstruction> made;
+  MsxmlPointer<IXMLDOMProcessingInstruction> made;
   Check(document->createProcessingInstruction(Bstr("xml").Get(), Bstr(content).Get(), made.Out()),
         "making a declaration");
   ComNode replaced;

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "adapters/msxml/msxml_pointer.h"
 #include "adapters/windows/com_pointer.h"
 
 namespace parvex::xml {
@@ -13,11 +14,11 @@ namespace parvex::xml {
 // Nodes and documents of MSXML 3, asked and changed without its result codes: a call that the component refuses raises
 // its code.
 
-using ComNode = windows::ComPointer<IXMLDOMNode>;
-using ComElement = windows::ComPointer<IXMLDOMElement>;
+using ComNode = MsxmlPointer<IXMLDOMNode>;
+using ComElement = MsxmlPointer<IXMLDOMElement>;
 /// Its second interface, which has the selection language, is asked for where it is wanted: documents of before MSXML 3
 /// lack it.
-using ComDocument = windows::ComPointer<IXMLDOMDocument>;
+using ComDocument = MsxmlPointer<IXMLDOMDocument>;
 
 // The import library of the compiler knows none of them.
 inline constexpr IID kDomDocument = {0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
@@ -36,8 +37,9 @@ std::string NameOf(const ComNode& node);
 /// The value of an attribute, text, section or comment as it stands.
 std::string ValueOf(const ComNode& node);
 
-/// The component shows a document's declaration as its first node; here it is none.
 ComNode FirstChildOf(const ComNode& node);
+/// The same of a document: the component shows its declaration as its first node; here it is none.
+ComNode FirstChildOfDocument(const ComNode& node);
 ComNode NextOf(const ComNode& node);
 ComNode ParentOf(const ComNode& node);
 /// The node itself or the next of its siblings that is an element of that name; null when there is none.
@@ -57,13 +59,13 @@ ComDocument NewComDocument();
 /// A document without a language to choose keeps its own.
 class SelectingByXPath {
  public:
-  explicit SelectingByXPath(const ComNode& node);
+  explicit SelectingByXPath(const ComDocument& document);
   ~SelectingByXPath();
   SelectingByXPath(const SelectingByXPath&) = delete;
   SelectingByXPath& operator=(const SelectingByXPath&) = delete;
 
  private:
-  windows::ComPointer<IXMLDOMDocument2> changed_;  // null when there is nothing to put back
+  MsxmlPointer<IXMLDOMDocument2> changed_;  // null when there is nothing to put back
   windows::Variant former_;
 };
 
@@ -73,7 +75,7 @@ void LoadText(const ComDocument& document, std::string_view text);
 /// Gives the document's declaration, if it has one, this content.
 void SetDeclaration(const ComDocument& document, std::string_view content);
 
+/// Takes the children of an element out one by one, so that handles on them stay valid.
 void ClearChildren(const ComNode& node);
-void AppendTextNode(const ComNode& element, std::string_view text);
 
 }  // namespace parvex::xml

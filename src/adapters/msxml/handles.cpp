@@ -16,9 +16,25 @@
 namespace parvex::xml {
 
 using windows::Bstr;
-using windows::ComPointer;
 using windows::Hex;
 using windows::Variant;
+
+namespace {
+
+/// What the boxes of two nodes know after the one was appended to the other.
+void NoteAppended(Box& parent, Box& child) {
+  const ComDocument from = KnownDocument(child);
+  const ComDocument to = KnownDocument(parent);
+  const bool haveOneDocument = from && from.Get() == to.Get();
+  if (!haveOneDocument && !child.isFresh) {
+    ForgetDocuments();
+  }
+  child.document = haveOneDocument ? to : ComDocument();
+  child.isFresh = false;
+  parent.isFresh = false;
+}
+
+}  // namespace
 
 Node::Node(const Node& other) noexcept : handle_(other.handle_) {
   if (handle_ != nullptr) {
@@ -42,46 +58,48 @@ Node::~Node() {
   }
 }
 
-bool Node::IsElement() const { return TypeOf(Adapter::Com(*this, "IsElement")) == NODE_ELEMENT; }
+bool Node::IsElement() const { return TypeOf(Adapter::BoxOf(*this, "IsElement")) == NODE_ELEMENT; }
 
-std::string Node::Name() const { return NameOf(Adapter::Com(*this, "Name")); }
+std::string Node::Name() const { return NameOf(Adapter::BoxOf(*this, "Name").node); }
 
 std::string Node::Text() const {
-  const ComNode& node = Adapter::Com(*this, "Text");
-  const DOMNodeType type = TypeOf(node);
+  Box& box = Adapter::BoxOf(*this, "Text");
+  const DOMNodeType type = TypeOf(box);
   if (type == NODE_COMMENT || type == NODE_CDATA_SECTION || type == NODE_ATTRIBUTE) {
-    return ValueOf(node);
+    return ValueOf(box.node);
   }
   Bstr text;
-  Check(node->get_text(text.Out()), "reading a node's text");
+  Check(box.node->get_text(text.Out()), "reading a node's text");
   return ReplaceAll(text.Text(), "\r\n", "\n");
 }
 
 void Node::SetText(std::string_view text) const {
-  const ComNode& node = Adapter::Com(*this, "SetText");
-  RefuseForbidden(text, NameOf(node));
-  switch (TypeOf(node)) {
+  Box& box = Adapter::BoxOf(*this, "SetText");
+  RefuseForbidden(text, [&] { return NameOf(box.node); });
+  switch (TypeOf(box)) {
     case NODE_ELEMENT:
-      ClearChildren(node);
+      if (!box.isFresh) {
+        ClearChildren(box.node);
+      }
       if (!text.empty()) {
-        AppendTextNode(node, text);
+        box.isFresh = false;
+        Check(box.node->put_text(Bstr(text).Get()), "setting a text");
       }
       return;
     case NODE_ATTRIBUTE:
     case NODE_TEXT:
     case NODE_CDATA_SECTION:
-      Check(node->put_nodeValue(TextVariant(text).Get()), "setting a value");
+      Check(box.node->put_nodeValue(TextVariant(text).Get()), "setting a value");
       return;
     default:
-      RefuseCall("the text of " + NameOf(node) + " cannot be set");
+      RefuseCall("the text of " + NameOf(box.node) + " cannot be set");
   }
 }
 
 std::optional<std::string> Node::Attribute(std::string_view name) const {
-  const ComElement element = AsElement(Adapter::Com(*this, "Attribute"));
+  const ComElement& element = ElementOf(Adapter::BoxOf(*this, "Attribute"));
   Variant value;
-  const Bstr asked(name);
-  if (!element || name.empty() || element->getAttribute(asked.Get(), value.Out()) != S_OK ||
+  if (!element || name.empty() || element->getAttribute(Bstr(name).Get(), value.Out()) != S_OK ||
       V_VT(&value.Get()) != VT_BSTR) {
     return std::nullopt;
   }
@@ -89,86 +107,97 @@ std::optional<std::string> Node::Attribute(std::string_view name) const {
 }
 
 void Node::SetAttribute(std::string_view name, std::string_view value) const {
-  const ComNode& node = Adapter::Com(*this, "SetAttribute");
-  const ComElement element = AsElement(node);
+  Box& box = Adapter::BoxOf(*this, "SetAttribute");
+  const ComElement& element = ElementOf(box);
   if (!element) {
-    RefuseCall("the node " + NameOf(node) + " cannot have the attribute " + Quoted(name));
+    RefuseCall("the node " + NameOf(box.node) + " cannot have the attribute " + Quoted(name));
   }
-  RefuseAttributeName(node, name);
-  RefuseForbidden(value, "the attribute " + Quoted(name) + " of " + NameOf(node));
-  const Bstr set(name);
-  Check(element->setAttribute(set.Get(), TextVariant(value).Get()), "setting an attribute");
+  RefuseAttributeName(box.node, name);
+  RefuseForbidden(value, [&] { return "the attribute " + Quoted(name) + " of " + NameOf(box.node); });
+  Check(element->setAttribute(Bstr(name).Get(), TextVariant(value).Get()), "setting an attribute");
 }
 
 std::string Node::Xml() const {
   Bstr markup;
-  Check(Adapter::Com(*this, "Xml")->get_xml(markup.Out()), "reading markup");
+  Check(Adapter::BoxOf(*this, "Xml").node->get_xml(markup.Out()), "reading markup");
   return markup.Text();
 }
 
 Node Node::First(std::string_view xpath) const {
-  const ComNode& node = Adapter::Com(*this, "First");
-  const SelectingByXPath language(node);
-  const Bstr expression(xpath);
+  Box& box = Adapter::BoxOf(*this, "First");
+  const SelectingByXPath language(DocumentOf(box));
+  box.isFresh = false;
   ComNode found;
-  const HRESULT result = xpath.empty() ? E_INVALIDARG : node->selectSingleNode(expression.Get(), found.Out());
+  const HRESULT result = xpath.empty() ? E_INVALIDARG : box.node->selectSingleNode(Bstr(xpath).Get(), found.Out());
   if (FAILED(result)) {
     RefuseCall("the XPath expression " + Quoted(xpath) + " cannot select nodes");
   }
-  return Adapter::HandleOn(std::move(found));
+  return Adapter::HandleOn(std::move(found), box.document);
 }
 
 std::vector<Node> Node::All(std::string_view xpath) const {
-  const ComNode& node = Adapter::Com(*this, "All");
-  const SelectingByXPath language(node);
-  const Bstr expression(xpath);
-  ComPointer<IXMLDOMNodeList> list;
-  const HRESULT result = xpath.empty() ? E_INVALIDARG : node->selectNodes(expression.Get(), list.Out());
+  Box& box = Adapter::BoxOf(*this, "All");
+  const SelectingByXPath language(DocumentOf(box));
+  box.isFresh = false;
+  MsxmlPointer<IXMLDOMNodeList> list;
+  const HRESULT result = xpath.empty() ? E_INVALIDARG : box.node->selectNodes(Bstr(xpath).Get(), list.Out());
   if (FAILED(result)) {
     RefuseCall("the XPath expression " + Quoted(xpath) + " cannot select nodes");
   }
   std::vector<Node> nodes;
   ComNode next;
   while (list->nextNode(next.Out()) == S_OK && next) {
-    nodes.push_back(Adapter::HandleOn(next));
+    nodes.push_back(Adapter::HandleOn(next, box.document));
   }
   return nodes;
 }
 
 Node Node::Parent() const {
-  const ComNode& node = Adapter::Com(*this, "Parent");
-  return TypeOf(node) == NODE_ATTRIBUTE ? Node() : Adapter::HandleOn(ParentOf(node));
+  Box& box = Adapter::BoxOf(*this, "Parent");
+  return TypeOf(box) == NODE_ATTRIBUTE ? Node() : Adapter::HandleOn(ParentOf(box.node), KnownDocument(box));
 }
 
 Node Node::FirstChild() const {
-  const ComNode& node = Adapter::Com(*this, "FirstChild");
-  return TypeOf(node) == NODE_ATTRIBUTE ? Node() : Adapter::HandleOn(FirstChildOf(node));
+  Box& box = Adapter::BoxOf(*this, "FirstChild");
+  switch (TypeOf(box)) {
+    case NODE_ATTRIBUTE:
+      return {};
+    case NODE_DOCUMENT:
+      return Adapter::HandleOn(FirstChildOfDocument(box.node), box.document);
+    default:
+      return Adapter::HandleOn(FirstChildOf(box.node), KnownDocument(box));
+  }
 }
 
-Node Node::NextSibling() const { return Adapter::HandleOn(NextOf(Adapter::Com(*this, "NextSibling"))); }
+Node Node::NextSibling() const {
+  const Box& box = Adapter::BoxOf(*this, "NextSibling");
+  return Adapter::HandleOn(NextOf(box.node), KnownDocument(box));
+}
 
 Node Node::Child(std::string_view name) const {
-  return Adapter::HandleOn(FirstNamed(FirstChildOf(Adapter::Com(*this, "Child")), name));
+  const Box& box = Adapter::BoxOf(*this, "Child");
+  return Adapter::HandleOn(FirstNamed(FirstChildOf(box.node), name), KnownDocument(box), NODE_ELEMENT);
 }
 
 Node Node::Next(std::string_view name) const {
-  return Adapter::HandleOn(FirstNamed(NextOf(Adapter::Com(*this, "Next")), name));
+  const Box& box = Adapter::BoxOf(*this, "Next");
+  return Adapter::HandleOn(FirstNamed(NextOf(box.node), name), KnownDocument(box), NODE_ELEMENT);
 }
 
 Node Node::Descendant(std::string_view name) const {
-  const ComNode& top = Adapter::Com(*this, "Descendant");
+  const Box& box = Adapter::BoxOf(*this, "Descendant");
   std::vector<ComNode> open;  // the nodes whose following siblings are still to be looked at
-  for (ComNode node = FirstChildOf(top); node || !open.empty();) {
+  for (ComNode node = FirstChildOf(box.node); node || !open.empty();) {
     if (!node) {
       node = NextOf(open.back());
       open.pop_back();
       continue;
     }
-    if (TypeOf(node) == NODE_ELEMENT && NameOf(node) == name) {
+    if (NameOf(node) == name && TypeOf(node) == NODE_ELEMENT) {
       Bstr space;
       node->get_namespaceURI(space.Out());
       if (space.Text().empty()) {
-        return Adapter::HandleOn(std::move(node));
+        return Adapter::HandleOn(std::move(node), KnownDocument(box), NODE_ELEMENT);
       }
     }
     open.push_back(node);
@@ -178,35 +207,38 @@ Node Node::Descendant(std::string_view name) const {
 }
 
 Node Node::Append(const Node& child) const {
-  const ComNode& parent = Adapter::Com(*this, "Append");
-  const ComNode& moved = Adapter::Com(child, "Append");
+  Box& parent = Adapter::BoxOf(*this, "Append");
+  Box& moved = Adapter::BoxOf(child, "Append");
   RefuseAppend(parent, moved);
   ComNode appended;
-  if (FAILED(parent->appendChild(moved.Get(), appended.Out()))) {
-    Adapter::PutInPlace(child, MoveByCopy(moved, parent));
+  if (FAILED(parent.node->appendChild(moved.node.Get(), appended.Out()))) {
+    moved.node = MoveByCopy(moved.node, parent.node);
+    moved.element = {};
   }
+  NoteAppended(parent, moved);
   return child;
 }
 
 void Node::Remove() const {
-  const ComNode& node = Adapter::Com(*this, "Remove");
-  const DOMNodeType type = TypeOf(node);
+  Box& box = Adapter::BoxOf(*this, "Remove");
+  const DOMNodeType type = TypeOf(box);
   if (type == NODE_ATTRIBUTE || type == NODE_DOCUMENT) {
-    RefuseCall("the node " + NameOf(node) + " cannot be removed");
+    RefuseCall("the node " + NameOf(box.node) + " cannot be removed");
   }
-  if (const ComNode parent = ParentOf(node)) {
+  if (const ComNode parent = ParentOf(box.node)) {
     ComNode removed;
-    Check(parent->removeChild(node.Get(), removed.Out()), "taking out a node");
+    Check(parent->removeChild(box.node.Get(), removed.Out()), "taking out a node");
   }
 }
 
 Node Node::Clone() const {
+  const Box& box = Adapter::BoxOf(*this, "Clone");
   ComNode copy;
-  Check(Adapter::Com(*this, "Clone")->cloneNode(VARIANT_TRUE, copy.Out()), "copying a node");
-  return Adapter::HandleOn(std::move(copy));
+  Check(box.node->cloneNode(VARIANT_TRUE, copy.Out()), "copying a node");
+  return Adapter::HandleOn(std::move(copy), KnownDocument(box), box.type);
 }
 
-Document Node::Owner() const { return Adapter::DocumentOn(DocumentOf(Adapter::Com(*this, "Owner"))); }
+Document Node::Owner() const { return Adapter::DocumentOn(DocumentOf(Adapter::BoxOf(*this, "Owner"))); }
 
 Document Document::New() { return Adapter::DocumentOn(NewComDocument()); }
 
@@ -221,7 +253,7 @@ Document Document::Parse(std::string_view text) {
       SetDeclaration(com, neutral.declaration);
     }
   }
-  Adapter::BoxOf(document)->refusal = std::move(refusal);
+  Adapter::BoxOf(document, "Parse").refusal = std::move(refusal);
   return document;
 }
 
@@ -232,18 +264,18 @@ Document Document::Load(std::string_view bytes) {
     return Parse(text);
   }
   Document document = New();
-  Adapter::BoxOf(document)->refusal = std::move(refusal);
+  Adapter::BoxOf(document, "Parse").refusal = std::move(refusal);
   return document;
 }
 
 std::string Document::ParseError() const {
-  const ComDocument com = DocumentOf(Adapter::Com(node_, "ParseError"));
-  if (!Adapter::BoxOf(*this)->refusal.empty()) {
-    return Adapter::BoxOf(*this)->refusal;
+  Box& box = Adapter::BoxOf(*this, "ParseError");
+  if (!box.refusal.empty()) {
+    return box.refusal;
   }
-  ComPointer<IXMLDOMParseError> error;
+  MsxmlPointer<IXMLDOMParseError> error;
   long code = 0;
-  if (FAILED(com->get_parseError(error.Out())) || FAILED(error->get_errorCode(&code)) || code == 0) {
+  if (FAILED(DocumentOf(box)->get_parseError(error.Out())) || FAILED(error->get_errorCode(&code)) || code == 0) {
     return {};
   }
   long line = 0;
@@ -256,31 +288,29 @@ std::string Document::ParseError() const {
          Hex(static_cast<std::uint32_t>(code)) + ")";
 }
 
-bool Document::IsEmpty() const { return !RootOf(DocumentOf(Adapter::Com(node_, "IsEmpty"))); }
+bool Document::IsEmpty() const { return !RootOf(DocumentOf(Adapter::BoxOf(*this, "IsEmpty"))); }
 
 Node Document::Root() const {
-  const ComElement root = RootOf(DocumentOf(Adapter::Com(node_, "Root")));
-  return Adapter::HandleOn(ComNode::Share(root.Get()));
+  const ComDocument& document = DocumentOf(Adapter::BoxOf(*this, "Root"));
+  return Adapter::HandleOnElement(RootOf(document), document);
 }
 
 Node Document::CreateElement(std::string_view name) const {
-  const ComDocument com = DocumentOf(Adapter::Com(node_, "CreateElement"));
+  const ComDocument& document = DocumentOf(Adapter::BoxOf(*this, "CreateElement"));
   if (!IsPlainName(name)) {
     RefuseCall(Quoted(name) + " cannot be the name of an element");
   }
-  const Bstr tag(name);
   ComElement made;
-  Check(com->createElement(tag.Get(), made.Out()), "making an element");
-  return Adapter::HandleOn(ComNode::Share(made.Get()));
+  Check(document->createElement(Bstr(name).Get(), made.Out()), "making an element");
+  return Adapter::Fresh(Adapter::HandleOnElement(std::move(made), document));
 }
 
 Node Document::CreateCData(std::string_view text) const {
-  const ComDocument com = DocumentOf(Adapter::Com(node_, "CreateCData"));
-  RefuseForbidden(text, "a CDATA section");
-  const Bstr value(text);
-  ComPointer<IXMLDOMCDATASection> made;
-  Check(com->createCDATASection(value.Get(), made.Out()), "making a CDATA section");
-  return Adapter::HandleOn(ComNode::Share(made.Get()));
+  const ComDocument& document = DocumentOf(Adapter::BoxOf(*this, "CreateCData"));
+  RefuseForbidden(text, [] { return std::string("a CDATA section"); });
+  MsxmlPointer<IXMLDOMCDATASection> made;
+  Check(document->createCDATASection(Bstr(text).Get(), made.Out()), "making a CDATA section");
+  return Adapter::Fresh(Adapter::HandleOn(ComNode::Share(made.Get()), document, NODE_CDATA_SECTION));
 }
 
 Node Document::Append(const Node& child) const {
@@ -289,7 +319,7 @@ Node Document::Append(const Node& child) const {
 }
 
 std::string Document::Bytes() const {
-  const ComNode& node = Adapter::Com(node_, "Bytes");
+  const ComNode& node = Adapter::BoxOf(*this, "Bytes").node;
   ComNode first;
   node->get_firstChild(first.Out());
   const bool isDeclared = first && TypeOf(first) == NODE_PROCESSING_INSTRUCTION && NameOf(first) == "xml";

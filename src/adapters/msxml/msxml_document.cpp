@@ -10,7 +10,7 @@ xml::Document AdoptDocument(IUnknown* unknown) {
   if (unknown == nullptr) {
     throw MakeRuntimeError(RuntimeError::ObjectNotSet, "no command document was given");
   }
-  xml::ComDocument document;
+  ComPointer<IXMLDOMDocument> document;
   if (FAILED(unknown->QueryInterface(xml::kDomDocument, reinterpret_cast<void**>(document.Out())))) {
     throw MakeRuntimeError(RuntimeError::TypeMismatch, "the object given is no MSXML document: " + ExpectedDocument());
   }
@@ -25,8 +25,7 @@ ComPointer<IXMLDOMDocument2> ComDocument(const xml::Document& document) {
   if (!document) {
     return {};
   }
-  auto com =
-      xml::DocumentOf(xml::Adapter::Com(document.AsNode(), "ComDocument")).As<IXMLDOMDocument2>(xml::kDomDocument2);
+  auto com = xml::DocumentOf(xml::Adapter::BoxOf(document, "ComDocument")).As<IXMLDOMDocument2>(xml::kDomDocument2);
   if (!com) {
     throw MakeRuntimeError(RuntimeError::TypeMismatch, "the document has no interface IXMLDOMDocument2");
   }

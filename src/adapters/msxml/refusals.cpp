@@ -1,6 +1,6 @@
 #include "adapters/msxml/refusals.h"
 
-#include "formats/text/xml_characters.h"
+#include "adapters/msxml/ancestry.h"
 #include "seams/automation_error.h"
 
 namespace parvex::xml {
@@ -26,23 +26,6 @@ bool IsDeclaredAt(ComNode node, std::string_view prefix) {
   return prefix == "xml";
 }
 
-// Whether `node` stands at or above `below`. Nodes have no identity to be compared by, so an attribute marks it.
-bool IsAtOrAbove(const ComNode& node, ComNode below) {
-  const ComElement element = AsElement(node);
-  if (!element) {
-    return false;
-  }
-  const Bstr mark("parvex-mark");
-  element->setAttribute(mark.Get(), TextVariant("1").Get());
-  bool found = false;
-  for (; below && TypeOf(below) == NODE_ELEMENT && !found; below = ParentOf(below)) {
-    Variant value;
-    found = AsElement(below)->getAttribute(mark.Get(), value.Out()) == S_OK;
-  }
-  element->removeAttribute(mark.Get());
-  return found;
-}
-
 bool MayBeChild(DOMNodeType type) {
   return type == NODE_ELEMENT || type == NODE_TEXT || type == NODE_CDATA_SECTION || type == NODE_COMMENT ||
          type == NODE_PROCESSING_INSTRUCTION;
@@ -52,12 +35,9 @@ bool MayBeChild(DOMNodeType type) {
 
 void RefuseCall(const std::string& description) { throw MakeRuntimeError(RuntimeError::InvalidCall, description); }
 
-void RefuseForbidden(std::string_view text, const std::string& where) {
-  const std::size_t offset = FindForbidden(text);
-  if (offset != std::string_view::npos) {
-    RefuseCall("the text for " + where + " holds what XML cannot carry: the byte value " +
-               std::to_string(static_cast<unsigned char>(text[offset])) + " at byte " + std::to_string(offset + 1));
-  }
+void RefuseForbiddenAt(std::string_view text, std::size_t offset, const std::string& where) {
+  RefuseCall("the text for " + where + " holds what XML cannot carry: the byte value " +
+             std::to_string(static_cast<unsigned char>(text[offset])) + " at byte " + std::to_string(offset + 1));
 }
 
 void RefuseAttributeName(const ComNode& node, std::string_view name) {
@@ -73,25 +53,27 @@ void RefuseAttributeName(const ComNode& node, std::string_view name) {
   }
 }
 
-void RefuseAppend(const ComNode& parent, const ComNode& child) {
+void RefuseAppend(Box& parent, Box& child) {
   const DOMNodeType parentType = TypeOf(parent);
   const DOMNodeType childType = TypeOf(child);
-  const std::string attempt = "the node " + NameOf(child) + " cannot be appended to " + NameOf(parent) + ": ";
+  const auto refuse = [&](const std::string& reason) {
+    RefuseCall("the node " + NameOf(child.node) + " cannot be appended to " + NameOf(parent.node) + ": " + reason);
+  };
   if (!MayBeChild(childType)) {
-    RefuseCall(attempt + "only elements, texts, CDATA sections, comments and processing instructions can be");
+    refuse("only elements, texts, CDATA sections, comments and processing instructions can be");
   }
   if (parentType != NODE_ELEMENT && parentType != NODE_DOCUMENT) {
-    RefuseCall(attempt + "only elements and documents have children");
+    refuse("only elements and documents have children");
   }
   if (parentType == NODE_DOCUMENT) {
     if (childType == NODE_TEXT || childType == NODE_CDATA_SECTION) {
-      RefuseCall(attempt + "text stands in elements only");
+      refuse("text stands in elements only");
     }
     if (const ComElement root = RootOf(DocumentOf(parent)); root && childType == NODE_ELEMENT) {
-      RefuseCall(attempt + "it has the root " + NameOf(ComNode::Share(root.Get())));
+      refuse("it has the root " + NameOf(ComNode::Share(root.Get())));
     }
-  } else if (IsAtOrAbove(child, parent)) {
-    RefuseCall(attempt + "the one is a part of the other");
+  } else if (childType == NODE_ELEMENT && IsAtOrAbove(child, parent)) {
+    refuse("the one is a part of the other");
   }
 }
 

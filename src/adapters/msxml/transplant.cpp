@@ -7,7 +7,6 @@ namespace parvex::xml {
 namespace {
 
 using windows::Bstr;
-using windows::ComPointer;
 using windows::Variant;
 
 /// The namespace of an element or attribute; an empty text when it has none.
@@ -52,12 +51,12 @@ void CopyAttribute(const ComDocument& document, const ComNode& attribute, const 
   DeclarePrefixOf(attribute, to);
   const ComNode made = MakeNode(document, NODE_ATTRIBUTE, attribute);
   Check(made->put_nodeValue(value.Get()), "setting an attribute");
-  ComPointer<IXMLDOMAttribute> replaced;
+  MsxmlPointer<IXMLDOMAttribute> replaced;
   Check(to->setAttributeNode(made.As<IXMLDOMAttribute>(kDomAttribute).Get(), replaced.Out()), "adding an attribute");
 }
 
 void CopyAttributes(const ComDocument& document, const ComNode& from, const ComElement& to) {
-  ComPointer<IXMLDOMNamedNodeMap> attributes;
+  MsxmlPointer<IXMLDOMNamedNodeMap> attributes;
   Check(from->get_attributes(attributes.Out()), "reading attributes");
   ComNode attribute;
   while (attributes->nextNode(attribute.Out()) == S_OK && attribute) {
@@ -67,7 +66,7 @@ void CopyAttributes(const ComDocument& document, const ComNode& from, const ComE
 
 template <typename Made, typename Call>
 ComNode Created(Call create) {
-  ComPointer<Made> made;
+  MsxmlPointer<Made> made;
   Check(create(made.Out()), "making a node");
   return ComNode::Share(made.Get());
 }

@@ -106,8 +106,8 @@ void Measure(const fs::path& folder, const Shape& shape) {
   const double scan = Best([&] { lines = CountLines(parvex::posix::ReadHostFile(host, file)); });
   parvex::posix::Windows1252 codePage;
   const double parse = Best([&] {
-    const parvex::posix::ProfileText text(parvex::posix::ReadHostFile(host, file), codePage);
-    const parvex::posix::ProfileIndex index(text);
+    const parvex::ini::ProfileText text(parvex::posix::ReadHostFile(host, file), codePage);
+    const parvex::ini::ProfileIndex index(text);
     if (index.FindSection("PartNumber1") == nullptr) {
       std::abort();
     }

@@ -10,7 +10,7 @@
 // A profile file, looked up by the index and line by line; then a value is set and read back. The input: a section, a
 // key, another key and a value, each up to a line feed, and the file's bytes.
 
-namespace parvex::posix {
+namespace parvex::ini {
 namespace {
 
 using fuzz::Require;
@@ -79,17 +79,17 @@ void CheckSetting(const ProfileText& file, const Wanted& wanted, std::string_vie
 }
 
 }  // namespace
-}  // namespace parvex::posix
+}  // namespace parvex::ini
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace parvex;
-  using namespace parvex::posix;
+  using namespace parvex::ini;
   fuzz::Input input(data, size);
   const std::string_view section = AsName(input.TakeUpTo('\n'));
   const std::string_view key = AsName(input.TakeUpTo('\n'));
   const std::string_view otherKey = AsName(input.TakeUpTo('\n'));
   const std::string_view value = AsName(input.TakeUpTo('\n'));
-  Windows1252 codePage;
+  posix::Windows1252 codePage;
   const ProfileText file(std::string(input.TakeRest()), codePage);
 
   for (const Wanted& wanted : {Wanted{section, key}, Wanted{section, otherKey}}) {

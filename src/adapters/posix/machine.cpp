@@ -7,9 +7,10 @@
 #include "adapters/posix/code_pages.h"
 #include "adapters/posix/machine_files.h"
 #include "adapters/posix/machine_folder.h"
-#include "adapters/posix/profile_files.h"
+#include "adapters/posix/profile_versions.h"
 #include "adapters/posix/registry_file.h"
 #include "adapters/posix/sleeping_pump.h"
+#include "formats/ini/profile_files.h"
 #include "formats/jet/databases.h"
 #include "formats/text/windows_1252.h"
 
@@ -21,8 +22,9 @@ struct Machine::Parts {
   MachineFolder folder;
   Windows1252 codePage;
   RegistryFile registry{folder, codePage};
-  ProfileFiles privateProfile{folder, codePage};
   MachineFiles files{folder};
+  HostFileVersions profileVersions{folder};
+  ini::ProfileFiles privateProfile{files, profileVersions, codePage, "C:\\Windows"};
   ChildProcesses processes{folder};
   SleepingPump messagePump;
   jet::Databases projectDatabases{files, CodePageOf};

@@ -15,6 +15,7 @@ class SystemCodePage : public CodePage {
  public:
   std::string ToAnsi(std::string_view text) override { return windows::ToAnsi(text); }
   std::string FromAnsi(std::string_view bytes) override { return windows::FromAnsi(bytes); }
+  bool IsSingleByte() override;
 };
 
 }  // namespace parvex::windows

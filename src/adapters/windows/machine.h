@@ -2,12 +2,12 @@
 
 #include "adapters/windows/ansi_text.h"
 #include "adapters/windows/dao_databases.h"
+#include "adapters/windows/machine_profiles.h"
 #include "adapters/windows/system_automation.h"
 #include "adapters/windows/system_files.h"
 #include "adapters/windows/system_message_boxes.h"
 #include "adapters/windows/system_message_pump.h"
 #include "adapters/windows/system_message_router.h"
-#include "adapters/windows/system_private_profile.h"
 #include "adapters/windows/system_processes.h"
 #include "adapters/windows/system_registry.h"
 #include "seams/platform.h"
@@ -48,7 +48,6 @@ class Machine {
 
  private:
   SystemRegistry registry_;
-  SystemPrivateProfile privateProfile_;
   SystemFiles files_;
   SystemProcesses processes_;
   SystemMessagePump messagePump_;
@@ -57,6 +56,7 @@ class Machine {
   SystemAutomation automation_;
   DaoDatabases databases_{automation_};
   SystemCodePage codePage_;
+  MachineProfiles privateProfile_{files_, codePage_};
 };
 
 }  // namespace parvex::windows

@@ -9,7 +9,7 @@
 #include <emmintrin.h>
 #endif
 
-namespace parvex::posix {
+namespace parvex::ini {
 namespace {
 
 std::size_t SlotsFor(std::size_t entries) { return 2 * entries + 1; }
@@ -198,4 +198,4 @@ std::string_view ProfileIndex::SectionNameAt(std::uint32_t number) const {
   return number == 0 ? std::string_view() : *SectionName(LineAt(sections_[number].header_));
 }
 
-}  // namespace parvex::posix
+}  // namespace parvex::ini

@@ -8,7 +8,7 @@
 
 #include "formats/ini/profile_text.h"
 
-namespace parvex::posix {
+namespace parvex::ini {
 
 /// Where the sections and keys of one profile text stand. Finding one costs the same however many there are; names of
 /// more than 4096 characters are not found. Every section has a hash table of its own, all of them in one array of
@@ -61,4 +61,4 @@ class ProfileIndex::Section {
   Section(std::uint32_t header, Table keys) : header_(header), keys_(keys) {}
 };
 
-}  // namespace parvex::posix
+}  // namespace parvex::ini

@@ -7,7 +7,7 @@
 #include <random>
 #include <string_view>
 
-namespace parvex::posix {
+namespace parvex::ini {
 
 // Names of sections and keys without regard to the letter case of A to Z; every other byte counts as it stands. Inline,
 // since they are most of the work of indexing a file.
@@ -94,4 +94,4 @@ inline bool EqualIgnoringAsciiCase(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
 }
 
-}  // namespace parvex::posix
+}  // namespace parvex::ini

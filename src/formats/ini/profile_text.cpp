@@ -8,8 +8,9 @@
 #include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 #include "formats/text/unicode.h"
+#include "seams/automation_error.h"
 
-namespace parvex::posix {
+namespace parvex::ini {
 namespace {
 
 constexpr std::string_view kLineBreak = "\r\n";
@@ -31,6 +32,8 @@ std::size_t LineEnd(std::string_view text, std::size_t pos) {
   }
   return text.size();
 }
+
+bool IsBreak(char c) { return c == '\r' || c == '\n'; }
 
 // Where a value is to be put: the part of the text that it replaces.
 struct Place {
@@ -69,28 +72,41 @@ Place FindPlace(const ProfileText& file, std::string_view section, std::string_v
 
 }  // namespace
 
+std::string CutToAnsi(std::string_view text, std::size_t mostBytes, CodePage& codePage) {
+  const std::string ansi = codePage.ToAnsi(text);
+  if (ansi.size() <= mostBytes || codePage.IsSingleByte()) {
+    return codePage.FromAnsi(std::string_view(ansi).substr(0, mostBytes));
+  }
+  // Half of a character does not come back as it was.
+  for (std::string_view bytes(ansi.data(), mostBytes); !bytes.empty(); bytes.remove_suffix(1)) {
+    std::string cut = codePage.FromAnsi(bytes);
+    if (codePage.ToAnsi(cut) == bytes) {
+      return cut;
+    }
+  }
+  return {};
+}
+
 ProfileText::ProfileText(std::string bytes, CodePage& codePage)
     : codePage_(codePage), bytes_(std::move(bytes)), encoding_(EncodingOf(bytes_)) {
+  isAnsi_ = encoding_ == TextEncoding::Unmarked && (codePage_.IsSingleByte() || IsAsciiText(bytes_));
+  isConverted_ = IsUtf16(encoding_) || (encoding_ == TextEncoding::Unmarked && !isAnsi_);
   if (IsUtf16(encoding_)) {
     converted_ = FromUtf16(UnitsOf(std::string_view(bytes_).substr(MarkOf(encoding_).size()), encoding_));
+  } else if (isConverted_) {
+    converted_ = codePage_.FromAnsi(bytes_);
   }
 }
 
 std::string_view ProfileText::Text() const {
-  if (IsUtf16(encoding_)) {
-    return converted_;
-  }
-  return std::string_view(bytes_).substr(MarkOf(encoding_).size());
+  return isConverted_ ? std::string_view(converted_) : std::string_view(bytes_).substr(MarkOf(encoding_).size());
 }
 
 std::string ProfileText::Read(std::string_view piece, std::size_t mostBytes) const {
   if (IsAsciiText(piece)) {
     return std::string(piece.substr(0, mostBytes));
   }
-  if (encoding_ == TextEncoding::Unmarked) {
-    return codePage_.FromAnsi(piece.substr(0, mostBytes));
-  }
-  return codePage_.FromAnsi(std::string_view(codePage_.ToAnsi(piece)).substr(0, mostBytes));
+  return isAnsi_ ? codePage_.FromAnsi(piece.substr(0, mostBytes)) : CutToAnsi(piece, mostBytes, codePage_);
 }
 
 std::uint32_t ProfileText::HashOfName(std::string_view name) const {
@@ -105,24 +121,49 @@ bool ProfileText::SameName(std::string_view a, std::string_view b) const {
 }
 
 std::string ProfileText::Folded(std::string_view name) const {
-  return FoldName(encoding_ == TextEncoding::Unmarked ? codePage_.FromAnsi(name) : std::string(name));
+  return FoldName(isAnsi_ ? codePage_.FromAnsi(name) : std::string(name));
 }
 
 std::string ProfileText::Piece(std::string_view ansi) const {
-  return encoding_ == TextEncoding::Unmarked ? std::string(ansi) : codePage_.FromAnsi(ansi);
+  return isAnsi_ ? std::string(ansi) : codePage_.FromAnsi(ansi);
+}
+
+// Where a place of the text is in the bytes.
+std::size_t ProfileText::PlaceInBytes(std::size_t placeInText) const {
+  const std::size_t mark = MarkOf(encoding_).size();
+  if (!isConverted_) {
+    return mark + placeInText;
+  }
+  const std::string_view before = Text().substr(0, placeInText);
+  if (IsUtf16(encoding_)) {
+    return mark + 2 * LengthInUnits(before);
+  }
+  // Lines end at the same characters in both, and only blanks, a byte each, stand between one of them and the place.
+  const std::size_t lineBegin = before.find_last_of("\r\n") + 1;
+  std::size_t place = 0;
+  for (auto breaks = std::count_if(before.begin(), before.end(), IsBreak); breaks > 0; --breaks) {
+    place = bytes_.find_first_of("\r\n", place) + 1;
+  }
+  if (std::all_of(before.begin() + static_cast<std::ptrdiff_t>(lineBegin), before.end(), IsProfileBlank)) {
+    place += before.size() - lineBegin;
+  } else {
+    place = std::min(bytes_.find_first_of("\r\n", place), bytes_.size()) - (LineEnd(Text(), placeInText) - placeInText);
+  }
+  if (place > bytes_.size() || codePage_.FromAnsi(std::string_view(bytes_).substr(0, place)) != before) {
+    // Half of a character that a line's end was taken for.
+    throw MakeRuntimeError(RuntimeError::PathFileAccess,
+                           "the profile file has half of a character at the end of a line");
+  }
+  return place;
 }
 
 // Only the new piece is converted: what cannot be (half of a surrogate pair, say) stays as it is.
 std::string ProfileText::Splice(std::size_t begin, std::size_t end, std::string_view piece) const {
-  const std::size_t mark = bytes_.size() - (IsUtf16(encoding_) ? 0 : Text().size());
-  if (!IsUtf16(encoding_)) {
-    return std::string(bytes_).replace(mark + begin, end - begin, piece);
-  }
-  const auto byteOffset = [&](std::size_t offset) {
-    return MarkOf(encoding_).size() + 2 * LengthInUnits(Text().substr(0, offset));
-  };
-  const std::size_t first = byteOffset(begin);
-  return std::string(bytes_).replace(first, byteOffset(end) - first, BytesOf(ToUtf16(piece), encoding_));
+  const std::size_t first = PlaceInBytes(begin);
+  const std::string bytes = IsUtf16(encoding_) ? BytesOf(ToUtf16(piece), encoding_)
+                            : isConverted_     ? codePage_.ToAnsi(piece)
+                                               : std::string(piece);
+  return std::string(bytes_).replace(first, PlaceInBytes(end) - first, bytes);
 }
 
 std::optional<std::string> ProfileText::WithValue(std::string_view section, std::string_view key,
@@ -208,4 +249,4 @@ std::string_view WithoutQuotes(std::string_view text) {
   return quoted ? text.substr(1, text.size() - 2) : text;
 }
 
-}  // namespace parvex::posix
+}  // namespace parvex::ini

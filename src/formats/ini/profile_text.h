@@ -11,12 +11,15 @@
 #include "formats/text/encoded_text.h"
 #include "seams/code_page.h"
 
-namespace parvex::posix {
+namespace parvex::ini {
 
 // The text of private profile (ini) files; docs/private-profile.md describes the format in prose.
 
-/// A file's bytes, and the text in them. Pieces of the text are as the file has them: ANSI bytes in an ANSI file, UTF-8
-/// in any other.
+/// At most `mostBytes` of a text in the code page, without half of a character.
+std::string CutToAnsi(std::string_view text, std::size_t mostBytes, CodePage& codePage);
+
+/// A file's bytes, and the text in them. Pieces of the text are ANSI bytes as the file has them, or UTF-8: where it has
+/// a byte order mark, and where a byte may be half of a character.
 class ProfileText {
  public:
   ProfileText(std::string bytes, CodePage& codePage);
@@ -44,12 +47,15 @@ class ProfileText {
 
  private:
   std::string Folded(std::string_view name) const;
+  std::size_t PlaceInBytes(std::size_t placeInText) const;
   std::string Splice(std::size_t begin, std::size_t end, std::string_view piece) const;
 
   CodePage& codePage_;
   std::string bytes_;
   TextEncoding encoding_;
-  std::string converted_;  // the text of a UTF-16 file
+  bool isAnsi_ = false;       // pieces are ANSI bytes
+  bool isConverted_ = false;  // the text is
+  std::string converted_;     // this
   std::uint64_t seed_ = NameHashSeed();
 };
 
@@ -87,4 +93,4 @@ inline bool IsAsciiText(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-}  // namespace parvex::posix
+}  // namespace parvex::ini

@@ -11,6 +11,7 @@ class Windows1252 : public CodePage {
  public:
   std::string ToAnsi(std::string_view text) override;
   std::string FromAnsi(std::string_view bytes) override;
+  bool IsSingleByte() override { return true; }
 };
 
 }  // namespace parvex::posix

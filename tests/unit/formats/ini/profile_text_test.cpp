@@ -5,12 +5,14 @@
 #include <chrono>
 
 #include "formats/ini/profile_index.h"
+#include "formats/text/unicode.h"
 #include "formats/text/windows_1252.h"
+#include "seams/automation_error.h"
 
-namespace parvex::posix {
+namespace parvex::ini {
 namespace {
 
-Windows1252 codePage;
+posix::Windows1252 codePage;
 
 // A literal with the NUL bytes in it.
 template <std::size_t Size>
@@ -176,5 +178,78 @@ TEST(ProfileIndexing, HostileFilesCostNoMoreThanTheirSize) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
 }
 
+// Two bytes for a character, of which the second may look like a bracket: "\x83]" and "\x83[" are one each. A first
+// byte takes what follows it with it, whatever it is.
+class DoubleByte : public CodePage {
+ public:
+  std::string ToAnsi(std::string_view text) override {
+    std::string bytes;
+    for (const char16_t unit : ToUtf16(text)) {
+      if (unit >= 0x30A0 && unit < 0x3100) {
+        bytes += {'\x83', static_cast<char>(unit - 0x30A0 + 0x40)};
+      } else {
+        bytes += unit < 0x80 ? static_cast<char>(unit) : '?';
+      }
+    }
+    return bytes;
+  }
+  std::string FromAnsi(std::string_view bytes) override {
+    std::u16string units;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+      if (bytes[i] != '\x83') {
+        units += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]));
+      } else {
+        ++i;
+        const int second = i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0;
+        units += static_cast<char16_t>(second >= 0x40 ? 0x30A0 + second - 0x40 : 0xFFFD);
+      }
+    }
+    return FromUtf16(units);
+  }
+  bool IsSingleByte() override { return false; }
+};
+
+class DoubleByteProfile : public testing::Test {
+ protected:
+  DoubleByte page;
+
+  std::string Value(const std::string& bytes, std::string_view section, std::string_view key, std::size_t most = 254) {
+    const ProfileText text(bytes, page);
+    const ProfileIndex index(text);
+    const ProfileIndex::Section* found = index.FindSection(text.Piece(section));
+    const auto value = found == nullptr ? std::nullopt : index.FindValue(*found, text.Piece(key));
+    return value ? page.ToAnsi(text.Read(*value, most)) : "none";
+  }
+  std::string Set(const std::string& bytes, std::string_view section, std::string_view key, std::string_view value) {
+    return ProfileText(bytes, page).WithValue(section, key, value).value_or(bytes);
+  }
+};
+
+TEST_F(DoubleByteProfile, ASecondByteIsNoBracketAndNoSign) {
+  EXPECT_EQ(Value("[a\x83]]\r\nk=1\r\n", "a\x83]", "k"), "1");
+  EXPECT_EQ(Value("[s]\r\n\x83[x\x83]=1\r\n", "s", "\x83[x\x83]"), "1");
+}
+
+TEST_F(DoubleByteProfile, ACharacterThatDoesNotFitIsLeftOut) {
+  EXPECT_EQ(Value("[s]\r\nk=a\x83]b\r\n", "s", "k", 2), "a");
+  EXPECT_EQ(Value("[s]\r\nk=a\x83]b\r\n", "s", "k", 3), "a\x83]");
+}
+
+TEST_F(DoubleByteProfile, AWriteLeavesEveryOtherByte) {
+  const std::string head = "\x83] x\r\n[s]\r\n  \x83[ = 1 \r\n";
+  const std::string tail = "odd=\x83\x20\xFF\r\n\r\n[t\x83]]\r\n";
+  EXPECT_EQ(Set(head + "k=\x83@\r\n" + tail, "s", "K", "\x83]"), head + "k=\x83]\r\n" + tail);
+  EXPECT_EQ(Set(head + tail, "s", "\x83[", "2"), "\x83] x\r\n[s]\r\n  \x83[=2 \r\n" + tail);
+  EXPECT_EQ(Set(head + tail, "t\x83]", "n", "\x83["), head + tail + "n=\x83[\r\n");
+  EXPECT_EQ(Set(head + tail, "\x83\x83", "n", "1"), head + tail + "[\x83\x83]\r\nn=1\r\n");
+}
+
+TEST_F(DoubleByteProfile, HalfOfACharacterBeforeALinesEndTakesItsFirstByte) {
+  const std::string bytes = "[s]\r\na=\x83\r\nk=1\r\n";
+  EXPECT_EQ(Value(bytes, "s", "k"), "1");
+  EXPECT_THROW(Set(bytes, "s", "k", "2"), AutomationError) << "where the line begins is not certain";
+  EXPECT_EQ(Value("[s]\r\na=\x83\rk=1\r\n", "s", "k"), "none") << "the CR belongs to the character";
+}
+
 }  // namespace
-}  // namespace parvex::posix
+}  // namespace parvex::ini

@@ -1,4 +1,4 @@
-#include "adapters/posix/profile_files.h"
+#include "adapters/posix/profile_versions.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,31 +1,23 @@
-#include "adapters/posix/profile_files.h"
+#include "formats/ini/profile_files.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
-#include "adapters/posix/file_version.h"
-#include "adapters/posix/host_file.h"
 #include "formats/ini/profile_index.h"
 #include "formats/ini/profile_text.h"
 #include "seams/automation_error.h"
 
-namespace parvex::posix {
+namespace parvex::ini {
 namespace {
 
 constexpr std::size_t kMostKnownFiles = 4;
-constexpr std::int64_t kMostBytes = std::int64_t{1} << 30;
+constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 30;
 
-void RefuseTooLarge(const FileVersion& version, const std::string& file) {
+void RefuseTooLarge(const ProfileVersion& version, const std::string& file) {
   if (version.size > kMostBytes) {
     throw MakeFileError(RuntimeError::PathFileAccess, "read", file,
                         std::to_string(version.size) + " bytes are more than a profile file may have");
   }
-}
-
-std::string WithFolder(std::string_view file) {
-  const bool bare = !file.empty() && file.find_first_of("\\/:") == std::string_view::npos;
-  return (bare ? "C:\\Windows\\" : "") + std::string(file);
 }
 
 // The leading integer as the platform's own conversion reads it: 0x, 0o and 0b begin other bases, in lower case only;
@@ -78,8 +70,7 @@ struct ProfileFiles::Parsed {
 
 struct ProfileFiles::Known {
   std::string file;
-  std::filesystem::path host;
-  FileVersion version;
+  ProfileVersion version;
   bool changesWillShow = false;          // no change after the reading can leave the version as it is
   std::shared_ptr<const Parsed> parsed;  // null while there is no such file
 };
@@ -97,7 +88,8 @@ class ProfileFiles::FileSection : public ProfileSection {
     if (const std::optional<std::string_view> value = Find(key)) {
       return parsed_->text.Read(WithoutQuotes(*value), most);
     }
-    return fallback.empty() ? std::string() : CutToAnsi(AsValue(fallback), most);
+    const std::string_view value = AsValue(fallback);
+    return IsAsciiText(value) ? std::string(value.substr(0, most)) : CutToAnsi(value, most, files_.codePage_);
   }
 
   std::int32_t ReadInteger(std::string_view key, std::int32_t fallback) override {
@@ -134,13 +126,6 @@ class ProfileFiles::FileSection : public ProfileSection {
     return parsed_->index.FindValue(*found_, parsed_->text.Piece(TrimProfileBlanks(UpToNul(ansi))));
   }
 
-  std::string CutToAnsi(std::string_view text, std::size_t most) const {
-    if (IsAsciiText(text)) {
-      return std::string(text.substr(0, most));
-    }
-    return files_.codePage_.FromAnsi(std::string_view(files_.codePage_.ToAnsi(text)).substr(0, most));
-  }
-
   ProfileFiles& files_;
   std::string file_;
   std::string section_;  // ANSI bytes
@@ -148,7 +133,8 @@ class ProfileFiles::FileSection : public ProfileSection {
   const ProfileIndex::Section* found_ = nullptr;
 };
 
-ProfileFiles::ProfileFiles(MachineFolder& folder, CodePage& codePage) : folder_(folder), codePage_(codePage) {}
+ProfileFiles::ProfileFiles(Files& files, ProfileVersions& versions, CodePage& codePage, std::string windowsFolder)
+    : files_(files), versions_(versions), codePage_(codePage), windowsFolder_(std::move(windowsFolder)) {}
 ProfileFiles::~ProfileFiles() = default;
 
 std::unique_ptr<ProfileSection> ProfileFiles::Section(std::string_view section, std::string_view file) {
@@ -156,37 +142,42 @@ std::unique_ptr<ProfileSection> ProfileFiles::Section(std::string_view section, 
   return std::make_unique<FileSection>(*this, WithFolder(file), std::string(TrimProfileBlanks(UpToNul(ansi))));
 }
 
-std::shared_ptr<const ProfileFiles::Parsed> ProfileFiles::Current(const std::string& file) {
-  auto known = std::find_if(known_.begin(), known_.end(), [&](const Known& k) { return k.file == file; });
+std::string ProfileFiles::WithFolder(std::string_view file) const {
+  const bool bare = !file.empty() && file.find_first_of("\\/:") == std::string_view::npos;
+  return (bare ? windowsFolder_ + "\\" : "") + std::string(file);
+}
+
+ProfileFiles::Known& ProfileFiles::KnownAs(const std::string& file) {
+  const auto known = std::find_if(known_.begin(), known_.end(), [&](const Known& k) { return k.file == file; });
   if (known == known_.end()) {
     if (known_.size() == kMostKnownFiles) {
       known_.pop_back();
     }
-    known_.push_front({file, {}, {}, false, nullptr});
+    known_.push_front({file, {}, false, nullptr});
   } else {
     known_.splice(known_.begin(), known_, known);
   }
-  Refresh(known_.front());
-  return known_.front().parsed;
+  return known_.front();
+}
+
+std::shared_ptr<const ProfileFiles::Parsed> ProfileFiles::Current(const std::string& file) {
+  Known& known = KnownAs(file);
+  Refresh(known);
+  return known.parsed;
 }
 
 void ProfileFiles::Refresh(Known& known) {
-  std::optional<FileVersion> version = known.host.empty() ? std::nullopt : VersionOf(known.host);
-  if (!version) {
-    known.host = folder_.Resolve(known.file).value_or(std::filesystem::path());
-    version = VersionOf(known.host);
-  }
-  if (!version) {
+  const std::optional<ProfileVersions::Seen> seen = versions_.Look(known.file);
+  if (!seen) {
     known.parsed = nullptr;
     return;
   }
-  if (known.parsed != nullptr && known.version == *version && known.changesWillShow) {
+  if (known.parsed != nullptr && known.version == seen->version && known.changesWillShow) {
     return;
   }
-  RefuseTooLarge(*version, known.file);
-  const std::int64_t now = NowInNanoseconds();  // a change while it is read is later
+  RefuseTooLarge(seen->version, known.file);
   try {
-    std::string bytes = ReadHostFile(known.host, known.file);
+    std::string bytes = files_.ReadAll(known.file);
     if (known.parsed == nullptr || known.parsed->text.Bytes() != bytes) {
       known.parsed = nullptr;  // the room of the old version goes before the new one takes its own
       known.parsed = std::make_shared<const Parsed>(std::move(bytes), codePage_);
@@ -195,21 +186,28 @@ void ProfileFiles::Refresh(Known& known) {
     known.parsed = nullptr;
     return;
   }
-  known.version = *version;
-  known.changesWillShow = IsSettled(*version, now) && VersionOf(known.host) == version;
+  known.version = seen->version;
+  const auto after = seen->isSettled ? versions_.Look(known.file) : std::nullopt;
+  known.changesWillShow = after && after->version == seen->version;
 }
 
 void ProfileFiles::Write(const std::string& file, std::string_view section, std::string_view key,
                          std::string_view value) {
-  std::string bytes;
-  if (const std::optional<std::filesystem::path> host = folder_.Resolve(file)) {
-    RefuseTooLarge(VersionOf(*host).value_or(FileVersion()), file);
-    bytes = ReadHostFile(*host, file);
+  const std::shared_ptr<const Parsed> now = Current(file);
+  if (now == nullptr && versions_.Look(file)) {
+    files_.ReadAll(file);  // says why it cannot be read
   }
-  const ProfileText text(std::move(bytes), codePage_);
-  if (const std::optional<std::string> changed = text.WithValue(section, UpToNul(key), UpToNul(value))) {
-    WriteHostFile(folder_.Target(file), *changed, IfPresent::Replace, file);
+  const ProfileText none({}, codePage_);
+  const ProfileText& text = now == nullptr ? none : now->text;
+  std::optional<std::string> changed = text.WithValue(section, UpToNul(key), UpToNul(value));
+  if (!changed) {
+    return;
   }
+  files_.Replace(file, *changed);
+  // Read again, and compared, before it is used: others may have written too.
+  Known& known = KnownAs(file);
+  known.parsed = std::make_shared<const Parsed>(*std::move(changed), codePage_);
+  known.changesWillShow = false;
 }
 
-}  // namespace parvex::posix
+}  // namespace parvex::ini

@@ -189,6 +189,20 @@ TEST(XmlMarkup, OfADocumentEndsWithALineBreakAndThatOfAnElementDoesNot) {
   EXPECT_EQ(document.Root().Xml(), "<a/>");
 }
 
+TEST(XmlMarkup, OfADocumentIsOnOneLineAsItWasRead) {
+  const std::string markup = "<a k=\"1\"><b>x\ny</b><c/><d><![CDATA[p\nq]]><e>&lt;\xC3\xA9\xF0\x9F\x98\x80</e></d></a>";
+  const Document document = Parsed(markup);
+  EXPECT_EQ(document.Xml(), markup + "\r\n");
+  document.Root().SetText("");
+  EXPECT_EQ(document.Xml(), "<a k=\"1\"/>\r\n");
+}
+
+TEST(XmlMarkup, OfADocumentKeepsTheLineEndsOfASection) {
+  const Document document = Parsed("<a/>");
+  document.Root().Append(document.CreateCData("p\r\nq\n\r\n"));
+  EXPECT_EQ(document.Xml(), "<a><![CDATA[p\r\nq\n\r\n]]></a>\r\n");
+}
+
 TEST(XmlMarkup, WritesAnEmptyElementAsOneTag) { EXPECT_EQ(Parsed("<a></a>").Root().Xml(), "<a/>"); }
 
 TEST(XmlMarkup, KeepsTheDeclarationWhenThereIsOne) {

@@ -18,10 +18,6 @@ constexpr std::string_view kXPath = "XPath";
 
 constexpr CLSID kDomDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
 
-bool IsDeclaration(const ComNode& node) {
-  return node && TypeOf(node) == NODE_PROCESSING_INSTRUCTION && NameOf(node) == "xml";
-}
-
 // The component shows a document's declaration as its first node; here it is none.
 ComNode SkipDeclaration(ComNode node) {
   while (IsDeclaration(node)) {
@@ -33,6 +29,10 @@ ComNode SkipDeclaration(ComNode node) {
 }
 
 }  // namespace
+
+bool IsDeclaration(const ComNode& node) {
+  return node && TypeOf(node) == NODE_PROCESSING_INSTRUCTION && NameOf(node) == "xml";
+}
 
 void Check(HRESULT result, const char* doing) {
   if (FAILED(result)) {

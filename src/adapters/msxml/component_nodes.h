@@ -37,8 +37,11 @@ std::string NameOf(const ComNode& node);
 /// The value of an attribute, text, section or comment as it stands.
 std::string ValueOf(const ComNode& node);
 
+/// Whether it is a document's declaration, which the component shows as its first node. Null is none.
+bool IsDeclaration(const ComNode& node);
+
 ComNode FirstChildOf(const ComNode& node);
-/// The same of a document: the component shows its declaration as its first node; here it is none.
+/// The same of a document, whose declaration is no node here.
 ComNode FirstChildOfDocument(const ComNode& node);
 ComNode NextOf(const ComNode& node);
 ComNode ParentOf(const ComNode& node);

@@ -22,6 +22,7 @@ struct Box {
   /// A node of our making that was never appended, got no child, and was never a place to search from: no other box
   /// holds it, nothing is below it, and it is below nothing.
   bool isFresh = false;
+  bool isOurs = false;  ///< a document of our making
   std::string refusal;  ///< of a document: why its text was not even given to the component
   unsigned handles = 1;
 };

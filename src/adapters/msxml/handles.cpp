@@ -6,6 +6,7 @@
 #include "adapters/msxml/component_nodes.h"
 #include "adapters/msxml/handle_box.h"
 #include "adapters/msxml/markup_encoding.h"
+#include "adapters/msxml/markup_stream.h"
 #include "adapters/msxml/refusals.h"
 #include "adapters/msxml/transplant.h"
 #include "adapters/windows/system_error.h"
@@ -118,8 +119,17 @@ void Node::SetAttribute(std::string_view name, std::string_view value) const {
 }
 
 std::string Node::Xml() const {
+  const Box& box = Adapter::BoxOf(*this, "Xml");
+  if (box.isOurs) {
+    const ComNode first = FirstChildOf(box.node);
+    if (first && !IsDeclaration(first)) {
+      if (auto markup = MarkupByStream(box.document)) {
+        return std::move(*markup);
+      }
+    }
+  }
   Bstr markup;
-  Check(Adapter::BoxOf(*this, "Xml").node->get_xml(markup.Out()), "reading markup");
+  Check(box.node->get_xml(markup.Out()), "reading markup");
   return markup.Text();
 }
 
@@ -240,11 +250,15 @@ Node Node::Clone() const {
 
 Document Node::Owner() const { return Adapter::DocumentOn(DocumentOf(Adapter::BoxOf(*this, "Owner"))); }
 
-Document Document::New() { return Adapter::DocumentOn(NewComDocument()); }
+Document Document::New() {
+  Document document = Adapter::DocumentOn(NewComDocument());
+  Adapter::BoxOf(document, "New").isOurs = true;
+  return document;
+}
 
 Document Document::Parse(std::string_view text) {
-  const ComDocument com = NewComDocument();
-  Document document = Adapter::DocumentOn(com);
+  Document document = New();
+  const ComDocument& com = Adapter::BoxOf(document, "Parse").document;
   std::string refusal = windows::RefusedMarkup(text);
   if (refusal.empty()) {
     const windows::NeutralMarkup neutral = windows::WithoutEncoding(text);
@@ -319,11 +333,8 @@ Node Document::Append(const Node& child) const {
 }
 
 std::string Document::Bytes() const {
-  const ComNode& node = Adapter::BoxOf(*this, "Bytes").node;
-  ComNode first;
-  node->get_firstChild(first.Out());
-  const bool isDeclared = first && TypeOf(first) == NODE_PROCESSING_INSTRUCTION && NameOf(first) == "xml";
-  return windows::EncodeMarkup(node_.Xml(), isDeclared ? ValueOf(first) : std::string());
+  const ComNode first = FirstChildOf(Adapter::BoxOf(*this, "Bytes").node);
+  return windows::EncodeMarkup(node_.Xml(), IsDeclaration(first) ? ValueOf(first) : std::string());
 }
 
 }  // namespace parvex::xml

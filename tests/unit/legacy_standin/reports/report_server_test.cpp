@@ -164,6 +164,14 @@ TEST_F(ReportServerTest, RefusesTextsThatAreNotPassedByReference) {
             "13 " + name + "MakeReport: argument 1 has another type than is wanted");
 }
 
+TEST_F(ReportServerTest, RefusesAnotherNumberOfArguments) {
+  std::vector<Argument> arguments(6, Argument{std::string("RTU47"), true});
+  EXPECT_EQ(ErrorIn([&] { server.Call("AddTag", arguments); }),
+            "450 KDRPTSV47.CRemoteInterface.AddTag: it does not take 6 arguments");
+  EXPECT_EQ(ErrorIn([&] { server.Call("MakeReport", {}); }),
+            "450 KDRPTSV47.CRemoteInterface.MakeReport: it does not take 0 arguments");
+}
+
 TEST_F(ReportServerTest, FailsWhereItIsTold) {
   application.settings.reportServer.failAt = "ClientID";
   EXPECT_THAT(ErrorIn([&] { server.Put("ClientID", std::string()); }), HasSubstr("ClientID: told to fail"));

@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """Makes a machine folder whose quote builder has already left a selection, for measuring the export.
 
-  make_selection.py FOLDER TAGS ACCESSORIES BLOB_BYTES
+  make_selection.py FOLDER TAGS ACCESSORIES BLOB_BYTES [FURTHER]
+
+FURTHER (0 by default) is how many entries besides the tag each blob has; the export writes them beside the blob.
 
 The workflow program is left out on purpose: starting it fails at once, so what is measured is the export alone.
 The command to send is FOLDER/getHybrisXML.xml.
@@ -15,12 +17,14 @@ import zipfile
 ROOT = "C:\\Korvane\\TQ5-VX\\"
 
 
-def blob(number, size, rng):
+def blob(number, size, further, rng):
     stored = f'<Tag><Product TagVersion="3.9N" lTagID="{number}"/></Tag>\r\n'
     filler = rng.randbytes(max(0, size - len(stored) - 150)).hex()[: max(0, size - len(stored) - 150)]
     text = io.BytesIO()
     with zipfile.ZipFile(text, "w", zipfile.ZIP_STORED) as archive:
         archive.writestr(zipfile.ZipInfo("Tag", (2020, 1, 1, 0, 0, 0)), stored.replace("/></Tag>", f'/><D>{filler}</D></Tag>'))
+        for k in range(1, further + 1):
+            archive.writestr(zipfile.ZipInfo(f"Unit{number}-{k}.xml", (2020, 1, 1, 0, 0, 0)), f"<Unit id='{number}'/>")
     return text.getvalue()
 
 
@@ -45,6 +49,7 @@ def tag_sections(number, accessories, out):
 
 def main():
     folder, tags, accessories, size = sys.argv[1], *map(int, sys.argv[2:5])
+    further = int(sys.argv[5]) if len(sys.argv) > 5 else 0
     rng = random.Random(1)
     root = os.path.join(folder, "drive_c", "Korvane", "TQ5-VX")
     for name in ("Bin", "Temp", "Projects", "Blobs"):
@@ -56,7 +61,7 @@ def main():
     for number in range(1, tags + 1):
         tag_sections(number, accessories, lines)
         with open(os.path.join(root, "Blobs", f"tag{number}.blb"), "wb") as file:
-            file.write(blob(number, size, rng))
+            file.write(blob(number, size, further, rng))
     with open(os.path.join(root, "Temp", "QBOutput.ini"), "w", encoding="cp1252", newline="") as ini:
         ini.write("\r\n".join(lines) + "\r\n")
     with open(os.path.join(folder, "getHybrisXML.xml"), "w", encoding="ascii") as command:

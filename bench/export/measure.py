@@ -42,10 +42,10 @@ def best(commands, rounds):
             for name, some in runs.items()}
 
 
-def make_selection(folder, tags, accessories, blob):
+def make_selection(folder, tags, accessories, blob, further=0):
     shutil.rmtree(folder, ignore_errors=True)
     subprocess.run([sys.executable, os.path.join(HERE, "make_selection.py"), folder, str(tags), str(accessories),
-                    str(blob)], check=True)
+                    str(blob), str(further)], check=True)
 
 
 def export_of(parvex, folder):
@@ -97,7 +97,8 @@ def beside_peer_and_limit(parvex, limit, work, tags, rounds):
 
 
 def growth(parvex, work, small, large, rounds):
-    """The times of exports of two sizes, each (tags, accessories, bytes of a blob)."""
+    """The times of exports of two sizes, each (tags, accessories, bytes of a blob, further entries of a blob). What an
+    export writes beside the blobs is there in all rounds but the first."""
     commands = {}
     for name, size in (("small", small), ("large", large)):
         folder = os.path.join(work, "growth-" + name)

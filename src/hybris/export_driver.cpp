@@ -102,6 +102,7 @@ xml::Document GetHybrisXMLNoUI(LegacyLink& link, const xml::Document& command) {
 xml::Document BuildHybrisTagDocument(const Platform& platform, std::string_view qbOutputFile,
                                      std::string_view projectName) {
   const xml::Document document = CreateHybrisDocument(projectName);
+  const std::shared_ptr<void> oneVersion = platform.privateProfile->Hold(qbOutputFile);
   const std::vector<SelectedTag> tags = ReadSelectedTags(platform, qbOutputFile);
   for (const SelectedTag& tag : tags) {
     AppendTag(document, tag, &tag == &tags.back());

@@ -18,7 +18,7 @@ class SelectedTag {
 
   const Platform& Machine() const { return *platform_; }
 
-  /// The tag's section of that word, as the file is now.
+  /// The tag's section of that word.
   SelectionSection Section(std::string_view word) const;
 
   /// The family that the PDSG begins with; "XXX", deliberately, for one too short to tell.

@@ -68,6 +68,13 @@ std::optional<PackedEntry> TakeTagEntry(std::vector<PackedEntry>& entries) {
   return taken;
 }
 
+// Whether writing the entries may have changed the archive's own file: none of them has its name, but a link may lead
+// from one to the other.
+bool MayHaveChanged(Files& files, const std::vector<PackedEntry>& written, std::string_view fileName) {
+  const auto liesInFolder = [](const PackedEntry& entry) { return entry.name.find('\\') != std::string::npos; };
+  return std::any_of(written.begin(), written.end(), liesInFolder) || (!written.empty() && files.MayBeLink(fileName));
+}
+
 // The only file among the entries; null when there are several or none.
 const PackedEntry* OnlyFile(const std::vector<PackedEntry>& entries) {
   const auto isFile = [](const PackedEntry& entry) { return !entry.isFolder; };
@@ -100,14 +107,14 @@ StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileN
   if (fileName.empty()) {
     return {};
   }
-  std::string archive = platform.files->IsFile(fileName) ? platform.files->ReadAll(fileName) : std::string();
+  std::string archive = platform.files->ReadIfFile(fileName).value_or(std::string());
   std::vector<PackedEntry> entries = Unpack(*platform.codePage, archive, fileName);
   const std::string tagFile = TagFileBeside(fileName);
   const std::optional<PackedEntry> tag = tagFile.empty() ? std::nullopt : TakeTagEntry(entries);
   ExtractBesideBlob(*platform.files, entries, fileName);
   const std::optional<std::string> left = TakeTagFile(platform, tagFile);
   StoredTagText read = TextAmong(*platform.codePage, tag, left, entries);
-  if (entries.empty() && !left) {
+  if (!left && !MayHaveChanged(*platform.files, entries, fileName)) {
     read.archive = std::move(archive);
   }
   return read;

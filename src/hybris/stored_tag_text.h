@@ -11,8 +11,8 @@ struct StoredTagText {
   std::string text;
   /// False exactly when the text was found by the second way of reading.
   bool status = true;
-  /// What the archive's file holds. Empty also where reading the text wrote or deleted other files of the folder: by a
-  /// link, one of them may be the archive itself, which then has to be read again.
+  /// What the archive's file holds. Empty also where reading the text wrote or deleted other files, one of which may be
+  /// the archive itself by a link; it then has to be read again.
   std::string archive;
 };
 

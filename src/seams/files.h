@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +17,8 @@ class Files {
   /// Whether the path is an existing file (not a folder).
   virtual bool IsFile(std::string_view path) = 0;
   virtual bool IsFolder(std::string_view path) = 0;
+  /// Whether an existing file may be a link, so that a change of a file with another name changes it, too.
+  virtual bool MayBeLink(std::string_view) { return true; }
 
   /// The names of the files (not folders) that a directory listing of `pattern` gives, in the order of their
   /// upper-cased names. The last component of the pattern may hold * and ?; "*.*" and an empty last component match
@@ -25,6 +28,10 @@ class Files {
   virtual std::vector<std::string> ListFolders(std::string_view folder) = 0;
 
   virtual std::string ReadAll(std::string_view path) = 0;
+  /// What a file holds; nothing when the path is no existing file.
+  virtual std::optional<std::string> ReadIfFile(std::string_view path) {
+    return IsFile(path) ? std::optional(ReadAll(path)) : std::nullopt;
+  }
 
   /// Makes `path` hold exactly `bytes`: written beside it and renamed over it, so that at every moment the old or the
   /// complete new file stands there. The folder must exist.

@@ -40,6 +40,11 @@ class PrivateProfile {
   /// another program writes later is seen by the next call. The file need not exist. The section object must not
   /// outlive this.
   virtual std::unique_ptr<ProfileSection> Section(std::string_view section, std::string_view file) = 0;
+
+  /// While what this returns lives, the sections of `file` show it as it was now, or as this program wrote it since,
+  /// and making one need not look at the file. What is kept of the file may go with it. Null where every section looks
+  /// for itself. Must not outlive this.
+  virtual std::shared_ptr<void> Hold(std::string_view) { return nullptr; }
 };
 
 }  // namespace parvex

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "formats/text/letter_case.h"
 
@@ -43,51 +44,75 @@ std::optional<std::string> FolderNames::Find(const std::string& folder, const st
   return first;
 }
 
-void FolderNames::BeforeChange(const std::string& folder) {
+void FolderNames::BeforeChange(const std::string& folder, const struct stat& status) {
   const auto known = listings_.find(folder);
-  if (known != listings_.end() && VersionOfFolder(folder) != known->second.version) {
-    listings_.erase(known);
+  if (known != listings_.end() && VersionIn(status) != known->second.version) {
+    known->second = {.version = VersionIn(status)};
   }
 }
 
 void FolderNames::AfterAdding(const std::string& folder, const std::string& name) {
   if (Listing* listing = Noted(folder)) {
+    listing->isRead = false;  // until the name stands in it: there may be no memory for it
     std::vector<std::string>& names = listing->names[FoldName(name)];
     if (std::find(names.begin(), names.end(), name) == names.end()) {
       names.push_back(name);
     }
+    listing->isRead = true;
   }
 }
 
 void FolderNames::AfterRemoving(const std::string& folder, const std::string& name) {
   if (Listing* listing = Noted(folder)) {
-    std::erase(listing->names[FoldName(name)], name);
+    const auto found = listing->names.find(FoldName(name));
+    if (found != listing->names.end()) {
+      std::erase(found->second, name);
+    }
   }
+}
+
+void FolderNames::Made(const std::string& folder) {
+  if (const std::optional<FileVersion> version = VersionOfFolder(folder)) {
+    Keep(folder, {.version = *version, .isOurs = true, .isRead = true});
+  }
+}
+
+bool FolderNames::Listing::Holds(const FileVersion& now) const {
+  return version == now && isRead && (isExact || (isOurs && !IsSettled(now)));
 }
 
 // The listing that holds for this version of the folder; null when it cannot be read.
 const FolderNames::Listing* FolderNames::Current(const std::string& folder, const FileVersion& version) {
   const bool isSettled = IsSettled(version);
   const auto known = listings_.find(folder);
-  if (known != listings_.end() && known->second.version == version &&
-      (known->second.isExact || (known->second.isOurs && !isSettled))) {
+  if (known != listings_.end() && known->second.Holds(version)) {
+    known->second.lastUse = ++uses_;
     return &known->second;
   }
   const std::unique_ptr<DIR, int (*)(DIR*)> reading(opendir(folder.c_str()), closedir);
   if (!reading) {
     return nullptr;
   }
-  Listing listing{version, isSettled, false, {}};
+  const bool isOurs = known != listings_.end() && known->second.isOurs && known->second.version == version;
+  Listing listing{.version = version, .isExact = isSettled, .isOurs = isOurs, .isRead = true};
   while (const dirent* entry = readdir(reading.get())) {
     listing.names[FoldName(entry->d_name)].emplace_back(entry->d_name);
   }
-  if (listings_.size() >= kMostListings) {
-    listings_.clear();
+  return Keep(folder, std::move(listing));
+}
+
+// In place of the one that was used longest ago, when there are enough.
+const FolderNames::Listing* FolderNames::Keep(const std::string& folder, Listing listing) {
+  if (listings_.size() >= kMostListings && !listings_.contains(folder)) {
+    listings_.erase(std::min_element(listings_.begin(), listings_.end(),
+                                     [](const auto& a, const auto& b) { return a.second.lastUse < b.second.lastUse; }));
   }
+  listing.lastUse = ++uses_;
   return &(listings_[folder] = std::move(listing));
 }
 
-// The listing to note a change of our own in, with the version that the change made; null when there is none.
+// The listing to note a change of our own in, with the version that the change made; null when there is none. One that
+// was read so soon after another program's change that more of those may have followed unseen is read once more.
 FolderNames::Listing* FolderNames::Noted(const std::string& folder) {
   const auto known = listings_.find(folder);
   const std::optional<FileVersion> version = known == listings_.end() ? std::nullopt : VersionOfFolder(folder);
@@ -95,10 +120,12 @@ FolderNames::Listing* FolderNames::Noted(const std::string& folder) {
     return nullptr;
   }
   Listing& listing = known->second;
-  listing.isOurs = listing.isExact || listing.isOurs;
+  listing.isRead = listing.isRead && (listing.isExact || listing.isOurs);
+  listing.isOurs = true;
   listing.isExact = false;
   listing.version = *version;
-  return &listing;
+  listing.lastUse = ++uses_;
+  return listing.isRead ? &listing : nullptr;
 }
 
 }  // namespace parvex::posix

@@ -13,6 +13,7 @@
 namespace parvex::posix {
 namespace {
 
+constexpr int kReading = O_RDONLY | O_NONBLOCK;  // a pipe must not be waited for
 constexpr mode_t kWriteBits = S_IWUSR | S_IWGRP | S_IWOTH;
 
 RuntimeError RuntimeErrorOf(int code) {
@@ -35,8 +36,7 @@ RuntimeError RuntimeErrorOf(int code) {
 // An open file that is closed at the end.
 class OpenFile {
  public:
-  OpenFile(const std::filesystem::path& path, int flags, mode_t mode = 0)
-      : descriptor_(open(path.c_str(), flags | O_CLOEXEC, mode)) {}
+  OpenFile(const std::filesystem::path& path, int flags, mode_t mode = 0) { Open(path, flags, mode); }
   ~OpenFile() {
     if (descriptor_ >= 0) {
       close(descriptor_);
@@ -45,11 +45,16 @@ class OpenFile {
   OpenFile(const OpenFile&) = delete;
   OpenFile& operator=(const OpenFile&) = delete;
 
+  // One that could not be opened.
+  void Open(const std::filesystem::path& path, int flags, mode_t mode = 0) {
+    descriptor_ = open(path.c_str(), flags | O_CLOEXEC, mode);
+  }
+
   int Descriptor() const { return descriptor_; }
   explicit operator bool() const { return descriptor_ >= 0; }
 
  private:
-  int descriptor_;
+  int descriptor_ = -1;
 };
 
 // 0, or the error number that the write failed with.
@@ -64,13 +69,33 @@ int WriteAll(int descriptor, std::string_view bytes) {
   return 0;
 }
 
+// All that an open file of this status holds. 0, or the error number that the reading failed with.
+int ReadWhole(int descriptor, const struct stat& status, std::string& bytes) {
+  // One byte more than the file has: a read that gives what it has, and not that byte, has met its end.
+  const std::size_t expected = static_cast<std::size_t>(status.st_size);
+  bytes.assign(expected + 1, '\0');
+  std::size_t size = 0;
+  for (;;) {
+    const ssize_t got = read(descriptor, bytes.data() + size, bytes.size() - size);
+    if (got < 0 && errno != EINTR) {
+      return errno;
+    }
+    const std::size_t more = got < 0 ? 0 : static_cast<std::size_t>(got);
+    size += more;
+    if (got == 0 || (more > 0 && size == expected)) {
+      bytes.resize(size);
+      return 0;
+    }
+    if (size == bytes.size()) {
+      bytes.resize(2 * size);
+    }
+  }
+}
+
 // The new file beside the one that it is to become; removed at the end unless it took the name.
 class NewFile {
  public:
-  explicit NewFile(const std::filesystem::path& target) : target_(target) {
-    static std::atomic<unsigned> count = 0;
-    path_ = target.parent_path() / ("~parvex-" + std::to_string(getpid()) + "-" + std::to_string(++count) + ".tmp");
-  }
+  explicit NewFile(const std::filesystem::path& target) : target_(target), path_(NextPath()) {}
   ~NewFile() {
     if (made_) {
       unlink(path_.c_str());
@@ -81,7 +106,12 @@ class NewFile {
 
   // 0 or an error number.
   int Fill(std::string_view bytes, const struct stat* replaced) {
-    const OpenFile file(path_, O_WRONLY | O_CREAT | O_EXCL, 0666);
+    OpenFile file(path_, kMaking, 0666);
+    while (!file &&
+           errno == EEXIST) {  // left by a program that ended too early, or of one that this one was forked from
+      path_ = NextPath();
+      file.Open(path_, kMaking, 0666);
+    }
     if (!file) {
       return errno;
     }
@@ -105,6 +135,14 @@ class NewFile {
   }
 
  private:
+  static constexpr int kMaking = O_WRONLY | O_CREAT | O_EXCL;
+
+  std::filesystem::path NextPath() const {
+    static const std::string start = "~parvex-" + std::to_string(getpid()) + "-";
+    static std::atomic<unsigned> count = 0;
+    return target_.parent_path() / (start + std::to_string(++count) + ".tmp");
+  }
+
   std::filesystem::path target_;
   std::filesystem::path path_;
   bool made_ = false;
@@ -125,7 +163,7 @@ void RefuseFolder(const struct stat& status, std::string_view doing, std::string
 }  // namespace
 
 std::string ReadHostFile(const std::filesystem::path& host, std::string_view shownPath) {
-  const OpenFile file(host, O_RDONLY | O_NONBLOCK);  // a pipe must not be waited for
+  const OpenFile file(host, kReading);
   struct stat status;
   if (!file || fstat(file.Descriptor(), &status) != 0) {
     RaiseSystemError(errno, "read", shownPath);
@@ -134,23 +172,21 @@ std::string ReadHostFile(const std::filesystem::path& host, std::string_view sho
   if (!S_ISREG(status.st_mode)) {
     throw MakeFileError(RuntimeError::PathFileAccess, "read", shownPath, "it is no file");
   }
-  // One byte more than the file has, so that its end is seen without growing the text.
-  std::string bytes(static_cast<std::size_t>(status.st_size) + 1, '\0');
-  std::size_t size = 0;
-  for (;;) {
-    const ssize_t got = read(file.Descriptor(), bytes.data() + size, bytes.size() - size);
-    if (got == 0) {
-      break;
-    }
-    if (got < 0 && errno != EINTR) {
-      RaiseSystemError(errno, "read", shownPath);
-    }
-    size += got < 0 ? 0 : static_cast<std::size_t>(got);
-    if (size == bytes.size()) {
-      bytes.resize(2 * size);
-    }
+  std::string bytes;
+  if (const int failed = ReadWhole(file.Descriptor(), status, bytes); failed != 0) {
+    RaiseSystemError(failed, "read", shownPath);
   }
-  bytes.resize(size);
+  return bytes;
+}
+
+std::optional<std::string> ReadHostFileIfPlain(const std::filesystem::path& host) {
+  const OpenFile file(host, kReading | O_NOFOLLOW);
+  struct stat status;
+  std::string bytes;
+  if (!file || fstat(file.Descriptor(), &status) != 0 || !S_ISREG(status.st_mode) ||
+      ReadWhole(file.Descriptor(), status, bytes) != 0) {
+    return std::nullopt;
+  }
   return bytes;
 }
 
@@ -158,15 +194,20 @@ void WriteHostFile(const std::filesystem::path& host, std::string_view bytes, If
                    std::string_view shownPath) {
   struct stat status;
   const bool present = stat(host.c_str(), &status) == 0;
+  WriteHostFile(host, present ? std::optional(status) : std::nullopt, bytes, ifPresent, shownPath);
+}
+
+void WriteHostFile(const std::filesystem::path& host, const std::optional<struct stat>& present, std::string_view bytes,
+                   IfPresent ifPresent, std::string_view shownPath) {
   if (present) {
-    RefuseFolder(status, "write", shownPath);
+    RefuseFolder(*present, "write", shownPath);
     if (ifPresent == IfPresent::Refuse) {
       RaiseSystemError(EEXIST, "write", shownPath);
     }
-    RefuseReadOnly(status, "write", shownPath);
+    RefuseReadOnly(*present, "write", shownPath);
   }
   NewFile file(host);
-  if (const int failed = file.Fill(bytes, present ? &status : nullptr); failed != 0) {
+  if (const int failed = file.Fill(bytes, present ? &*present : nullptr); failed != 0) {
     RaiseSystemError(failed, "write", shownPath);
   }
   if (const int failed = file.TakeName(ifPresent); failed != 0) {

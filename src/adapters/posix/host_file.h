@@ -1,6 +1,9 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,6 +13,8 @@ namespace parvex::posix {
 
 /// Not found (53), a folder or not readable (75).
 std::string ReadHostFile(const std::filesystem::path& host, std::string_view shownPath);
+/// Nothing when it cannot be opened and read, is no file, or is a link.
+std::optional<std::string> ReadHostFileIfPlain(const std::filesystem::path& host);
 
 enum class IfPresent { Replace, Refuse };
 
@@ -22,6 +27,9 @@ enum class IfPresent { Replace, Refuse };
 /// file is what the file system makes of a renamed file, as on Windows. ext4 and btrfs write its bytes before its name.
 void WriteHostFile(const std::filesystem::path& host, std::string_view bytes, IfPresent ifPresent,
                    std::string_view shownPath);
+/// The same for whom knows what is there: `present` is its status of this moment, links followed.
+void WriteHostFile(const std::filesystem::path& host, const std::optional<struct stat>& present, std::string_view bytes,
+                   IfPresent ifPresent, std::string_view shownPath);
 
 /// Not found (53), a folder or read-only (75).
 void RemoveHostFile(const std::filesystem::path& host, std::string_view shownPath);

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <system_error>
 #include <utility>
 
@@ -27,6 +28,14 @@ bool Is(Kind kind, const std::filesystem::path& host) {
 }
 
 bool Is(Kind kind, const std::optional<std::filesystem::path>& host) { return host && Is(kind, *host); }
+
+// Whether a file of its own, which may be replaced, holds these bytes. An export that is repeated unpacks the same
+// entries again; ext4 looks for room for each new file behind all those that were replaced in the last half minute.
+bool HoldsAlready(const MachineFolder::Place& place, std::string_view bytes) {
+  return place.existing && S_ISREG(place.existing->st_mode) && (place.existing->st_mode & 0222) != 0 &&
+         static_cast<std::uint64_t>(place.existing->st_size) == bytes.size() &&
+         ReadHostFileIfPlain(place.host) == bytes;
+}
 
 // Matches from the last * on, as far as needed: no recursion, so that no pattern is slow.
 bool Matches(std::u16string_view name, std::u16string_view pattern) {
@@ -114,16 +123,27 @@ std::vector<std::string> MachineFiles::ListFolders(std::string_view folder) {
 
 std::string MachineFiles::ReadAll(std::string_view path) { return ReadHostFile(Existing(path, "read"), path); }
 
+std::optional<std::string> MachineFiles::ReadIfFile(std::string_view path) {
+  const std::optional<MachinePath> parsed = MachinePath::Parse(path);
+  if (parsed && !parsed->endsInSeparator) {
+    if (std::optional<std::string> bytes = ReadHostFileIfPlain(folder_.Exact(*parsed))) {
+      plain_ = path;
+      return bytes;
+    }
+  }
+  return Files::ReadIfFile(path);
+}
+
 void MachineFiles::Replace(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Replace); }
 
 void MachineFiles::CreateNew(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Refuse); }
 
 void MachineFiles::Remove(std::string_view path) {
   Existing(path, "remove");
-  const std::filesystem::path host = folder_.Target(path, "remove");
-  folder_.Changing(host);
-  RemoveHostFile(host, path);
-  folder_.Removed(host);
+  const MachineFolder::Place place = folder_.PlaceOf(path, "remove");
+  MachineFolder::Change change(folder_, place);
+  RemoveHostFile(place.host, path);
+  change.Removed();
 }
 
 void MachineFiles::CreateFolder(std::string_view path) {
@@ -145,9 +165,12 @@ void MachineFiles::CreateFolder(std::string_view path) {
   if (const MachinePath parent = parsed->Parent(); !parent.names.empty()) {
     CreateFolder(parent.Text());
   }
-  const std::filesystem::path target = folder_.Target(*parsed, kMakeFolder);
+  const MachineFolder::Place place = folder_.PlaceOf(*parsed, kMakeFolder);
+  MachineFolder::Change change(folder_, place);
   std::error_code failed;
-  if (!std::filesystem::create_directory(target, failed) && failed) {
+  if (std::filesystem::create_directory(place.host, failed)) {
+    change.AddedFolder();
+  } else if (failed) {
     RaiseSystemError(failed.value(), kMakeFolder, path);
   }
 }
@@ -161,19 +184,24 @@ void MachineFiles::RemoveFolder(std::string_view path) {
   if (!Is(Kind::Folder, *host) || parsed->names.empty()) {
     throw MakeFileError(RuntimeError::PathFileAccess, kRemoveFolder, path, kIsNoFolder);
   }
-  folder_.RefuseOutsideOfDrive(*parsed, host->parent_path());
+  const MachineFolder::Place place = folder_.PlaceOfFolder(*parsed);
+  MachineFolder::Change change(folder_, place);
   std::error_code failed;
-  std::filesystem::remove_all(*host, failed);
+  std::filesystem::remove_all(place.host, failed);
   if (failed) {
     RaiseSystemError(failed.value(), kRemoveFolder, path);
   }
+  change.Removed();
 }
 
 void MachineFiles::Write(std::string_view path, std::string_view bytes, IfPresent ifPresent) {
-  const std::filesystem::path host = folder_.Target(path);
-  folder_.Changing(host);
-  WriteHostFile(host, bytes, ifPresent, path);
-  folder_.Added(host);
+  const MachineFolder::Place place = folder_.PlaceOf(path);
+  if (ifPresent == IfPresent::Replace && HoldsAlready(place, bytes)) {
+    return;
+  }
+  MachineFolder::Change change(folder_, place);
+  WriteHostFile(place.host, place.existing, bytes, ifPresent, path);
+  change.AddedFile();
 }
 
 // The host path of what exists; not found (53), or path not found (76) when its folder does not exist either.

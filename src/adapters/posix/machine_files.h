@@ -14,9 +14,11 @@ class MachineFiles : public Files {
 
   bool IsFile(std::string_view path) override;
   bool IsFolder(std::string_view path) override;
+  bool MayBeLink(std::string_view path) override { return path != plain_ && folder_.IsLink(path); }
   std::vector<std::string> ListFiles(std::string_view pattern) override;
   std::vector<std::string> ListFolders(std::string_view folder) override;
   std::string ReadAll(std::string_view path) override;
+  std::optional<std::string> ReadIfFile(std::string_view path) override;
   void Replace(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
   void Remove(std::string_view path) override;
@@ -28,6 +30,7 @@ class MachineFiles : public Files {
   std::filesystem::path Existing(std::string_view path, std::string_view doing);
 
   MachineFolder& folder_;
+  std::string plain_;  // read last, and no link: what this program writes makes it none
 };
 
 /// Whether a name matches a directory pattern, letter case ignored: * is any run of characters; ? is one character, or

@@ -37,26 +37,54 @@ class MachineFolder {
   /// The existing file or folder that a path means, nothing when there is none.
   std::optional<std::filesystem::path> Resolve(std::string_view path);
   std::optional<std::filesystem::path> Resolve(const MachinePath& path);
+  /// The exact spelling of a path, whether it exists or not.
+  std::string Exact(const MachinePath& path) const { return Exact(path, path.names.size()); }
 
   /// Whether a path means a file, and whether a folder; looked at in the same step.
   bool IsFile(std::string_view path);
   bool IsFolder(std::string_view path);
+  /// Whether what a path means is reached by a link as its last name.
+  bool IsLink(std::string_view path);
+
+  /// Where something is to be written, as the folder was a moment ago.
+  struct Place {
+    std::filesystem::path host;
+    std::string folder;  ///< that holds it, on this system
+    struct stat folderStatus;
+    std::optional<struct stat> existing;  ///< what is there now, links followed
+  };
 
   /// Where a file is to be written: the existing file, else the name as given in its existing folder. AutomationErrors:
   /// the folder does not exist (76); the path is a folder, cannot be a file's, or leads out of its drive by a link
   /// (75).
+  Place PlaceOf(std::string_view path, std::string_view doing = "write");
+  Place PlaceOf(const MachinePath& path, std::string_view doing = "write");
   std::filesystem::path Target(std::string_view path, std::string_view doing = "write");
-  std::filesystem::path Target(const MachinePath& path, std::string_view doing = "write");
+  /// Where an existing folder stands. AutomationErrors: it does not exist (76), or what holds it lies outside of its
+  /// drive (75).
+  Place PlaceOfFolder(const MachinePath& path);
 
-  /// An AutomationError (75) when `host`, on the way to `path`, was reached by a link that leads out of the path's
-  /// drive.
-  void RefuseOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host);
+  /// Something that this program makes or removes at a place, which keeps what is known of its folder true; otherwise
+  /// that would have to be read again. Lives around the change, is told what came of it, and takes it for failed if
+  /// nobody tells.
+  class Change {
+   public:
+    Change(MachineFolder& machine, const Place& place);
+    ~Change();
+    Change(const Change&) = delete;
+    Change& operator=(const Change&) = delete;
 
-  /// Called around the making and removing of a file by this program, so that its folder need not be read again: before
-  /// it, and with the file that came or went after it.
-  void Changing(const std::filesystem::path& host);
-  void Added(const std::filesystem::path& host);
-  void Removed(const std::filesystem::path& host);
+    void AddedFile();
+    void AddedFolder();
+    void Removed();
+
+   private:
+    std::string Name() const { return place_.host.filename().string(); }
+
+    FolderNames& names_;
+    const Place& place_;
+    bool isOver_ = false;
+  };
 
  private:
   struct FolderIdentity {
@@ -68,14 +96,17 @@ class MachineFolder {
   struct Found {
     std::string host;
     struct stat status;
+    bool isLink = false;
     bool IsFolder() const { return S_ISDIR(status.st_mode); }
   };
-  static std::optional<FolderIdentity> IdentityOf(const std::string& folder);
-
   std::string DriveFolder(char drive) const;
+  std::string Exact(const MachinePath& path, std::size_t depth) const;
+  Place PlaceOf(const MachinePath& path, const Found& existing, const Found& above);
+  void RefuseFolderOutsideOfDrive(const MachinePath& path, const std::string& folder, const struct stat& status);
   void RefuseRealPathOutsideOfDrive(const MachinePath& path, const std::filesystem::path& host) const;
   std::optional<Found> Find(const MachinePath& path);
-  std::optional<Found> Find(const MachinePath& path, std::size_t depth);
+  std::optional<Found> Find(const MachinePath& path, std::size_t depth, const Found* above = nullptr);
+  static std::optional<Found> Look(const std::string& host);
 
   std::filesystem::path root_;
   // The spelling of a host path as asked for, to the existing one that was found for it. Every use checks that it still

@@ -31,6 +31,10 @@ std::unique_ptr<ProfileSection> MachineProfiles::Section(std::string_view sectio
   return files_.Section(section, file);
 }
 
+std::shared_ptr<void> MachineProfiles::Hold(std::string_view file) {
+  return file.empty() || IsMapped(std::string(file)) ? nullptr : files_.Hold(file);
+}
+
 bool MachineProfiles::IsMapped(const std::string& file) {
   const auto known = mapped_.find(file);
   if (known != mapped_.end()) {

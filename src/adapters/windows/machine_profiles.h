@@ -19,6 +19,7 @@ class MachineProfiles : public PrivateProfile {
   MachineProfiles(Files& files, CodePage& codePage);
 
   std::unique_ptr<ProfileSection> Section(std::string_view section, std::string_view file) override;
+  std::shared_ptr<void> Hold(std::string_view file) override;
 
  private:
   bool IsMapped(const std::string& file);

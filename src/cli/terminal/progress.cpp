@@ -56,6 +56,7 @@ class WatchedProfile : public PrivateProfile {
     }
     return outside_.Section(section, file);
   }
+  std::shared_ptr<void> Hold(std::string_view file) override { return outside_.Hold(file); }
 
  private:
   PrivateProfile& outside_;

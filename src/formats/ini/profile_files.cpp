@@ -73,6 +73,7 @@ struct ProfileFiles::Known {
   ProfileVersion version;
   bool changesWillShow = false;          // no change after the reading can leave the version as it is
   std::shared_ptr<const Parsed> parsed;  // null while there is no such file
+  std::weak_ptr<void> hold;              // while that lives, the file is not looked at again
 };
 
 // Keeps the version that it was made for, until it writes.
@@ -142,6 +143,21 @@ std::unique_ptr<ProfileSection> ProfileFiles::Section(std::string_view section, 
   return std::make_unique<FileSection>(*this, WithFolder(file), std::string(TrimProfileBlanks(UpToNul(ansi))));
 }
 
+std::shared_ptr<void> ProfileFiles::Hold(std::string_view file) {
+  const std::string path = WithFolder(file);
+  Current(path);
+  Known& known = KnownAs(path);
+  std::shared_ptr<void> hold = known.hold.lock();
+  if (!hold) {
+    // With the hold goes what was parsed: who read a large selection writes a large document next, and needs the room.
+    hold = std::shared_ptr<void>(this, [this, path = path](void*) {  // no constant: moved without an allocation
+      known_.remove_if([&](const Known& k) { return k.file == path && k.hold.expired(); });
+    });
+    known.hold = hold;
+  }
+  return hold;
+}
+
 std::string ProfileFiles::WithFolder(std::string_view file) const {
   const bool bare = !file.empty() && file.find_first_of("\\/:") == std::string_view::npos;
   return (bare ? windowsFolder_ + "\\" : "") + std::string(file);
@@ -153,7 +169,7 @@ ProfileFiles::Known& ProfileFiles::KnownAs(const std::string& file) {
     if (known_.size() == kMostKnownFiles) {
       known_.pop_back();
     }
-    known_.push_front({file, {}, false, nullptr});
+    known_.push_front({file, {}, false, nullptr, {}});
   } else {
     known_.splice(known_.begin(), known_, known);
   }
@@ -162,7 +178,9 @@ ProfileFiles::Known& ProfileFiles::KnownAs(const std::string& file) {
 
 std::shared_ptr<const ProfileFiles::Parsed> ProfileFiles::Current(const std::string& file) {
   Known& known = KnownAs(file);
-  Refresh(known);
+  if (known.hold.expired()) {
+    Refresh(known);
+  }
   return known.parsed;
 }
 
@@ -193,6 +211,7 @@ void ProfileFiles::Refresh(Known& known) {
 
 void ProfileFiles::Write(const std::string& file, std::string_view section, std::string_view key,
                          std::string_view value) {
+  KnownAs(file).hold.reset();  // what is held is the version before
   const std::shared_ptr<const Parsed> now = Current(file);
   if (now == nullptr && versions_.Look(file)) {
     files_.ReadAll(file);  // says why it cannot be read

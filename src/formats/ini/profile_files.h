@@ -51,6 +51,7 @@ class ProfileFiles : public PrivateProfile {
   ~ProfileFiles() override;
 
   std::unique_ptr<ProfileSection> Section(std::string_view section, std::string_view file) override;
+  std::shared_ptr<void> Hold(std::string_view file) override;
 
  private:
   class FileSection;

@@ -36,6 +36,7 @@ class CountingProfile : public PrivateProfile {
   int opened = 0;
   int read = 0;
   std::unique_ptr<ProfileSection> Section(std::string_view section, std::string_view file) override;
+  std::shared_ptr<void> Hold(std::string_view file) override { return counted_.Hold(file); }
 
  private:
   PrivateProfile& counted_;

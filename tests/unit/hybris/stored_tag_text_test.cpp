@@ -119,12 +119,16 @@ TEST_F(StoredText, TakesATagFileThatWasThereBefore) {
   EXPECT_FALSE(machine_.Exists(kTagFile));
 }
 
-TEST_F(StoredText, ComesWithTheArchiveAsLongAsNoOtherFileWasTouched) {
+TEST_F(StoredText, ComesWithTheArchiveUnlessWhatWasWrittenMayBeTheArchive) {
   WriteBlob({{"Tag", "text"}});
   EXPECT_EQ(Read().archive, machine_.Read(kBlob));
   machine_.Write(kTagFile, "");
   EXPECT_EQ(Read().archive, "");
   WriteBlob({{"Tag", "text"}, {"drawing.dat", "lines"}});
+  EXPECT_EQ(Read().archive, machine_.Read(kBlob));
+  std::filesystem::create_symlink("unit.dat", machine_.folder.Path() / "drive_c" / "data" / "link.dat");
+  EXPECT_EQ(Read("C:\\data\\link.dat").archive, "");
+  WriteBlob({{"Tag", "text"}, {"sub/drawing.dat", "lines"}});
   EXPECT_EQ(Read().archive, "");
   machine_.Write(kBlob, "no archive");
   EXPECT_EQ(Read().archive, "no archive");

@@ -120,6 +120,23 @@ TEST_F(MachineFilesTest, ReplaceKeepsPermissionsAndIsAnotherFile) {
   EXPECT_EQ(test::ReadHostFile(folder.Path() / "second name"), "old");
 }
 
+TEST_F(MachineFilesTest, ReplaceLeavesAFileThatHoldsTheBytesAlready) {
+  WriteHostFile(Host("a"), "same");
+  const auto identity = [&] {
+    struct stat status {};
+    stat(Host("a").c_str(), &status);
+    return status.st_ino;
+  };
+  const ino_t before = identity();
+  files.Replace("C:\\A", "same");
+  EXPECT_EQ(identity(), before);
+  std::filesystem::create_symlink("a", Host("link"));
+  files.Replace("C:\\link", "same");
+  EXPECT_FALSE(std::filesystem::is_symlink(Host("link")));
+  std::filesystem::permissions(Host("a"), std::filesystem::perms(0440));
+  EXPECT_EQ(RaisedBy([&] { files.Replace("C:\\a", "same"); }), 75);
+}
+
 // A file size limit stands for a full disk: root is held to it too.
 class FullDisk {
  public:

@@ -30,7 +30,7 @@ bool Is(Kind kind, const std::filesystem::path& host) {
 bool Is(Kind kind, const std::optional<std::filesystem::path>& host) { return host && Is(kind, *host); }
 
 // Whether a file of its own, which may be replaced, holds these bytes. An export that is repeated unpacks the same
-// entries again; ext4 looks for room for each new file behind all those that were replaced in the last half minute.
+// entries again, and making a file costs more than reading one, where many were replaced shortly before much more.
 bool HoldsAlready(const MachineFolder::Place& place, std::string_view bytes) {
   return place.existing && S_ISREG(place.existing->st_mode) && (place.existing->st_mode & 0222) != 0 &&
          static_cast<std::uint64_t>(place.existing->st_size) == bytes.size() &&

@@ -145,16 +145,14 @@ std::unique_ptr<ProfileSection> ProfileFiles::Section(std::string_view section, 
 
 std::shared_ptr<void> ProfileFiles::Hold(std::string_view file) {
   const std::string path = WithFolder(file);
-  Current(path);
   Known& known = KnownAs(path);
-  std::shared_ptr<void> hold = known.hold.lock();
-  if (!hold) {
-    // With the hold goes what was parsed: who read a large selection writes a large document next, and needs the room.
-    hold = std::shared_ptr<void>(this, [this, path = path](void*) {  // no constant: moved without an allocation
-      known_.remove_if([&](const Known& k) { return k.file == path && k.hold.expired(); });
-    });
-    known.hold = hold;
-  }
+  known.hold.reset();  // an earlier one holds an earlier version
+  Refresh(known);
+  // With the hold goes what was parsed: who read a large selection writes a large document next, and needs the room.
+  const std::shared_ptr<void> hold(this, [this, path = path](void*) {  // no constant: moved without an allocation
+    known_.remove_if([&](const Known& k) { return k.file == path && k.hold.expired(); });
+  });
+  known.hold = hold;
   return hold;
 }
 

@@ -104,6 +104,18 @@ TEST_F(ProfileFilesTest, ASectionKeepsTheVersionItWasMadeFor) {
   EXPECT_EQ(section->ReadString("k", "-", 255), "1");
 }
 
+TEST_F(ProfileFilesTest, WhatIsHeldIsOneVersionAndTheNextHoldAnother) {
+  WriteHostFile(drive / "a.ini", "[s]\nk=1\n");
+  auto hold = profile.Hold("C:\\a.ini");
+  WriteHostFile(drive / "a.ini", "[s]\nk=22\n");
+  EXPECT_EQ(Read("C:\\a.ini"), "1");
+  const auto nested = profile.Hold("C:\\a.ini");
+  EXPECT_EQ(Read("C:\\a.ini"), "22");
+  hold.reset();
+  WriteHostFile(drive / "a.ini", "[s]\nk=333\n");
+  EXPECT_EQ(Read("C:\\a.ini"), "22");
+}
+
 TEST_F(ProfileFilesTest, AWriteIsMadeToTheFileAsItIsNow) {
   WriteHostFile(drive / "a.ini", "[s]\nk=1\n");
   const auto section = profile.Section("s", "C:\\a.ini");

@@ -15,6 +15,7 @@
 #include <string>
 
 #include "adapters/msxml/msxml_document.h"
+#include "bench/plain_msxml_calls.h"
 #include "hybris/base_unit_elements.h"
 #include "hybris/counter16.h"
 #include "hybris/hybris_document.h"
@@ -22,11 +23,10 @@
 namespace parvex {
 namespace {
 
+using bench::Element;
+using bench::PlainCalls;
 using windows::Bstr;
 using windows::ComPointer;
-
-using Element = ComPointer<IXMLDOMElement>;
-using Dom = ComPointer<IXMLDOMDocument2>;
 
 Accessories SomeAccessories(int count) {
   Accessories accessories;
@@ -55,65 +55,27 @@ xml::Document ThroughTheSeam(int units, const Accessories& accessories) {
   return document;
 }
 
-/// The fewest calls that make a document element by element: texts are UTF-16 already, and nothing is checked.
-class PlainCalls {
- public:
-  explicit PlainCalls(Dom document) : document_(std::move(document)) {}
-
-  Element Append(IXMLDOMNode* parent, const wchar_t* name, const wchar_t* text = nullptr) {
-    const Wide tag(name);
-    Element element;
-    document_->createElement(tag.text, element.Out());
-    if (text != nullptr) {
-      element->put_text(Wide(text).text);
-    }
-    ComPointer<IXMLDOMNode> appended;
-    parent->appendChild(element.Get(), appended.Out());
-    return element;
-  }
-
-  static void Set(const Element& element, const wchar_t* name, const wchar_t* value) {
-    VARIANT variant;
-    VariantInit(&variant);
-    V_VT(&variant) = VT_BSTR;
-    V_BSTR(&variant) = SysAllocString(value);
-    element->setAttribute(Wide(name).text, variant);
-    VariantClear(&variant);
-  }
-
- private:
-  struct Wide {
-    explicit Wide(const wchar_t* from) : text(SysAllocString(from)) {}
-    ~Wide() { SysFreeString(text); }
-    Wide(const Wide&) = delete;
-    Wide& operator=(const Wide&) = delete;
-    BSTR text;
-  };
-
-  Dom document_;
-};
-
-void PlainComponent(PlainCalls& calls, const Element& components, int number) {
+void PlainComponent(const PlainCalls& calls, const Element& components, int number) {
   const std::wstring digits = std::to_wstring(number);
   const Element component = calls.Append(components.Get(), L"COMPONENT");
-  calls.Set(component, L"SEQUENCE", digits.c_str());
-  calls.Append(component.Get(), L"DESCRIPTION", (L"Accessory <" + digits + L"> of a unit").c_str());
+  PlainCalls::Set(component, L"SEQUENCE", digits);
+  calls.Append(component.Get(), L"DESCRIPTION", L"Accessory <" + digits + L"> of a unit");
   const Element attributes = calls.Append(component.Get(), L"ATTRIBUTES_LIST");
   calls.Append(attributes.Get(), L"DELIVERYGROUP");
   calls.Append(attributes.Get(), L"SUPPLIER", L"Tessel");
   calls.Append(attributes.Get(), L"TYPEOFSALE", L"2B");
   calls.Append(attributes.Get(), L"PREORDERREQ", L"1");
-  calls.Set(component, L"TYPE", L"ACCESSORY");
-  calls.Set(component, L"PARTNUMBER", (L"CRACC" + digits).c_str());
-  calls.Set(component, L"QUANTITY", L"1");
-  calls.Set(component, L"PRICE", (digits + L".50").c_str());
+  PlainCalls::Set(component, L"TYPE", L"ACCESSORY");
+  PlainCalls::Set(component, L"PARTNUMBER", L"CRACC" + digits);
+  PlainCalls::Set(component, L"QUANTITY", L"1");
+  PlainCalls::Set(component, L"PRICE", digits + L".50");
 }
 
 xml::Document ByPlainCalls(int units, int components) {
   const xml::Document document = CreateHybrisDocument("P");
   const TagElement tag = AppendTagElement(document);
-  const Dom dom = windows::ComDocument(document);
-  PlainCalls calls(dom);
+  const ComPointer<IXMLDOMDocument2> dom = windows::ComDocument(document);
+  const PlainCalls calls(ComPointer<IXMLDOMDocument>::Share(dom.Get()));
   ComPointer<IXMLDOMNode> baseUnits;
   dom->selectSingleNode(Bstr("//BASEUNITS").Get(), baseUnits.Out());
   for (int i = 0; i < units; ++i) {

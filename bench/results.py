@@ -2,9 +2,13 @@
 """Runs every measurement and prints the table of ratios: ours beside the peer and the limit of the same run, and what
 the project promises. Nothing is tested here: a promise that is not met is no failure of this program.
 
-  results.py BUILD_FOLDER WORK_FOLDER [RESULTS.md]      writes the table into that file, too
+  results.py BUILD_FOLDER WORK_FOLDER [RESULTS.md] (--windows BUILD_FOLDER | --no-windows REASON)
+
+RESULTS.md gets the table, too. The rows of Windows need a build for Windows, and WINEPREFIX to name a Wine prefix whose
+helpers run; else they are skipped for that reason.
 """
 
+import argparse
 import datetime
 import json
 import os
@@ -17,6 +21,7 @@ sys.path[:0] = [HERE, os.path.join(HERE, "export")]
 
 import measure
 import surroundings
+import windows_rows
 from table import Figure, Promise, Row, markdown
 
 # Ten times the work may take twelve times as long.
@@ -164,26 +169,47 @@ def document(rows, build, machine):
     return PREFACE + listed(run + machine + surroundings.of_software(build)) + "\n" + markdown(rows)
 
 
-def main(build, work, results=None):
+def windows_rows_of(windows, no_windows, build, work):
+    if windows:
+        return windows_rows.measured(os.path.abspath(windows), build, work)
+    rows = windows_rows.skipped(no_windows)
+    for row in rows:
+        print(f"skipped: {row.what} ({row.skipped})", file=sys.stderr, flush=True)
+    return rows
+
+
+def main(build, work, results=None, windows=None, no_windows=None):
     build, work = os.path.abspath(build), os.path.abspath(work)
     os.makedirs(work, exist_ok=True)
     machine = surroundings.of_machine()
     rows = []
     for what, measured in (("Base64", lambda: base64_rows(build)), ("ini files", lambda: ini_rows(build, work)),
                            ("XML", lambda: xml_rows(build)), ("tags", lambda: tag_rows(build)),
-                           ("the export", lambda: export_rows(build, work))):
+                           ("the export", lambda: export_rows(build, work)),
+                           ("Windows", lambda: windows_rows_of(windows, no_windows, build, work))):
         print(f"Measuring {what} ...", file=sys.stderr, flush=True)
         rows += measured()
     print(markdown(rows))
     promised = [row for row in rows if row.promise]
     missed = [row.what for row in promised if not row.promise.is_met(row)]
-    print(f"{len(promised) - len(missed)} promises met, {len(missed)} not" + "".join(f"\n  {what}" for what in missed))
+    skipped = sum(1 for row in rows if row.skipped)
+    print(f"{len(promised) - len(missed)} promises met, {len(missed)} not" +
+          (f", {skipped} rows skipped" if skipped else "") + "".join(f"\n  {what}" for what in missed))
     if results:
         with open(results, "w", encoding="utf-8") as file:
             file.write(document(rows, build, machine))
 
 
+def arguments():
+    parser = argparse.ArgumentParser(usage=__doc__)
+    parser.add_argument("build")
+    parser.add_argument("work")
+    parser.add_argument("results", nargs="?")
+    where = parser.add_mutually_exclusive_group(required=True)
+    where.add_argument("--windows")
+    where.add_argument("--no-windows")
+    return parser.parse_args()
+
+
 if __name__ == "__main__":
-    if len(sys.argv) not in (3, 4):
-        sys.exit(__doc__)
-    main(*sys.argv[1:])
+    main(**vars(arguments()))

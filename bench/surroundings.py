@@ -50,6 +50,8 @@ def of_software(build):
         ("System", found_in("/etc/os-release", r'^PRETTY_NAME="?([^"\n]*)') +
          f" ({found_in('/etc/debian_version', r'(.*)')})"),
         ("Compiler", said_by(found_in(cache, r"^CMAKE_CXX_COMPILER:\w+=(.*)") or "c++", "--version")),
+        ("Compiler for Windows", said_by("x86_64-w64-mingw32-g++-posix", "--version")),
+        ("Wine", said_by("wine", "--version")),
         ("Build type", found_in(cache, r"^CMAKE_BUILD_TYPE:\w+=(.*)")),
         ("libxml2", said_by("pkg-config", "--modversion", "libxml-2.0")),
         ("zlib", said_by("pkg-config", "--modversion", "zlib")),

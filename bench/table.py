@@ -10,10 +10,16 @@ class Figure:
     amount: float
     unit: str  # ms, ns or MB
     whose: str = ""
+    processor: Optional[float] = None  # where the amount is the clock's, of all processes that took part
 
     def __str__(self):
-        digits = 0 if self.amount >= 100 else 1 if self.amount >= 10 else 2 if self.amount >= 1 else 3
-        return f"{self.whose}{': ' if self.whose else ''}{self.amount:,.{digits}f} {self.unit}"
+        said = f"{self.whose}{': ' if self.whose else ''}{rounded(self.amount)} {self.unit}"
+        return said + (f" (processor {rounded(self.processor)})" if self.processor is not None else "")
+
+
+def rounded(amount):
+    digits = 0 if amount >= 100 else 1 if amount >= 10 else 2 if amount >= 1 else 3
+    return f"{amount:,.{digits}f}"
 
 
 @dataclass(frozen=True)
@@ -38,10 +44,11 @@ class Promise:
 @dataclass(frozen=True)
 class Row:
     what: str
-    own: Figure
+    own: Optional[Figure] = None
     peer: Optional[Figure] = None
     limit: Optional[Figure] = None
     promise: Optional[Promise] = None
+    skipped: str = ""  # why there is no figure
 
     @property
     def peer_ratio(self):
@@ -56,9 +63,17 @@ class Row:
         return "" if self.promise is None else "yes" if self.promise.is_met(self) else "**no**"
 
     def cells(self):
+        if self.skipped:
+            return [self.what, "skipped: " + self.skipped] + [""] * (len(HEADINGS) - 2)
         return [self.what, str(self.own), str(self.peer or ""), f"{self.peer_ratio:.2f}" if self.peer else "",
-                str(self.limit or ""), f"{self.limit_ratio:.2f}" if self.limit else "", str(self.promise or ""),
+                str(self.limit or ""), self.said_limit_ratio() if self.limit else "", str(self.promise or ""),
                 self.verdict]
+
+    def said_limit_ratio(self):
+        said = f"{self.limit_ratio:.2f}"
+        if self.own.processor is not None and self.limit.processor:
+            said += f" (processor {self.own.processor / self.limit.processor:.2f})"
+        return said
 
 
 HEADINGS = ["What", "Parvex", "Peer", "Peer / Parvex", "Limit", "Parvex / limit", "Promised", "Met"]

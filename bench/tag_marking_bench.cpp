@@ -8,36 +8,16 @@
 #include <utility>
 #include <vector>
 
+#include "bench/tag_lists.h"
 #include "seams/xml.h"
 #include "tags/tag_listing.h"
 
 namespace {
 
+using parvex::bench::TagList;
+using parvex::bench::Tools;
 using parvex::xml::Document;
 using parvex::xml::Node;
-
-constexpr int kTools = 1000;
-
-std::string Group(int number) { return "G" + std::to_string(number % kTools) + "47"; }
-
-std::string TagList(int tags) {
-  std::string text = "<TAGLIST>";
-  for (int i = 0; i < tags; ++i) {
-    text += "<TAG><NAME>Unit " + std::to_string(i) + "</NAME><PDSG>" + Group(i * 7) +
-            "</PDSG><DATATYPE>0</DATATYPE><TAGVERSION>4.71." + std::to_string(i % 2) + "</TAGVERSION><TAGINDEXID>" +
-            std::to_string(i) + "</TAGINDEXID><ID>" + std::to_string(i) + "</ID></TAG>";
-  }
-  return text + "</TAGLIST>";
-}
-
-Document Tools() {
-  std::string text = "<Tools>";
-  for (int i = 0; i < kTools; ++i) {
-    text += "<Tool><Name>Tool " + std::to_string(i) + "</Name><Pdsg>" + Group(i) +
-            "</Pdsg><Version>4.71.0</Version></Tool>";
-  }
-  return Document::Parse(text + "</Tools>");
-}
 
 /// Tool after tool for every tag, with each tool's texts read once.
 void MarkByWalking(const Document& list, const Document& tools) {
@@ -78,7 +58,7 @@ void Parse(benchmark::State& state) {
 template <void (*mark)(const Document&, const Document&)>
 void Mark(benchmark::State& state) {
   const std::string text = TagList(static_cast<int>(state.range(0)));
-  const Document tools = Tools();
+  const Document tools = Document::Parse(Tools());
   for (auto _ : state) {
     const Document list = Document::Parse(text);
     state.SetIterationTime(Seconds([&] { mark(list, tools); }));
@@ -106,8 +86,9 @@ BENCHMARK(Mark<MarkByWalking>)
 int main(int count, char** arguments) {
   const Document marked = Document::Parse(TagList(5000));
   const Document walked = Document::Parse(TagList(5000));
-  parvex::MarkUpToDate(marked, Tools());
-  MarkByWalking(walked, Tools());
+  const Document tools = Document::Parse(Tools());
+  parvex::MarkUpToDate(marked, tools);
+  MarkByWalking(walked, tools);
   if (marked.Xml() != walked.Xml()) {
     std::puts("the two ways of marking differ");
     return 1;

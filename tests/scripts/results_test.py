@@ -1,5 +1,7 @@
 """What bench/results.py makes of the lines of the measuring programs, and how a promise is judged."""
 
+import contextlib
+import io
 import os
 import stat
 import sys
@@ -45,6 +47,12 @@ class PromiseTest(unittest.TestCase):
                                 r"\| at most 3 times the limit, aim 2 \| yes +\|")
         self.assertRegex(table, r"\| y +\| 1,234 ns +(\| +){6}\|")
 
+    def test_is_judged_by_the_clock_beside_which_the_processors_time_stands(self):
+        row = Row("x", Figure(300, "ms", processor=500), None, Figure(100, "ms", "bare", 125), Promise("limit", 3.5))
+        self.assertEqual(row.verdict, "yes")
+        self.assertRegex(markdown([row]), r"\| 300 ms \(processor 500\) \|.*\| bare: 100 ms \(processor 125\) +"
+                                          r"\| 3.00 \(processor 4.00\) +\|")
+
 
 class ProgramsTest(unittest.TestCase):
     def setUp(self):
@@ -75,6 +83,17 @@ class ProgramsTest(unittest.TestCase):
         program(self.folder.name, "xml_bench", "parse and free: 9 ms")
         with self.assertRaisesRegex(SystemExit, "something else than expected"):
             results.xml_rows(self.folder.name)
+
+
+class WindowsRowsTest(unittest.TestCase):
+    def test_are_named_with_the_reason_where_they_are_skipped(self):
+        said = io.StringIO()
+        with contextlib.redirect_stderr(said):
+            rows = results.windows_rows_of(None, "not installed: wine", "build", "work")
+        self.assertRegex(said.getvalue(), r"(?m)^skipped: Windows: marking 50,000 tags .* \(not installed: wine\)$")
+        self.assertEqual(len(said.getvalue().splitlines()), len(rows))
+        self.assertRegex(markdown(rows), r"\| Windows: export of 200 tags .*\| skipped: not installed: wine +(\| +){6}\|")
+        self.assertFalse(any(row.promise for row in rows))
 
 
 if __name__ == "__main__":

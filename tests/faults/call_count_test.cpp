@@ -82,6 +82,15 @@ class CallsOfAnExport : public testing::Test {
     return CallsOf([this] { BuildHybrisTagDocument(machine_.platform, kOutput, ""); });
   }
 
+  void ExpectFewFoldersRead(const std::function<std::string(const std::string& number)>& further) {
+    Select(further);
+    const Calls calls = Export();
+    if (calls.empty()) {
+      GTEST_SKIP() << "no program may watch another here";
+    }
+    EXPECT_LE(calls.at(SYS_getdents64), 12u);
+  }
+
   FakeMachine machine_;
 };
 
@@ -97,31 +106,16 @@ TEST_F(CallsOfAnExport, AreSixteenATagAtMost) {
 }
 
 TEST_F(CallsOfAnExport, ReadTheFolderOfTheBlobsNoMoreThanAFewTimes) {
-  Select([](const std::string& number) { return "Unit" + number + ".xml"; });
-  const Calls calls = Export();
-  if (calls.empty()) {
-    GTEST_SKIP() << "no program may watch another here";
-  }
-  EXPECT_LE(calls.at(SYS_getdents64), 12u);
+  ExpectFewFoldersRead([](const std::string& number) { return "Unit" + number + ".xml"; });
 }
 
 TEST_F(CallsOfAnExport, ReadNoFolderForEachTagWhenEachMakesAFolderOfItsOwn) {
-  Select([](const std::string& number) { return "Unit" + number + "/data.xml"; });
-  const Calls calls = Export();
-  if (calls.empty()) {
-    GTEST_SKIP() << "no program may watch another here";
-  }
-  EXPECT_TRUE(machine_.Exists(std::string(kBlobs) + "Unit200\\data.xml"));
-  EXPECT_LE(calls.at(SYS_getdents64), 12u);
+  ExpectFewFoldersRead([](const std::string& number) { return "Unit" + number + "/data.xml"; });
+  EXPECT_TRUE(machine_.Exists(std::string(kBlobs) + "Unit200\\data.xml") || IsSkipped());
 }
 
 TEST_F(CallsOfAnExport, ReadNoFolderForEachTagWhenAllWriteIntoOneThatIsNew) {
-  Select([](const std::string& number) { return "Units/" + number + ".xml"; });
-  const Calls calls = Export();
-  if (calls.empty()) {
-    GTEST_SKIP() << "no program may watch another here";
-  }
-  EXPECT_LE(calls.at(SYS_getdents64), 12u);
+  ExpectFewFoldersRead([](const std::string& number) { return "Units/" + number + ".xml"; });
 }
 
 }  // namespace

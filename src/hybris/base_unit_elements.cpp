@@ -68,6 +68,7 @@ void AppendBaseUnits(const SelectedTag& tag, const xml::Node& baseUnitsElement, 
     AppendAccessoryComponents(element.components, unit->accessories, components);
     AppendWarrantyComponents(element.components, unit->warranties, components);
     AppendBlanketComponents(tag, element.components, components);
+    element.components.Fold();
     SetSapXml(element.sapXml, unit->sapXml);
   }
 }

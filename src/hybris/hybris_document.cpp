@@ -13,9 +13,10 @@ xml::Document CreateHybrisDocument(std::string_view projectName) {
 }
 
 TagElement AppendTagElement(const xml::Document& document) {
-  constexpr std::string_view kTags = "PROJECT/TAGS";
-  const xml::Node tags = document.First(kTags);
-  Required(tags, kTags, "the Hybris document");
+  // By steps, not by an expression: that would look at all tags so far, which are folded.
+  const xml::Node project = document.AsNode().Child("PROJECT");
+  const xml::Node tags = project ? project.Child("TAGS") : project;
+  Required(tags, "PROJECT/TAGS", "the Hybris document");
 
   TagElement tag;
   tag.element = xml::AppendElement(tags, "TAG");

@@ -91,6 +91,11 @@ class Node {
   /// A deep copy without parent, owned by the same document.
   Node Clone() const;
 
+  /// A hint that what is below this node is complete and will hardly be looked at before it is written. It may be kept
+  /// in less memory until somebody looks, at the cost of reading it again. Nothing changes that can be seen. It does
+  /// nothing while there are handles on nodes below, nor in a document that was searched by an expression.
+  void Fold() const;
+
   /// The document that the node lives in now.
   Document Owner() const;
 

@@ -74,6 +74,7 @@ void Adopt(xmlNode* top, xmlDoc* to, const OwnNamespaces& owned) {
       AdoptOne(each, from, to, owned);
     });
   }
+  StateOf(to).mayHaveFolded |= StateOf(from).mayHaveFolded;
   StateOf(to).handles += handles;
   StateOf(from).handles -= handles;
   if (StateOf(from).handles == 0) {

@@ -40,6 +40,9 @@ struct DocumentState {
   std::map<Prefixed, xmlNs*> namespaces;
   /// About how long the document's markup is: what was put into it so far. Room is taken for that much at once.
   std::size_t markupGuess = 0;
+  /// Whether an element may be folded (folding.h), and whether the document was searched by an expression.
+  bool mayHaveFolded = false;
+  bool isSearched = false;
   /// The encoding that the declaration names, as written.
   std::string encoding;
   std::string parseError;
@@ -49,6 +52,8 @@ struct DocumentState {
 /// remember where it stood.
 inline constexpr unsigned short kBlankAfter = 1;   ///< behind the node
 inline constexpr unsigned short kBlankInside = 2;  ///< before the element's first child
+/// Another bit there: the element is folded (folding.h).
+inline constexpr unsigned short kFolded = 4;
 
 inline std::string_view View(const xmlChar* text) {
   return text == nullptr ? std::string_view{} : std::string_view(reinterpret_cast<const char*>(text));
@@ -83,7 +88,8 @@ inline DocumentState& StateOf(const xmlDoc* document) { return *static_cast<Docu
 /// The marks of a node. A text never carries one: the next white space is part of it, or was dropped behind another
 /// node. Neither a text nor a DOCTYPE has the field.
 inline unsigned short BlanksAt(const xmlNode* node) {
-  return node->type == XML_TEXT_NODE || node->type == XML_DTD_NODE ? 0 : node->extra;
+  const bool lacksField = node->type == XML_TEXT_NODE || node->type == XML_DTD_NODE;
+  return lacksField ? 0 : node->extra & (kBlankAfter | kBlankInside);
 }
 
 inline bool IsDocument(const xmlNode* node) { return node->type == XML_DOCUMENT_NODE; }

@@ -3,6 +3,7 @@
 #include "adapters/libxml2/adoption.h"
 #include "adapters/libxml2/attributes.h"
 #include "adapters/libxml2/encoding.h"
+#include "adapters/libxml2/folding.h"
 #include "adapters/libxml2/markup.h"
 #include "adapters/libxml2/names.h"
 #include "adapters/libxml2/node_text.h"
@@ -39,6 +40,27 @@ struct Adapter {
       throw MakeRuntimeError(RuntimeError::ObjectNotSet, std::string(asked) + " was asked of a missing node");
     }
     return static_cast<xmlNode*>(node.handle_);
+  }
+
+  // For what looks at the node's children.
+  static xmlNode* Unfolded(const Node& node, const char* asked) {
+    xmlNode* tree = Tree(node, asked);
+    Unfold(tree);
+    return tree;
+  }
+
+  // For what looks at everything below the node.
+  static xmlNode* UnfoldedTree(const Node& node, const char* asked) {
+    xmlNode* tree = Tree(node, asked);
+    UnfoldTree(tree);
+    return tree;
+  }
+
+  // For an expression, which may look anywhere in the document.
+  static xmlNode* ForSearch(const Node& node, const char* asked) {
+    xmlNode* tree = Tree(node, asked);
+    UnfoldForSearch(tree->doc);
+    return tree;
   }
 
   static xmlDoc* Tree(const Document& document, const char* asked) {
@@ -94,10 +116,10 @@ bool Node::IsElement() const { return xml::IsElement(Adapter::Tree(*this, "IsEle
 
 std::string Node::Name() const { return NameOf(Adapter::Tree(*this, "Name")); }
 
-std::string Node::Text() const { return TextOf(Adapter::Tree(*this, "Text")); }
+std::string Node::Text() const { return TextOf(Adapter::UnfoldedTree(*this, "Text")); }
 
 void Node::SetText(std::string_view text) const {
-  xmlNode* node = Adapter::Tree(*this, "SetText");
+  xmlNode* node = Adapter::Unfolded(*this, "SetText");
   if (!CanCarry(text)) {
     RefuseText(text, NameOf(node));
   }
@@ -153,12 +175,12 @@ void Node::SetAttribute(std::string_view name, std::string_view value) const {
 std::string Node::Xml() const { return MarkupOf(Adapter::Tree(*this, "Xml")); }
 
 Node Node::First(std::string_view xpath) const {
-  const std::vector<xmlNode*> found = Select(Adapter::Tree(*this, "First"), xpath);
+  const std::vector<xmlNode*> found = Select(Adapter::ForSearch(*this, "First"), xpath);
   return found.empty() ? Node() : Adapter::HandleOn(found.front());
 }
 
 std::vector<Node> Node::All(std::string_view xpath) const {
-  const std::vector<xmlNode*> found = Select(Adapter::Tree(*this, "All"), xpath);
+  const std::vector<xmlNode*> found = Select(Adapter::ForSearch(*this, "All"), xpath);
   std::vector<Node> nodes;
   nodes.reserve(found.size());
   for (xmlNode* node : found) {
@@ -174,7 +196,7 @@ Node Node::Parent() const {
 }
 
 Node Node::FirstChild() const {
-  xmlNode* node = Adapter::Tree(*this, "FirstChild");
+  xmlNode* node = Adapter::Unfolded(*this, "FirstChild");
   const bool canHave = xml::IsElement(node) || IsDocument(node) || IsAttribute(node);
   return canHave ? Adapter::HandleOn(node->children) : Node();
 }
@@ -186,7 +208,7 @@ Node Node::NextSibling() const {
 }
 
 Node Node::Child(std::string_view name) const {
-  xmlNode* node = Adapter::Tree(*this, "Child");
+  xmlNode* node = Adapter::Unfolded(*this, "Child");
   const bool canHave = xml::IsElement(node) || IsDocument(node);
   return canHave ? Adapter::HandleOn(FirstNamed(node->children, name)) : Node();
 }
@@ -198,7 +220,7 @@ Node Node::Next(std::string_view name) const {
 }
 
 Node Node::Descendant(std::string_view name) const {
-  xmlNode* top = Adapter::Tree(*this, "Descendant");
+  xmlNode* top = Adapter::UnfoldedTree(*this, "Descendant");
   for (xmlNode* node = NextInTree(top, top); node != nullptr; node = NextInTree(node, top)) {
     if (xml::IsElement(node) && node->ns == nullptr && View(node->name) == name) {
       return Adapter::HandleOn(node);
@@ -208,7 +230,7 @@ Node Node::Descendant(std::string_view name) const {
 }
 
 Node Node::Append(const Node& child) const {
-  xmlNode* parent = Adapter::Tree(*this, "Append");
+  xmlNode* parent = Adapter::Unfolded(*this, "Append");
   xmlNode* node = Adapter::Tree(child, "Append");
   CheckAppend(node, parent);
   Move(node, parent);
@@ -226,12 +248,14 @@ void Node::Remove() const {
 }
 
 Node Node::Clone() const {
-  xmlNode* node = Adapter::Tree(*this, "Clone");
+  xmlNode* node = Adapter::UnfoldedTree(*this, "Clone");
   if (!IsMovable(node)) {
     Refuse("the node " + NameOf(node) + " cannot be cloned");
   }
   return Adapter::HandleOn(NewClone(node));
 }
+
+void Node::Fold() const { xml::Fold(Adapter::Tree(*this, "Fold")); }
 
 Document Node::Owner() const { return Adapter::HandleOn(Adapter::Tree(*this, "Owner")->doc); }
 
@@ -280,6 +304,9 @@ std::string Document::Bytes() const {
   const bool isKnown = encoding != nullptr;
   if (!isKnown) {
     encoding = Encoding::Named("UTF-8");
+  }
+  if (!encoding->IsUnicode()) {
+    UnfoldTree(xml::AsNode(document));
   }
   std::optional<std::string> bytes = encoding->Encode(MarkupFor(document, *encoding, isKnown ? declared : "UTF-8"));
   if (!bytes) {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <vector>
 
+#include "adapters/libxml2/folding.h"
 #include "adapters/libxml2/large_pages.h"
 #include "formats/text/unicode.h"
 #include "formats/text/xml_characters.h"
@@ -40,6 +41,10 @@ class Writer {
         if (node->children != nullptr) {
           node = node->children;
           continue;
+        }
+        if (IsFolded(node)) {
+          text_ += View(node->content);
+          AddEndTag(node);
         }
       } else {
         AddLeaf(node);
@@ -131,7 +136,7 @@ class Writer {
       text_ += ' ';
       AddAttribute(attribute);
     }
-    if (element->children != nullptr) {
+    if (element->children != nullptr || IsFolded(element)) {
       text_ += '>';
     } else {
       text_ += "/>";
@@ -325,6 +330,14 @@ std::string MarkupOf(xmlNode* node) {
       writer.Expect(StateOf(node->doc).markupGuess);
     }
     writer.AddTree(node);
+  }
+  return writer.Take();
+}
+
+std::string MarkupBelow(xmlNode* node) {
+  Writer writer(nullptr);
+  for (xmlNode* child = node->children; child != nullptr; child = child->next) {
+    writer.AddTree(child);
   }
   return writer.Take();
 }

@@ -11,8 +11,12 @@ namespace parvex::xml {
 /// declaration without encoding.
 std::string MarkupOf(xmlNode* node);
 
+/// The markup of all that is below a node.
+std::string MarkupBelow(xmlNode* node);
+
 /// The document's markup with an encoding in its declaration (none when `encodingName` is empty), in UTF-8, for
-/// `encoding`: characters that it lacks are references in texts, CDATA sections and attribute values.
+/// `encoding`: characters that it lacks are references in texts, CDATA sections and attribute values. Nothing in the
+/// document is folded unless the encoding has all characters.
 std::string MarkupFor(xmlDoc* document, Encoding& encoding, const std::string& encodingName);
 
 }  // namespace parvex::xml

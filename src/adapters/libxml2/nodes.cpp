@@ -107,6 +107,7 @@ void FreeOne(NodeArena& arena, xmlNode* node) noexcept {
     FreeChars(arena, space->href);
     arena.Free(std::exchange(space, space->next), sizeof(xmlNs));
   }
+  FreeChars(arena, node->content);  // of a folded element
   arena.Free(node, sizeof(xmlNode));
 }
 

@@ -87,7 +87,7 @@ inline void LinkLast(xmlNode* node, xmlNode* parent) {
 /// What was dropped behind a node stays behind when it leaves its place.
 inline void KeepBlankInside(xmlNode* node) {
   if (BlanksAt(node) != 0) {
-    node->extra &= kBlankInside;
+    node->extra &= static_cast<unsigned short>(~kBlankAfter);
   }
 }
 

@@ -248,6 +248,8 @@ Node Node::Clone() const {
   return Adapter::HandleOn(std::move(copy), KnownDocument(box), box.type);
 }
 
+void Node::Fold() const { Adapter::BoxOf(*this, "Fold"); }
+
 Document Node::Owner() const { return Adapter::DocumentOn(DocumentOf(Adapter::BoxOf(*this, "Owner"))); }
 
 Document Document::New() {

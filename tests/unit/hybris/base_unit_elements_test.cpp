@@ -2,9 +2,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/raised_by.h"
@@ -352,6 +354,27 @@ TEST(RoundToWhole, ANumberOutside32BitsIsAnOverflowThatShowsIt) {
     EXPECT_EQ(RaisedBy([&] { RoundToWhole(value); }), RuntimeError::Overflow) << value;
     EXPECT_THAT(DescriptionOfErrorIn([&] { RoundToWhole(value); }), testing::HasSubstr(value));
   }
+}
+
+TEST_F(BaseUnitElements, ComponentsOfAFinishedUnitTakeLittleMemory) {
+  constexpr std::size_t kUnits = 200;
+  constexpr std::size_t kComponents = 30;
+  constexpr std::size_t kMostForAComponent = 1'000;  // 2,000 as nodes
+  BaseUnits units;
+  for (std::size_t i = 0; i < kUnits; ++i) {
+    units.Append(Unit());
+    for (std::size_t k = 0; k < kComponents; ++k) {
+      auto accessory = std::make_shared<Accessory>();
+      accessory->partNumber = "CRACC" + std::to_string(k);
+      accessory->supplier = "Korvane";
+      units.At(i + 1)->accessories.Append(std::move(accessory));
+    }
+  }
+  const auto bytesInUse = [] { return mallinfo2().uordblks + mallinfo2().hblkhd; };
+  const std::size_t before = bytesInUse();
+  AppendBaseUnits(SelectedTag(export_.platform, ExportMachine::kOutput, 1), document_.Root(), units);
+  EXPECT_LE(bytesInUse() - before, kUnits * kComponents * kMostForAComponent);
+  EXPECT_EQ(document_.All("//COMPONENT").size(), kUnits * kComponents);
 }
 
 }  // namespace

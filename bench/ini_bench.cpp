@@ -105,11 +105,18 @@ void Measure(const fs::path& folder, const Shape& shape) {
   std::size_t lines = 0;
   const double scan = Best([&] { lines = CountLines(parvex::posix::ReadHostFile(host, file)); });
   parvex::posix::Windows1252 codePage;
+  std::vector<std::string> names;
+  for (std::size_t s = 1; s <= shape.sections; ++s) {
+    names.push_back("PartNumber" + std::to_string(s));
+  }
   const double parse = Best([&] {
     const parvex::ini::ProfileText text(parvex::posix::ReadHostFile(host, file), codePage);
     const parvex::ini::ProfileIndex index(text);
-    if (index.FindSection("PartNumber1") == nullptr) {
-      std::abort();
+    for (const std::string& name : names) {  // the keys of a section are found when one is asked for
+      const parvex::ini::ProfileIndex::Section* section = index.FindSection(name);
+      if (section == nullptr || !index.FindValue(*section, "Description:1")) {
+        std::abort();
+      }
     }
   });
 

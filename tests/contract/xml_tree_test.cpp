@@ -407,5 +407,32 @@ TEST(XmlHandle, ThatIsNullRaisesObjectNotSetForEverything) {
   EXPECT_NE(DescriptionOfErrorIn([&] { null.SetText("x"); }).find("SetText"), std::string::npos);
 }
 
+// --- Appending a new element at once ---------------------------------------------------------------------------------
+
+TEST(XmlAppendElement, AppendsBehindTheLastChild) {
+  const Document document = Parsed("<r><a>1</a></r>");
+  EXPECT_EQ(xml::AppendElement(document.Root(), "b", "x & y").Text(), "x & y");
+  const Node empty = xml::AppendElement(document.Root(), "c");
+  EXPECT_EQ(Outline(document.Root()), "r[a[#text'1']b[#text'x & y']c[]]");
+  EXPECT_TRUE(IsSame(empty.Parent(), document.Root()));
+}
+
+TEST(XmlAppendElement, MakesTheRootOfAnEmptyDocument) {
+  const Document document = Document::New();
+  xml::AppendElement(document.AsNode(), "r");
+  EXPECT_EQ(document.Root().Name(), "r");
+  EXPECT_EQ(RaisedBy([&] { xml::AppendElement(document.AsNode(), "s"); }), kInvalidCall) << "a second root";
+}
+
+TEST(XmlAppendElement, RefusesWhatTheStepsRefuse) {
+  const Document document = Parsed("<r a=\"1\">text</r>");
+  EXPECT_EQ(RaisedBy([] { xml::AppendElement(Node(), "a"); }), kObjectNotSet);
+  EXPECT_EQ(RaisedBy([&] { xml::AppendElement(document.Root(), "1"); }), kInvalidCall);
+  EXPECT_EQ(RaisedBy([&] { xml::AppendElement(document.Root(), "p:a"); }), kInvalidCall);
+  EXPECT_EQ(RaisedBy([&] { xml::AppendElement(document.Root().FirstChild(), "a"); }), kInvalidCall);
+  EXPECT_EQ(RaisedBy([&] { xml::AppendElement(document.Root().First("@a"), "a"); }), kInvalidCall);
+  EXPECT_EQ(Outline(document.Root()), "r(a=1)[#text'text']");
+}
+
 }  // namespace
 }  // namespace parvex

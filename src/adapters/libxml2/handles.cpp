@@ -84,6 +84,14 @@ xmlNode* FirstNamed(xmlNode* node, std::string_view name) {
   return nullptr;
 }
 
+const xmlChar* NameOfNewElement(xmlDoc* document, std::string_view name) {
+  const xmlChar* interned = PlainName(document, name);
+  if (interned == nullptr) {
+    Refuse(Quoted(name) + " cannot be the name of an element");
+  }
+  return interned;
+}
+
 }  // namespace
 
 Node::Node(const Node& other) noexcept : handle_(other.handle_) {
@@ -237,6 +245,16 @@ Node Node::Append(const Node& child) const {
   return child;
 }
 
+Node AppendElement(const Node& parent, std::string_view name, std::string_view text) {
+  xmlNode* above = Adapter::Unfolded(parent, "AppendElement");
+  const Node element = IsElement(above) ? Adapter::HandleOn(AppendElement(above, NameOfNewElement(above->doc, name)))
+                                        : parent.Append(parent.Owner().CreateElement(name));
+  if (!text.empty()) {
+    element.SetText(text);
+  }
+  return element;
+}
+
 void Node::Remove() const {
   xmlNode* node = Adapter::Tree(*this, "Remove");
   if (!IsMovable(node)) {
@@ -276,11 +294,7 @@ Node Document::Root() const { return Adapter::HandleOn(RootOf(Adapter::Tree(*thi
 
 Node Document::CreateElement(std::string_view name) const {
   xmlDoc* document = Adapter::Tree(*this, "CreateElement");
-  const xmlChar* interned = PlainName(document, name);
-  if (interned == nullptr) {
-    Refuse(Quoted(name) + " cannot be the name of an element");
-  }
-  return Adapter::HandleOn(NewElement(document, interned));
+  return Adapter::HandleOn(NewElement(document, NameOfNewElement(document, name)));
 }
 
 Node Document::CreateCData(std::string_view text) const {

@@ -248,6 +248,15 @@ Node Node::Clone() const {
   return Adapter::HandleOn(std::move(copy), KnownDocument(box), box.type);
 }
 
+Node AppendElement(const Node& parent, std::string_view name, std::string_view text) {
+  Adapter::BoxOf(parent, "AppendElement");
+  const Node element = parent.Append(parent.Owner().CreateElement(name));
+  if (!text.empty()) {
+    element.SetText(text);
+  }
+  return element;
+}
+
 void Node::Fold() const { Adapter::BoxOf(*this, "Fold"); }
 
 Document Node::Owner() const { return Adapter::DocumentOn(DocumentOf(Adapter::BoxOf(*this, "Owner"))); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "formats/ini/profile_names.h"
 
@@ -94,40 +95,52 @@ void ForEachLine(std::string_view text, Visit visit) {
   }
 }
 
+// Calls visit(line) for each line whose first character that is no blank is a bracket. There are few, so a search for
+// brackets is faster than one for lines.
+template <typename Visit>
+void ForEachBracketedLine(std::string_view text, Visit visit) {
+  for (std::size_t at = text.find('['); at != std::string_view::npos; at = text.find('[', at)) {
+    std::size_t before = at;
+    while (before > 0 && IsProfileBlank(text[before - 1]) && !IsBreak(text[before - 1])) {
+      --before;
+    }
+    if (before > 0 && !IsBreak(text[before - 1])) {
+      ++at;
+      continue;
+    }
+    const ProfileLine line = ProfileLineAt(text, at);
+    visit(line);
+    at = line.next;
+  }
+}
+
+// Where the blanks behind a line end, and its break begins.
+std::size_t EndWithBlanks(std::string_view text, const ProfileLine& line) {
+  std::size_t end = line.next;
+  while (end > line.end && IsBreak(text[end - 1])) {
+    --end;
+  }
+  return end;
+}
+
 }  // namespace
 
 ProfileIndex::ProfileIndex(const ProfileText& file) : file_(file), text_(file.Text()) {
-  std::vector<Slot> keys;
   std::vector<Slot> headers{{file_.HashOfName({}), 1}};
-  std::uint32_t header = 0;
-  const std::uint64_t seed = NameHashSeed();
-  ForEachLine(text_, [&](std::size_t begin, std::size_t sign, std::size_t end, bool plain) {
-    while (begin < end && IsProfileBlank(text_[begin])) {
-      ++begin;
-    }
-    if (begin == end) {
+  sections_.push_back(Section(0, 0, 0));
+  ForEachBracketedLine(text_, [&](const ProfileLine& line) {
+    const auto name = SectionName(text_.substr(line.begin, line.end - line.begin));
+    if (!name) {
       return;
     }
-    const auto place = static_cast<std::uint32_t>(begin);
-    if (const auto name = text_[begin] == '[' ? SectionName(LineAt(place)) : std::nullopt) {
-      AddSection(header, keys);
-      keys.clear();
-      header = place;
-      if (end - begin <= kLongestName) {
-        headers.push_back({file_.HashOfName(*name), static_cast<std::uint32_t>(sections_.size() + 1)});
-      }
-      return;
+    const auto header = static_cast<std::uint32_t>(line.begin);
+    sections_.back().end_ = header;
+    sections_.push_back(Section(header, static_cast<std::uint32_t>(line.next), header));
+    if (EndWithBlanks(text_, line) - line.begin <= kLongestName) {
+      headers.push_back({file_.HashOfName(*name), static_cast<std::uint32_t>(sections_.size())});
     }
-    if (sign - begin > kLongestName) {
-      return;
-    }
-    while (sign > begin && IsProfileBlank(text_[sign - 1])) {
-      --sign;
-    }
-    const std::string_view name = text_.substr(begin, sign - begin);
-    keys.push_back({plain ? HashIgnoringAsciiCase(name, seed) : file_.HashOfName(UpToNul(name)), place + 1});
   });
-  AddSection(header, keys);
+  sections_.back().end_ = static_cast<std::uint32_t>(text_.size());
   sectionTable_ = MakeTable(headers, [this](std::uint32_t number) { return SectionNameAt(number); });
 }
 
@@ -138,6 +151,9 @@ const ProfileIndex::Section* ProfileIndex::FindSection(std::string_view name) co
 }
 
 std::optional<std::string_view> ProfileIndex::FindValue(const Section& section, std::string_view key) const {
+  if (section.keys_.slots == nullptr) {
+    section.keys_ = KeysOf(section);
+  }
   std::string_view line;
   const auto place = Find(section.keys_, file_.HashOfName(key), [&](std::uint32_t candidate) {
     line = LineAt(candidate);
@@ -146,35 +162,65 @@ std::optional<std::string_view> ProfileIndex::FindValue(const Section& section, 
   return place ? KeyValue(line) : std::nullopt;
 }
 
-void ProfileIndex::AddSection(std::uint32_t header, const std::vector<Slot>& keys) {
-  sections_.push_back(Section(header, MakeTable(keys, [this](std::uint32_t place) { return KeyNameAt(place); })));
+ProfileIndex::Table ProfileIndex::KeysOf(const Section& section) const {
+  std::vector<Slot> keys;
+  const std::uint64_t seed = NameHashSeed();
+  const std::string_view lines = text_.substr(section.begin_, section.end_ - section.begin_);
+  ForEachLine(lines, [&](std::size_t begin, std::size_t sign, std::size_t end, bool plain) {
+    while (begin < end && IsProfileBlank(lines[begin])) {
+      ++begin;
+    }
+    if (begin == end || sign - begin > kLongestName) {
+      return;
+    }
+    while (sign > begin && IsProfileBlank(lines[sign - 1])) {
+      --sign;
+    }
+    const std::string_view name = lines.substr(begin, sign - begin);
+    const auto place = static_cast<std::uint32_t>(section.begin_ + begin);
+    keys.push_back({plain ? HashIgnoringAsciiCase(name, seed) : file_.HashOfName(UpToNul(name)), place + 1});
+  });
+  return MakeTable(keys, [this](std::uint32_t place) { return KeyNameAt(place); });
+}
+
+// Tables are cut from blocks, each twice as large as the one before: of memory of their own each, they would leave a
+// heap that nothing else fits into.
+ProfileIndex::Table ProfileIndex::NewTable(std::size_t entries) const {
+  constexpr std::size_t kLargestBlock = 65'536;
+  const std::size_t size = SlotsFor(entries);
+  if (size > left_) {
+    left_ = std::max(size, nextBlock_);
+    blocks_.push_back(std::make_unique<Slot[]>(left_));
+    free_ = blocks_.back().get();
+    nextBlock_ = std::min(2 * left_, kLargestBlock);
+  }
+  left_ -= size;
+  return {std::exchange(free_, free_ + size), size};
 }
 
 // A table of the entries without those whose name an earlier one has.
 template <typename NameAt>
-ProfileIndex::Table ProfileIndex::MakeTable(const std::vector<Slot>& entries, NameAt nameAt) {
-  const Table table{slots_.size(), static_cast<std::uint32_t>(SlotsFor(entries.size()))};
-  slots_.resize(table.firstSlot + table.slots);
-  Slot* const slots = slots_.data() + table.firstSlot;
+ProfileIndex::Table ProfileIndex::MakeTable(const std::vector<Slot>& entries, NameAt nameAt) const {
+  const Table table = NewTable(entries.size());
   for (const Slot& entry : entries) {
     const auto known = [&](const Slot& slot) {
       return slot.hash == entry.hash && file_.SameName(nameAt(slot.placeAndOne - 1), nameAt(entry.placeAndOne - 1));
     };
-    std::size_t at = Home(entry.hash, table.slots);
-    while (slots[at].placeAndOne != 0 && !known(slots[at])) {
-      at = at + 1 == table.slots ? 0 : at + 1;
+    std::size_t at = Home(entry.hash, table.size);
+    while (table.slots[at].placeAndOne != 0 && !known(table.slots[at])) {
+      at = at + 1 == table.size ? 0 : at + 1;
     }
-    if (slots[at].placeAndOne == 0) {
-      slots[at] = entry;
+    if (table.slots[at].placeAndOne == 0) {
+      table.slots[at] = entry;
     }
   }
   return table;
 }
 
 template <typename Is>
-std::optional<std::uint32_t> ProfileIndex::Find(const Table& table, std::uint32_t hash, Is is) const {
-  const Slot* const slots = slots_.data() + table.firstSlot;
-  for (std::size_t at = Home(hash, table.slots); slots[at].placeAndOne != 0; at = at + 1 == table.slots ? 0 : at + 1) {
+std::optional<std::uint32_t> ProfileIndex::Find(const Table& table, std::uint32_t hash, Is is) {
+  const Slot* const slots = table.slots;
+  for (std::size_t at = Home(hash, table.size); slots[at].placeAndOne != 0; at = at + 1 == table.size ? 0 : at + 1) {
     if (slots[at].hash == hash && is(slots[at].placeAndOne - 1)) {
       return slots[at].placeAndOne - 1;
     }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -11,8 +12,10 @@
 namespace parvex::ini {
 
 /// Where the sections and keys of one profile text stand. Finding one costs the same however many there are; names of
-/// more than 4096 characters are not found. Every section has a hash table of its own, all of them in one array of
-/// eight-byte slots: a name's hash, and the place of its line, which is read again when it is asked for.
+/// more than 4096 characters are not found. Every section has a hash table of eight-byte slots: a name's hash, and the
+/// place of its line, which is read again when it is asked for. The table of a section's keys is made when one of them
+/// is first asked for: who reads a large file section by section finds each in the processor's cache. Belongs to one
+/// thread at a time.
 class ProfileIndex {
  public:
   class Section;
@@ -34,22 +37,26 @@ class ProfileIndex {
     std::uint32_t placeAndOne = 0;  // 0: free
   };
   struct Table {
-    std::size_t firstSlot = 0;
-    std::uint32_t slots = 0;
+    Slot* slots = nullptr;  // null until it is made
+    std::size_t size = 0;   // of which at least one slot is free
   };
 
-  void AddSection(std::uint32_t header, const std::vector<Slot>& keys);
+  Table KeysOf(const Section& section) const;
+  Table NewTable(std::size_t entries) const;
   template <typename NameAt>
-  Table MakeTable(const std::vector<Slot>& entries, NameAt nameAt);
+  Table MakeTable(const std::vector<Slot>& entries, NameAt nameAt) const;
   template <typename Is>
-  std::optional<std::uint32_t> Find(const Table& table, std::uint32_t hash, Is is) const;
+  static std::optional<std::uint32_t> Find(const Table& table, std::uint32_t hash, Is is);
   std::string_view LineAt(std::uint32_t place) const;
   std::string_view KeyNameAt(std::uint32_t place) const;
   std::string_view SectionNameAt(std::uint32_t number) const;
 
   const ProfileText& file_;
   std::string_view text_;
-  std::vector<Slot> slots_;
+  mutable std::vector<std::unique_ptr<Slot[]>> blocks_;  // that hold the tables
+  mutable Slot* free_ = nullptr;                         // the rest of the last block
+  mutable std::size_t left_ = 0;
+  mutable std::size_t nextBlock_ = 128;
   std::vector<Section> sections_;
   Table sectionTable_;
 };
@@ -57,8 +64,10 @@ class ProfileIndex {
 class ProfileIndex::Section {
   friend ProfileIndex;
   std::uint32_t header_;  // where its header stands
-  Table keys_;
-  Section(std::uint32_t header, Table keys) : header_(header), keys_(keys) {}
+  std::uint32_t begin_;   // where its lines begin and end
+  std::uint32_t end_;
+  mutable Table keys_;
+  Section(std::uint32_t header, std::uint32_t begin, std::uint32_t end) : header_(header), begin_(begin), end_(end) {}
 };
 
 }  // namespace parvex::ini

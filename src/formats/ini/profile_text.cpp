@@ -33,8 +33,6 @@ std::size_t LineEnd(std::string_view text, std::size_t pos) {
   return text.size();
 }
 
-bool IsBreak(char c) { return c == '\r' || c == '\n'; }
-
 // Where a value is to be put: the part of the text that it replaces.
 struct Place {
   std::size_t begin = 0;

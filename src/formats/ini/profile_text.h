@@ -82,6 +82,8 @@ std::optional<std::string_view> KeyValue(std::string_view line);
 
 /// White space, and the ^Z that ends a file of old.
 inline bool IsProfileBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r') || c == '\x1A'; }
+/// What ends a line, alone or both together.
+inline bool IsBreak(char c) { return c == '\r' || c == '\n'; }
 /// Without outer blanks.
 std::string_view TrimProfileBlanks(std::string_view text);
 /// The part of a text before its first NUL, which ends it for the platform.

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdint>
+#include <iterator>
+#include <string>
 
 #include "formats/ini/profile_index.h"
 #include "formats/text/unicode.h"
@@ -132,6 +135,65 @@ TEST(ProfileIndexing, BlocksDoNotShow) {
       EXPECT_EQ(Found(file, "s", "[t"), "no value") << shift;
       EXPECT_EQ(Found(file, "s", ""), "4") << shift;
       EXPECT_EQ(Found(file, "s", "d"), "5") << shift;
+    }
+  }
+}
+
+// The same by a walk over all lines: the value of the first line with this key in the first section of this name.
+std::string FoundByWalking(const std::string& bytes, std::string_view section, std::string_view key) {
+  const ProfileText file(bytes, codePage);
+  const std::string_view text = file.Text();
+  bool isIn = section.empty();
+  bool wasIn = isIn;
+  for (std::size_t pos = 0; pos < text.size();) {
+    const ProfileLine line = ProfileLineAt(text, pos);
+    const std::string_view content = text.substr(line.begin, line.end - line.begin);
+    pos = line.next;
+    if (const auto name = SectionName(content)) {
+      isIn = !wasIn && file.SameName(*name, section);
+      wasIn = wasIn || isIn;
+    } else if (isIn && !line.IsBlank() && file.SameName(KeyName(content), key)) {
+      return std::string(KeyValue(content).value_or("no value"));
+    }
+  }
+  return wasIn ? "no value" : "no section";
+}
+
+TEST(ProfileIndexing, FindsWhatAWalkFinds) {
+  const std::string pieces[] = {"[",
+                                "]",
+                                "=",
+                                "a",
+                                "A",
+                                "b",
+                                "[a]",
+                                "[b]",
+                                ";",
+                                " ",
+                                "\t",
+                                "\n",
+                                "\v",
+                                "\x1A",
+                                "\r",
+                                "\n",
+                                std::string(1, '\0'),
+                                "\r\n",
+                                "a=b",
+                                "\xE4"};
+  std::uint32_t state = 1;
+  const auto random = [&](std::size_t below) {
+    state = state * 1664525 + 1013904223;
+    return (state >> 8) % below;
+  };
+  for (int round = 0; round < 20'000; ++round) {
+    std::string file;
+    for (std::size_t count = random(40); count > 0; --count) {
+      file += pieces[random(std::size(pieces))];
+    }
+    for (const char* section : {"", "a", "b", "ab"}) {
+      for (const char* key : {"", "a", "B", "[a", "[", "aa", "\xC4"}) {
+        ASSERT_EQ(Found(file, section, key), FoundByWalking(file, section, key)) << testing::PrintToString(file);
+      }
     }
   }
 }

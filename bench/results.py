@@ -90,7 +90,7 @@ def ini_rows(build, work):
             Row(what + "look-up in the file's order", Figure(float(in_order), "ns"), None, None,
                 Promise("own", 200) if promised else None),
             Row(what + "look-up at random", Figure(float(at_random), "ns"), Figure(look_up_peer, "ns", python), None,
-                Promise("own", 200) if promised else None),
+                Promise("own", 300, 150) if promised else None),
         ]
     return rows
 

@@ -15,7 +15,7 @@ set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
 set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static")
 
 # The 32-bit build runs where there is a 32-bit Wine of the same name (scripts/lib/test_windows_x86).
-find_program(PARVEX_WINE NAMES wine wine64)
+find_program(PARVEX_WINE wine)
 if(PARVEX_WINE)
-  set(CMAKE_CROSSCOMPILING_EMULATOR ${PARVEX_WINE})
+  set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../../scripts/lib/under_wine)
 endif()

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Adds up the results of ctest runs (its JUnit files): names what failed or was skipped, and ends with the totals.
+"""Adds up the results of ctest runs (its JUnit files): names what failed, with the end of what it said, what was
+skipped, and what Wine had to be asked for twice (under_wine); ends with the totals.
 
 Ends with 1 when anything failed, or when there was nothing to run. A file that does not exist counts as no tests: the
 caller tells about it with --failed-builds.
@@ -10,6 +11,8 @@ import os
 import re
 import sys
 import xml.etree.ElementTree as ElementTree
+
+LINES_OF_A_FAILURE = 30
 
 
 def main():
@@ -32,6 +35,13 @@ def main():
             skipped += outcome == "skipped"
             if outcome != "passed":
                 print(f"{outcome}: {case.get('name')} ({build}){reason_of(case) if outcome == 'skipped' else ''}")
+            said = (case.findtext("system-out") or "").splitlines()
+            if outcome == "failed":
+                for line in said[-LINES_OF_A_FAILURE:]:
+                    print("  | " + line)
+            for line in said:
+                if line.startswith("under_wine: "):
+                    print(f"note: {case.get('name')} ({build}) {line.removeprefix('under_wine: ')}")
     print(f"{passed} passed, {failed} failed" + (f", {skipped} skipped" if skipped else ""))
     return 1 if failed or not passed else 0
 

@@ -39,6 +39,16 @@ class CountTestsTest(unittest.TestCase):
         self.assertEqual(self.count(PASSED, FAILED), (1, "1 passed, 1 failed"))
         self.assertTrue(any(line.startswith("failed: Bad (") for line in self.lines))
 
+    def test_a_failure_shows_the_end_of_what_it_said(self):
+        self.count(FAILED.replace("no<", "\n".join(f"line {number}" for number in range(100)) + "<"))
+        said = [line for line in self.lines if line.startswith("  | ")]
+        self.assertEqual((said[0], said[-1], len(said)), ("  | line 70", "  | line 99", 30))
+
+    def test_a_test_whose_program_wine_had_to_start_twice_is_named(self):
+        self.count(PASSED.replace("fine", "under_wine: ended with 1 before its first line\nfine"))
+        self.assertTrue(any(line.startswith("note: Good (") and "ended with 1 before its first line" in line
+                            for line in self.lines), self.lines)
+
     def test_a_skipped_test_is_named_with_its_reason_and_is_no_pass(self):
         self.assertEqual(self.count(PASSED, SKIPPED), (0, "1 passed, 0 failed, 1 skipped"))
         self.assertTrue(any(line.startswith("skipped: Oracle (") and line.endswith(": mdb-export is not installed")

@@ -101,8 +101,11 @@ xml::Document GetHybrisXMLNoUI(LegacyLink& link, const xml::Document& command) {
 
 xml::Document BuildHybrisTagDocument(const Platform& platform, std::string_view qbOutputFile,
                                      std::string_view projectName) {
-  const xml::Document document = CreateHybrisDocument(projectName);
+  // A document and a look for a file "Tag" for each tag.
+  const std::shared_ptr<void> documents = xml::ExpectManyDocuments();
+  const std::shared_ptr<void> looks = platform.files->ExpectManyLooks();
   const std::shared_ptr<void> oneVersion = platform.privateProfile->Hold(qbOutputFile);
+  const xml::Document document = CreateHybrisDocument(projectName);
   const std::vector<SelectedTag> tags = ReadSelectedTags(platform, qbOutputFile);
   for (const SelectedTag& tag : tags) {
     AppendTag(document, tag, &tag == &tags.back());

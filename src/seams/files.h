@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,6 +18,10 @@ class Files {
   /// Whether the path is an existing file (not a folder).
   virtual bool IsFile(std::string_view path) = 0;
   virtual bool IsFolder(std::string_view path) = 0;
+  /// While what this returns lives, IsFile need not look again for a file that was missing, as long as the system tells
+  /// of no change in its folder, which it may do a moment after another program's change. Null where every call looks.
+  /// Must not outlive this.
+  virtual std::shared_ptr<void> ExpectManyLooks() { return nullptr; }
   /// Whether an existing file may be a link, so that a change of a file with another name changes it, too.
   virtual bool MayBeLink(std::string_view) { return true; }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 
 #include "tests/contract/contract_fixture.h"
@@ -39,6 +40,44 @@ TEST_F(FilesContract, AnEmptyFileIsAFile) {
   Write("empty", "");
   EXPECT_TRUE(files.IsFile(Path("empty")));
   EXPECT_EQ(files.ReadAll(Path("empty")), "");
+}
+
+TEST_F(FilesContract, AMissingFileIsSeenAsSoonAsItIsWrittenThoughManyLooksAreExpected) {
+  const auto looks = files.ExpectManyLooks();
+  for (int look = 0; look < 3; ++look) {
+    EXPECT_FALSE(files.IsFile(Path("Tag")));
+  }
+  Write("Tag", "t");
+  EXPECT_TRUE(files.IsFile(Path("Tag")));
+  files.Remove(Path("Tag"));
+  EXPECT_FALSE(files.IsFile(Path("tag")));
+}
+
+TEST_F(FilesContract, AMissingFileThatAnotherWritesIsSeenThoughManyLooksAreExpected) {
+  machine.InstallProbe(Path("probe.exe"));
+  const auto looks = files.ExpectManyLooks();
+  for (int look = 0; look < 3; ++look) {
+    EXPECT_FALSE(files.IsFile(Path(ContractMachine::kProbeReport)));
+  }
+  WaitForExit(*machine.processes.Start(Path("probe.exe"), 0));
+  bool isSeen = false;
+  for (int look = 0; look < 100 && !isSeen; ++look) {
+    isSeen = files.IsFile(Path(ContractMachine::kProbeReport));
+    machine.messagePump.Sleep(std::chrono::milliseconds(10));
+  }
+  EXPECT_TRUE(isSeen);
+}
+
+TEST_F(FilesContract, AFolderCanBeRemovedThoughManyLooksInItAreExpected) {
+  files.CreateFolder(Path("Blobs"));
+  const auto looks = files.ExpectManyLooks();
+  for (int look = 0; look < 3; ++look) {
+    EXPECT_FALSE(files.IsFile(Path("Blobs\\Tag")));
+  }
+  files.RemoveFolder(Path("Blobs"));
+  files.CreateFolder(Path("Blobs"));
+  Write("Blobs\\Tag", "t");
+  EXPECT_TRUE(files.IsFile(Path("Blobs\\Tag")));
 }
 
 TEST_F(FilesContract, ReadsALargeFileWhole) {

@@ -25,6 +25,22 @@ TEST(XmlParse, KeepsElementsAttributesTextSectionsAndComments) {
   EXPECT_EQ(Outline(document.Root()), "a(x=1)(y=2)[#text't'b[]#cdata-section'<c>'#comment' d ']");
 }
 
+TEST(XmlParse, DocumentsThatWereMadeWhileManyAreExpectedAreLikeOthersAndOutliveThat) {
+  Document made;
+  {
+    const auto documents = xml::ExpectManyDocuments();
+    EXPECT_NE(Document::Parse("<a>").ParseError(), "");
+    made = Parsed("<a><b/></a>");
+    {
+      const auto more = xml::ExpectManyDocuments();
+      made.Append(Parsed("<c>d</c>").Root());
+    }
+    made.Append(Document::New().CreateElement("e"));
+  }
+  made.Append(Parsed("<f/>").Root());
+  EXPECT_EQ(Outline(made.Root()), "a[b[]c[#text'd']e[]f[]]");
+}
+
 struct Unparsable {
   const char* text;
   const char* reason;

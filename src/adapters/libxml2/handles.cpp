@@ -277,6 +277,8 @@ void Node::Fold() const { xml::Fold(Adapter::Tree(*this, "Fold")); }
 
 Document Node::Owner() const { return Adapter::HandleOn(Adapter::Tree(*this, "Owner")->doc); }
 
+std::shared_ptr<void> ExpectManyDocuments() { return nullptr; }
+
 Document Document::New() { return Adapter::HandleOn(NewDocument()); }
 
 Document Document::Parse(std::string_view text) { return Adapter::HandleOn(ParseText(text)); }

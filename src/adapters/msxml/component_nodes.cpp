@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "adapters/msxml/document_factory.h"
 #include "adapters/windows/system_error.h"
 #include "seams/automation_error.h"
 
@@ -15,8 +16,6 @@ using windows::Variant;
 
 constexpr std::string_view kLanguage = "SelectionLanguage";
 constexpr std::string_view kXPath = "XPath";
-
-constexpr CLSID kDomDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
 
 // The component shows a document's declaration as its first node; here it is none.
 ComNode SkipDeclaration(ComNode node) {
@@ -133,8 +132,7 @@ SelectingByXPath::~SelectingByXPath() {
 
 ComDocument NewComDocument() {
   ComDocument document;
-  const HRESULT result = CoCreateInstance(kDomDocument30, nullptr, CLSCTX_INPROC_SERVER, kDomDocument,
-                                          reinterpret_cast<void**>(document.Out()));
+  const HRESULT result = CreateDocument30(document);
   if (FAILED(result)) {
     throw MakeRuntimeError(RuntimeError::CannotCreateObject,
                            "MSXML 3 cannot be created: " + Hex(static_cast<std::uint32_t>(result)));

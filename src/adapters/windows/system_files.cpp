@@ -36,6 +36,11 @@ DWORD Attributes(std::string_view path) {
   return path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(Widen(path).c_str());
 }
 
+bool IsFileNow(std::string_view path) {
+  const DWORD attributes = Attributes(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
 // Names in a listing of `pattern` that are folders, or that are not, in the order of their upper-cased names.
 std::vector<std::string> Listed(const std::wstring& pattern, bool folders) {
   std::vector<std::pair<std::string, std::string>> found;
@@ -105,8 +110,27 @@ void RefuseFolder(std::string_view path) {
 }  // namespace
 
 bool SystemFiles::IsFile(std::string_view path) {
-  const DWORD attributes = Attributes(path);
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+  if (holders_ == 0) {
+    return IsFileNow(path);
+  }
+  const std::string asked(path);
+  if (missing_.Knows(asked)) {
+    return false;
+  }
+  const bool isFile = IsFileNow(path);
+  if (!isFile) {
+    missing_.Note(asked);
+  }
+  return isFile;
+}
+
+std::shared_ptr<void> SystemFiles::ExpectManyLooks() {
+  ++holders_;
+  return {nullptr, [this](void*) {
+            if (--holders_ == 0) {
+              missing_.Forget();
+            }
+          }};
 }
 
 bool SystemFiles::IsFolder(std::string_view path) {
@@ -157,6 +181,7 @@ std::string SystemFiles::ReadAll(std::string_view path) {
 }
 
 void SystemFiles::Replace(std::string_view path, std::string_view bytes) {
+  missing_.Forget();
   RefuseFolder(path);
   const DWORD attributes = Attributes(path);
   if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
@@ -166,6 +191,7 @@ void SystemFiles::Replace(std::string_view path, std::string_view bytes) {
 }
 
 void SystemFiles::CreateNew(std::string_view path, std::string_view bytes) {
+  missing_.Forget();
   RefuseFolder(path);
   if (Attributes(path) != INVALID_FILE_ATTRIBUTES) {
     throw FileError(ERROR_FILE_EXISTS, "write", path);
@@ -180,6 +206,7 @@ void SystemFiles::Remove(std::string_view path) {
 }
 
 void SystemFiles::CreateFolder(std::string_view path) {
+  missing_.Forget();
   if (IsFolder(path)) {
     return;
   }
@@ -198,6 +225,7 @@ void SystemFiles::CreateFolder(std::string_view path) {
 }
 
 void SystemFiles::RemoveFolder(std::string_view path) {
+  missing_.Forget();
   const std::string inside = std::string(path) + "\\";
   const DWORD attributes = Attributes(path);
   if (attributes == INVALID_FILE_ATTRIBUTES) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "adapters/windows/missing_files.h"
 #include "seams/files.h"
 
 namespace parvex::windows {
@@ -16,6 +17,11 @@ class SystemFiles : public Files {
   void Remove(std::string_view path) override;
   void CreateFolder(std::string_view path) override;
   void RemoveFolder(std::string_view path) override;
+  std::shared_ptr<void> ExpectManyLooks() override;
+
+ private:
+  MissingFiles missing_;
+  unsigned holders_ = 0;  ///< of what ExpectManyLooks gave
 };
 
 }  // namespace parvex::windows

@@ -189,10 +189,11 @@ ProfileIndex::Table ProfileIndex::NewTable(std::size_t entries) const {
   constexpr std::size_t kLargestBlock = 65'536;
   const std::size_t size = SlotsFor(entries);
   if (size > left_) {
-    left_ = std::max(size, nextBlock_);
-    blocks_.push_back(std::make_unique<Slot[]>(left_));
+    const std::size_t room = std::max(size, nextBlock_);
+    blocks_.push_back(std::make_unique<Slot[]>(room));
     free_ = blocks_.back().get();
-    nextBlock_ = std::min(2 * left_, kLargestBlock);
+    left_ = room;
+    nextBlock_ = std::min(2 * room, kLargestBlock);
   }
   left_ -= size;
   return {std::exchange(free_, free_ + size), size};

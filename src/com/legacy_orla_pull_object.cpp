@@ -51,7 +51,7 @@ IUnknown* ObjectArgument(const VARIANT& value) {
 
 }  // namespace
 
-LegacyORLAPullObject::LegacyORLAPullObject() : pull_(machine_.AsPlatform()) {}
+LegacyORLAPullObject::LegacyORLAPullObject() : pull_(machine_.AsPlatform(), &recorder_) {}
 
 ComPointer<IXMLDOMDocument2> LegacyORLAPullObject::ReplyTo(IUnknown* command) {
   const RunningCall running(pull_, this);

@@ -3,9 +3,11 @@
 #include <optional>
 
 #include "adapters/windows/machine.h"
+#include "adapters/windows/native_system.h"
 #include "com_server/dual_object.h"
 #include "interface/legacy_orla_pull.h"
 #include "parvex_idl.h"
+#include "recording/recorder.h"
 
 namespace parvex::com {
 
@@ -28,6 +30,8 @@ class LegacyORLAPullObject : public DualObject<ILegacyORLAPull> {
   std::string ReplyTo(std::string_view commandXml);
 
   windows::Machine machine_;
+  windows::NativeSystem system_;
+  recording::Recorder recorder_{system_, &machine_.GetOwnSettings()};
   parvex::LegacyORLAPull pull_;
 };
 

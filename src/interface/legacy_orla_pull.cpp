@@ -47,13 +47,22 @@ xml::Document Dispatch(std::span<const CommandEntry> commands, std::shared_ptr<L
 
 }  // namespace
 
-LegacyORLAPull::LegacyORLAPull(const Platform& platform) : link_(std::make_shared<LegacyLink>(platform)) {}
+LegacyORLAPull::LegacyORLAPull(const Platform& platform, recording::Recorder* recorder)
+    : instance_(std::make_shared<RecordedLink>(platform)), link_(instance_, &instance_->link), recorder_(recorder) {}
 
-xml::Document LegacyORLAPull::Pull(const xml::Document& command) { return Dispatch(PullCommands(), link_, command); }
+xml::Document LegacyORLAPull::Pull(const xml::Document& command) {
+  const std::shared_ptr<RecordedLink> instance = instance_;
+  RecordedCall call(*instance, recorder_, "Pull", command, [&] { return command.Bytes(); });
+  return call.Carry([&] { return Dispatch(PullCommands(), link_, command); },
+                    [](const xml::Document& reply) { return reply; });
+}
 
 std::string LegacyORLAPull::PullNGORLA(std::string_view commandXml) {
-  const xml::Document reply = Dispatch(PullNgorlaCommands(), link_, xml::Document::Parse(commandXml));
-  return reply ? reply.Xml() : std::string();
+  const std::shared_ptr<RecordedLink> instance = instance_;
+  const xml::Document command = xml::Document::Parse(commandXml);
+  RecordedCall call(*instance, recorder_, "PullNGORLA", command, [&] { return std::string(commandXml); });
+  return call.Carry([&] { return Dispatch(PullNgorlaCommands(), link_, command); },
+                    [](const xml::Document& reply) { return reply ? reply.Xml() : std::string(); });
 }
 
 }  // namespace parvex

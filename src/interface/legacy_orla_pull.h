@@ -5,7 +5,9 @@
 #include <string_view>
 #include <utility>
 
+#include "interface/recorded_link.h"
 #include "protocol/legacy_link.h"
+#include "recording/recorder.h"
 #include "seams/platform.h"
 #include "seams/xml.h"
 
@@ -20,8 +22,9 @@ namespace parvex {
 /// time. An instance that is destroyed by a message ends when its last call has returned.
 class LegacyORLAPull {
  public:
-  /// Creates the message router; its AutomationError when it cannot be created.
-  explicit LegacyORLAPull(const Platform& platform);
+  /// Creates the message router; its AutomationError when it cannot be created. With a recorder, which outlives this,
+  /// every call is recorded where that is switched on; calls and their outcomes are the same with and without.
+  explicit LegacyORLAPull(const Platform& platform, recording::Recorder* recorder = nullptr);
 
   /// The instance as an automation object of its face, which the builder is told of; none at first. Gives the former
   /// one.
@@ -38,7 +41,9 @@ class LegacyORLAPull {
   std::string PullNGORLA(std::string_view commandXml);
 
  private:
-  std::shared_ptr<LegacyLink> link_;
+  std::shared_ptr<RecordedLink> instance_;
+  std::shared_ptr<LegacyLink> link_;  // a part of it
+  recording::Recorder* recorder_;
 };
 
 }  // namespace parvex

@@ -26,8 +26,9 @@ class LegacyLink {
   /// Creates the message router; its AutomationError when it cannot be created.
   explicit LegacyLink(const Platform& platform);
 
-  const Platform platform;
-  const std::unique_ptr<MessageRouter> router;
+  /// The machine; it and the router are changed once at most, for others that tell a recording of all that is asked.
+  Platform platform;
+  std::unique_ptr<MessageRouter> router;
 
   /// The instance itself as an automation object, which the builder is told of; null where a face offers none.
   automation::ObjectRef consumer;

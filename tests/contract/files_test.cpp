@@ -87,6 +87,15 @@ TEST_F(FilesContract, ReadsALargeFileWhole) {
   EXPECT_TRUE(files.ReadAll(Path("large")) == large);
 }
 
+TEST_F(FilesContract, ReadsAPartOfAFileAsFarAsItGoes) {
+  Write("parts", "0123456789");
+  EXPECT_EQ(files.ReadPart(Path("parts"), 0, 4), "0123");
+  EXPECT_EQ(files.ReadPart(Path("parts"), 8, 4), "89");
+  EXPECT_EQ(files.ReadPart(Path("parts"), 10, 4), "");
+  EXPECT_EQ(files.ReadPart(Path("parts"), std::uint64_t{1} << 40, 4), "");
+  EXPECT_EQ(RaisedBy([&] { files.ReadPart(Path("none"), 0, 4); }), RaisedBy([&] { files.ReadAll(Path("none")); }));
+}
+
 TEST_F(FilesContract, LetterCaseOfFoldersAndFilesDoesNotMatter) {
   files.CreateFolder(Path("Bin"));
   Write("Bin\\Tools.xml", "t");

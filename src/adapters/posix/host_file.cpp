@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 
 #include "seams/automation_error.h"
@@ -176,6 +177,32 @@ std::string ReadHostFile(const std::filesystem::path& host, std::string_view sho
   if (const int failed = ReadWhole(file.Descriptor(), status, bytes); failed != 0) {
     RaiseSystemError(failed, "read", shownPath);
   }
+  return bytes;
+}
+
+std::string ReadPartOfHostFile(const std::filesystem::path& host, std::uint64_t at, std::size_t most,
+                               std::string_view shownPath) {
+  const OpenFile file(host, kReading);
+  struct stat status;
+  if (!file || fstat(file.Descriptor(), &status) != 0) {
+    RaiseSystemError(errno, "read", shownPath);
+  }
+  RefuseFolder(status, "read", shownPath);
+  const std::uint64_t left = at < static_cast<std::uint64_t>(status.st_size) ? status.st_size - at : 0;
+  std::string bytes(static_cast<std::size_t>(std::min<std::uint64_t>(left, most)), '\0');
+  std::size_t size = 0;
+  while (size < bytes.size()) {
+    const ssize_t got =
+        pread(file.Descriptor(), bytes.data() + size, bytes.size() - size, static_cast<off_t>(at + size));
+    if (got < 0 && errno != EINTR) {
+      RaiseSystemError(errno, "read", shownPath);
+    }
+    if (got == 0) {
+      break;
+    }
+    size += got < 0 ? 0 : static_cast<std::size_t>(got);
+  }
+  bytes.resize(size);
   return bytes;
 }
 

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -13,6 +14,9 @@ namespace parvex::posix {
 
 /// Not found (53), a folder or not readable (75).
 std::string ReadHostFile(const std::filesystem::path& host, std::string_view shownPath);
+/// The same for at most `most` bytes from `at` on.
+std::string ReadPartOfHostFile(const std::filesystem::path& host, std::uint64_t at, std::size_t most,
+                               std::string_view shownPath);
 /// Nothing when it cannot be opened and read, is no file, or is a link.
 std::optional<std::string> ReadHostFileIfPlain(const std::filesystem::path& host);
 

@@ -134,6 +134,10 @@ std::optional<std::string> MachineFiles::ReadIfFile(std::string_view path) {
   return Files::ReadIfFile(path);
 }
 
+std::string MachineFiles::ReadPart(std::string_view path, std::uint64_t at, std::size_t most) {
+  return ReadPartOfHostFile(Existing(path, "read"), at, most, path);
+}
+
 void MachineFiles::Replace(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Replace); }
 
 void MachineFiles::CreateNew(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Refuse); }

@@ -19,6 +19,7 @@ class MachineFiles : public Files {
   std::vector<std::string> ListFolders(std::string_view folder) override;
   std::string ReadAll(std::string_view path) override;
   std::optional<std::string> ReadIfFile(std::string_view path) override;
+  std::string ReadPart(std::string_view path, std::uint64_t at, std::size_t most) override;
   void Replace(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
   void Remove(std::string_view path) override;

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "adapters/windows/system_error.h"
 #include "adapters/windows/wide_text.h"
@@ -75,6 +76,23 @@ void WriteWhole(HANDLE file, std::string_view bytes, std::string_view path) {
     }
     done += written;
   }
+}
+
+// Fills `bytes` as far as the file goes, and tells how far that is.
+std::size_t ReadInto(HANDLE file, std::string& bytes, std::string_view path) {
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const auto wanted = static_cast<DWORD>(std::min(bytes.size() - done, kWriteChunk));
+    DWORD got = 0;
+    if (!ReadFile(file, bytes.data() + done, wanted, &got, nullptr)) {
+      throw FileError(GetLastError(), "read", path);
+    }
+    if (got == 0) {
+      break;
+    }
+    done += got;
+  }
+  return done;
 }
 
 // Writes `bytes` to a new file beside `path` and moves it there; the file beside is gone whatever happens.
@@ -164,19 +182,23 @@ std::string SystemFiles::ReadAll(std::string_view path) {
     throw FileError(GetLastError(), "read", path);
   }
   std::string bytes(static_cast<std::size_t>(size.QuadPart), '\0');
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    const auto wanted = static_cast<DWORD>(std::min(bytes.size() - done, kWriteChunk));
-    DWORD got = 0;
-    if (!ReadFile(file.Get(), bytes.data() + done, wanted, &got, nullptr)) {
-      throw FileError(GetLastError(), "read", path);
-    }
-    if (got == 0) {
-      break;
-    }
-    done += got;
+  bytes.resize(ReadInto(file.Get(), bytes, path));
+  return bytes;
+}
+
+std::string SystemFiles::ReadPart(std::string_view path, std::uint64_t at, std::size_t most) {
+  const FileHandle file(CreateFileW(Widen(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  LARGE_INTEGER size = {};
+  LARGE_INTEGER place = {};
+  place.QuadPart = static_cast<LONGLONG>(at);
+  if (!file.IsOpen() || !GetFileSizeEx(file.Get(), &size) ||
+      !SetFilePointerEx(file.Get(), place, nullptr, FILE_BEGIN)) {
+    throw FileError(GetLastError(), "read", path);
   }
-  bytes.resize(done);
+  const std::uint64_t left = size.QuadPart > place.QuadPart ? size.QuadPart - place.QuadPart : 0;
+  std::string bytes(static_cast<std::size_t>(std::min<std::uint64_t>(left, most)), '\0');
+  bytes.resize(ReadInto(file.Get(), bytes, path));
   return bytes;
 }
 

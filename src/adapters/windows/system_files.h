@@ -12,6 +12,7 @@ class SystemFiles : public Files {
   std::vector<std::string> ListFiles(std::string_view pattern) override;
   std::vector<std::string> ListFolders(std::string_view folder) override;
   std::string ReadAll(std::string_view path) override;
+  std::string ReadPart(std::string_view path, std::uint64_t at, std::size_t most) override;
   void Replace(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
   void Remove(std::string_view path) override;

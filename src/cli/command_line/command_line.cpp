@@ -6,8 +6,10 @@
 #include "cli/command_line/commands_listing.h"
 #include "cli/command_line/manual_page.h"
 #include "cli/commands/base64_command.h"
+#include "cli/commands/case_command.h"
 #include "cli/commands/doctor_command.h"
 #include "cli/commands/pull_command.h"
+#include "cli/commands/recording_command.h"
 #include "cli/host/host.h"
 #include "cli/terminal/standard_streams.h"
 #include "version.h"
@@ -34,6 +36,7 @@ CommandLine::CommandLine()
       ->envname("PARVEX_MACHINE");
   app_.add_option("--journal", session_.journal, "Write down everything that crosses to the outside")
       ->type_name("FILE");
+  app_.add_option("--record", session_.record, "Record every call into this folder, a case each")->type_name("FOLDER");
   app_.add_option("--replay", session_.replay, "Answer router requests from such a journal")->type_name("FILE");
 
   AddSending();
@@ -44,6 +47,8 @@ CommandLine::CommandLine()
   AddBase64();
   AddMachines();
   AddRouterIds();
+  AddRecording();
+  AddCases();
   AddReferences();
 }
 
@@ -119,6 +124,44 @@ void CommandLine::AddRouterIds() {
       ->type_name("");
   CLI::Option* save = command->add_flag("--save", routerIds_.save, "Save them in the registry, for the current user");
   command->add_flag("--machine-wide", routerIds_.machineWide, "Save them for all users")->needs(save);
+}
+
+void CommandLine::AddRecording() {
+  CLI::App* recording = app_.add_subcommand("recording", "Record calls, to find out later why one failed");
+  recording->require_subcommand(1);
+  Add(*recording, "on", "Record every call of the current user, whatever program makes it",
+      [this] { return TurnRecordingOn(session_, recordingFolder_); })
+      ->add_option("FOLDER", recordingFolder_, "Where cases are kept; a folder of the user's own when none is named")
+      ->type_name("");
+  Add(*recording, "off", "Record no more", [this] { return TurnRecordingOff(session_); });
+  Add(*recording, "status", "Say whether calls are recorded", [this] { return TellRecording(session_); });
+}
+
+void CommandLine::AddCases() {
+  CLI::App* cases = app_.add_subcommand("case", "Recorded calls");
+  cases->require_subcommand(1);
+  const auto add = [&](const std::string& name, const std::string& description, Action action, std::string& file,
+                       const char* what) {
+    CLI::App* command = Add(*cases, name, description, std::move(action));
+    command->add_option(&file == &caseFolder_ ? "FOLDER" : "FILE", file, what)->required()->type_name("");
+    return command;
+  };
+  const char* aCase = "A case, or the folder of one that was never finished";
+  add(
+      "list", "List the cases of a folder", [this] { return ListCases(caseFolder_); }, caseFolder_, "The folder");
+  add(
+      "show", "Show what was asked, what happened and what came back", [this] { return ShowCase(showCase_); },
+      showCase_.file, aCase)
+      ->add_flag("--json", showCase_.json, "Write it as JSON");
+  add(
+      "files", "List the files that a case holds", [this] { return ListCaseFiles(showCase_.file); }, showCase_.file,
+      aCase);
+  add(
+      "extract", "Write all that a case holds into a new folder",
+      [this] { return ExtractCase(showCase_.file, extractTo_); }, showCase_.file, aCase)
+      ->add_option("DIR", extractTo_, "The folder to make")
+      ->required()
+      ->type_name("");
 }
 
 void CommandLine::AddBase64() {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/commands/case_command.h"
 #include "cli/commands/export_command.h"
 #include "cli/commands/return_command.h"
 #include "cli/commands/router_ids_command.h"
@@ -40,6 +41,8 @@ class CommandLine {
   void AddShow();
   void AddDoctor();
   void AddRouterIds();
+  void AddRecording();
+  void AddCases();
   void AddBase64();
   void AddMachines();
   /// Commands that write down what the command line offers.
@@ -54,6 +57,10 @@ class CommandLine {
   std::string base64File_ = "-";
   std::string newMachine_;
   RouterIdsOptions routerIds_;
+  std::string recordingFolder_;
+  std::string caseFolder_;
+  ShowCaseOptions showCase_;
+  std::string extractTo_;
 
   Action action_;
   CLI::App app_;

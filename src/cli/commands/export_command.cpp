@@ -63,7 +63,7 @@ std::string MakeCommand(const ExportOptions& options) {
 std::string SendWatched(Session& session, const std::string& command) {
   ProgressLine line;
   WatchedExport watched(session.Platform(), line);
-  LegacyORLAPull pull(watched.Platform());
+  LegacyORLAPull pull(watched.Platform(), session.Recorder());
   pull.SetConsumer(MakeConsumer());
   return pull.PullNGORLA(command);
 }

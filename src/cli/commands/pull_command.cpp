@@ -42,9 +42,10 @@ bool SendText(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage
   return FailureIn(reply).has_value();
 }
 
-ExitStatus SendAll(const Platform& platform, const std::vector<std::string>& names,
-                   const std::vector<std::string>& contents, SendOne sendOne) {
-  LegacyORLAPull pull(platform);
+ExitStatus SendAll(Session& session, const std::vector<std::string>& names, const std::vector<std::string>& contents,
+                   SendOne sendOne) {
+  const Platform platform = session.Platform();
+  LegacyORLAPull pull(platform, session.Recorder());
   pull.SetConsumer(MakeConsumer());
   ExitStatus status = kReply;
   bool anyCallFailed = false;
@@ -65,7 +66,7 @@ ExitStatus Send(const SessionOptions& options, const std::vector<std::string>& f
     contents.push_back(ReadInput(file));
   }
   Session session(options);
-  const ExitStatus status = SendAll(session.Platform(), files, contents, sendOne);
+  const ExitStatus status = SendAll(session, files, contents, sendOne);
   session.Close();
   return status;
 }

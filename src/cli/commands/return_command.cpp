@@ -46,7 +46,7 @@ ExitStatus Return(const SessionOptions& sessionOptions, const ReturnOptions& opt
   const std::string command = MakeCommand(ChooseTag(document, options));
   Session session(sessionOptions);
   const std::string reply = [&] {
-    LegacyORLAPull pull(session.Platform());
+    LegacyORLAPull pull(session.Platform(), session.Recorder());
     pull.SetConsumer(MakeConsumer());
     return pull.PullNGORLA(command);
   }();

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "formats/router_ids/router_ids.h"
+#include "seams/host_system.h"
 #include "seams/own_settings.h"
 #include "seams/platform.h"
 
@@ -43,6 +44,9 @@ class Host {
   struct Parts;
   std::unique_ptr<Parts> parts_;
 };
+
+/// The system that the program runs on.
+std::unique_ptr<HostSystem> ThisSystem();
 
 /// The program's arguments, without its own name, as UTF-8.
 std::vector<std::string> ProgramArguments(int argc, char** argv);

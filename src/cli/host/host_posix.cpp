@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "adapters/posix/machine.h"
+#include "adapters/posix/native_system.h"
 #include "cli/host/exit_status.h"
 #include "cli/host/host.h"
 #include "cli/host/written_boxes.h"
@@ -89,6 +90,8 @@ HostFacts Host::Facts() {
           .codePage = "1252",
           .runsWindowsPrograms = false};
 }
+
+std::unique_ptr<HostSystem> ThisSystem() { return std::make_unique<posix::NativeSystem>(); }
 
 std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv + 1, argv + argc}; }
 

@@ -5,6 +5,7 @@
 
 #include "adapters/windows/apartment.h"
 #include "adapters/windows/machine.h"
+#include "adapters/windows/native_system.h"
 #include "adapters/windows/this_program.h"
 #include "cli/host/exit_status.h"
 #include "cli/host/host.h"
@@ -49,6 +50,8 @@ HostFacts Host::Facts() {
           .codePage = std::to_string(GetACP()),
           .runsWindowsPrograms = true};
 }
+
+std::unique_ptr<HostSystem> ThisSystem() { return std::make_unique<windows::NativeSystem>(); }
 
 std::vector<std::string> ProgramArguments(int, char**) { return windows::ProgramArguments(); }
 

@@ -9,7 +9,7 @@
 
 namespace parvex::cli {
 
-Session::Session(const SessionOptions& options) : journalName_(options.journal) {
+Session::Session(const SessionOptions& options) : journalName_(options.journal), system_(ThisSystem()) {
   try {
     if (!options.replay.empty()) {
       replay_.emplace(ReadInput(options.replay), options.replay);
@@ -18,6 +18,7 @@ Session::Session(const SessionOptions& options) : journalName_(options.journal) 
   } catch (const AutomationError& error) {
     throw UsageError(error.Description());
   }
+  recorder_.emplace(*system_, &host_->Settings(), options.record);
   if (!journalName_.empty()) {
     journalFile_.open(PathOf(journalName_), std::ios::binary);
     if (!journalFile_) {

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <fstream>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "cli/host/host.h"
 #include "journal/journalled_platform.h"
 #include "journal/replay_routers.h"
+#include "recording/recorder.h"
 #include "seams/platform.h"
 
 namespace parvex::cli {
@@ -15,6 +17,7 @@ namespace parvex::cli {
 struct SessionOptions {
   std::string machine;  ///< the machine folder; empty when none was named
   std::string journal;  ///< the file to write the journal to; empty for none
+  std::string record;   ///< the folder to record calls into; empty when the user named none
   std::string replay;   ///< the journal to answer router requests from; empty for none
 };
 
@@ -30,6 +33,8 @@ class Session {
   /// The members live until Close.
   parvex::Platform Platform();
   OwnSettings& Settings() { return host_->Settings(); }
+  /// For every LegacyORLAPull of the session.
+  recording::Recorder* Recorder() { return &*recorder_; }
 
   /// Ends the journal; an AutomationError (75) when it could not be written completely.
   void Close();
@@ -40,6 +45,8 @@ class Session {
   std::string journalName_;
   std::optional<journal::ReplayRouters> replay_;
   std::optional<Host> host_;
+  std::unique_ptr<HostSystem> system_;
+  std::optional<recording::Recorder> recorder_;
   std::ofstream journalFile_;
   std::optional<journal::JournalledPlatform> journalled_;
 };

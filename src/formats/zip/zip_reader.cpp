@@ -9,11 +9,14 @@
 #include "formats/text/text.h"
 #include "formats/text/unicode.h"
 #include "formats/zip/entry_names.h"
+#include "formats/zip/written_records.h"
 #include "formats/zip/zip_records.h"
 #include "seams/automation_error.h"
 
 namespace parvex {
 namespace {
+
+constexpr std::string_view kBlob = "blob";
 
 constexpr std::uint16_t kEncrypted = 0x0001 | 0x0040 | 0x2000;  // entry, strongly, directory
 constexpr std::uint16_t kPatch = 0x0020;
@@ -39,15 +42,24 @@ std::string Shown(std::string_view name) {
   return shown;
 }
 
-[[noreturn]] void Refuse(std::string_view blobPath, const std::string& reason) {
-  throw MakeRuntimeError(RuntimeError::InvalidCall, "the blob " + Quoted(Shown(blobPath)) + " is refused: " + reason);
+// What is refused, as messages call it.
+std::string Subject(std::string_view what, std::string_view path) {
+  return "the " + std::string(what) + " " + Quoted(Shown(path));
+}
+
+[[noreturn]] void Refuse(const std::string& subject, const std::string& reason) {
+  throw MakeRuntimeError(RuntimeError::InvalidCall, subject + " is refused: " + reason);
+}
+
+[[noreturn]] void RefuseEntryOf(const std::string& subject, std::string_view name, const std::string& reason) {
+  Refuse(subject, "its entry " + Quoted(Shown(name)) + " " + reason);
 }
 
 // --- Names ---
 
 // Refuses entries that cannot all be unpacked: two of one name, letter case ignored, or a file below another file. What
 // lies below a path is sorted directly behind it.
-void RefuseClashes(const std::vector<PackedEntry>& entries, std::string_view blobPath) {
+void RefuseClashes(const std::vector<PackedEntry>& entries, const std::string& subject) {
   constexpr char kBeforeAllOthers = '\1';
   std::vector<std::pair<std::string, const PackedEntry*>> sorted;
   for (const PackedEntry& entry : entries) {
@@ -59,15 +71,15 @@ void RefuseClashes(const std::vector<PackedEntry>& entries, std::string_view blo
     const auto& [path, entry] = sorted[i];
     const auto& [before, entryBefore] = sorted[i - 1];
     if (path == before || (!entryBefore->isFolder && path.starts_with(before + kBeforeAllOthers))) {
-      RefuseEntry(blobPath, entry->name, "has a name that another entry takes");
+      RefuseEntryOf(subject, entry->name, "has a name that another entry takes");
     }
   }
 }
 
 // The entry of that name without its bytes.
-PackedEntry NamedEntry(std::string_view name, std::string_view blobPath) {
+PackedEntry NamedEntry(std::string_view name, const std::string& subject) {
   if (const std::optional<std::string> problem = ProblemOfPackedName(name)) {
-    RefuseEntry(blobPath, name, *problem);
+    RefuseEntryOf(subject, name, *problem);
   }
   PackedEntry entry{WrittenName(name), {}, false};
   if (entry.name.back() == '\\') {
@@ -101,8 +113,8 @@ struct Listed {
 
 class Archive {
  public:
-  Archive(CodePage& codePage, std::string_view bytes, std::string_view blobPath)
-      : codePage_(codePage), bytes_(bytes), blobPath_(blobPath) {}
+  Archive(CodePage& codePage, std::string_view bytes, std::string subject, const UnpackLimits& limits)
+      : codePage_(codePage), bytes_(bytes), subject_(std::move(subject)), limits_(limits) {}
 
   // All records are checked before the first entry is unpacked.
   std::vector<PackedEntry> Entries() {
@@ -114,10 +126,10 @@ class Archive {
     const std::vector<Listed> listed = ReadDirectory(directory);
     std::vector<PackedEntry> entries;
     for (const Listed& entry : listed) {
-      entries.push_back(NamedEntry(entry.name, blobPath_));
+      entries.push_back(NamedEntry(entry.name, subject_));
       CheckKind(entry, entries.back().isFolder);
     }
-    RefuseClashes(entries, blobPath_);
+    RefuseClashes(entries, subject_);
     CheckLimits(listed);
     const std::vector<std::string_view> data = LocateData(listed, directory.offset);
     for (std::size_t i = 0; i < listed.size(); ++i) {
@@ -150,14 +162,14 @@ class Archive {
     const std::uint32_t length = Read32(record, kDirectoryLength);
     const std::uint32_t offset = Read32(record, kDirectoryOffset);
     if (entries == kInZip64 || length == kInZip64Long || offset == kInZip64Long) {
-      Refuse(blobPath_, "it is a ZIP64 archive");
+      Refuse(subject_, "it is a ZIP64 archive");
     }
     if (Read16(record, kDisk) != 0 || Read16(record, kDirectoryDisk) != 0 ||
         Read16(record, kEntriesOnDisk) != entries) {
-      Refuse(blobPath_, "it is one part of an archive");
+      Refuse(subject_, "it is one part of an archive");
     }
     if (std::uint64_t{offset} + length > at) {
-      Refuse(blobPath_, "its directory lies outside of the file");
+      Refuse(subject_, "its directory lies outside of the file");
     }
     return {entries, offset, length};
   }
@@ -169,7 +181,7 @@ class Archive {
       listed.push_back(TakeDirectoryRecord(rest));
     }
     if (!rest.empty()) {
-      Refuse(blobPath_, "its directory is longer than its entries");
+      Refuse(subject_, "its directory is longer than its entries");
     }
     return listed;
   }
@@ -178,12 +190,12 @@ class Archive {
   Listed TakeDirectoryRecord(std::string_view& rest) const {
     using namespace directory_record;
     if (rest.size() < kLength || Read32(rest, 0) != kSignature) {
-      Refuse(blobPath_, "its directory is damaged");
+      Refuse(subject_, "its directory is damaged");
     }
     const std::size_t nameLength = Read16(rest, kNameLength);
     const std::size_t length = kLength + nameLength + Read16(rest, kExtraLength) + Read16(rest, kCommentLength);
     if (rest.size() < length) {
-      Refuse(blobPath_, "its directory is damaged");
+      Refuse(subject_, "its directory is damaged");
     }
     Listed entry;
     entry.rawName = rest.substr(kLength, nameLength);
@@ -196,7 +208,7 @@ class Archive {
     entry.attributes = Read32(rest, kAttributes);
     entry.offset = Read32(rest, kOffset);
     if (Read16(rest, kDisk) != 0) {
-      RefuseEntry(blobPath_, entry.name, "lies in another part of the archive");
+      RefuseEntryOf(subject_, entry.name, "lies in another part of the archive");
     }
     rest.remove_prefix(length);
     return entry;
@@ -209,23 +221,23 @@ class Archive {
     const std::uint32_t unixType = entry.attributes >> 28;
     const std::uint32_t expectedType = isFolder ? 0x4 : 0x8;
     if ((unixType != 0 && unixType != expectedType) || (entry.attributes & kReparsePoint) != 0) {
-      RefuseEntry(blobPath_, entry.name, "is a link or another special file");
+      RefuseEntryOf(subject_, entry.name, "is a link or another special file");
     }
     if ((entry.flags & kEncrypted) != 0) {
-      RefuseEntry(blobPath_, entry.name, "is encrypted");
+      RefuseEntryOf(subject_, entry.name, "is encrypted");
     }
     if ((entry.flags & kPatch) != 0 || (entry.method != kStored && entry.method != kDeflated)) {
-      RefuseEntry(blobPath_, entry.name,
-                  "is packed by a method that is not read (" + std::to_string(entry.method) + ")");
+      RefuseEntryOf(subject_, entry.name,
+                    "is packed by a method that is not read (" + std::to_string(entry.method) + ")");
     }
     if (entry.packedLength == kInZip64Long || entry.length == kInZip64Long || entry.offset == kInZip64Long) {
-      RefuseEntry(blobPath_, entry.name, "is a ZIP64 entry");
+      RefuseEntryOf(subject_, entry.name, "is a ZIP64 entry");
     }
     if (isFolder && entry.length != 0) {
-      RefuseEntry(blobPath_, entry.name, "is a folder with content");
+      RefuseEntryOf(subject_, entry.name, "is a folder with content");
     }
     if (entry.method == kStored && entry.packedLength != entry.length) {
-      RefuseEntry(blobPath_, entry.name, "is damaged: it is stored with two lengths");
+      RefuseEntryOf(subject_, entry.name, "is damaged: it is stored with two lengths");
     }
   }
 
@@ -233,11 +245,11 @@ class Archive {
     std::uint64_t total = 0;
     for (const Listed& entry : listed) {
       total += entry.length;
-      if (entry.length > kLargestPackedEntry) {
-        RefuseEntry(blobPath_, entry.name, "has " + std::to_string(entry.length) + " bytes, more than are unpacked");
+      if (entry.length > limits_.entry) {
+        RefuseEntryOf(subject_, entry.name, "has " + std::to_string(entry.length) + " bytes, more than are unpacked");
       }
-      if (total > kLargestPackedTotal) {
-        RefuseEntry(blobPath_, entry.name, "brings the archive to more bytes than are unpacked");
+      if (total > limits_.total) {
+        RefuseEntryOf(subject_, entry.name, "brings the archive to more bytes than are unpacked");
       }
     }
   }
@@ -255,7 +267,7 @@ class Archive {
       const std::size_t begin = DataBegin(entry, directoryOffset);
       const std::size_t end = begin + entry.packedLength;
       if (end > directoryOffset) {
-        RefuseEntry(blobPath_, entry.name, "reaches into the directory");
+        RefuseEntryOf(subject_, entry.name, "reaches into the directory");
       }
       extents.push_back({entry.offset, end, &entry});
       data.push_back(bytes_.substr(begin, entry.packedLength));
@@ -263,7 +275,7 @@ class Archive {
     std::sort(extents.begin(), extents.end(), [](const Extent& a, const Extent& b) { return a.begin < b.begin; });
     for (std::size_t i = 1; i < extents.size(); ++i) {
       if (extents[i].begin < extents[i - 1].end) {
-        RefuseEntry(blobPath_, extents[i].entry->name, "overlaps another entry");
+        RefuseEntryOf(subject_, extents[i].entry->name, "overlaps another entry");
       }
     }
     return data;
@@ -274,13 +286,13 @@ class Archive {
   std::size_t DataBegin(const Listed& entry, std::size_t directoryOffset) const {
     using namespace local_record;
     if (std::uint64_t{entry.offset} + kLength > directoryOffset || Read32(bytes_, entry.offset) != kSignature) {
-      RefuseEntry(blobPath_, entry.name, "is not where the directory says");
+      RefuseEntryOf(subject_, entry.name, "is not where the directory says");
     }
     const std::string_view record = bytes_.substr(entry.offset, kLength);
     const std::string_view rawName = bytes_.substr(entry.offset + kLength, Read16(record, kNameLength));
     const bool encrypted = (Read16(record, kFlags) & kEncrypted) != 0;
     if (rawName != entry.rawName || Read16(record, kMethod) != entry.method || encrypted) {
-      RefuseEntry(blobPath_, entry.name, "is described in two ways");
+      RefuseEntryOf(subject_, entry.name, "is described in two ways");
     }
     return std::size_t{entry.offset} + kLength + rawName.size() + Read16(record, kExtraLength);
   }
@@ -289,7 +301,7 @@ class Archive {
     std::string bytes = entry.method == kStored ? std::string(data) : Inflate(entry, data);
     const uLong crc = crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size()));
     if (crc != entry.crc) {
-      RefuseEntry(blobPath_, entry.name, "is damaged: its checksum is wrong");
+      RefuseEntryOf(subject_, entry.name, "is damaged: its checksum is wrong");
     }
     return bytes;
   }
@@ -300,7 +312,7 @@ class Archive {
     std::string bytes(entry.length, '\0');
     z_stream stream{};
     if (inflateInit2(&stream, kRawStream) != Z_OK) {
-      Refuse(blobPath_, "zlib does not start");
+      Refuse(subject_, "zlib does not start");
     }
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
     stream.avail_in = static_cast<uInt>(data.size());
@@ -310,24 +322,46 @@ class Archive {
     const bool complete = result == Z_STREAM_END && stream.avail_in == 0 && stream.avail_out == 0;
     inflateEnd(&stream);
     if (!complete) {
-      RefuseEntry(blobPath_, entry.name, "is damaged: its data does not unpack to its length");
+      RefuseEntryOf(subject_, entry.name, "is damaged: its data does not unpack to its length");
     }
     return bytes;
   }
 
   CodePage& codePage_;
   std::string_view bytes_;
-  std::string_view blobPath_;
+  std::string subject_;
+  UnpackLimits limits_;
 };
 
 }  // namespace
 
-std::vector<PackedEntry> Unpack(CodePage& codePage, std::string_view archive, std::string_view blobPath) {
-  return Archive(codePage, archive, blobPath).Entries();
+std::vector<PackedEntry> Unpack(CodePage& codePage, std::string_view archive, std::string_view path,
+                                const UnpackLimits& limits) {
+  return Archive(codePage, archive, Subject(limits.what, path), limits).Entries();
+}
+
+std::string WithDirectory(std::string_view unfinished) {
+  using namespace local_record;
+  std::size_t at = 0;
+  std::string directory;
+  std::uint16_t entries = 0;
+  while (unfinished.size() - at >= kLength && Read32(unfinished, at) == kSignature && entries < kInZip64 - 1) {
+    const std::uint64_t length = Read32(unfinished, at + kStoredLength);
+    const std::size_t nameLength = Read16(unfinished, at + kNameLength);
+    const std::uint64_t end = std::uint64_t{at} + kLength + nameLength + Read16(unfinished, at + kExtraLength) + length;
+    if (Read16(unfinished, at + kMethod) != kStored || end > unfinished.size()) {
+      break;
+    }
+    const std::string_view record = unfinished.substr(at, kLength + nameLength);
+    directory += DirectoryRecord(record.substr(kLength), record.substr(4, kLength - 4), static_cast<std::uint32_t>(at));
+    ++entries;
+    at = static_cast<std::size_t>(end);
+  }
+  return std::string(unfinished.substr(0, at)) + directory + EndRecord(entries, directory.size(), at);
 }
 
 void RefuseEntry(std::string_view blobPath, std::string_view name, const std::string& reason) {
-  Refuse(blobPath, "its entry " + Quoted(Shown(name)) + " " + reason);
+  RefuseEntryOf(Subject(kBlob, blobPath), name, reason);
 }
 
 }  // namespace parvex

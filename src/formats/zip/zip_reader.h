@@ -24,10 +24,21 @@ struct PackedEntry {
   bool isFolder = false;
 };
 
+struct UnpackLimits {
+  std::uint64_t entry = kLargestPackedEntry;
+  std::uint64_t total = kLargestPackedTotal;
+  std::string_view what = "blob";  ///< what refusals call the archive
+};
+
 /// The unpacked entries of the archive that `archive` holds, in the archive's order; none when it is no archive. No two
 /// have the same name. An archive that is damaged, holds an entry with a hostile name or of a kind that is not read, or
-/// goes beyond the limits is refused as a whole: an AutomationError (5) that names `blobPath` and the entry.
-std::vector<PackedEntry> Unpack(CodePage& codePage, std::string_view archive, std::string_view blobPath);
+/// goes beyond the limits is refused as a whole: an AutomationError (5) that names `path` and the entry.
+std::vector<PackedEntry> Unpack(CodePage& codePage, std::string_view archive, std::string_view path,
+                                const UnpackLimits& limits = {});
+
+/// An archive whose directory was never written (ArchiveFile), with one for the stored entries that are whole; what
+/// follows them is left out.
+std::string WithDirectory(std::string_view unfinished);
 
 /// The refusal of an archive for one of its entries, as Unpack words it: `reason` is read behind the entry's name.
 [[noreturn]] void RefuseEntry(std::string_view blobPath, std::string_view name, const std::string& reason);

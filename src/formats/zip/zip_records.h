@@ -26,7 +26,7 @@ inline constexpr std::size_t kExtraLength = 30, kCommentLength = 32, kDisk = 34,
 namespace local_record {
 inline constexpr std::uint32_t kSignature = 0x04034B50;
 inline constexpr std::size_t kLength = 30;
-inline constexpr std::size_t kFlags = 6, kMethod = 8, kNameLength = 26, kExtraLength = 28;
+inline constexpr std::size_t kFlags = 6, kMethod = 8, kStoredLength = 18, kNameLength = 26, kExtraLength = 28;
 }  // namespace local_record
 
 // Methods of packing.

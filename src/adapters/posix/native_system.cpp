@@ -1,0 +1,206 @@
+#include "adapters/posix/native_system.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <system_error>
+
+#include "adapters/posix/host_file.h"
+
+namespace parvex::posix {
+namespace {
+
+constexpr mode_t kOwnFile = S_IRUSR | S_IWUSR;
+constexpr mode_t kOwnFolder = S_IRWXU;
+
+std::filesystem::path PathIn(std::string_view path) { return std::filesystem::path(path); }
+
+class LockedFile : public HostSystem::File {
+ public:
+  explicit LockedFile(std::string_view path)
+      : path_(path), descriptor_(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kOwnFile)) {
+    if (descriptor_ < 0) {
+      RaiseSystemError(errno, "write", path_);
+    }
+    flock(descriptor_, LOCK_EX | LOCK_NB);
+  }
+  ~LockedFile() override { close(descriptor_); }
+  LockedFile(const LockedFile&) = delete;
+  LockedFile& operator=(const LockedFile&) = delete;
+
+  void Append(std::string_view bytes) override {
+    Write(end_, bytes);
+    end_ += bytes.size();
+  }
+  void Overwrite(std::uint64_t at, std::string_view bytes) override { Write(at, bytes); }
+  void Truncate(std::uint64_t size) override {
+    if (ftruncate(descriptor_, static_cast<off_t>(size)) != 0) {
+      RaiseSystemError(errno, "write", path_);
+    }
+    end_ = size;
+  }
+  std::string Read(std::uint64_t at, std::size_t most) override {
+    std::string bytes(most, '\0');
+    std::size_t size = 0;
+    while (size < most) {
+      const ssize_t got = pread(descriptor_, bytes.data() + size, most - size, static_cast<off_t>(at + size));
+      if (got < 0 && errno != EINTR) {
+        RaiseSystemError(errno, "read", path_);
+      }
+      if (got == 0) {
+        break;
+      }
+      size += got < 0 ? 0 : static_cast<std::size_t>(got);
+    }
+    bytes.resize(size);
+    return bytes;
+  }
+
+ private:
+  void Write(std::uint64_t at, std::string_view bytes) {
+    while (!bytes.empty()) {
+      const ssize_t written = pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(at));
+      if (written < 0 && errno != EINTR) {
+        RaiseSystemError(errno, "write", path_);
+      }
+      bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+      at += written < 0 ? 0 : static_cast<std::uint64_t>(written);
+    }
+  }
+
+  std::string path_;
+  int descriptor_;
+  std::uint64_t end_ = 0;
+};
+
+std::string TimeText(const char* format, const std::tm& time) {
+  char text[32];
+  text[strftime(text, sizeof text, format, &time)] = '\0';
+  return text;
+}
+
+void RaiseIf(const std::error_code& failed, std::string_view doing, std::string_view path) {
+  if (failed) {
+    RaiseSystemError(failed.value(), doing, path);
+  }
+}
+
+}  // namespace
+
+HostSystem::Facts NativeSystem::ThisProgram() {
+  std::error_code none;
+  return {.platform = "machine folder",
+          .bitness = 8 * sizeof(void*),
+          .codePage = 1252,
+          .program = std::filesystem::read_symlink("/proc/self/exe", none).string(),
+          .processId = static_cast<std::uint32_t>(getpid()),
+          .xmlEngine = "libxml2",
+          .databaseEngine = "the built-in Jet reader"};
+}
+
+std::uint32_t NativeSystem::ThreadId() { return static_cast<std::uint32_t>(gettid()); }
+
+std::optional<std::string> NativeSystem::Variable(std::string_view name) {
+  const char* value = getenv(std::string(name).c_str());
+  return value == nullptr || *value == '\0' ? std::nullopt : std::optional<std::string>(value);
+}
+
+std::string NativeSystem::DefaultFolder() {
+  if (const std::optional<std::string> state = Variable("XDG_STATE_HOME")) {
+    return *state + "/parvex/recordings";
+  }
+  const std::optional<std::string> home = Variable("HOME");
+  return home ? *home + "/.local/state/parvex/recordings"
+              : "/tmp/parvex-recordings-" + std::to_string(static_cast<unsigned>(getuid()));
+}
+
+std::string NativeSystem::LocalTime() {
+  const std::time_t now = time(nullptr);
+  std::tm parts = {};
+  localtime_r(&now, &parts);
+  return TimeText("%Y%m%d-%H%M%S", parts);
+}
+
+std::string NativeSystem::UniversalTime() {
+  const std::time_t now = time(nullptr);
+  std::tm parts = {};
+  gmtime_r(&now, &parts);
+  return TimeText("%Y-%m-%dT%H:%M:%SZ", parts);
+}
+
+std::uint64_t NativeSystem::Microseconds() {
+  timespec now = {};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<std::uint64_t>(now.tv_sec) * 1'000'000 + static_cast<std::uint64_t>(now.tv_nsec) / 1'000;
+}
+
+void NativeSystem::CreateFolders(std::string_view path) {
+  std::error_code failed;
+  std::filesystem::create_directories(PathIn(path), failed);
+  RaiseIf(failed, "make the folder", path);
+}
+
+bool NativeSystem::CreateNewFolder(std::string_view path) {
+  if (mkdir(std::string(path).c_str(), kOwnFolder) == 0) {
+    return true;
+  }
+  if (errno != EEXIST) {
+    RaiseSystemError(errno, "make the folder", path);
+  }
+  return false;
+}
+
+std::unique_ptr<HostSystem::File> NativeSystem::MakeFile(std::string_view path) {
+  return std::make_unique<LockedFile>(path);
+}
+
+bool NativeSystem::IsInUse(std::string_view path) {
+  const int descriptor = open(std::string(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (descriptor < 0) {
+    return false;
+  }
+  const bool isLocked = flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  close(descriptor);
+  return isLocked;
+}
+
+std::string NativeSystem::ReadAll(std::string_view path) { return ReadHostFile(PathIn(path), path); }
+
+void NativeSystem::WriteAll(std::string_view path, std::string_view bytes) {
+  WriteHostFile(PathIn(path), bytes, IfPresent::Replace, path);
+}
+
+void NativeSystem::Rename(std::string_view from, std::string_view to) {
+  std::error_code failed;
+  std::filesystem::rename(PathIn(from), PathIn(to), failed);
+  RaiseIf(failed, "rename", from);
+}
+
+void NativeSystem::Remove(std::string_view path) { RemoveHostFile(PathIn(path), path); }
+
+void NativeSystem::RemoveFolder(std::string_view path) {
+  std::error_code failed;
+  std::filesystem::remove_all(PathIn(path), failed);
+  RaiseIf(failed, "remove the folder", path);
+}
+
+std::vector<HostSystem::Entry> NativeSystem::List(std::string_view folder) {
+  std::vector<Entry> entries;
+  std::error_code ended;
+  for (std::filesystem::directory_iterator entry(PathIn(folder), ended), end; !ended && entry != end;
+       entry.increment(ended)) {
+    std::error_code none;
+    const bool isFolder = entry->is_directory(none);
+    const bool isFile = entry->is_regular_file(none);
+    entries.push_back({entry->path().filename().string(), isFile ? entry->file_size(none) : 0, isFolder});
+  }
+  return entries;
+}
+
+}  // namespace parvex::posix

@@ -1,0 +1,210 @@
+#include "adapters/windows/native_system.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "adapters/windows/system_error.h"
+#include "adapters/windows/system_files.h"
+#include "adapters/windows/this_program.h"
+#include "adapters/windows/wide_text.h"
+
+namespace parvex::windows {
+namespace {
+
+constexpr std::size_t kLargestPiece = 1u << 20;
+
+class OwnFile : public HostSystem::File {
+ public:
+  explicit OwnFile(std::string_view path)
+      : path_(path),
+        handle_(CreateFileW(Widen(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                            FILE_ATTRIBUTE_NORMAL, nullptr)) {
+    if (handle_ == INVALID_HANDLE_VALUE) {
+      throw FileError(GetLastError(), "write", path_);
+    }
+  }
+  ~OwnFile() override { CloseHandle(handle_); }
+  OwnFile(const OwnFile&) = delete;
+  OwnFile& operator=(const OwnFile&) = delete;
+
+  void Append(std::string_view bytes) override {
+    Write(end_, bytes);
+    end_ += bytes.size();
+  }
+  void Overwrite(std::uint64_t at, std::string_view bytes) override { Write(at, bytes); }
+  void Truncate(std::uint64_t size) override {
+    GoTo(size, "write");
+    if (!SetEndOfFile(handle_)) {
+      throw FileError(GetLastError(), "write", path_);
+    }
+    end_ = size;
+  }
+  std::string Read(std::uint64_t at, std::size_t most) override {
+    GoTo(at, "read");
+    std::string bytes(most, '\0');
+    std::size_t size = 0;
+    DWORD got = 1;
+    while (size < most && got > 0) {
+      const auto wanted = static_cast<DWORD>(std::min(most - size, kLargestPiece));
+      if (!ReadFile(handle_, bytes.data() + size, wanted, &got, nullptr)) {
+        throw FileError(GetLastError(), "read", path_);
+      }
+      size += got;
+    }
+    bytes.resize(size);
+    return bytes;
+  }
+
+ private:
+  void GoTo(std::uint64_t at, std::string_view doing) {
+    LARGE_INTEGER place = {};
+    place.QuadPart = static_cast<LONGLONG>(at);
+    if (!SetFilePointerEx(handle_, place, nullptr, FILE_BEGIN)) {
+      throw FileError(GetLastError(), doing, path_);
+    }
+  }
+  void Write(std::uint64_t at, std::string_view bytes) {
+    GoTo(at, "write");
+    while (!bytes.empty()) {
+      DWORD written = 0;
+      const auto wanted = static_cast<DWORD>(std::min(bytes.size(), kLargestPiece));
+      if (!WriteFile(handle_, bytes.data(), wanted, &written, nullptr) || written == 0) {
+        throw FileError(GetLastError(), "write", path_);
+      }
+      bytes.remove_prefix(written);
+    }
+  }
+
+  std::string path_;
+  HANDLE handle_;
+  std::uint64_t end_ = 0;
+};
+
+std::optional<std::wstring> WideVariable(const wchar_t* name) {
+  std::wstring value(32767, L'\0');  // the longest that the system has
+  const DWORD size = GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size()));
+  value.resize(std::min<std::size_t>(size, value.size()));
+  return value.empty() ? std::nullopt : std::optional(value);
+}
+
+std::string Formatted(const char* format, const SYSTEMTIME& time) {
+  char text[32];
+  std::snprintf(text, sizeof text, format, time.wYear % 10000u, time.wMonth % 100u, time.wDay % 100u, time.wHour % 100u,
+                time.wMinute % 100u, time.wSecond % 100u);
+  return text;
+}
+
+bool IsDots(const wchar_t* name) { return std::wstring_view(name) == L"." || std::wstring_view(name) == L".."; }
+
+}  // namespace
+
+HostSystem::Facts NativeSystem::ThisProgram() {
+  return {.platform = "Windows",
+          .bitness = 8 * sizeof(void*),
+          .codePage = GetACP(),
+          .program = Narrow(ProgramPath()),
+          .processId = GetCurrentProcessId(),
+          .xmlEngine = "MSXML 3",
+          .databaseEngine = "DAO"};
+}
+
+std::uint32_t NativeSystem::ThreadId() { return GetCurrentThreadId(); }
+
+std::optional<std::string> NativeSystem::Variable(std::string_view name) {
+  const std::optional<std::wstring> value = WideVariable(Widen(name).c_str());
+  return value ? std::optional(Narrow(*value)) : std::nullopt;
+}
+
+std::string NativeSystem::DefaultFolder() {
+  std::optional<std::wstring> above = WideVariable(L"LOCALAPPDATA");
+  if (!above) {
+    above = WideVariable(L"TEMP");
+  }
+  return Narrow(above.value_or(L"C:\\Temp")) + "\\Parvex\\Recordings";
+}
+
+std::string NativeSystem::LocalTime() {
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  return Formatted("%04u%02u%02u-%02u%02u%02u", now);
+}
+
+std::string NativeSystem::UniversalTime() {
+  SYSTEMTIME now;
+  GetSystemTime(&now);
+  return Formatted("%04u-%02u-%02uT%02u:%02u:%02uZ", now);
+}
+
+std::uint64_t NativeSystem::Microseconds() {
+  LARGE_INTEGER now = {};
+  if (clockStepsPerSecond_ == 0) {
+    QueryPerformanceFrequency(&now);
+    clockStepsPerSecond_ = static_cast<std::uint64_t>(now.QuadPart);
+  }
+  QueryPerformanceCounter(&now);
+  const auto steps = static_cast<std::uint64_t>(now.QuadPart);
+  return steps / clockStepsPerSecond_ * 1'000'000 + steps % clockStepsPerSecond_ * 1'000'000 / clockStepsPerSecond_;
+}
+
+void NativeSystem::CreateFolders(std::string_view path) { SystemFiles().CreateFolder(path); }
+
+bool NativeSystem::CreateNewFolder(std::string_view path) {
+  if (CreateDirectoryW(Widen(path).c_str(), nullptr)) {
+    return true;
+  }
+  const DWORD code = GetLastError();
+  if (code != ERROR_ALREADY_EXISTS) {
+    throw FileError(code, "make the folder", path);
+  }
+  return false;
+}
+
+std::unique_ptr<HostSystem::File> NativeSystem::MakeFile(std::string_view path) {
+  return std::make_unique<OwnFile>(path);
+}
+
+bool NativeSystem::IsInUse(std::string_view path) {
+  const HANDLE file = CreateFileW(Widen(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    return GetLastError() == ERROR_SHARING_VIOLATION;
+  }
+  CloseHandle(file);
+  return false;
+}
+
+std::string NativeSystem::ReadAll(std::string_view path) { return SystemFiles().ReadAll(path); }
+
+void NativeSystem::WriteAll(std::string_view path, std::string_view bytes) { SystemFiles().Replace(path, bytes); }
+
+void NativeSystem::Rename(std::string_view from, std::string_view to) {
+  if (!MoveFileExW(Widen(from).c_str(), Widen(to).c_str(), MOVEFILE_REPLACE_EXISTING)) {
+    throw FileError(GetLastError(), "rename", from);
+  }
+}
+
+void NativeSystem::Remove(std::string_view path) { SystemFiles().Remove(path); }
+
+void NativeSystem::RemoveFolder(std::string_view path) { SystemFiles().RemoveFolder(path); }
+
+std::vector<HostSystem::Entry> NativeSystem::List(std::string_view folder) {
+  std::vector<Entry> entries;
+  WIN32_FIND_DATAW found;
+  const HANDLE search = FindFirstFileW(Widen(std::string(folder) + "\\*").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) {
+    return entries;
+  }
+  do {
+    if (!IsDots(found.cFileName)) {
+      const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+      const std::uint64_t bytes = std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow;
+      entries.push_back({Narrow(found.cFileName), isFolder ? 0 : bytes, isFolder});
+    }
+  } while (FindNextFileW(search, &found));
+  FindClose(search);
+  return entries;
+}
+
+}  // namespace parvex::windows

@@ -15,6 +15,7 @@ class JournalOfEnds : public CrossingLog {
   std::uint64_t Begin(const Json&) override { return 0; }
   void End(std::uint64_t, const Json& line, const AutomationError* error) override {
     Json ended = line;
+    ended.erase("changed");  // a journal shows arguments as they were passed
     if (error != nullptr) {
       ended["error"] = ErrorJson(*error);
     }

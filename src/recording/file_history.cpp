@@ -6,6 +6,7 @@
 #include "formats/text/letter_case.h"
 #include "recording/case_layout.h"
 #include "seams/automation_error.h"
+#include "seams/file_parts.h"
 
 namespace parvex::recording {
 namespace {
@@ -202,7 +203,7 @@ void FileHistory::LookAt(const std::string& folder) noexcept {
         writer_.Missing(folder, "it holds more files than are looked at");
         return;
       }
-      if (files_.ReadPart(path, kLargestFileLookedAt, 1).empty()) {
+      if (ReadPart(files_, path, kLargestFileLookedAt, 1).empty()) {
         Use(path);
       } else {
         PassOver(path);
@@ -270,7 +271,7 @@ std::vector<std::string> FileHistory::Finish() noexcept {
 void FileHistory::Keep(Known& known, std::string_view member) {
   const std::string path = known.path;
   const auto checksum =
-      writer_.KeepPieces(std::string(member), [&](std::uint64_t at) { return files_.ReadPart(path, at, kPiece); });
+      writer_.KeepPieces(std::string(member), [&](std::uint64_t at) { return ReadPart(files_, path, at, kPiece); });
   known.isKept = checksum.has_value();
   known.checksum = checksum.value_or(0);
   known.epoch = epoch_;
@@ -312,8 +313,8 @@ std::optional<std::uint32_t> FileHistory::ChecksumNow(const std::string& path) {
   }
   std::uint32_t checksum = 0;
   std::uint64_t at = 0;
-  for (std::string piece = files_.ReadPart(path, 0, kPiece); !piece.empty();
-       piece = files_.ReadPart(path, at, kPiece)) {
+  for (std::string piece = ReadPart(files_, path, 0, kPiece); !piece.empty();
+       piece = ReadPart(files_, path, at, kPiece)) {
     checksum = ChecksumOf(piece, checksum);
     at += piece.size();
   }

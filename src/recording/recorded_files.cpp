@@ -105,13 +105,6 @@ std::optional<std::string> RecordedFiles::ReadIfFile(std::string_view path) {
   });
 }
 
-std::string RecordedFiles::ReadPart(std::string_view path, std::uint64_t at, std::size_t most) {
-  if (Recording* recording = current_->recording.get()) {
-    recording->Files().Use(path);
-  }
-  return outside_.ReadPart(path, at, most);
-}
-
 void RecordedFiles::Replace(std::string_view path, std::string_view bytes) {
   const std::shared_ptr<Recording> recording = current_->recording;
   if (recording == nullptr) {

@@ -18,12 +18,12 @@ class RecordedFiles : public Files {
 
   bool IsFile(std::string_view path) override;
   bool IsFolder(std::string_view path) override;
+  std::shared_ptr<void> ExpectManyLooks() override { return outside_.ExpectManyLooks(); }
   bool MayBeLink(std::string_view path) override { return outside_.MayBeLink(path); }
   std::vector<std::string> ListFiles(std::string_view pattern) override;
   std::vector<std::string> ListFolders(std::string_view folder) override;
   std::string ReadAll(std::string_view path) override;
   std::optional<std::string> ReadIfFile(std::string_view path) override;
-  std::string ReadPart(std::string_view path, std::uint64_t at, std::size_t most) override;
   void Replace(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
   void Remove(std::string_view path) override;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,13 +36,6 @@ class Files {
   /// What a file holds; nothing when the path is no existing file.
   virtual std::optional<std::string> ReadIfFile(std::string_view path) {
     return IsFile(path) ? std::optional(ReadAll(path)) : std::nullopt;
-  }
-
-  /// At most `most` bytes of a file from `at` on, fewer where it ends; for whom the whole may be too much. The file may
-  /// change between two such readings.
-  virtual std::string ReadPart(std::string_view path, std::uint64_t at, std::size_t most) {
-    const std::string whole = ReadAll(path);
-    return at < whole.size() ? whole.substr(static_cast<std::size_t>(at), most) : std::string();
   }
 
   /// Makes `path` hold exactly `bytes`: written beside it and renamed over it, so that at every moment the old or the

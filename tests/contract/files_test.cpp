@@ -6,6 +6,7 @@
 #include <chrono>
 #include <functional>
 
+#include "seams/file_parts.h"
 #include "tests/contract/contract_fixture.h"
 
 namespace parvex::test {
@@ -89,11 +90,11 @@ TEST_F(FilesContract, ReadsALargeFileWhole) {
 
 TEST_F(FilesContract, ReadsAPartOfAFileAsFarAsItGoes) {
   Write("parts", "0123456789");
-  EXPECT_EQ(files.ReadPart(Path("parts"), 0, 4), "0123");
-  EXPECT_EQ(files.ReadPart(Path("parts"), 8, 4), "89");
-  EXPECT_EQ(files.ReadPart(Path("parts"), 10, 4), "");
-  EXPECT_EQ(files.ReadPart(Path("parts"), std::uint64_t{1} << 40, 4), "");
-  EXPECT_EQ(RaisedBy([&] { files.ReadPart(Path("none"), 0, 4); }), RaisedBy([&] { files.ReadAll(Path("none")); }));
+  EXPECT_EQ(ReadPart(files, Path("parts"), 0, 4), "0123");
+  EXPECT_EQ(ReadPart(files, Path("parts"), 8, 4), "89");
+  EXPECT_EQ(ReadPart(files, Path("parts"), 10, 4), "");
+  EXPECT_EQ(ReadPart(files, Path("parts"), std::uint64_t{1} << 40, 4), "");
+  EXPECT_EQ(RaisedBy([&] { ReadPart(files, Path("none"), 0, 4); }), RaisedBy([&] { files.ReadAll(Path("none")); }));
 }
 
 TEST_F(FilesContract, LetterCaseOfFoldersAndFilesDoesNotMatter) {

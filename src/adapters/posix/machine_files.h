@@ -2,13 +2,14 @@
 
 #include "adapters/posix/host_file.h"
 #include "adapters/posix/machine_folder.h"
+#include "seams/file_parts.h"
 #include "seams/files.h"
 
 namespace parvex::posix {
 
 /// The files of a machine folder. A file without any write permission is read-only: it is neither replaced nor removed.
 /// A path that no file can have is one that does not exist.
-class MachineFiles : public Files {
+class MachineFiles : public Files, public FileParts {
  public:
   explicit MachineFiles(MachineFolder& folder) : folder_(folder) {}
 

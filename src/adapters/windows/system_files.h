@@ -1,11 +1,12 @@
 #pragma once
 
 #include "adapters/windows/missing_files.h"
+#include "seams/file_parts.h"
 #include "seams/files.h"
 
 namespace parvex::windows {
 
-class SystemFiles : public Files {
+class SystemFiles : public Files, public FileParts {
  public:
   bool IsFile(std::string_view path) override;
   bool IsFolder(std::string_view path) override;

@@ -1,32 +1,20 @@
 #include "recording/file_history.h"
 
-#include <exception>
 #include <utility>
 
 #include "formats/text/letter_case.h"
 #include "recording/case_layout.h"
+#include "recording/quietly.h"
 #include "seams/automation_error.h"
 #include "seams/file_parts.h"
 
 namespace parvex::recording {
 namespace {
 
-constexpr std::size_t kPiece = 1u << 20;
+constexpr std::size_t kFilePiece = 1u << 20;
 // Of a temporary folder that a program shares with others, what is looked at.
 constexpr std::size_t kMostFilesLookedAt = 1'000;
 constexpr std::size_t kLargestFileLookedAt = 4u << 20;
-
-// Steps of the recording stay without consequence for the call.
-template <typename Step>
-void Quietly(CaseWriter& writer, std::string_view path, Step step) noexcept {
-  try {
-    step();
-  } catch (const std::exception& failure) {
-    writer.Missing(path, failure.what());
-  } catch (...) {
-    writer.Missing(path, "unknown failure");
-  }
-}
 
 std::string Machine(const std::string& member) { return std::string(kMachine) + member; }
 
@@ -271,7 +259,7 @@ std::vector<std::string> FileHistory::Finish() noexcept {
 void FileHistory::Keep(Known& known, std::string_view member) {
   const std::string path = known.path;
   const auto checksum =
-      writer_.KeepPieces(std::string(member), [&](std::uint64_t at) { return ReadPart(files_, path, at, kPiece); });
+      writer_.KeepPieces(std::string(member), [&](std::uint64_t at) { return ReadPart(files_, path, at, kFilePiece); });
   known.isKept = checksum.has_value();
   known.checksum = checksum.value_or(0);
   known.epoch = epoch_;
@@ -313,8 +301,8 @@ std::optional<std::uint32_t> FileHistory::ChecksumNow(const std::string& path) {
   }
   std::uint32_t checksum = 0;
   std::uint64_t at = 0;
-  for (std::string piece = ReadPart(files_, path, 0, kPiece); !piece.empty();
-       piece = ReadPart(files_, path, at, kPiece)) {
+  for (std::string piece = ReadPart(files_, path, 0, kFilePiece); !piece.empty();
+       piece = ReadPart(files_, path, at, kFilePiece)) {
     checksum = ChecksumOf(piece, checksum);
     at += piece.size();
   }

@@ -10,8 +10,6 @@
 namespace parvex::recording {
 namespace {
 
-constexpr std::uint64_t kMegabyte = 1'000'000;
-
 // Cases by name, which begins with the time: the oldest first.
 std::vector<HostSystem::Entry> CasesIn(HostSystem& system, const std::string& folder) {
   std::vector<HostSystem::Entry> cases = system.List(folder);

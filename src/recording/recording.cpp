@@ -1,12 +1,11 @@
 #include "recording/recording.h"
 
-#include <exception>
-
 #include "formats/text/encoded_text.h"
 #include "formats/text/letter_case.h"
 #include "recording/case_layout.h"
 #include "recording/hand_over_folders.h"
 #include "recording/old_cases.h"
+#include "recording/quietly.h"
 #include "recording/registry_text.h"
 #include "seams/automation_error.h"
 #include "version.h"
@@ -14,20 +13,8 @@
 namespace parvex::recording {
 namespace {
 
-constexpr std::uint64_t kMegabyte = 1'000'000;
 // The value by which the legacy application's programs find each other's files.
 constexpr std::string_view kApplicationKey = "SOFTWARE\\Korvane\\KDQ47";
-
-template <typename Step>
-void Quietly(CaseWriter& writer, std::string_view what, Step step) noexcept {
-  try {
-    step();
-  } catch (const std::exception& failure) {
-    writer.Missing(what, failure.what());
-  } catch (...) {
-    writer.Missing(what, "unknown failure");
-  }
-}
 
 Json FactsOf(HostSystem& system, const Json& machineFacts, const CallStart& start) {
   const HostSystem::Facts program = system.ThisProgram();

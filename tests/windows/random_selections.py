@@ -7,6 +7,7 @@ either place, order configurations, engineered-to-order lines, and texts with wh
 """
 
 import json
+import os
 import random
 import sys
 import tempfile
@@ -132,16 +133,19 @@ def main():
     with tempfile.TemporaryDirectory() as scratch:
         machines = [equal_replies.Native(native_bin, scratch), equal_replies.Windows(native_bin, windows_bin, scratch)]
         command = machines[0].machine / "commands" / "getHybrisXMLNoUI.xml"
-        for index in range(count):
-            units = selection(seed, index)
-            seen = [export(machine, units, command) for machine in machines]
-            quotes += "<TAG>" in seen[0][0]["reply"]
-            errors += bool(seen[0][0]["errors"])
-            if seen[0] != seen[1]:
-                different += 1
-                print(f"DIFFERENT: selection {index} of seed {seed}")
-                for machine, part in zip(machines, where_they_part(*map(str, seen))):
-                    print(f"  {machine.name}: {part}")
+        try:
+            for index in range(count):
+                units = selection(seed, index)
+                seen = [export(machine, units, command) for machine in machines]
+                quotes += "<TAG>" in seen[0][0]["reply"]
+                errors += bool(seen[0][0]["errors"])
+                if seen[0] != seen[1]:
+                    different += 1
+                    print(f"DIFFERENT: selection {index} of seed {seed}")
+                    for machine, part in zip(machines, where_they_part(*map(str, seen))):
+                        print(f"  {machine.name}: {part}")
+        finally:
+            wine.install_machine(native_bin, windows_bin, os.path.join(scratch, "as-it-was"))  # others want its tags
     print(f"{count} selections, {quotes} quotes with tags, {errors} errors, {different} differences")
     sys.exit(1 if different or not quotes else 0)
 

@@ -45,6 +45,8 @@ xml::Document Dispatch(std::span<const CommandEntry> commands, std::shared_ptr<L
   return entry->handler(*link, command);
 }
 
+std::string TextOf(const xml::Document& reply) { return reply ? reply.Xml() : std::string(); }
+
 }  // namespace
 
 LegacyORLAPull::LegacyORLAPull(const Platform& platform, recording::Recorder* recorder)
@@ -61,8 +63,21 @@ std::string LegacyORLAPull::PullNGORLA(std::string_view commandXml) {
   const std::shared_ptr<RecordedLink> instance = instance_;
   const xml::Document command = xml::Document::Parse(commandXml);
   RecordedCall call(*instance, recorder_, "PullNGORLA", command, [&] { return std::string(commandXml); });
-  return call.Carry([&] { return Dispatch(PullNgorlaCommands(), link_, command); },
-                    [](const xml::Document& reply) { return reply ? reply.Xml() : std::string(); });
+  return call.Carry([&] { return Dispatch(PullNgorlaCommands(), link_, command); }, TextOf);
+}
+
+bool LegacyORLAPull::PullNGORLA(std::string_view commandXml, const std::function<void(std::string_view piece)>& take) {
+  const std::shared_ptr<RecordedLink> instance = instance_;
+  const xml::Document command = xml::Document::Parse(commandXml);
+  RecordedCall call(*instance, recorder_, "PullNGORLA", command, [&] { return std::string(commandXml); });
+  xml::Document reply;
+  const auto carriedOut = [&] { return reply = Dispatch(PullNgorlaCommands(), link_, command); };
+  if (call.IsRecorded()) {
+    take(call.Carry(carriedOut, TextOf));
+  } else if (carriedOut()) {
+    reply.WriteXml(take);
+  }
+  return IsFailedReply(reply);
 }
 
 }  // namespace parvex

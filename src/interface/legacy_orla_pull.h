@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -39,6 +40,9 @@ class LegacyORLAPull {
   /// Carries out one of PullNgorlaCommands(). A text that does not parse is an empty command document, and so a missing
   /// command name ("object not set").
   std::string PullNGORLA(std::string_view commandXml);
+  /// The same with the reply handed over in pieces (xml::Document::WriteXml) once it is complete, and whether it is the
+  /// failed one. What `take` throws leaves the call.
+  bool PullNGORLA(std::string_view commandXml, const std::function<void(std::string_view piece)>& take);
 
  private:
   std::shared_ptr<RecordedLink> instance_;

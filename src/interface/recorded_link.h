@@ -33,6 +33,8 @@ class RecordedCall {
   RecordedCall(const RecordedCall&) = delete;
   RecordedCall& operator=(const RecordedCall&) = delete;
 
+  bool IsRecorded() const noexcept { return recording_ != nullptr; }
+
   /// Carries the call out and tells how it ended; `text` makes of the reply what is given to the caller.
   template <typename Call, typename Text>
   auto Carry(Call call, Text text) {

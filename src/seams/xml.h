@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -142,6 +143,9 @@ class Document {
   Node Append(const Node& child) const;
 
   std::string Xml() const { return node_.Xml(); }
+  /// The same text, handed over in pieces from its beginning to its end: an adapter may make them one by one, so that a
+  /// large document is not held as a text too. What `take` throws ends it. Nothing for an empty document.
+  void WriteXml(const std::function<void(std::string_view piece)>& take) const;
   /// The content of a file that holds this document: its markup in the encoding that the declaration names (UTF-16 with
   /// byte order mark), UTF-8 without one or when the name is not known, which the declaration then says. Characters
   /// that the encoding lacks become character references; in a name, comment or instruction they are refused.

@@ -1,6 +1,8 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "seams/xml.h"
 #include "tests/contract/contract_fixture.h"
@@ -187,6 +189,62 @@ TEST(XmlMarkup, OfADocumentEndsWithALineBreakAndThatOfAnElementDoesNot) {
   const Document document = Parsed("<a/>");
   EXPECT_EQ(document.Xml(), "<a/>\r\n");
   EXPECT_EQ(document.Root().Xml(), "<a/>");
+}
+
+std::vector<std::string> Pieces(const Document& document) {
+  std::vector<std::string> pieces;
+  document.WriteXml([&](std::string_view piece) { pieces.emplace_back(piece); });
+  return pieces;
+}
+
+std::string Joined(const std::vector<std::string>& pieces) {
+  std::string text;
+  for (const std::string& piece : pieces) {
+    text += piece;
+  }
+  return text;
+}
+
+// A quote of many components and of stored data that are longer than any piece.
+Document LargeDocument() {
+  const Document document = Document::New();
+  const Node root = document.Append(document.CreateElement("r"));
+  for (int i = 0; i < 5'000; ++i) {
+    const Node component = xml::AppendElement(root, "c");
+    component.SetAttribute("n", std::to_string(i));
+    xml::AppendElement(component, "d",
+                       "Gr\xC3\xB6\xC3\x9F"
+                       "e <" +
+                           std::to_string(i) + "> & more");
+    component.Fold();
+  }
+  xml::AppendElement(root, "b").Append(document.CreateCData(std::string(1'000'000, 'A')));
+  return document;
+}
+
+TEST(XmlMarkup, InPiecesIsTheSameText) {
+  for (const char* markup : {"<a/>", "<?xml version=\"1.0\"?><!-- x --><a k=\"1\"><b>x\ny</b><![CDATA[p]]></a>"}) {
+    const Document document = Parsed(markup);
+    EXPECT_EQ(Joined(Pieces(document)), document.Xml());
+  }
+  const Document large = LargeDocument();
+  const std::vector<std::string> pieces = Pieces(large);
+  EXPECT_TRUE(Joined(pieces) == large.Xml());
+  EXPECT_THAT(pieces, testing::Not(testing::Contains("")));
+}
+
+TEST(XmlMarkup, OfAnEmptyDocumentHasNoPieces) { EXPECT_TRUE(Pieces(Document::New()).empty()); }
+
+TEST(XmlMarkup, InPiecesEndsWithWhatTheirTakerThrows) {
+  const Document document = LargeDocument();
+  int taken = 0;
+  EXPECT_THROW(document.WriteXml([&](std::string_view) {
+    ++taken;
+    throw std::string("full");
+  }),
+               std::string);
+  EXPECT_EQ(taken, 1);
+  EXPECT_EQ(document.Root().Child("b").Text().size(), 1'000'000u) << "the document is as it was";
 }
 
 TEST(XmlMarkup, OfADocumentIsOnOneLineAsItWasRead) {

@@ -182,6 +182,10 @@ void Node::SetAttribute(std::string_view name, std::string_view value) const {
 
 std::string Node::Xml() const { return MarkupOf(Adapter::Tree(*this, "Xml")); }
 
+void Document::WriteXml(const std::function<void(std::string_view piece)>& take) const {
+  WriteMarkup(Adapter::Tree(node_, "WriteXml"), take);
+}
+
 Node Node::First(std::string_view xpath) const {
   const std::vector<xmlNode*> found = Select(Adapter::ForSearch(*this, "First"), xpath);
   return found.empty() ? Node() : Adapter::HandleOn(found.front());

@@ -17,6 +17,8 @@ namespace {
 constexpr const char* kTextStops = "&<>\r";
 constexpr const char* kValueStops = "&<>\"\t\n\r";
 
+constexpr std::size_t kPiece = 128 * 1024;
+
 std::string CharacterReference(char32_t character) {
   return "&#" + std::to_string(static_cast<std::uint32_t>(character)) + ";";
 }
@@ -24,7 +26,7 @@ std::string CharacterReference(char32_t character) {
 class Writer {
  public:
   // Without an encoding every character is written as it is.
-  explicit Writer(Encoding* encoding) : encoding_(encoding) {}
+  explicit Writer(Encoding* encoding, const TakeMarkup* take = nullptr) : encoding_(encoding), take_(take) {}
 
   // A little more room than expected, since a text that has to grow at the end is copied as a whole.
   void Expect(std::size_t size) {
@@ -35,6 +37,9 @@ class Writer {
   // Adds the markup of everything from `top` down, without recursion: documents may be deep.
   void AddTree(xmlNode* top) {
     for (xmlNode* node = top;;) {
+      if (take_ != nullptr && text_.size() >= kPiece) {
+        HandOver();
+      }
       PrepareBehind(node);
       if (IsElement(node)) {
         AddStartTag(node);
@@ -78,7 +83,7 @@ class Writer {
     if (document->children == nullptr) {
       return;
     }
-    Expect(StateOf(document).markupGuess);
+    Expect(take_ == nullptr ? StateOf(document).markupGuess : std::min(StateOf(document).markupGuess, 2 * kPiece));
     if (document->standalone != kNoDeclaration) {
       AddDeclaration(document, encodingName);
     }
@@ -95,6 +100,14 @@ class Writer {
       AddEscaped(View(text->content), kValueStops);
     }
     text_ += '"';
+  }
+
+  // What there is so far goes to the taker.
+  void HandOver() {
+    if (!text_.empty()) {
+      (*take_)(text_);
+      text_.clear();
+    }
   }
 
   std::string Take() {
@@ -313,6 +326,7 @@ class Writer {
   }
 
   Encoding* encoding_;
+  const TakeMarkup* take_;
   std::string text_;
   std::vector<Scope> scopes_;
 };
@@ -332,6 +346,12 @@ std::string MarkupOf(xmlNode* node) {
     writer.AddTree(node);
   }
   return writer.Take();
+}
+
+void WriteMarkup(xmlNode* document, const TakeMarkup& take) {
+  Writer writer(nullptr, &take);
+  writer.AddDocument(document->doc, "");
+  writer.HandOver();
 }
 
 std::string MarkupBelow(xmlNode* node) {

@@ -118,6 +118,12 @@ void Node::SetAttribute(std::string_view name, std::string_view value) const {
   Check(element->setAttribute(Bstr(name).Get(), TextVariant(value).Get()), "setting an attribute");
 }
 
+void Document::WriteXml(const std::function<void(std::string_view piece)>& take) const {
+  if (const std::string text = Xml(); !text.empty()) {
+    take(text);
+  }
+}
+
 std::string Node::Xml() const {
   const Box& box = Adapter::BoxOf(*this, "Xml");
   if (box.isOurs) {

@@ -22,7 +22,7 @@ using SendOne = bool (*)(LegacyORLAPull& pull, const std::string& bytes, CodePag
 bool SendDocument(LegacyORLAPull& pull, const std::string& bytes, CodePage&) {
   const xml::Document reply = pull.Pull(xml::Document::Load(bytes));
   if (reply) {
-    WriteOutput(reply.Xml());
+    reply.WriteXml(WriteOutput);
   }
   return IsFailedReply(reply);
 }
@@ -37,9 +37,7 @@ std::string DecodeText(std::string_view bytes, CodePage& codePage) {
 }
 
 bool SendText(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage) {
-  const std::string reply = pull.PullNGORLA(DecodeText(bytes, codePage));
-  WriteOutput(reply);
-  return FailureIn(reply).has_value();
+  return pull.PullNGORLA(DecodeText(bytes, codePage), WriteOutput);
 }
 
 ExitStatus SendAll(Session& session, const std::vector<std::string>& names, const std::vector<std::string>& contents,

@@ -1,5 +1,6 @@
 #include "interface/legacy_orla_pull.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "interface/command_table.h"
@@ -117,6 +118,26 @@ TEST_F(LegacyOrlaPullTest, PullNgorlaComparesNamesWithLetterCase) {
     EXPECT_EQ(pull_.PullNGORLA(CommandText(name)), failedReply_) << name;
   }
   EXPECT_TRUE(machine_.processes.started.empty());
+}
+
+TEST_F(LegacyOrlaPullTest, AReplyInPiecesIsTheSameAndIsToldToBeTheFailedOne) {
+  std::string reply;
+  const auto take = [&](std::string_view piece) { reply += piece; };
+  EXPECT_TRUE(pull_.PullNGORLA(CommandText("nonsense"), take));
+  EXPECT_EQ(reply, failedReply_);
+
+  machine_.processes.work = [this](const std::string&) {
+    machine_.Write("C:\\Korvane\\TQ5-VX\\Temp\\QBOutput.ini", "[Header]\r\nAction=OK\r\n");
+  };
+  const std::string command =
+      "<COMMAND><NAME>getHybrisXMLNoUI</NAME><PARAMETER><NAME>selection</NAME><VALUE><UserSelectionTransfer>"
+      "<ProjectName>Clinic</ProjectName></UserSelectionTransfer></VALUE></PARAMETER></COMMAND>";
+  const std::string whole = pull_.PullNGORLA(command);
+  reply.clear();
+  EXPECT_FALSE(pull_.PullNGORLA(command, take));
+  EXPECT_EQ(reply, whole);
+  EXPECT_THAT(whole, testing::HasSubstr("Clinic"));
+  EXPECT_THROW(pull_.PullNGORLA("", take), AutomationError);
 }
 
 TEST_F(LegacyOrlaPullTest, DispatchesACommandNestedUnderAnotherRoot) {

@@ -113,6 +113,14 @@ TEST_F(RecorderTest, MakesOneCaseOfACall) {
   EXPECT_EQ(read.facts["thread"]["unstoredTagCount"], 0);
 }
 
+TEST_F(RecorderTest, KeepsAReplyThatIsHandedOverInPieces) {
+  std::string reply;
+  const auto take = [&](std::string_view piece) { reply += piece; };
+  EXPECT_FALSE(LegacyORLAPull(machine.platform, &recorder).PullNGORLA(kExport, take));
+  EXPECT_EQ(OnlyCase().reply, reply);
+  EXPECT_THAT(reply, HasSubstr("<TAG>"));
+}
+
 TEST_F(RecorderTest, KeepsFilesAsTheyWereBeforeTheCall) {
   Export();
   const RecordedCase read = OnlyCase();

@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <pwd.h>
 #include <stdlib.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -12,6 +13,7 @@
 #include <system_error>
 
 #include "adapters/posix/host_file.h"
+#include "seams/automation_error.h"
 
 namespace parvex::posix {
 namespace {
@@ -115,9 +117,14 @@ std::string NativeSystem::DefaultFolder() {
   if (const std::optional<std::string> state = Variable("XDG_STATE_HOME")) {
     return *state + "/parvex/recordings";
   }
-  const std::optional<std::string> home = Variable("HOME");
-  return home ? *home + "/.local/state/parvex/recordings"
-              : "/tmp/parvex-recordings-" + std::to_string(static_cast<unsigned>(getuid()));
+  std::string home = Variable("HOME").value_or("");
+  if (const passwd* user = getpwuid(getuid()); home.empty() && user != nullptr && user->pw_dir != nullptr) {
+    home = user->pw_dir;
+  }
+  if (home.empty()) {  // a folder that others can foresee would not be this user's alone
+    throw MakeRuntimeError(RuntimeError::PathNotFound, "this user has no folder for recordings: name one");
+  }
+  return home + "/.local/state/parvex/recordings";
 }
 
 std::string NativeSystem::LocalTime() {

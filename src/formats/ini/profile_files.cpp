@@ -127,11 +127,12 @@ class ProfileFiles::FileSection : public ProfileSection {
     return parsed_->index.FindValue(*found_, parsed_->text.Piece(TrimProfileBlanks(UpToNul(ansi))));
   }
 
+  // First what every look-up needs: thousands of sections may be kept.
   ProfileFiles& files_;
+  const ProfileIndex::Section* found_ = nullptr;
+  std::shared_ptr<const Parsed> parsed_;
   std::string file_;
   std::string section_;  // ANSI bytes
-  std::shared_ptr<const Parsed> parsed_;
-  const ProfileIndex::Section* found_ = nullptr;
 };
 
 ProfileFiles::ProfileFiles(Files& files, ProfileVersions& versions, CodePage& codePage, std::string windowsFolder)

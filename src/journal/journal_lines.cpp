@@ -66,4 +66,15 @@ Json ValueJson(const automation::Value& value) {
   return std::visit([](const auto& held) { return ToJson(held); }, value);
 }
 
+Json MessageBoxJson(std::string_view text, std::string_view caption, MessageBoxes::Icon icon) {
+  return {{"kind", "messageBox"},
+          {"text", std::string(text)},
+          {"caption", std::string(caption)},
+          {"icon", icon == MessageBoxes::Icon::Stop ? "stop" : "none"}};
+}
+
+Json NoteJson(std::string_view about, std::string_view text) {
+  return {{"kind", "note"}, {"about", std::string(about)}, {"text", std::string(text)}};
+}
+
 }  // namespace parvex::journal

@@ -2,9 +2,11 @@
 
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <string_view>
 
 #include "seams/automation.h"
 #include "seams/automation_error.h"
+#include "seams/message_boxes.h"
 
 namespace parvex::journal {
 
@@ -39,5 +41,9 @@ auto Record(std::ostream& out, Json line, Operation operation) {
 /// A value that crosses the automation seam: texts, numbers and booleans as they are, an object as {"object": NAME}, an
 /// empty reference or no value as null, a keyed collection as an array of [key, item] pairs.
 Json ValueJson(const automation::Value& value);
+
+/// The lines of a message box and of a note.
+Json MessageBoxJson(std::string_view text, std::string_view caption, MessageBoxes::Icon icon);
+Json NoteJson(std::string_view about, std::string_view text);
 
 }  // namespace parvex::journal

@@ -108,10 +108,7 @@ class JournalledMessageBoxes : public MessageBoxes {
 
   // Written before the box opens: it may stay open for long.
   void Show(std::string_view text, std::string_view caption, Icon icon) override {
-    WriteLine(out_, {{"kind", "messageBox"},
-                     {"text", std::string(text)},
-                     {"caption", std::string(caption)},
-                     {"icon", icon == Icon::Stop ? "stop" : "none"}});
+    WriteLine(out_, MessageBoxJson(text, caption, icon));
     outside_.Show(text, caption, icon);
   }
 
@@ -125,7 +122,7 @@ class JournalledNotes : public Notes {
   JournalledNotes(Notes* outside, std::ostream& out) : outside_(outside), out_(out) {}
 
   void Take(std::string_view about, std::string_view text) override {
-    WriteLine(out_, {{"kind", "note"}, {"about", std::string(about)}, {"text", std::string(text)}});
+    WriteLine(out_, NoteJson(about, text));
     if (outside_ != nullptr) {
       outside_->Take(about, text);
     }

@@ -3,6 +3,7 @@
 #include <exception>
 #include <utility>
 
+#include "journal/journal_lines.h"
 #include "journal/watched_automation.h"
 #include "recording/recorded_files.h"
 
@@ -152,15 +153,10 @@ class RecordedBoxes : public MessageBoxes {
   RecordedBoxes(MessageBoxes& outside, std::shared_ptr<OutsideLog> log) : outside_(outside), log_(std::move(log)) {}
 
   void Show(std::string_view text, std::string_view caption, Icon icon) override {
-    journal::Watch(*log_,
-                   {{"kind", "messageBox"},
-                    {"text", std::string(text)},
-                    {"caption", std::string(caption)},
-                    {"icon", icon == Icon::Stop ? "stop" : "none"}},
-                   [&](Json&) {
-                     outside_.Show(text, caption, icon);
-                     return true;
-                   });
+    journal::Watch(*log_, journal::MessageBoxJson(text, caption, icon), [&](Json&) {
+      outside_.Show(text, caption, icon);
+      return true;
+    });
   }
 
  private:
@@ -192,7 +188,7 @@ class RecordedNotes : public Notes {
   RecordedNotes(Notes* outside, std::shared_ptr<OutsideLog> log) : outside_(outside), log_(std::move(log)) {}
 
   void Take(std::string_view about, std::string_view text) override {
-    log_->Note({{"kind", "note"}, {"about", std::string(about)}, {"text", std::string(text)}});
+    log_->Note(journal::NoteJson(about, text));
     if (outside_ != nullptr) {
       outside_->Take(about, text);
     }

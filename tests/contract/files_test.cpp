@@ -81,6 +81,15 @@ TEST_F(FilesContract, AFolderCanBeRemovedThoughManyLooksInItAreExpected) {
   EXPECT_TRUE(files.IsFile(Path("Blobs\\Tag")));
 }
 
+TEST_F(FilesContract, PathsOfEveryFormAreAnsweredAlikeThoughManyLooksAreExpected) {
+  const auto looks = files.ExpectManyLooks();
+  for (const std::string& missing : {std::string(), std::string("Q"), std::string("Q:"), std::string("no such file"),
+                                     std::string("Q:\\no"), std::string("\\\\")}) {
+    EXPECT_FALSE(files.IsFile(missing)) << missing;
+    EXPECT_FALSE(files.IsFile(missing)) << missing;
+  }
+}
+
 TEST_F(FilesContract, ReadsALargeFileWhole) {
   std::string large(5'000'003, 'x');
   large.back() = 'y';

@@ -11,7 +11,7 @@ class NativeSystem : public HostSystem {
   Facts ThisProgram() override;
   std::uint32_t ThreadId() override;
   std::optional<std::string> Variable(std::string_view name) override;
-  /// "parvex/recordings" below XDG_STATE_HOME or ~/.local/state; below /tmp for whom has no home.
+  /// "parvex/recordings" below XDG_STATE_HOME or ~/.local/state. Raises an error for a user without a home.
   std::string DefaultFolder() override;
   std::string LocalTime() override;
   std::string UniversalTime() override;

@@ -7,7 +7,7 @@ namespace {
 
 /// With its final backslash; empty for a path that depends on the current folder.
 std::string_view FolderOf(std::string_view path) {
-  const bool isWhole = path.starts_with("\\\\") || path.substr(1).starts_with(":\\");
+  const bool isWhole = path.starts_with("\\\\") || (path.size() > 2 && path.substr(1, 2) == ":\\");
   return isWhole ? path.substr(0, path.find_last_of("\\/") + 1) : std::string_view();
 }
 

@@ -27,6 +27,14 @@ std::string Absolute(const std::string& folder) {
   return std::string(absolute.begin(), absolute.end());
 }
 
+// How it stands now, when what was set is saved.
+ExitStatus Tell(Session& session, const SessionOptions& sessionOptions) {
+  const std::string status = Status(session, sessionOptions.record);
+  session.Close();
+  WriteOutput(status);
+  return kReply;
+}
+
 }  // namespace
 
 ExitStatus TurnRecordingOn(const SessionOptions& sessionOptions, const std::string& folder) {
@@ -35,27 +43,18 @@ ExitStatus TurnRecordingOn(const SessionOptions& sessionOptions, const std::stri
   const std::string named = folder.empty() ? system->DefaultFolder() : Absolute(folder);
   system->CreateFolders(named);
   recording::SaveFolder(session.Settings(), named);
-  const std::string status = Status(session, sessionOptions.record);
-  session.Close();
-  WriteOutput(status);
-  return kReply;
+  return Tell(session, sessionOptions);
 }
 
 ExitStatus TurnRecordingOff(const SessionOptions& sessionOptions) {
   Session session(sessionOptions);
   recording::SaveFolder(session.Settings(), "");
-  const std::string status = Status(session, sessionOptions.record);
-  session.Close();
-  WriteOutput(status);
-  return kReply;
+  return Tell(session, sessionOptions);
 }
 
 ExitStatus TellRecording(const SessionOptions& sessionOptions) {
   Session session(sessionOptions);
-  const std::string status = Status(session, sessionOptions.record);
-  session.Close();
-  WriteOutput(status);
-  return kReply;
+  return Tell(session, sessionOptions);
 }
 
 }  // namespace parvex::cli

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "journal/journal_lines.h"
+#include "journal/xml_difference.h"
 #include "seams/automation_error.h"
 
 namespace parvex::journal {
@@ -38,7 +39,7 @@ Exchange ReadExchange(const Json& line, std::size_t lineNumber) {
 
 bool IsRouterLine(const Json& line) {
   const std::string kind = line.at("kind").get<std::string>();
-  const bool isOther = kind == "automation" || kind == "process" || kind == "messageBox";
+  const bool isOther = kind == "automation" || kind == "process" || kind == "messageBox" || kind == "note";
   if (kind != "router" && !isOther) {
     throw std::invalid_argument("unknown kind \"" + kind + "\"");
   }
@@ -82,7 +83,7 @@ class ReplayRouters::Script {
                              fileName_ + " has no router line left. Expected: no request. Actual: " + request);
     }
     const Exchange& exchange = exchanges_[next_++];
-    if (exchange.request && *exchange.request != request) {
+    if (exchange.request && FirstXmlDifference(*exchange.request, request)) {
       throw MakeRuntimeError(RuntimeError::InvalidCall, fileName_ + " line " + std::to_string(exchange.lineNumber) +
                                                             " answers another request. Expected: " + *exchange.request +
                                                             " Actual: " + request);

@@ -9,9 +9,10 @@
 namespace parvex::journal {
 
 /// A message router that answers from the `router` lines of a journal, in order and one line a request, whichever of
-/// its routers is asked. A line without `request` answers any request; one with `request` only that very text. A
-/// request that has no line left, or meets a line with another request (which is used up by it), is an AutomationError
-/// (5) that shows what was expected and what came. A line with an `error` raises that error.
+/// its routers is asked. A line without `request` answers any request; one with `request` only what says the same as
+/// XML (xml_difference.h), and of other text the very same. A request that has no line left, or meets a line with
+/// another request (which is used up by it), is an AutomationError (5) that shows what was expected and what came. A
+/// line with an `error` raises that error.
 class ReplayRouters : public MessageRouters {
  public:
   /// The lines of a journal; its other kinds of lines are passed over, as are empty lines. `fileName` stands in errors.

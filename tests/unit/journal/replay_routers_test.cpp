@@ -47,13 +47,24 @@ TEST(ReplayRouters, AnswersInOrderWhateverIsAskedWhereALineHasNoRequest) {
   EXPECT_EQ(replay.Send("b"), "false:2");
 }
 
-TEST(ReplayRouters, AnswersALineWithRequestOnlyForThatVeryText) {
+TEST(ReplayRouters, AnswersALineWithRequestOnlyForThatRequest) {
   Replay replay(
       "{\"kind\":\"router\",\"request\":\"<A/>\",\"answer\":\"1\",\"success\":true}\n"
       "{\"kind\":\"router\",\"request\":\"<B/>\",\"answer\":\"2\",\"success\":true}\n");
   EXPECT_EQ(replay.Send("<A/>"), "true:1");
-  const std::string description = DescriptionOfErrorFrom([&] { replay.Send("<B/> "); }, 0x800A0005u);
-  EXPECT_EQ(description, "r.jsonl line 2 answers another request. Expected: <B/> Actual: <B/> ");
+  const std::string description = DescriptionOfErrorFrom([&] { replay.Send("<C/>"); }, 0x800A0005u);
+  EXPECT_EQ(description, "r.jsonl line 2 answers another request. Expected: <B/> Actual: <C/>");
+}
+
+TEST(ReplayRouters, AnswersARequestWhoseMarkupIsLaidOutInAnotherWay) {
+  Replay replay(R"({"kind":"router","request":"<A b=\"1\" c=\"2\"><D/></A>\r\n","answer":"1"})");
+  EXPECT_EQ(replay.Send("<A c='2' b='1'>\n  <D></D>\n</A>"), "true:1");
+}
+
+TEST(ReplayRouters, TakesARequestThatIsNoXmlByteForByte) {
+  Replay replay(R"({"kind":"router","request":"a","answer":"1"})");
+  EXPECT_EQ(DescriptionOfErrorFrom([&] { replay.Send("a "); }, 0x800A0005u),
+            "r.jsonl line 1 answers another request. Expected: a Actual: a ");
 }
 
 TEST(ReplayRouters, AMismatchUsesItsLineUp) {
@@ -86,7 +97,7 @@ TEST(ReplayRouters, TakesAnEmptyAnswerAndSuccessForWhatALineLeavesOut) {
 TEST(ReplayRouters, PassesOverOtherKindsEmptyLinesUnknownKeysAndAByteOrderMark) {
   Replay replay(
       "\xEF\xBB\xBF{\"kind\":\"process\",\"command\":\"x\"}\r\n\r\n  \t\n{\"kind\":\"automation\"}\n"
-      "{\"kind\":\"messageBox\"}\n{\"later\":[1],\"kind\":\"router\",\"answer\":\"1\"}\r\n");
+      "{\"kind\":\"messageBox\"}\n{\"kind\":\"note\"}\n{\"later\":[1],\"kind\":\"router\",\"answer\":\"1\"}\r\n");
   EXPECT_EQ(replay.Send("a"), "true:1");
 }
 

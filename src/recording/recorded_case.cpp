@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <utility>
 
 #include "formats/text/windows_1252.h"
+#include "formats/zip/archive_file.h"
 #include "formats/zip/zip_reader.h"
 #include "recording/case_layout.h"
 #include "seams/automation_error.h"
@@ -102,6 +104,25 @@ bool IsFolder(HostSystem& system, const std::string& path) {
                      [](const HostSystem::Entry& entry) { return entry.name == kFiles || entry.name == kFacts; });
 }
 
+std::string TextOf(const Json& line) { return line.dump(-1, ' ', false, Json::error_handler_t::replace); }
+
+void AddAll(ArchiveFile& archive, const RecordedCase& written) {
+  archive.Add(kFacts, TextOf(written.facts));
+  archive.Add(kCommand, written.command);
+  if (written.reply) {
+    archive.Add(kReply, *written.reply);
+  }
+  archive.Begin(kJournal);
+  for (const Json& step : written.steps) {
+    archive.Append(TextOf(step) + "\n");
+  }
+  archive.End();
+  for (const KeptFile& file : written.files) {
+    archive.Add(file.isFolder ? file.name + "/" : file.name, file.bytes);
+  }
+  archive.Finish();
+}
+
 }  // namespace
 
 RecordedCase ReadCase(HostSystem& system, const std::string& path) {
@@ -121,6 +142,25 @@ RecordedCase ReadCase(HostSystem& system, const std::string& path) {
   read.reply = textOf(kReply);
   read.steps = ReadSteps(path, textOf(kJournal).value_or(""), read.isFinished);
   return read;
+}
+
+void WriteCase(HostSystem& system, const RecordedCase& written, const std::string& path) {
+  const std::string beside = path + ".parvex-new";
+  std::unique_ptr<HostSystem::File> file = system.MakeFile(beside);
+  try {
+    ArchiveFile archive(*file);
+    AddAll(archive, written);
+    file.reset();
+    system.Rename(beside, path);
+  } catch (...) {
+    file.reset();
+    try {
+      system.Remove(beside);
+    } catch (const AutomationError&) {
+      // What the system said first counts.
+    }
+    throw;
+  }
 }
 
 }  // namespace parvex::recording

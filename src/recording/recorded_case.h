@@ -32,4 +32,8 @@ struct RecordedCase {
 /// the system for one that cannot be read.
 RecordedCase ReadCase(HostSystem& system, const std::string& path);
 
+/// Writes a case as an archive, one that was left unfinished too; a file of that name is replaced by the whole archive
+/// or not at all. Errors are those of the system.
+void WriteCase(HostSystem& system, const RecordedCase& written, const std::string& path);
+
 }  // namespace parvex::recording

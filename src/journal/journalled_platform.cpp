@@ -43,9 +43,8 @@ class JournalledRouters : public MessageRouters {
   std::ostream& out_;
 };
 
-Json ProcessLine(std::string_view commandLine, int windowStyle) {
-  return {
-      {"kind", "process"}, {"command", std::string(commandLine)}, {"windowStyle", windowStyle}, {"exitCode", nullptr}};
+Json ProcessLine(const char* kind, std::string_view commandLine, int windowStyle) {
+  return {{"kind", kind}, {"command", std::string(commandLine)}, {"windowStyle", windowStyle}};
 }
 
 // Writes its line when the exit code is known, or when it is dropped before.
@@ -84,8 +83,11 @@ class JournalledProcesses : public Processes {
  public:
   JournalledProcesses(Processes& outside, std::ostream& out) : outside_(outside), out_(out) {}
 
+  // Two lines a program: one that hangs, and takes its host along, has at least the first.
   std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) override {
-    Json line = ProcessLine(commandLine, windowStyle);
+    WriteLine(out_, ProcessLine("processStart", commandLine, windowStyle));
+    Json line = ProcessLine("process", commandLine, windowStyle);
+    line["exitCode"] = nullptr;
     try {
       std::unique_ptr<Process> process = outside_.Start(commandLine, windowStyle);
       return std::make_unique<JournalledProcess>(std::move(process), std::move(line), out_);

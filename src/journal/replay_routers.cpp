@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <exception>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -39,8 +40,8 @@ Exchange ReadExchange(const Json& line, std::size_t lineNumber) {
 
 bool IsRouterLine(const Json& line) {
   const std::string kind = line.at("kind").get<std::string>();
-  const bool isOther = kind == "automation" || kind == "process" || kind == "messageBox" || kind == "note";
-  if (kind != "router" && !isOther) {
+  constexpr std::string_view kOthers[] = {"automation", "processStart", "process", "messageBox", "note"};
+  if (kind != "router" && std::ranges::find(kOthers, kind) == std::end(kOthers)) {
     throw std::invalid_argument("unknown kind \"" + kind + "\"");
   }
   return kind == "router";
@@ -95,6 +96,14 @@ class ReplayRouters::Script {
     return exchange.success;
   }
 
+  std::optional<Unused> Left() const {
+    if (next_ == exchanges_.size()) {
+      return std::nullopt;
+    }
+    const Exchange& first = exchanges_[next_];
+    return Unused{exchanges_.size() - next_, first.lineNumber, first.request};
+  }
+
  private:
   const std::vector<Exchange> exchanges_;
   const std::string fileName_;
@@ -116,6 +125,8 @@ ReplayRouters::ReplayRouters(std::string_view journal, std::string fileName)
     : script_(std::make_shared<Script>(ReadExchanges(journal, fileName), std::move(fileName))) {}
 
 ReplayRouters::~ReplayRouters() = default;
+
+std::optional<ReplayRouters::Unused> ReplayRouters::Left() const { return script_->Left(); }
 
 std::unique_ptr<MessageRouter> ReplayRouters::Create() { return std::make_unique<Router>(script_); }
 

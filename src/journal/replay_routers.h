@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,6 +25,15 @@ class ReplayRouters : public MessageRouters {
   ReplayRouters& operator=(const ReplayRouters&) = delete;
 
   std::unique_ptr<MessageRouter> Create() override;
+
+  /// The `router` lines that no request has met so far.
+  struct Unused {
+    std::size_t count = 0;
+    std::size_t lineNumber = 0;          ///< of the first, from 1
+    std::optional<std::string> request;  ///< that the first waits for; none when it answers any
+  };
+  /// Nothing when all were used.
+  std::optional<Unused> Left() const;
 
  private:
   class Script;

@@ -331,13 +331,13 @@ TEST(Workflow, GivesTheTagsOfItsSelection) {
 
 class JournalFile : public testing::Test {
  protected:
-  // Sends one export and gives the only line of its journal.
+  // Sends one export, which runs one program, and gives the line that its journal has of that beside the start's.
   SortedJson LineOf(const std::string& command) {
     const std::string file = machine_.Write("c.xml", command);
     outcome_ = machine_.Run({"--journal", machine_.Path("j.jsonl"), "pull-ngorla", file});
     const std::vector<std::string> lines = machine_.Lines("j.jsonl");
-    EXPECT_EQ(lines.size(), 1u);
-    return lines.empty() ? SortedJson() : SortedJson::parse(lines.front());
+    EXPECT_EQ(lines.size(), 2u);
+    return lines.empty() ? SortedJson() : SortedJson::parse(lines.back());
   }
 
   CliMachine machine_;
@@ -385,7 +385,7 @@ TEST_F(JournalFile, MayReplaceTheFileThatIsReplayed) {
   const std::string file = machine_.Write("c.xml", ExportCommand());
   const Outcome outcome = machine_.Run({"--replay", journal, "--journal", journal, "pull-ngorla", file});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_EQ(machine_.Lines("j.jsonl").size(), 1u);
+  EXPECT_EQ(machine_.Lines("j.jsonl").size(), 2u);
 }
 
 TEST_F(JournalFile, OfAReplayedRunStillHoldsRealPrograms) {
@@ -394,7 +394,17 @@ TEST_F(JournalFile, OfAReplayedRunStillHoldsRealPrograms) {
   const std::string file = machine_.Write("c.xml", ExportCommand());
   EXPECT_EQ(machine_.Run({"--replay", replay, "--journal", machine_.Path("j"), "pull-ngorla", file}).status, 0);
   EXPECT_TRUE(machine_.WorkflowRan());
-  EXPECT_EQ(machine_.Lines("j").size(), 1u);
+  EXPECT_EQ(machine_.Lines("j").size(), 2u);
+}
+
+TEST_F(JournalFile, HoldsAProgramThatStillRuns) {
+  machine_.SetWorkflow("cp '" + machine_.Path("j") + "' '" + machine_.Path("seen") + "'");
+  machine_.Run({"--journal", machine_.Path("j"), "pull-ngorla", machine_.Write("c.xml", ExportCommand())});
+  const std::vector<std::string> lines = machine_.Lines("seen");
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_EQ(SortedJson::parse(lines[0]), (SortedJson{{"kind", "processStart"},
+                                                     {"command", std::string(kProgram) + " /OrlaImportNoUI"},
+                                                     {"windowStyle", 1}}));
 }
 
 }  // namespace

@@ -189,6 +189,29 @@ TEST(ReplayFile, WithAMalformedLineIsWrongUsageThatNamesTheLineAndNothingIsSent)
   EXPECT_FALSE(machine.WorkflowRan());
 }
 
+TEST(ReplayFile, WithLinesThatNobodyAskedForIsToldOfAndChangesNoStatus) {
+  const CliMachine machine;
+  const std::string line = "{\"kind\":\"router\",\"answer\":\"<L/>\"}\n";
+  const std::string list = machine.Write("list.xml", CommandText("getProjectList"));
+  const std::string all = machine.Write("all.jsonl", line);
+  EXPECT_EQ(machine.Run({"--replay", all, "pull", list}).err, "");
+  const std::string more = machine.Write(
+      "more.jsonl", line + "{\"kind\":\"note\"}\n" + "{\"kind\":\"router\",\"request\":\"<A>\\u001b\"}\n" + line);
+  const Outcome outcome = machine.Run({"--replay", more, "pull", list});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "parvex: nobody asked for 2 router lines of " + more + ". The first is line 3: <A>\uFFFD\n");
+}
+
+TEST(ReplayFile, WithUnusedLinesIsToldOfAlsoWhenTheCallFails) {
+  const CliMachine machine;
+  const std::string replay = machine.Write("r.jsonl", "{\"kind\":\"router\"}\n");
+  const Outcome outcome =
+      machine.Run({"--replay", replay, "return", machine.Write("none.xml", "<PROJECT><TAGS><TAG/></TAGS></PROJECT>")});
+  EXPECT_NE(outcome.err.find("nobody asked for 1 router line of " + replay + ". The first is line 1: any request\n"),
+            std::string::npos)
+      << outcome.err;
+}
+
 TEST(StandardOutput, ThatCannotBeWrittenIsAFailure) {
   CliMachine machine;
   const std::string file = machine.Write("c.xml", CommandText("noSuchCommand"));

@@ -1,15 +1,21 @@
 #include "cli/session/session.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
+#include <exception>
+#include <string_view>
 
 #include "cli/host/exit_status.h"
+#include "cli/terminal/printable.h"
 #include "cli/terminal/standard_streams.h"
+#include "formats/text/text.h"
 #include "seams/automation_error.h"
 
 namespace parvex::cli {
 
-Session::Session(const SessionOptions& options) : journalName_(options.journal), system_(ThisSystem()) {
+Session::Session(const SessionOptions& options)
+    : journalName_(options.journal), replayName_(options.replay), system_(ThisSystem()) {
   try {
     if (!options.replay.empty()) {
       replay_.emplace(ReadInput(options.replay), options.replay);
@@ -28,6 +34,13 @@ Session::Session(const SessionOptions& options) : journalName_(options.journal),
   }
 }
 
+Session::~Session() {
+  try {
+    TellUnusedLines();
+  } catch (const std::exception&) {  // no memory for a remark
+  }
+}
+
 parvex::Platform Session::Platform() { return journalled_ ? journalled_->Platform() : Unjournalled(); }
 
 parvex::Platform Session::Unjournalled() {
@@ -43,6 +56,19 @@ void Session::Close() {
   if (!journalFile_) {
     throw MakeRuntimeError(RuntimeError::PathFileAccess, "the journal " + journalName_ + " could not be written");
   }
+}
+
+void Session::TellUnusedLines() const {
+  const auto unused = replay_ ? replay_->Left() : std::nullopt;
+  if (!unused) {
+    return;
+  }
+  constexpr std::size_t kLongestRequest = 200;
+  const std::string request = unused->request.value_or("any request");
+  const std::string_view shown = FirstUnits(request, kLongestRequest);
+  std::fprintf(stderr, "parvex: nobody asked for %s of %s. The first is line %zu: %s%s\n",
+               Counted(unused->count, "router line").c_str(), replayName_.c_str(), unused->lineNumber,
+               Printable(shown).c_str(), shown.size() < request.size() ? "..." : "");
 }
 
 }  // namespace parvex::cli

@@ -27,6 +27,8 @@ class Session {
   /// A UsageError for a machine, a journal or a replay that is no use. An earlier journal is replaced only when all the
   /// rest is in order.
   explicit Session(const SessionOptions& options);
+  /// Tells on standard error which lines of a replay nobody asked for, however the command ended.
+  ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
@@ -42,7 +44,10 @@ class Session {
  private:
   parvex::Platform Unjournalled();
 
+  void TellUnusedLines() const;
+
   std::string journalName_;
+  std::string replayName_;
   std::optional<journal::ReplayRouters> replay_;
   std::optional<Host> host_;
   std::unique_ptr<HostSystem> system_;

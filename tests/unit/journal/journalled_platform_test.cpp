@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <sstream>
 
 #include "seams/automation_error.h"
@@ -93,14 +94,38 @@ TEST_F(Journalled, ProgramsWhenTheirExitCodeIsKnown) {
   machine_.processes.exitCode = 5;
   const auto process = platform_.processes->Start("C:\\a.exe /x", 6);
   EXPECT_EQ(process->ExitCode(), kStillActive);
-  EXPECT_EQ(Lines(), "");
+  const std::string start = "{\"kind\":\"processStart\",\"command\":\"C:\\\\a.exe /x\",\"windowStyle\":6}\n";
+  EXPECT_EQ(Lines(), start);
   EXPECT_EQ(process->ExitCode(), 5u);
-  const std::string line = "{\"kind\":\"process\",\"command\":\"C:\\\\a.exe /x\",\"windowStyle\":6,\"exitCode\":5}\n";
+  const std::string line =
+      start + "{\"kind\":\"process\",\"command\":\"C:\\\\a.exe /x\",\"windowStyle\":6,\"exitCode\":5}\n";
   EXPECT_EQ(line, Lines());
   EXPECT_EQ(process->ExitCode(), 5u);
   EXPECT_EQ(line, Lines()) << "written once";
   ASSERT_EQ(machine_.processes.started.size(), 1u);
   EXPECT_EQ(machine_.processes.started[0].windowStyle, 6);
+}
+
+TEST_F(Journalled, ProgramsAreWrittenAndFlushedBeforeTheyStart) {
+  struct LookingProcesses : Processes {
+    std::function<void()> look;
+    std::unique_ptr<Process> Start(std::string_view, int) override {
+      look();
+      throw MakeRuntimeError(RuntimeError::FileNotFound, "gone");
+    }
+  } processes;
+  int flushes = 0;
+  std::string lines;
+  processes.look = [&] {
+    flushes = out_.Flushes();
+    lines = out_.Text();
+  };
+  Platform outside = machine_.platform;
+  outside.processes = &processes;
+  JournalledPlatform journalled(outside, out_);
+  EXPECT_THROW(journalled.Platform().processes->Start("p", 2), AutomationError);
+  EXPECT_EQ(lines, "{\"kind\":\"processStart\",\"command\":\"p\",\"windowStyle\":2}\n");
+  EXPECT_EQ(flushes, 1);
 }
 
 TEST_F(Journalled, ExitCodesAsTheRunnerReturnsThem) {
@@ -112,13 +137,16 @@ TEST_F(Journalled, ExitCodesAsTheRunnerReturnsThem) {
 TEST_F(Journalled, AProgramDroppedWhileRunningHasNoExitCode) {
   machine_.processes.polls = 10;
   platform_.processes->Start("p", 1)->ExitCode();
-  EXPECT_EQ(Lines(), "{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":1,\"exitCode\":null}\n");
+  EXPECT_EQ(Lines(),
+            "{\"kind\":\"processStart\",\"command\":\"p\",\"windowStyle\":1}\n"
+            "{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":1,\"exitCode\":null}\n");
 }
 
 TEST_F(Journalled, AProgramThatCannotBeStartedHasTheNegativeCodeOfTheRunnerAndTheError) {
   machine_.processes.startError = 53;
   EXPECT_THROW(platform_.processes->Start("p", 6), AutomationError);
   EXPECT_EQ(Lines(),
+            "{\"kind\":\"processStart\",\"command\":\"p\",\"windowStyle\":6}\n"
             "{\"kind\":\"process\",\"command\":\"p\",\"windowStyle\":6,\"exitCode\":-2147221451,\"error\":"
             "{\"number\":\"0x800A0035\",\"source\":\"Parvex\",\"description\":\"cannot start p\"}}\n");
 }

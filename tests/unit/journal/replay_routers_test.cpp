@@ -33,6 +33,7 @@ class Replay {
     return (success ? "true:" : "false:") + response;
   }
   std::unique_ptr<MessageRouter> AnotherRouter() { return routers_.Create(); }
+  std::optional<ReplayRouters::Unused> Left() const { return routers_.Left(); }
 
  private:
   ReplayRouters routers_;
@@ -57,8 +58,11 @@ TEST(ReplayRouters, AnswersALineWithRequestOnlyForThatRequest) {
 }
 
 TEST(ReplayRouters, AnswersARequestWhoseMarkupIsLaidOutInAnotherWay) {
-  Replay replay(R"({"kind":"router","request":"<A b=\"1\" c=\"2\"><D/></A>\r\n","answer":"1"})");
-  EXPECT_EQ(replay.Send("<A c='2' b='1'>\n  <D></D>\n</A>"), "true:1");
+  // As MSXML writes it, and as the native document does, and as a person lays it out.
+  const std::string journal = R"({"kind":"router","request":"<?xml version=\"1.0\"?>\r\n<A b=\"1\" c=\"2\"><D/>)"
+                              R"(<E>1\n2</E></A>\r\n","answer":"1"})";
+  EXPECT_EQ(Replay(journal).Send("<A b=\"1\" c=\"2\"><D/><E>1\n2</E></A>"), "true:1");
+  EXPECT_EQ(Replay(journal).Send("<A c='2' b='1'>\r\n\t<D></D>\r\n\t<E>1\r\n2</E>\r\n</A>"), "true:1");
 }
 
 TEST(ReplayRouters, TakesARequestThatIsNoXmlByteForByte) {
@@ -97,7 +101,8 @@ TEST(ReplayRouters, TakesAnEmptyAnswerAndSuccessForWhatALineLeavesOut) {
 TEST(ReplayRouters, PassesOverOtherKindsEmptyLinesUnknownKeysAndAByteOrderMark) {
   Replay replay(
       "\xEF\xBB\xBF{\"kind\":\"process\",\"command\":\"x\"}\r\n\r\n  \t\n{\"kind\":\"automation\"}\n"
-      "{\"kind\":\"messageBox\"}\n{\"kind\":\"note\"}\n{\"later\":[1],\"kind\":\"router\",\"answer\":\"1\"}\r\n");
+      "{\"kind\":\"messageBox\"}\n{\"kind\":\"note\"}\n{\"kind\":\"processStart\"}\n{\"later\":[1],\"kind\":\"router\","
+      "\"answer\":\"1\"}\r\n");
   EXPECT_EQ(replay.Send("a"), "true:1");
 }
 
@@ -118,6 +123,23 @@ TEST(ReplayRouters, RaisesTheErrorOfALineThatRecordedOne) {
     EXPECT_EQ(error.Source(), "router");
     EXPECT_EQ(error.Description(), "gone");
   }
+}
+
+TEST(ReplayRouters, KnowWhichLinesNobodyAskedFor) {
+  Replay replay(
+      "{\"kind\":\"router\",\"answer\":\"1\"}\n{\"kind\":\"note\"}\n\n"
+      "{\"kind\":\"router\",\"request\":\"<B/>\",\"answer\":\"2\"}\n{\"kind\":\"router\"}\n");
+  ASSERT_TRUE(replay.Left());
+  EXPECT_EQ(replay.Left()->count, 3u);
+  EXPECT_EQ(replay.Left()->lineNumber, 1u);
+  EXPECT_EQ(replay.Left()->request, std::nullopt);
+  replay.Send("a");
+  EXPECT_EQ(replay.Left()->count, 2u);
+  EXPECT_EQ(replay.Left()->lineNumber, 4u);
+  EXPECT_EQ(replay.Left()->request, "<B/>");
+  replay.Send("<B/>");
+  replay.Send("c");
+  EXPECT_FALSE(replay.Left());
 }
 
 struct BadLine {

@@ -1,16 +1,19 @@
 """Calls are recorded on Windows: through Parvex.dll in a host of its own, and by the program. Support reads the cases on
-Linux.
+Linux. Two hosts may record into one folder.
 
     recording_test.py NATIVE_BIN WINDOWS_BIN
 """
 
 import json
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
+import recordings
 import wine
 
 HOST = """Set pull = CreateObject("Parvex.LegacyORLAPull")
@@ -71,7 +74,40 @@ def main():
         expect({"command.xml", "reply.xml", "machine/registry.reg"} <= kept, f"members: {sorted(kept)}")
         expect(any(path.startswith("after/") and path.endswith("qboutput.ini") for path in kept),
                f"what the workflow program left: {sorted(kept)}")
-    print("ok: calls of a host and of the program are recorded on Windows, and read on Linux")
+        two_hosts(native_bin, scratch)
+    print("ok: calls of two hosts and of the program are recorded on Windows, and read on Linux")
+
+
+SETTINGS = r"HKCU\Software\Parvex\Recording"
+
+
+def two_hosts(native_bin, scratch, calls=25, keep=3):
+    """Both record into one folder that keeps few cases: each call is answered, and every case that stays is whole."""
+    cases = scratch / "shared"
+    hosts = []
+    for name in ("first", "second"):
+        # Each has files of its own: a script host opens a file for itself alone.
+        own = scratch / name
+        own.mkdir()
+        shutil.copy(recordings.HOST, own / "host.vbs")
+        (own / "command.xml").write_text("<COMMAND><NAME>getOptions</NAME></COMMAND>", encoding="utf-16")
+        hosts.append(["cscript", "/nologo", wine.windows_path(own / "host.vbs")]
+                     + ["Pull", wine.windows_path(own / "command.xml")] * calls)
+    os.environ["PARVEX_RECORD"] = wine.windows_path(cases)
+    wine.run("reg", "add", SETTINGS, "/v", "Keep", "/d", str(keep), "/f")
+    try:
+        with ThreadPoolExecutor() as pool:
+            said = [done.stdout.split() for done in pool.map(lambda command: wine.run(*command), hosts)]
+    finally:
+        wine.run("reg", "delete", SETTINGS, "/f")
+        del os.environ["PARVEX_RECORD"]
+    expect(said == [[b"reply"] * calls] * 2, f"two hosts: {said}")
+    left = sorted(path.name for path in cases.iterdir())
+    expect(0 < len(left) <= keep and all(name.endswith(".pvxcase") for name in left), f"kept of two hosts: {left}")
+    for name in left:
+        shown = json.loads(subprocess.run([native_bin / "parvex", "case", "show", "--json", cases / name],
+                                          capture_output=True, check=True).stdout)
+        expect(shown["outcome"] == "reply" and shown["missing"] == [], f"a case of two hosts: {shown}")
 
 
 def contents(folder):

@@ -22,11 +22,20 @@ def windows_path(path):
     return "Z:" + str(Path(path).resolve()).replace("/", "\\")
 
 
+def environment():
+    return dict(os.environ, WINEDEBUG="-all", WINEDLLOVERRIDES="mscoree,mshtml=")
+
+
+def start(*command):
+    """Starts a program that the caller ends; nobody reads what it writes."""
+    return subprocess.Popen(["wine", *map(str, command)], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                            stderr=subprocess.DEVNULL, env=environment())
+
+
 def run(*command, check=True, timeout=TIME_LIMIT, **more):
     """Runs a program to its end. Its whole session is ended when it takes too long: a crash waits for a debugger."""
-    environment = dict(os.environ, WINEDEBUG="-all", WINEDLLOVERRIDES="mscoree,mshtml=")
     done = subprocess.run(["timeout", "-k", "2", str(timeout), "wine", *map(str, command)], stdin=subprocess.DEVNULL,
-                          capture_output=True, env=environment, **more)
+                          capture_output=True, env=environment(), **more)
     if check and done.returncode != 0:
         sys.exit(f"{command} ended with {done.returncode}\n{done.stdout.decode(errors='replace')}"
                  f"{done.stderr.decode(errors='replace')}")

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "journal/bounded_json.h"
 #include "journal/journal_lines.h"
 #include "journal/xml_difference.h"
 #include "seams/automation_error.h"
@@ -59,7 +60,7 @@ std::vector<Exchange> ReadExchanges(std::string_view journal, const std::string&
       continue;
     }
     try {
-      const Json line = Json::parse(text);
+      const Json line = ParseBounded(text);
       if (IsRouterLine(line)) {
         exchanges.push_back(ReadExchange(line, number));
       }

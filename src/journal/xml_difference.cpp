@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "formats/text/unicode.h"
 #include "seams/xml.h"
 
 namespace parvex::journal {
@@ -30,19 +31,6 @@ struct Piece {
     return kind == other.kind && text == other.text && attributes == other.attributes;
   }
 };
-
-void AppendUtf8(std::string& text, std::uint32_t code) {
-  if (code < 0x80) {
-    text += static_cast<char>(code);
-    return;
-  }
-  const int following = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-  constexpr std::uint32_t kLead[] = {0, 0xC0, 0xE0, 0xF0};
-  text += static_cast<char>(kLead[following] | (code >> (6 * following)));
-  for (int i = following - 1; i >= 0; --i) {
-    text += static_cast<char>(0x80 | ((code >> (6 * i)) & 0x3F));
-  }
-}
 
 // `name` is what stands between "&" and ";" in a well-formed document without document type.
 void AppendReference(std::string& text, std::string_view name) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <exception>
 #include <map>
 #include <memory>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "formats/text/windows_1252.h"
 #include "formats/zip/archive_file.h"
 #include "formats/zip/zip_reader.h"
+#include "journal/bounded_json.h"
 #include "recording/case_layout.h"
 #include "seams/automation_error.h"
 
@@ -61,12 +63,20 @@ Members ReadFolder(HostSystem& system, const std::string& path, std::vector<Kept
   return members;
 }
 
+Json ParsedOrNull(std::string_view text) {
+  try {
+    return journal::ParseBounded(text);
+  } catch (const std::exception&) {
+    return nullptr;
+  }
+}
+
 Json ReadFacts(const std::string& path, const Members& members) {
   const auto member = members.find(std::string(kFacts));
   if (member == members.end()) {
     Refuse(path, "it has no " + std::string(kFacts));
   }
-  Json facts = Json::parse(member->second, nullptr, false);
+  const Json facts = ParsedOrNull(member->second);
   if (!facts.is_object() || !facts.contains("format") || !facts["format"].is_number_unsigned()) {
     Refuse(path, std::string(kFacts) + " is damaged");
   }
@@ -82,7 +92,7 @@ std::vector<Json> ReadSteps(const std::string& path, std::string_view journal, b
   std::vector<Json> steps;
   while (!journal.empty()) {
     const std::size_t end = journal.find('\n');
-    Json step = Json::parse(journal.substr(0, end), nullptr, false);
+    Json step = ParsedOrNull(journal.substr(0, end));
     const bool isStep = step.is_object() && step.contains("n") && step["n"].is_number_unsigned() &&
                         step.contains("at") && step["at"].is_string();
     if (isStep) {

@@ -8,10 +8,7 @@ The browser is Chromium, cut off from the network. Ends with 77, which ctest cou
 
 import base64
 import json
-import os
 import pathlib
-import shutil
-import subprocess
 import sys
 import tempfile
 import unittest
@@ -19,10 +16,11 @@ from decimal import ROUND_HALF_UP, Decimal
 from xml.etree import ElementTree
 from xml.sax.saxutils import escape, quoteattr
 
+import browser
 import dom
+from browser import run
 from picture import Picture
 
-SECONDS = 60
 DESKTOP = (1280, 900)
 NARROW = (420, 900)
 COMPONENT_COLUMNS = ["Type", "Part number", "Quantity", "Price", "Amount", "Brand", "Description"]
@@ -57,14 +55,6 @@ onload = () => {
   });
 };
 </script></body></html>"""
-
-
-def find_browser():
-    for name in ("chromium", "chromium-browser", "google-chrome"):
-        program = shutil.which(name)
-        if program and subprocess.run([program, "--version"], capture_output=True, timeout=SECONDS).returncode == 0:
-            return program
-    return None
 
 
 class Pages(unittest.TestCase):
@@ -221,7 +211,7 @@ class Pages(unittest.TestCase):
         for width, height in (DESKTOP, NARROW):
             picture = self.folder / "page.png"
             picture.unlink(missing_ok=True)
-            self.browse(page, (width, height), f"--screenshot={picture}")
+            browser.browse(page, (width, height), self.folder / "home", f"--screenshot={picture}")
             painted = Picture(picture.read_bytes())
             self.assertEqual((width, height), (painted.width, painted.height))
             self.assertGreater(painted.rows_with_more_than_one_colour(), height // 2)
@@ -243,21 +233,7 @@ class Pages(unittest.TestCase):
         return page
 
     def opened(self, page):
-        return dom.read(self.browse(page, DESKTOP, "--dump-dom"))
-
-    def browse(self, page, size, *options):
-        home = self.folder / "home"
-        return run(browser, "--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage", "--no-first-run",
-                   "--hide-scrollbars", "--host-resolver-rules=MAP * ~NOTFOUND", f"--user-data-dir={home}",
-                   f"--window-size={size[0]},{size[1]}", *options, page.as_uri(), environment={"HOME": str(home)})
-
-
-def run(*arguments, status=0, environment=None):
-    done = subprocess.run(arguments, capture_output=True, timeout=SECONDS, stdin=subprocess.DEVNULL,
-                          env={**os.environ, **(environment or {})})
-    if done.returncode != status:
-        raise AssertionError(f"{arguments} ended with {done.returncode}\n{done.stderr.decode('utf-8', 'replace')}")
-    return done.stdout.decode("utf-8")
+        return browser.opened(page, DESKTOP, self.folder / "home")
 
 
 def amount_of(item):
@@ -285,8 +261,4 @@ def terms_of(list_of_terms):
 
 if __name__ == "__main__":
     parvex = sys.argv[1]
-    browser = find_browser()
-    if not browser:
-        print("skipped: Chromium is not installed, or cannot be started")
-        sys.exit(77)
-    unittest.main(argv=sys.argv[:1])
+    browser.main_with_browser()

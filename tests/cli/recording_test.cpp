@@ -98,6 +98,28 @@ TEST_F(RecordingProgram, ShowsTheErrorThatACallEndedIn) {
               AllOf(HasSubstr("error: error 0x800A005B"), HasSubstr("no document")));
 }
 
+TEST_F(RecordingProgram, ShowsTheStepThatFailed) {
+  machine.SetWorkflow("exit 3");
+  machine.Run({"--record", folder, "pull-ngorla", command});
+  const std::string file = OnlyCase();
+  EXPECT_THAT(RunParvex({"case", "show", file}).out,
+              testing::ContainsRegex("What failed:\n  step [0-9]+, process end .*: exit code 3\n"));
+}
+
+TEST_F(RecordingProgram, ShowsACaseAsAPage) {
+  machine.Run({"--record", folder, "pull-ngorla", command});
+  const std::string file = OnlyCase();
+  const Outcome shown = RunParvex({"case", "show", file, "--html", machine.Path("page.html")});
+  EXPECT_EQ(shown.status, 0) << shown.err;
+  EXPECT_EQ(shown.out, "");
+  const std::string page = machine.Read("page.html");
+  EXPECT_THAT(page, AllOf(testing::StartsWith("<!DOCTYPE html>"), HasSubstr("getHybrisXMLNoUI through PullNGORLA"),
+                          HasSubstr("QBOutput.ini"), Not(HasSubstr("<script"))));
+  EXPECT_EQ(RunParvex({"case", "show", file, "--html", "-"}).out, page);
+  EXPECT_EQ(RunParvex({"case", "show", file, "--html", "-", "--json"}).status, 2);
+  EXPECT_EQ(RunParvex({"case", "show", file, "--html", machine.Path("nowhere/page.html")}).status, 2);
+}
+
 TEST_F(RecordingProgram, ExtractsAMachineFolderIntoANewFolder) {
   machine.Run({"--record", folder, "pull-ngorla", command});
   const std::string extracted = machine.Path("extracted");
@@ -134,6 +156,15 @@ TEST_F(RecordingProgram, RefusesWhatIsNoCaseOrAHostileOrLaterOne) {
            {"a way out of the folder", Packed({{"case.json", facts}, {"../out", "x"}}), "its entry"},
            {"an absolute name", Packed({{"case.json", facts}, {"/out", "x"}}), "its entry"},
            {"one name twice", Packed({{"case.json", facts}, {"CASE.JSON", "x"}}), "another entry takes"},
+           {"facts nested without end",
+            Packed({{"case.json",
+                     "{\"format\":1,\"x\":" + std::string(1'000'000, '[') + std::string(1'000'000, ']') + "}"}}),
+            "case.json is damaged"},
+           {"a step nested without end",
+            Packed({{"case.json", facts},
+                    {"journal.jsonl", "{\"n\":1,\"at\":\"once\",\"kind\":" + std::string(1'000'000, '[') +
+                                          std::string(1'000'000, ']') + "}\n"}}),
+            "line 1"},
            {"a journal that is none", Packed({{"case.json", facts}, {"journal.jsonl", "[]\n"}}), "line 1"},
        }) {
     const std::string file = machine.Write("bad.pvxcase", bad.bytes);
@@ -156,6 +187,9 @@ TEST_F(RecordingProgram, ShowsAStrangeCaseWithoutHarm) {
   const Outcome shown = RunParvex({"case", "show", file});
   EXPECT_EQ(shown.status, 0) << shown.err;
   EXPECT_THAT(shown.out, AllOf(Not(HasSubstr("\x1b")), HasSubstr("NEVER CAME BACK")));
+  const Outcome page = RunParvex({"case", "show", file, "--html", "-"});
+  EXPECT_EQ(page.status, 0) << page.err;
+  EXPECT_THAT(page.out, AllOf(Not(HasSubstr("\x1b")), HasSubstr("never came back")));
 }
 
 // A host that is killed, wherever it was, leaves a folder that every command takes.

@@ -1,92 +1,35 @@
 #include "cli/cases/case_text.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <map>
-#include <string_view>
+#include <unordered_set>
+#include <vector>
 
+#include "cli/cases/case_steps.h"
 #include "cli/terminal/printable.h"
-#include "formats/text/text.h"
 
 namespace parvex::cli {
 namespace {
 
 using recording::Json;
 
-constexpr std::size_t kLongestText = 200;
+std::string Seconds(const Json& object, const char* key) { return SecondsOf(MicrosecondsIn(object, key)); }
 
-std::string TextIn(const Json& object, const char* key) {
-  const auto member = object.find(key);
-  if (member == object.end() || member->is_null()) {
-    return {};
-  }
-  return member->is_string() ? member->get<std::string>()
-                             : member->dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-// A text as far as it fits into a line.
-std::string Short(const std::string& text) {
-  const std::string_view first = FirstUnits(text, kLongestText);
-  return Printable(first) + (first.size() < text.size() ? "..." : "");
-}
-
-std::string Seconds(const Json& object, const char* key) {
-  const auto member = object.find(key);
-  if (member == object.end() || !member->is_number_unsigned()) {
-    return "?";
-  }
-  char text[32];
-  std::snprintf(text, sizeof text, "%.3f", static_cast<double>(member->get<std::uint64_t>()) / 1e6);
-  return text;
-}
-
-std::string ErrorIn(const Json& object) {
-  const auto error = object.find("error");
-  if (error == object.end() || !error->is_object()) {
-    return {};
-  }
-  const std::string number = TextIn(*error, "number");
-  return (number.empty() ? "" : "error " + number + ", ") + TextIn(*error, "source") + ": " +
-         TextIn(*error, "description");
-}
-
-// What a step is about: everything it says but what every step does.
-std::string Saying(const Json& step) {
-  std::string said = TextIn(step, "kind");
-  for (const auto& [key, value] : step.items()) {
-    if (key == "n" || key == "at" || key == "us" || key == "kind" || key == "error" || value.is_null() ||
-        (value.is_array() && value.empty())) {
-      continue;
-    }
-    said += (key == "op" ? " " : " " + key + " ") + Short(TextIn(step, key.c_str()));
-  }
-  return said;
-}
-
-// Steps that did not come back, by number.
-std::map<std::uint64_t, bool> OpenSteps(const std::vector<Json>& steps) {
-  std::map<std::uint64_t, bool> open;
-  for (const Json& step : steps) {
-    const auto number = step["n"].get<std::uint64_t>();
-    if (step["at"] == "before") {
-      open[number] = true;
-    } else {
-      open.erase(number);
+std::string Steps(const recording::RecordedCase& read, const std::vector<CaseStep>& steps) {
+  std::unordered_set<std::uint64_t> open;
+  for (const CaseStep& step : steps) {
+    if (!step.ended && step.last == nullptr) {
+      open.insert(step.number);
     }
   }
-  return open;
-}
-
-std::string Steps(const recording::RecordedCase& read) {
   std::string text;
-  const std::map<std::uint64_t, bool> open = OpenSteps(read.steps);
   for (const Json& step : read.steps) {
-    const std::string number = std::to_string(step["n"].get<std::uint64_t>());
-    text += "  " + Seconds(step, "us") + " s  " + number + (step["at"] == "after" ? " gave " : " ") + Saying(step);
+    const auto number = step["n"].get<std::uint64_t>();
+    text += "  " + Seconds(step, "us") + " s  " + std::to_string(number) + (step["at"] == "after" ? " gave " : " ") +
+            SayingOf(step);
     if (const std::string error = ErrorIn(step); !error.empty()) {
-      text += "  FAILED: " + Short(error);
+      text += "  FAILED: " + Shortened(error);
     }
-    if (step["at"] == "before" && open.contains(step["n"].get<std::uint64_t>())) {
+    if (step["at"] == "before" && open.contains(number)) {
       text += "  NEVER CAME BACK";
     }
     text += "\n";
@@ -94,10 +37,15 @@ std::string Steps(const recording::RecordedCase& read) {
   return text;
 }
 
-std::string Outcome(const recording::RecordedCase& read) {
-  const std::string outcome = TextIn(read.facts, "outcome");
-  const std::string error = ErrorIn(read.facts);
-  return Printable(outcome) + (error.empty() ? "" : ": " + Short(error));
+std::string Failures(const std::vector<CaseStep>& steps) {
+  std::string text;
+  for (const CaseStep& step : steps) {
+    if (!step.failure.empty()) {
+      text += "  step " + std::to_string(step.number) + ", " + SayingOf(*step.first) + ": " + Shortened(step.failure) +
+              "\n";
+    }
+  }
+  return text.empty() ? text : "\nWhat failed:\n" + text;
 }
 
 std::string Missing(const Json& facts) {
@@ -106,7 +54,7 @@ std::string Missing(const Json& facts) {
   if (missing != facts.end() && missing->is_array()) {
     for (const Json& one : *missing) {
       if (one.is_object()) {
-        text += "  " + Short(TextIn(one, "what")) + ": " + Short(TextIn(one, "why")) + "\n";
+        text += "  " + Shortened(TextIn(one, "what")) + ": " + Shortened(TextIn(one, "why")) + "\n";
       }
     }
   }
@@ -117,12 +65,14 @@ std::string Missing(const Json& facts) {
 
 std::string TextOfCase(const recording::RecordedCase& read) {
   const Json& facts = read.facts;
+  const std::vector<CaseStep> steps = StepsOf(read);
   const auto fact = [&](const char* key) { return Printable(TextIn(facts, key)); };
-  return fact("command") + " through " + fact("entryPoint") + ": " + Outcome(read) + "\n" + "Parvex " +
+  return fact("command") + " through " + fact("entryPoint") + ": " + OutcomeOf(read) + "\n" + "Parvex " +
          fact("version") + " on " + fact("platform") + ", " + fact("bitness") + "-bit, code page " + fact("codePage") +
          ", in " + fact("program") + "\n" + "from " + fact("started") + " to " + fact("ended") + ", " +
-         Seconds(facts, "microseconds") + " s\n\nAsked:\n  " + Short(read.command) + "\n\nWhat happened:\n" +
-         Steps(read) + "\nAnswered:\n  " + (read.reply ? Short(*read.reply) : "no document") + "\n" + Missing(facts);
+         Seconds(facts, "microseconds") + " s\n" + Failures(steps) + "\nAsked:\n  " + Shortened(read.command) +
+         "\n\nWhat happened:\n" + Steps(read, steps) + "\nAnswered:\n  " +
+         (read.reply ? Shortened(*read.reply) : "no document") + "\n" + Missing(facts);
 }
 
 std::string JsonOfCase(const recording::RecordedCase& read) {
@@ -139,7 +89,8 @@ std::string JsonOfCase(const recording::RecordedCase& read) {
 }
 
 std::string LineOfCase(const recording::RecordedCase& read) {
-  return Printable(TextIn(read.facts, "command")) + "  " + Seconds(read.facts, "microseconds") + " s  " + Outcome(read);
+  return Printable(TextIn(read.facts, "command")) + "  " + Seconds(read.facts, "microseconds") + " s  " +
+         OutcomeOf(read);
 }
 
 std::string FilesOfCase(const recording::RecordedCase& read) {

@@ -149,10 +149,11 @@ void CommandLine::AddCases() {
   const char* aCase = "A case, or the folder of one that was never finished";
   add(
       "list", "List the cases of a folder", [this] { return ListCases(caseFolder_); }, caseFolder_, "The folder");
-  add(
+  CLI::App* show = add(
       "show", "Show what was asked, what happened and what came back", [this] { return ShowCase(showCase_); },
-      showCase_.file, aCase)
-      ->add_flag("--json", showCase_.json, "Write it as JSON");
+      showCase_.file, aCase);
+  CLI::Option* json = show->add_flag("--json", showCase_.json, "Write it as JSON");
+  show->add_option("--html", showCase_.html, "Write one page for a browser instead")->type_name("FILE")->excludes(json);
   add(
       "files", "List the files that a case holds", [this] { return ListCaseFiles(showCase_.file); }, showCase_.file,
       aCase);

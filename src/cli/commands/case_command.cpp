@@ -6,8 +6,10 @@
 #include <system_error>
 #include <vector>
 
+#include "cli/cases/case_page.h"
 #include "cli/cases/case_text.h"
 #include "cli/host/host.h"
+#include "cli/terminal/output_file.h"
 #include "cli/terminal/printable.h"
 #include "cli/terminal/standard_streams.h"
 #include "recording/case_layout.h"
@@ -60,6 +62,10 @@ ExitStatus ListCases(const std::string& folder) {
 
 ExitStatus ShowCase(const ShowCaseOptions& options) {
   const RecordedCase read = Read(options.file);
+  if (!options.html.empty()) {
+    OutputFile(options.html).Write(CasePage(read, options.file));
+    return kReply;
+  }
   WriteOutput(options.json ? JsonOfCase(read) : TextOfCase(read));
   return kReply;
 }

@@ -15,6 +15,7 @@ ExitStatus ListCases(const std::string& folder);
 struct ShowCaseOptions {
   std::string file;
   bool json = false;
+  std::string html;  ///< the page to write instead of text; empty for none
 };
 ExitStatus ShowCase(const ShowCaseOptions& options);
 

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "journal/journal_lines.h"
+
+namespace parvex::journal {
+
+/// What our own writers stay far below. Deeper nesting would end the program where a value is written again, and more
+/// keys in one object take a time that grows with their square, since they stay in order.
+inline constexpr std::size_t kDeepestNesting = 100;
+inline constexpr std::size_t kMostKeys = 1'000;
+
+/// The value that a text from outside stands for. A std::exception that says what is wrong for one that is no JSON or
+/// passes those bounds. Cost: linear in the text.
+Json ParseBounded(std::string_view text);
+
+}  // namespace parvex::journal

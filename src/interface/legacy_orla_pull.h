@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "interface/kept_state.h"
 #include "interface/recorded_link.h"
 #include "protocol/legacy_link.h"
 #include "recording/recorder.h"
@@ -31,6 +32,12 @@ class LegacyORLAPull {
   /// one.
   automation::ObjectRef SetConsumer(automation::ObjectRef consumer) {
     return std::exchange(link_->consumer, std::move(consumer));
+  }
+
+  /// Makes it an instance that has kept this from earlier calls: `instance` of a case (interface/kept_state.h).
+  void PutBack(const recording::Json& facts,
+               const std::function<automation::ObjectRef(const std::string& name)>& object) {
+    PutBackInstance(*link_, facts, object);
   }
 
   /// Carries out one of PullCommands(). The command document is changed in place where the handler rewrites it. The

@@ -1,11 +1,9 @@
 #include "interface/recorded_link.h"
 
-#include <algorithm>
 #include <exception>
 #include <utility>
-#include <vector>
 
-#include "legacy_env/thread_state.h"
+#include "interface/kept_state.h"
 #include "protocol/command_document.h"
 #include "protocol/reply_envelope.h"
 #include "seams/automation_error.h"
@@ -13,40 +11,12 @@
 namespace parvex {
 namespace {
 
-using recording::Json;
-
 std::string NameOf(const xml::Document& command) {
   try {
     return GetCommandName(command);
   } catch (const AutomationError&) {
     return {};
   }
-}
-
-Json ThreadFacts() {
-  const ThreadState& state = ThisThread();
-  Json facts = {{"binPath", state.binPath},
-                {"dataRoot", state.dataRoot},
-                {"unstoredTagCount", state.unstoredTagCount},
-                {"iniTarget", nullptr}};
-  if (state.iniTarget) {
-    facts["iniTarget"] = {{"section", state.iniTarget->section}, {"fileName", state.iniTarget->fileName}};
-  }
-  return facts;
-}
-
-// Names of tags are kept with a NUL between group and name; here each is a pair.
-Json InstanceFacts(const LegacyLink& link) {
-  std::vector<std::string> taken(link.tagNames.taken.begin(), link.tagNames.taken.end());
-  std::sort(taken.begin(), taken.end());
-  Json names = Json::array();
-  for (const std::string& name : taken) {
-    const std::size_t end = std::min(name.find('\0'), name.size());
-    names.push_back(Json::array({name.substr(0, end), name.substr(std::min(end + 1, name.size()))}));
-  }
-  return {{"reportServer", link.reportServer != nullptr ? Json(link.reportServer->Name()) : Json(nullptr)},
-          {"driving", std::string(link.driving)},
-          {"tagNames", {{"counter", link.tagNames.counter}, {"taken", std::move(names)}}}};
 }
 
 // From the first recorded call on, the instance asks a machine that tells of it.

@@ -5,11 +5,6 @@
 namespace parvex::recording {
 namespace {
 
-// A name without a folder is one of the system's folder, where private profiles are looked for.
-std::string ProfilePath(std::string_view file) {
-  return file.find_first_of("\\/:") == std::string_view::npos ? "C:\\Windows\\" + std::string(file) : std::string(file);
-}
-
 class RecordedSection : public ProfileSection {
  public:
   RecordedSection(std::unique_ptr<ProfileSection> outside, std::string section, std::string file,
@@ -111,6 +106,10 @@ class RecordedDatabase : public Database {
 };
 
 }  // namespace
+
+std::string ProfilePath(std::string_view file) {
+  return file.find_first_of("\\/:") == std::string_view::npos ? "C:\\Windows\\" + std::string(file) : std::string(file);
+}
 
 std::unique_ptr<ProfileSection> RecordedProfile::Section(std::string_view section, std::string_view file) {
   if (Recording* recording = current_->recording.get()) {

@@ -37,6 +37,9 @@ class RecordedFiles : public Files {
   std::shared_ptr<CurrentRecording> current_;
 };
 
+/// Where an ini file is: a name without a folder is one of the system's folder.
+std::string ProfilePath(std::string_view file);
+
 /// Ini files: each is kept as it was before its first look-up, and the writes are told.
 class RecordedProfile : public PrivateProfile {
  public:

@@ -7,6 +7,7 @@
 #include "cli/command_line/manual_page.h"
 #include "cli/commands/base64_command.h"
 #include "cli/commands/case_command.h"
+#include "cli/commands/case_run_command.h"
 #include "cli/commands/doctor_command.h"
 #include "cli/commands/pull_command.h"
 #include "cli/commands/recording_command.h"
@@ -157,6 +158,12 @@ void CommandLine::AddCases() {
   add(
       "files", "List the files that a case holds", [this] { return ListCaseFiles(showCase_.file); }, showCase_.file,
       aCase);
+  CLI::App* run = add(
+      "run", "Do a recorded call again and compare; of a folder, all that it holds",
+      [this] { return RunCases(runCases_); }, runCases_.file, "A case, or a folder of cases");
+  run->add_option("--keep", runCases_.keep, "Keep the machine that the case is run on in this new folder")
+      ->type_name("DIR");
+  run->add_flag("--lenient", runCases_.lenient, "Let recorded steps pass that nobody asks for");
   add(
       "extract", "Write all that a case holds into a new folder",
       [this] { return ExtractCase(showCase_.file, extractTo_); }, showCase_.file, aCase)

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/commands/case_command.h"
+#include "cli/commands/case_run_command.h"
 #include "cli/commands/export_command.h"
 #include "cli/commands/return_command.h"
 #include "cli/commands/router_ids_command.h"
@@ -60,6 +61,7 @@ class CommandLine {
   std::string recordingFolder_;
   std::string caseFolder_;
   ShowCaseOptions showCase_;
+  RunCaseOptions runCases_;
   std::string extractTo_;
 
   Action action_;

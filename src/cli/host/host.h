@@ -45,6 +45,11 @@ class Host {
   std::unique_ptr<Parts> parts_;
 };
 
+/// A machine that a folder stands for, without the legacy application: its registry, ini files, files, databases and
+/// code page; the other members are null or of no use. They live as long as what this gives. A UsageError where the
+/// platform, or the code page, does not allow it; an AutomationError when the folder does not exist.
+std::shared_ptr<const Platform> MachineOfFolder(const std::string& folder, unsigned codePage);
+
 /// The system that the program runs on.
 std::unique_ptr<HostSystem> ThisSystem();
 

@@ -91,6 +91,20 @@ HostFacts Host::Facts() {
           .runsWindowsPrograms = false};
 }
 
+std::shared_ptr<const Platform> MachineOfFolder(const std::string& folder, unsigned codePage) {
+  constexpr unsigned kWestern = 1252;
+  if (codePage != kWestern) {
+    throw UsageError("the code page " + std::to_string(codePage) + " is not known here");
+  }
+  struct Folder {
+    explicit Folder(const std::string& path) : machine(path), platform(machine.AsPlatform()) {}
+    posix::Machine machine;
+    Platform platform;
+  };
+  const auto held = std::make_shared<Folder>(folder);
+  return {held, &held->platform};
+}
+
 std::unique_ptr<HostSystem> ThisSystem() { return std::make_unique<posix::NativeSystem>(); }
 
 std::vector<std::string> ProgramArguments(int argc, char** argv) { return {argv + 1, argv + argc}; }

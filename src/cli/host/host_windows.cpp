@@ -51,6 +51,10 @@ HostFacts Host::Facts() {
           .runsWindowsPrograms = true};
 }
 
+std::shared_ptr<const Platform> MachineOfFolder(const std::string&, unsigned) {
+  throw UsageError("cases cannot be run on Windows yet");
+}
+
 std::unique_ptr<HostSystem> ThisSystem() { return std::make_unique<windows::NativeSystem>(); }
 
 std::vector<std::string> ProgramArguments(int, char**) { return windows::ProgramArguments(); }

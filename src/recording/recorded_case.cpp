@@ -114,17 +114,17 @@ bool IsFolder(HostSystem& system, const std::string& path) {
                      [](const HostSystem::Entry& entry) { return entry.name == kFiles || entry.name == kFacts; });
 }
 
-std::string TextOf(const Json& line) { return line.dump(-1, ' ', false, Json::error_handler_t::replace); }
+std::string LineOf(const Json& line) { return line.dump(-1, ' ', false, Json::error_handler_t::replace); }
 
 void AddAll(ArchiveFile& archive, const RecordedCase& written) {
-  archive.Add(kFacts, TextOf(written.facts));
+  archive.Add(kFacts, LineOf(written.facts));
   archive.Add(kCommand, written.command);
   if (written.reply) {
     archive.Add(kReply, *written.reply);
   }
   archive.Begin(kJournal);
   for (const Json& step : written.steps) {
-    archive.Append(TextOf(step) + "\n");
+    archive.Append(LineOf(step) + "\n");
   }
   archive.End();
   for (const KeptFile& file : written.files) {

@@ -165,7 +165,7 @@ class Lines {
   Json ChangedArguments(const Json& changed, const std::string& member) {
     Json masked = Json::array();
     for (const Json& pair : changed) {
-      if (pair.is_array() && pair.size() == 2 && pair[0].is_number_unsigned()) {
+      if (pair.is_array() && pair.size() == 2 && pair[0].is_number_integer()) {
         masked.push_back({pair[0], Masked(pair[1], "", PlaceOfArgument(member, pair[0].get<std::size_t>()))});
       } else {
         masked.push_back(Masked(pair, ""));

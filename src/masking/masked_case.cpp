@@ -162,7 +162,7 @@ std::vector<Replaced> TableOf(Masker& masker, const KnownNames& names) {
 
 void CheckCodePage(const recording::Json& facts) {
   const auto codePage = facts.find("codePage");
-  if (codePage != facts.end() && codePage->is_number_unsigned() && *codePage != kWesternCodePage &&
+  if (codePage != facts.end() && codePage->is_number_integer() && *codePage != kWesternCodePage &&
       *codePage != kUtf8CodePage) {
     Refuse("it was recorded in code page " + codePage->dump() + ", and only 1252 and UTF-8 are known here");
   }

@@ -20,7 +20,8 @@ struct XmlDifference {
 /// - quotes, white space and order of attributes; `<A/>` or `<A></A>`;
 /// - CR LF or LF; a character, its reference, or a CDATA section around it;
 /// - text between two pieces of markup that is white space only, but where xml:space="preserve" is in force, and but
-///   between the start tag and the end tag of one element, which may hold a blank as its value.
+///   between the start tag and the end tag of one element, which may hold a blank as its value;
+/// - all this in a text that is a document itself.
 ///
 /// All other text counts with every blank, and so do comments, processing instructions and prefixes. Where
 /// xml::Document cannot parse either text, or it has a document type, both are compared byte by byte. Cost: linear in

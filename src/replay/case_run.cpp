@@ -105,7 +105,8 @@ std::string OutcomeText(const std::string& outcome, const Json& error) {
   return outcome == "error" ? ErrorText(error) : outcome == kUnfinished ? "the call never came to its end" : outcome;
 }
 
-void CompareOutcome(const RecordedCase& recorded, const Ended& ended, const Script& script, RunResult& result) {
+void CompareOutcome(const RecordedCase& recorded, const Ended& ended, const Script& script, bool isOtherParser,
+                    RunResult& result) {
   const std::string outcome = TextAt(recorded.facts, "outcome");
   const Json& error = Member(recorded.facts, "error");
   if (outcome == kUnfinished) {
@@ -116,7 +117,7 @@ void CompareOutcome(const RecordedCase& recorded, const Ended& ended, const Scri
                                      OutcomeText(ended.outcome, ended.error));
     return;
   }
-  const bool isSame = outcome == ended.outcome && (outcome != "error" || SameValue(error, ended.error));
+  const bool isSame = outcome == ended.outcome && (outcome != "error" || SameError(error, ended.error, isOtherParser));
   if (!isSame) {
     result.differences.push_back({0, "outcome", OutcomeText(outcome, error), OutcomeText(ended.outcome, ended.error)});
   }
@@ -175,8 +176,10 @@ RunResult RunCase(HostSystem& system, const RecordedCase& recorded, const RunOpt
   script->Finish(options.lenient);
   result.outcome = ended.outcome;
   result.differences = std::move(script->Differences());
-  CompareOutcome(recorded, ended, *script, result);
-  const bool isOtherPlatform = TextAt(recorded.facts, "platform") != system.ThisProgram().platform;
+  const HostSystem::Facts here = system.ThisProgram();
+  const bool isOtherParser = TextAt(Member(recorded.facts, "machine"), "xml") != here.xmlEngine;
+  CompareOutcome(recorded, ended, *script, isOtherParser, result);
+  const bool isOtherPlatform = TextAt(recorded.facts, "platform") != here.platform;
   const KeptFiles after = FilesAfter(recorded, members, before);
   for (Difference& difference : CompareFiles(system, options.folder, after, isOtherPlatform)) {
     result.differences.push_back(std::move(difference));

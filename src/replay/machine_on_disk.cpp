@@ -77,7 +77,7 @@ bool SameContent(std::string_view expected, std::string_view actual, bool asXml)
   if (LooksLikeDatabase(expected) && LooksLikeDatabase(actual)) {
     return SameDatabase(expected, actual);
   }
-  return asXml && SameText(expected, actual);
+  return asXml && SameDocument(expected, actual);
 }
 
 Difference ContentDifference(const std::string& place, std::string_view expected, std::string_view actual) {

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "adapters/windows/apartment.h"
+#include "adapters/windows/folder_machine.h"
 #include "adapters/windows/machine.h"
 #include "adapters/windows/native_system.h"
 #include "adapters/windows/this_program.h"
@@ -51,8 +52,14 @@ HostFacts Host::Facts() {
           .runsWindowsPrograms = true};
 }
 
-std::shared_ptr<const Platform> MachineOfFolder(const std::string&, unsigned) {
-  throw UsageError("cases cannot be run on Windows yet");
+std::shared_ptr<const Platform> MachineOfFolder(const std::string& folder, unsigned codePage) {
+  struct Folder {
+    Folder(const std::string& path, unsigned number) : machine(path, number), platform(machine.AsPlatform()) {}
+    windows::FolderMachine machine;
+    parvex::Platform platform;
+  };
+  const auto held = std::make_shared<Folder>(folder, codePage);
+  return {held, &held->platform};
 }
 
 std::unique_ptr<HostSystem> ThisSystem() { return std::make_unique<windows::NativeSystem>(); }

@@ -36,6 +36,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Pair{"References", "<A b=\"&lt;&#10;\">\xC3\xBC>\"\xF0\x9F\x98\x80\xE2\x82\xAC</A>",
                          "<A b='&#x3C;&#xA;'>&#252;&gt;&quot;&#x1F600;&#x20AC;</A>"},
                     Pair{"CDataSection", "<A>a&amp;b &lt;c</A>", "<A>a<![CDATA[&b <]]>c</A>"},
+                    Pair{"LayoutOfADocumentThatIsAText", "<A><![CDATA[<B><C>1</C></B>]]></A>",
+                         "<A>&lt;B&gt;\r\n\t&lt;C&gt;1&lt;/C&gt;\r\n&lt;/B&gt;</A>"},
                     Pair{"TheSameTextThatIsNoXml", "nothing <", "nothing <"}),
     [](const auto& info) { return info.param.what; });
 
@@ -49,9 +51,12 @@ TEST_P(Content, MakesADifferenceEitherWay) {
 INSTANTIATE_TEST_SUITE_P(
     XmlDifference, Content,
     testing::Values(
-        Pair{"Name", "<A/>", "<B/>"}, Pair{"LetterCaseOfAName", "<A/>", "<a/>"},
-        Pair{"Prefix", "<x:A xmlns:x=\"u\"/>", "<y:A xmlns:y=\"u\"/>"}, Pair{"Text", "<A>1</A>", "<A>2</A>"},
-        Pair{"TextOrNone", "<A>1</A>", "<A/>"}, Pair{"BlankBehindText", "<A>1</A>", "<A>1 </A>"},
+        Pair{"Name", "<A/>", "<B/>"},
+        Pair{"ADocumentThatIsAText", "<A><![CDATA[<B>1</B>]]></A>", "<A><![CDATA[<B>2</B>]]></A>"},
+        Pair{"MarkupThatIsNoDocument", "<A><![CDATA[<B> <C>]]></A>", "<A><![CDATA[<B><C>]]></A>"},
+        Pair{"LetterCaseOfAName", "<A/>", "<a/>"}, Pair{"Prefix", "<x:A xmlns:x=\"u\"/>", "<y:A xmlns:y=\"u\"/>"},
+        Pair{"Text", "<A>1</A>", "<A>2</A>"}, Pair{"TextOrNone", "<A>1</A>", "<A/>"},
+        Pair{"BlankBehindText", "<A>1</A>", "<A>1 </A>"},
         Pair{"BlankInMixedContent", "<A>to <B/>go</A>", "<A>to<B/>go</A>"},
         Pair{"BlankAsValue", "<A><B> </B></A>", "<A><B/></A>"}, Pair{"NumberOfBlanksAsValue", "<A> </A>", "<A>  </A>"},
         Pair{"BlankInACDataSection", "<A><B/><![CDATA[ ]]></A>", "<A><B/></A>"},

@@ -23,21 +23,6 @@ Json ErrorJson(const AutomationError& error);
 /// The error that ErrorJson wrote; a std::exception when `error` has another shape.
 AutomationError ErrorFromJson(const Json& error);
 
-/// Carries out an operation that gets its line to fill in, and writes the line when the operation has ended; with
-/// `error` when it ended in an AutomationError, which goes on to the caller.
-template <typename Operation>
-auto Record(std::ostream& out, Json line, Operation operation) {
-  try {
-    auto result = operation(line);
-    WriteLine(out, line);
-    return result;
-  } catch (const AutomationError& error) {
-    line["error"] = ErrorJson(error);
-    WriteLine(out, line);
-    throw;
-  }
-}
-
 /// A value that crosses the automation seam: texts, numbers and booleans as they are, an object as {"object": NAME}, an
 /// empty reference or no value as null, a keyed collection as an array of [key, item] pairs.
 Json ValueJson(const automation::Value& value);

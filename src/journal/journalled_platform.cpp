@@ -5,43 +5,12 @@
 #include <utility>
 
 #include "journal/journal_lines.h"
-#include "journal/journalled_automation.h"
+#include "journal/journal_log.h"
+#include "journal/watched_automation.h"
+#include "journal/watched_outside.h"
 
 namespace parvex::journal {
 namespace {
-
-class JournalledRouter : public MessageRouter {
- public:
-  JournalledRouter(std::unique_ptr<MessageRouter> outside, std::ostream& out)
-      : outside_(std::move(outside)), out_(out) {}
-
-  bool SendRequestMessage(const std::string& request, std::string& response) override {
-    const Json unanswered = {{"kind", "router"}, {"request", request}, {"answer", ""}, {"success", false}};
-    return Record(out_, unanswered, [&](Json& line) {
-      const bool success = outside_->SendRequestMessage(request, response);
-      line["answer"] = response;
-      line["success"] = success;
-      return success;
-    });
-  }
-
- private:
-  std::unique_ptr<MessageRouter> outside_;
-  std::ostream& out_;
-};
-
-class JournalledRouters : public MessageRouters {
- public:
-  JournalledRouters(MessageRouters& outside, std::ostream& out) : outside_(outside), out_(out) {}
-
-  std::unique_ptr<MessageRouter> Create() override {
-    return std::make_unique<JournalledRouter>(outside_.Create(), out_);
-  }
-
- private:
-  MessageRouters& outside_;
-  std::ostream& out_;
-};
 
 Json ProcessLine(const char* kind, std::string_view commandLine, int windowStyle) {
   return {{"kind", kind}, {"command", std::string(commandLine)}, {"windowStyle", windowStyle}};
@@ -104,54 +73,25 @@ class JournalledProcesses : public Processes {
   std::ostream& out_;
 };
 
-class JournalledMessageBoxes : public MessageBoxes {
- public:
-  JournalledMessageBoxes(MessageBoxes& outside, std::ostream& out) : outside_(outside), out_(out) {}
-
-  // Written before the box opens: it may stay open for long.
-  void Show(std::string_view text, std::string_view caption, Icon icon) override {
-    WriteLine(out_, MessageBoxJson(text, caption, icon));
-    outside_.Show(text, caption, icon);
-  }
-
- private:
-  MessageBoxes& outside_;
-  std::ostream& out_;
-};
-
-class JournalledNotes : public Notes {
- public:
-  JournalledNotes(Notes* outside, std::ostream& out) : outside_(outside), out_(out) {}
-
-  void Take(std::string_view about, std::string_view text) override {
-    WriteLine(out_, NoteJson(about, text));
-    if (outside_ != nullptr) {
-      outside_->Take(about, text);
-    }
-  }
-
- private:
-  Notes* outside_;
-  std::ostream& out_;
-};
-
 }  // namespace
 
 struct JournalledPlatform::Parts {
   Parts(const parvex::Platform& theOutside, std::ostream& out)
       : outside(theOutside),
-        routers(*outside.messageRouters, out),
-        automation(*outside.automation, out),
+        log(JournalLog(out)),
+        routers(*outside.messageRouters, log),
+        automation(*outside.automation, log),
         processes(*outside.processes, out),
-        boxes(*outside.messageBoxes, out),
-        notes(outside.notes, out) {}
+        boxes(*outside.messageBoxes, log),
+        notes(outside.notes, log) {}
 
   const parvex::Platform outside;
-  JournalledRouters routers;
-  JournalledAutomation automation;
+  const std::shared_ptr<CrossingLog> log;
+  WatchedRouters routers;
+  WatchedAutomation automation;
   JournalledProcesses processes;
-  JournalledMessageBoxes boxes;
-  JournalledNotes notes;
+  WatchedMessageBoxes boxes;
+  WatchedNotes notes;
 };
 
 JournalledPlatform::JournalledPlatform(const parvex::Platform& outside, std::ostream& out)

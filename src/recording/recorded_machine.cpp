@@ -5,6 +5,7 @@
 
 #include "journal/journal_lines.h"
 #include "journal/watched_automation.h"
+#include "journal/watched_outside.h"
 #include "recording/recorded_files.h"
 
 namespace parvex::recording {
@@ -37,35 +38,6 @@ class RecordedRegistry : public Registry {
  private:
   Registry& outside_;
   std::shared_ptr<CurrentRecording> current_;
-};
-
-class RecordedRouter : public MessageRouter {
- public:
-  RecordedRouter(std::unique_ptr<MessageRouter> outside, std::shared_ptr<OutsideLog> log)
-      : outside_(std::move(outside)), log_(std::move(log)) {}
-
-  bool SendRequestMessage(const std::string& request, std::string& response) override {
-    return journal::Watch(*log_, {{"kind", "router"}, {"request", request}}, [&](Json& line) {
-      const bool success = outside_->SendRequestMessage(request, response);
-      line["answer"] = response;
-      line["success"] = success;
-      return success;
-    });
-  }
-
- private:
-  std::unique_ptr<MessageRouter> outside_;
-  std::shared_ptr<OutsideLog> log_;
-};
-
-class RecordedRouters : public MessageRouters {
- public:
-  RecordedRouters(MessageRouters& outside, std::shared_ptr<OutsideLog> log) : outside_(outside), log_(std::move(log)) {}
-  std::unique_ptr<MessageRouter> Create() override { return std::make_unique<RecordedRouter>(outside_.Create(), log_); }
-
- private:
-  MessageRouters& outside_;
-  std::shared_ptr<OutsideLog> log_;
 };
 
 // Belongs to the call that started it, whichever call asks for its exit code.
@@ -148,22 +120,6 @@ class RecordedProcesses : public Processes {
   std::shared_ptr<CurrentRecording> current_;
 };
 
-class RecordedBoxes : public MessageBoxes {
- public:
-  RecordedBoxes(MessageBoxes& outside, std::shared_ptr<OutsideLog> log) : outside_(outside), log_(std::move(log)) {}
-
-  void Show(std::string_view text, std::string_view caption, Icon icon) override {
-    journal::Watch(*log_, journal::MessageBoxJson(text, caption, icon), [&](Json&) {
-      outside_.Show(text, caption, icon);
-      return true;
-    });
-  }
-
- private:
-  MessageBoxes& outside_;
-  std::shared_ptr<OutsideLog> log_;
-};
-
 // The host's messages run here, and may change whatever they like.
 class RecordedPump : public MessagePump {
  public:
@@ -181,22 +137,6 @@ class RecordedPump : public MessagePump {
  private:
   MessagePump& outside_;
   std::shared_ptr<CurrentRecording> current_;
-};
-
-class RecordedNotes : public Notes {
- public:
-  RecordedNotes(Notes* outside, std::shared_ptr<OutsideLog> log) : outside_(outside), log_(std::move(log)) {}
-
-  void Take(std::string_view about, std::string_view text) override {
-    log_->Note(journal::NoteJson(about, text));
-    if (outside_ != nullptr) {
-      outside_->Take(about, text);
-    }
-  }
-
- private:
-  Notes* outside_;
-  std::shared_ptr<OutsideLog> log_;
 };
 
 }  // namespace
@@ -223,11 +163,11 @@ struct RecordedMachine::Parts {
   RecordedFiles files;
   RecordedProcesses processes;
   RecordedPump pump;
-  RecordedBoxes boxes;
-  RecordedRouters routers;
+  journal::WatchedMessageBoxes boxes;
+  journal::WatchedRouters routers;
   journal::WatchedAutomation automation;
   RecordedDatabases databases;
-  RecordedNotes notes;
+  journal::WatchedNotes notes;
 };
 
 RecordedMachine::RecordedMachine(const parvex::Platform& outside) : parts_(std::make_unique<Parts>(outside)) {}
@@ -252,7 +192,7 @@ parvex::Platform RecordedMachine::Platform() {
 CurrentRecording& RecordedMachine::Current() { return *parts_->current; }
 
 std::unique_ptr<MessageRouter> RecordedMachine::Watched(std::unique_ptr<MessageRouter> router) {
-  return router == nullptr ? nullptr : std::make_unique<RecordedRouter>(std::move(router), parts_->log);
+  return journal::WatchRouter(std::move(router), parts_->log);
 }
 
 automation::ObjectRef RecordedMachine::Watched(automation::ObjectRef object) {

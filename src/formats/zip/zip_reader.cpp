@@ -8,6 +8,7 @@
 
 #include "formats/text/text.h"
 #include "formats/text/unicode.h"
+#include "formats/zip/checksum.h"
 #include "formats/zip/entry_names.h"
 #include "formats/zip/written_records.h"
 #include "formats/zip/zip_records.h"
@@ -299,8 +300,7 @@ class Archive {
 
   std::string UnpackEntry(const Listed& entry, std::string_view data) const {
     std::string bytes = entry.method == kStored ? std::string(data) : Inflate(entry, data);
-    const uLong crc = crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size()));
-    if (crc != entry.crc) {
+    if (ChecksumOf(bytes) != entry.crc) {
       RefuseEntryOf(subject_, entry.name, "is damaged: its checksum is wrong");
     }
     return bytes;

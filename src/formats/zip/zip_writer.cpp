@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "formats/zip/archive_file.h"
+#include "formats/zip/checksum.h"
 #include "formats/zip/written_records.h"
 #include "formats/zip/zip_records.h"
 

@@ -86,5 +86,60 @@ TEST_F(ArchiveFileTest, LeavesOutAnEntryThatTheFileRefused) {
   EXPECT_EQ(entries[1].name, "two.txt");
 }
 
+class GatheringArchiveFile : public ArchiveFileTest {
+ protected:
+  std::vector<std::string> lost;
+  ArchiveFile gathering{file, 1'000, [this](std::string_view name, std::string_view) { lost.emplace_back(name); }};
+};
+
+TEST_F(GatheringArchiveFile, WritesSmallEntriesTogether) {
+  gathering.Add("one.txt", "1");
+  gathering.Add("two.txt", "22");
+  EXPECT_EQ(file.bytes, "");
+  EXPECT_GT(gathering.Size(), 3u);
+  gathering.Flush();
+  EXPECT_EQ(Entries(WithDirectory(file.bytes)).size(), 2u);
+  gathering.Add("three.txt", "333");
+  gathering.Finish();
+  const std::vector<PackedEntry> entries = Entries(file.bytes);
+  ASSERT_EQ(entries.size(), 3u);
+  EXPECT_EQ(entries[2].bytes, "333");
+}
+
+TEST_F(GatheringArchiveFile, KeepsTheOrderAmongSmallAndLargeOnes) {
+  gathering.Add("small.txt", "s");
+  gathering.Add("large.txt", std::string(5'000, 'l'));
+  gathering.Add("next.txt", "n");
+  gathering.Begin("pieces.txt");
+  for (int i = 0; i < 30; ++i) {
+    gathering.Append(std::string(100, static_cast<char>('a' + i % 26)));
+  }
+  gathering.End();
+  for (int i = 0; i < 100; ++i) {
+    gathering.Add("many" + std::to_string(i), std::string(50, 'm'));
+  }
+  gathering.Finish();
+  const std::vector<PackedEntry> entries = Entries(file.bytes);
+  ASSERT_EQ(entries.size(), 104u);
+  EXPECT_EQ(entries[1].bytes, std::string(5'000, 'l'));
+  EXPECT_EQ(entries[2].name, "next.txt");
+  EXPECT_EQ(entries[3].bytes.size(), 3'000u);
+  EXPECT_EQ(entries[103].name, "many99");
+}
+
+TEST_F(GatheringArchiveFile, TellsWhichEntriesCouldNotBeWritten) {
+  file.room = 200;
+  gathering.Add("one.txt", std::string(100, '1'));
+  gathering.Add("two.txt", std::string(100, '2'));
+  gathering.Add("three.txt", "3");
+  gathering.Flush();
+  EXPECT_EQ(lost, std::vector<std::string>{"two.txt"});
+  file.room = std::string::npos;
+  gathering.Finish();
+  const std::vector<PackedEntry> entries = Entries(file.bytes);
+  ASSERT_EQ(entries.size(), 2u);
+  EXPECT_EQ(entries[1].name, "three.txt");
+}
+
 }  // namespace
 }  // namespace parvex

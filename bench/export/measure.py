@@ -55,8 +55,8 @@ def make_selection(folder, tags, accessories, blob, further=0):
                     str(blob), str(further)], check=True)
 
 
-def export_of(parvex, folder):
-    return [parvex, "--machine", folder, "pull-ngorla", os.path.join(folder, "getHybrisXML.xml")]
+def export_of(parvex, folder, *options):
+    return [parvex, "--machine", folder, *options, "pull-ngorla", os.path.join(folder, "getHybrisXML.xml")]
 
 
 def canonical(path):
@@ -101,6 +101,20 @@ def beside_peer_and_limit(parvex, limit, work, tags, rounds):
     }, rounds)
     refuse_differing(reply, peer)
     return Comparison(**runs, bytes_in_and_out=size_of_inputs(folder) + os.path.getsize(reply))
+
+
+def beside_recorded(parvex, work, tags, rounds):
+    """The same export as it is and recorded, each time into a folder without older cases."""
+    folder, cases = os.path.join(work, f"machine{tags}"), os.path.join(work, "cases")
+    make_selection(folder, tags, 30, 20000)
+    plain, recorded = [], []
+    for _ in range(rounds):
+        shutil.rmtree(cases, ignore_errors=True)
+        plain.append(run(export_of(parvex, folder), os.path.join(work, "plain.xml")))
+        recorded.append(run(export_of(parvex, folder, "--record", cases), os.path.join(work, "recorded.xml")))
+    if len(os.listdir(cases)) != 1:
+        sys.exit("the export was not recorded")
+    return best_of(plain), best_of(recorded)
 
 
 def growth(parvex, work, small, large, rounds):

@@ -70,13 +70,7 @@ bool LegacyORLAPull::PullNGORLA(std::string_view commandXml, const std::function
   const std::shared_ptr<RecordedLink> instance = instance_;
   const xml::Document command = xml::Document::Parse(commandXml);
   RecordedCall call(*instance, recorder_, "PullNGORLA", command, [&] { return std::string(commandXml); });
-  xml::Document reply;
-  const auto carriedOut = [&] { return reply = Dispatch(PullNgorlaCommands(), link_, command); };
-  if (call.IsRecorded()) {
-    take(call.Carry(carriedOut, TextOf));
-  } else if (carriedOut()) {
-    reply.WriteXml(take);
-  }
+  const xml::Document reply = call.CarryInPieces([&] { return Dispatch(PullNgorlaCommands(), link_, command); }, take);
   return IsFailedReply(reply);
 }
 

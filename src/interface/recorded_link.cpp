@@ -65,6 +65,39 @@ RecordedCall::~RecordedCall() {
   }
 }
 
+xml::Document RecordedCall::CarryInPieces(const std::function<xml::Document()>& call,
+                                          const std::function<void(std::string_view piece)>& take) {
+  if (recording_ == nullptr) {
+    xml::Document reply = call();
+    if (reply) {
+      reply.WriteXml(take);
+    }
+    return reply;
+  }
+  std::exception_ptr refused;
+  xml::Document answered = Watched([&] {
+    xml::Document reply = call();
+    if (reply) {
+      reply.WriteXml([&](std::string_view piece) {
+        recording_->TakeReply(piece);
+        try {
+          if (refused == nullptr) {
+            take(piece);
+          }
+        } catch (...) {
+          refused = std::current_exception();
+        }
+      });
+    }
+    End(reply, {});
+    return reply;
+  });
+  if (refused != nullptr) {
+    std::rethrow_exception(refused);
+  }
+  return answered;
+}
+
 void RecordedCall::Answered(const xml::Document& reply, const std::string& text) noexcept { End(reply, text); }
 
 void RecordedCall::Answered(const xml::Document& reply, const xml::Document&) noexcept {

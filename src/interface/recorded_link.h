@@ -33,19 +33,30 @@ class RecordedCall {
   RecordedCall(const RecordedCall&) = delete;
   RecordedCall& operator=(const RecordedCall&) = delete;
 
-  bool IsRecorded() const noexcept { return recording_ != nullptr; }
-
   /// Carries the call out and tells how it ended; `text` makes of the reply what is given to the caller.
   template <typename Call, typename Text>
   auto Carry(Call call, Text text) {
     if (recording_ == nullptr) {
       return text(call());
     }
-    try {
+    return Watched([&] {
       const xml::Document reply = call();
       auto answer = text(reply);
       Answered(reply, answer);
       return answer;
+    });
+  }
+
+  /// The same for a call whose reply is given to `take` in pieces. Gives the reply. What `take` throws goes on to the
+  /// caller, and is not how the call ended.
+  xml::Document CarryInPieces(const std::function<xml::Document()>& call,
+                              const std::function<void(std::string_view piece)>& take);
+
+ private:
+  template <typename Call>
+  auto Watched(Call call) {
+    try {
+      return call();
     } catch (const AutomationError& error) {
       recording_->EndInError(error);
       throw;
@@ -54,8 +65,6 @@ class RecordedCall {
       throw;
     }
   }
-
- private:
   void Answered(const xml::Document& reply, const std::string& text) noexcept;
   void Answered(const xml::Document& reply, const xml::Document&) noexcept;
   void End(const xml::Document& reply, std::string_view text) noexcept;

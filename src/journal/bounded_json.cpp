@@ -6,8 +6,15 @@
 namespace parvex::journal {
 namespace {
 
-// Looks at brackets and colons outside of strings. What is no JSON is the parser's business.
-void CheckBounds(std::string_view text) {
+void Take(std::size_t& values) {
+  if (values == 0) {
+    throw std::invalid_argument("it holds more values than are read");
+  }
+  --values;
+}
+
+// Looks at what opens and separates values outside of strings. What is no JSON is the parser's business.
+void CheckBounds(std::string_view text, std::size_t& values) {
   std::vector<std::size_t> keys;  // of every open object, nothing of arrays
   bool isInString = false;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -19,11 +26,14 @@ void CheckBounds(std::string_view text) {
       isInString = true;
     } else if (character == '{' || character == '[') {
       keys.push_back(0);
+      Take(values);
       if (keys.size() > kDeepestNesting) {
         throw std::invalid_argument("it is nested too deep");
       }
     } else if ((character == '}' || character == ']') && !keys.empty()) {
       keys.pop_back();
+    } else if (character == ',') {
+      Take(values);
     } else if (character == ':' && !keys.empty() && ++keys.back() > kMostKeys) {
       throw std::invalid_argument("an object has too many keys");
     }
@@ -33,7 +43,12 @@ void CheckBounds(std::string_view text) {
 }  // namespace
 
 Json ParseBounded(std::string_view text) {
-  CheckBounds(text);
+  std::size_t values = kMostValues;
+  return ParseBounded(text, values);
+}
+
+Json ParseBounded(std::string_view text, std::size_t& values) {
+  CheckBounds(text, values);
   return Json::parse(text);
 }
 

@@ -13,6 +13,10 @@ namespace parvex::recording {
 
 inline constexpr int kFormat = 1;
 
+/// Larger ones are not read; files are kept up to somewhat less.
+inline constexpr std::uint64_t kLargestCase = std::uint64_t{1} << 30;
+inline constexpr std::uint64_t kLargestFiles = kLargestCase / 8 * 7;
+
 inline constexpr std::string_view kSuffix = ".pvxcase";
 inline constexpr std::string_view kUnfinishedSuffix = ".pvxcase.part";
 

@@ -11,7 +11,7 @@
 namespace parvex::recording {
 namespace {
 
-constexpr std::size_t kFilePiece = 1u << 20;
+constexpr std::size_t kFilePiece = CaseWriter::kPiece;
 // Of a temporary folder that a program shares with others, what is looked at.
 constexpr std::size_t kMostFilesLookedAt = 1'000;
 constexpr std::size_t kLargestFileLookedAt = 4u << 20;
@@ -47,7 +47,12 @@ FileHistory::Known* FileHistory::Find(std::string_view path, bool& isNew) {
 }
 
 void FileHistory::Use(std::string_view path) noexcept {
+  if (usedLast_ == path && usedEpoch_ == epoch_) {
+    return;
+  }
   Quietly(writer_, path, [&] {
+    usedLast_ = path;
+    usedEpoch_ = epoch_;
     bool isNew = false;
     Known* known = Find(path, isNew);
     if (known == nullptr || (!isNew && (known->epoch == epoch_ || known->isOurs))) {
@@ -221,8 +226,11 @@ Json FileHistory::ChangesIn(const std::string& folder, std::uint64_t step) noexc
       if (known == nullptr || known->isPassedOver) {
         continue;
       }
-      const std::optional<std::uint32_t> now = ChecksumNow(path);
-      if (isNew || !known->exists || now != known->checksum) {
+      if (!isNew && IsUnchanged(*known)) {
+        known->epoch = epoch_;
+        continue;
+      }
+      if (isNew || !known->exists || ChecksumNow(path) != known->checksum) {
         const std::string member = AfterStep(step) + known->member;
         known->exists = true;
         Keep(*known, member);
@@ -258,6 +266,7 @@ std::vector<std::string> FileHistory::Finish() noexcept {
 
 void FileHistory::Keep(Known& known, std::string_view member) {
   const std::string path = known.path;
+  known.version = VersionOf(files_, path);
   const auto checksum =
       writer_.KeepPieces(std::string(member), [&](std::uint64_t at) { return ReadPart(files_, path, at, kFilePiece); });
   known.isKept = checksum.has_value();
@@ -267,6 +276,10 @@ void FileHistory::Keep(Known& known, std::string_view member) {
 
 // Looks whether somebody else has changed a file since.
 void FileHistory::KeepChanged(Known& known) {
+  if (IsUnchanged(known)) {
+    known.epoch = epoch_;
+    return;
+  }
   const std::optional<std::uint32_t> now = ChecksumNow(known.path);
   known.epoch = epoch_;
   if (!now) {
@@ -289,10 +302,16 @@ void FileHistory::Changed(Known& known, std::string_view bytes) {
     return;
   }
   known.exists = true;
+  known.version.reset();
   const std::uint64_t step = writer_.NextStep();
   const std::string member = AfterStep(step) + known.member;
   known.checksum = writer_.Keep(member, bytes).value_or(0);
   writer_.NoteStep(step, {{"kind", "file"}, {"op", "changed"}, {"path", known.path}, {"stored", member}});
+}
+
+// Without reading it, which may be much.
+bool FileHistory::IsUnchanged(const Known& known) {
+  return known.exists && known.version && VersionOf(files_, known.path) == known.version;
 }
 
 std::optional<std::uint32_t> FileHistory::ChecksumNow(const std::string& path) {
@@ -301,12 +320,14 @@ std::optional<std::uint32_t> FileHistory::ChecksumNow(const std::string& path) {
   }
   std::uint32_t checksum = 0;
   std::uint64_t at = 0;
-  for (std::string piece = ReadPart(files_, path, 0, kFilePiece); !piece.empty();
-       piece = ReadPart(files_, path, at, kFilePiece)) {
+  for (;;) {
+    const std::string piece = ReadPart(files_, path, at, kFilePiece);
     checksum = ChecksumOf(piece, checksum);
     at += piece.size();
+    if (piece.size() < kFilePiece) {
+      return checksum;
+    }
   }
-  return checksum;
 }
 
 }  // namespace parvex::recording

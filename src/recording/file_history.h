@@ -61,6 +61,7 @@ class FileHistory {
     bool isOurs = false;        ///< written by the call and not kept since
     bool isPassedOver = false;  ///< too large to look at
     std::uint32_t checksum = 0;
+    std::optional<std::string> version;  ///< of what the checksum is of, where that can be told
     std::uint64_t epoch = 0;
   };
   Known* Find(std::string_view path, bool& isNew);
@@ -68,6 +69,7 @@ class FileHistory {
   void KeepChanged(Known& known);
   void PassOver(const std::string& path);
   void Changed(Known& known, std::string_view bytes);
+  bool IsUnchanged(const Known& known);
   std::optional<std::uint32_t> ChecksumNow(const std::string& path);
 
   CaseWriter& writer_;
@@ -79,6 +81,9 @@ class FileHistory {
   std::map<std::string, std::string, std::less<>> namedFolders_;
   std::uint64_t epoch_ = 0;
   std::size_t ours_ = 0;
+  // An ini file is used many times in a row.
+  std::string usedLast_;
+  std::uint64_t usedEpoch_ = 0;
 };
 
 }  // namespace parvex::recording

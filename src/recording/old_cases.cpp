@@ -27,6 +27,19 @@ std::vector<HostSystem::Entry> CasesIn(HostSystem& system, const std::string& fo
   return cases;
 }
 
+// Whether a host writes to it. One that has just begun has no file yet that it could hold, so a folder of today without
+// files is taken for such a one; and one that ends gives the archive free before the journal.
+bool IsRunning(HostSystem& system, const std::string& path, std::string_view name) {
+  constexpr std::size_t kDay = 8;  // of the time with which names begin
+  for (const std::string_view member : {kFiles, kJournal}) {
+    if (system.IsInUse(path + "/" + std::string(member))) {
+      return true;
+    }
+  }
+  return system.SizeOf(path + "/" + std::string(kFiles)) == 0 &&
+         name.substr(0, kDay) == system.LocalTime().substr(0, kDay);
+}
+
 bool RemoveCase(HostSystem& system, const std::string& folder, const HostSystem::Entry& one) noexcept {
   try {
     const std::string path = folder + "/" + one.name;
@@ -34,7 +47,7 @@ bool RemoveCase(HostSystem& system, const std::string& folder, const HostSystem:
       system.Remove(path);
       return true;
     }
-    if (system.IsInUse(path + "/" + std::string(kFiles))) {
+    if (IsRunning(system, path, one.name)) {
       return false;
     }
     system.RemoveFolder(path);

@@ -1,117 +1,100 @@
 #include "recording/recorded_case.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <exception>
-#include <map>
 #include <memory>
+#include <new>
+#include <stdexcept>
 #include <utility>
 
-#include "formats/text/windows_1252.h"
 #include "formats/zip/archive_file.h"
-#include "formats/zip/zip_reader.h"
 #include "journal/bounded_json.h"
 #include "recording/case_layout.h"
+#include "recording/case_members.h"
 #include "seams/automation_error.h"
 
 namespace parvex::recording {
 namespace {
 
-constexpr std::uint64_t kLargestCase = std::uint64_t{1} << 30;
-constexpr std::size_t kMostSteps = 5'000'000;
+constexpr std::size_t kLongestLine = 64u << 20;
 
-[[noreturn]] void Refuse(const std::string& path, const std::string& reason) {
-  throw MakeRuntimeError(RuntimeError::InvalidCall, FailureText("the case", path, "it is refused: " + reason));
-}
-
-using Members = std::map<std::string, std::string>;
-
-// The members of an archive; files of the machine go into `files`.
-Members Take(const std::string& path, std::string_view archive, std::vector<KeptFile>& files) {
-  posix::Windows1252 codePage;
-  Members members;
-  const UnpackLimits limits = {.entry = kLargestCase, .total = kLargestCase, .what = "case"};
-  for (PackedEntry& entry : Unpack(codePage, archive, path, limits)) {
-    std::replace(entry.name.begin(), entry.name.end(), '\\', '/');
-    if (entry.name.find('/') == std::string::npos) {
-      members[entry.name] = std::move(entry.bytes);
-    } else {
-      files.push_back({std::move(entry.name), std::move(entry.bytes), entry.isFolder});
-    }
-  }
-  return members;
-}
-
-Members ReadFolder(HostSystem& system, const std::string& path, std::vector<KeptFile>& files) {
-  const auto read = [&](std::string_view name) { return system.ReadAll(path + "/" + std::string(name)); };
-  std::vector<std::string> present;
-  for (const HostSystem::Entry& entry : system.List(path)) {
-    present.push_back(entry.name);
-  }
-  const auto has = [&](std::string_view name) {
-    return std::find(present.begin(), present.end(), name) != present.end();
-  };
-  Members members;
-  if (has(kFiles)) {
-    members = Take(path, WithDirectory(read(kFiles)), files);
-  }
-  for (const std::string_view name : {kFacts, kCommand, kReply, kJournal}) {
-    if (has(name)) {
-      members[std::string(name)] = read(name);
-    }
-  }
-  return members;
-}
-
-Json ParsedOrNull(std::string_view text) {
+// Null for what is no JSON; `refuse` is told what is beyond the bounds.
+template <typename Refuse>
+Json Parsed(std::string_view text, std::size_t& values, Refuse refuse) {
   try {
-    return journal::ParseBounded(text);
-  } catch (const std::exception&) {
-    return nullptr;
+    return journal::ParseBounded(text, values);
+  } catch (const std::invalid_argument& problem) {
+    refuse("is damaged: " + std::string(problem.what()));
+  } catch (const Json::exception&) {
+    // Damaged, or the last line of an unfinished journal.
   }
+  return nullptr;
 }
 
-Json ReadFacts(const std::string& path, const Members& members) {
-  const auto member = members.find(std::string(kFacts));
-  if (member == members.end()) {
-    Refuse(path, "it has no " + std::string(kFacts));
+Json ReadFacts(const std::string& path, const CaseMembers& members) {
+  const auto member = members.own.find(std::string(kFacts));
+  if (member == members.own.end()) {
+    if (members.isFinished) {
+      RefuseCase(path, "it has no " + std::string(kFacts));
+    }
+    return {{"format", kFormat}, {"outcome", "unfinished"}};  // the host died with its first step
   }
-  const Json facts = ParsedOrNull(member->second);
-  if (!facts.is_object() || !facts.contains("format") || !facts["format"].is_number_unsigned()) {
-    Refuse(path, std::string(kFacts) + " is damaged");
+  std::size_t values = journal::kMostValues;
+  Json facts = Parsed(member->second, values,
+                      [&](const std::string& problem) { RefuseCase(path, std::string(kFacts) + " " + problem); });
+  const Json format = facts.is_object() ? facts.value("format", Json()) : Json();
+  if (!format.is_number_unsigned() || format == 0) {
+    RefuseCase(path, std::string(kFacts) + " is damaged");
   }
-  if (facts["format"].get<std::uint64_t>() > kFormat) {
-    Refuse(path, "its format " + facts["format"].dump() + " is later than what this version reads (" +
-                     std::to_string(kFormat) + ")");
+  if (format.get<std::uint64_t>() > kFormat) {
+    RefuseCase(path, "its format " + format.dump() + " is later than what this version reads (" +
+                         std::to_string(kFormat) + ")");
   }
   return facts;
+}
+
+bool IsStep(const Json& line) {
+  return line.is_object() && line.value("n", Json()).is_number_unsigned() && line.value("at", Json()).is_string();
 }
 
 // Of an unfinished journal the last line may be cut off.
 std::vector<Json> ReadSteps(const std::string& path, std::string_view journal, bool isFinished) {
   std::vector<Json> steps;
+  const auto refuse = [&](const std::string& problem) {
+    RefuseCase(path, "line " + std::to_string(steps.size() + 1) + " of " + std::string(kJournal) + " " + problem);
+  };
+  std::size_t values = journal::kMostValues;  // of the whole journal
   while (!journal.empty()) {
     const std::size_t end = journal.find('\n');
-    Json step = ParsedOrNull(journal.substr(0, end));
-    const bool isStep = step.is_object() && step.contains("n") && step["n"].is_number_unsigned() &&
-                        step.contains("at") && step["at"].is_string();
-    if (isStep) {
+    const std::string_view line = journal.substr(0, end);
+    if (line.size() > kLongestLine) {
+      refuse("has " + std::to_string(line.size()) + " bytes, more than are read");
+    }
+    Json step = Parsed(line, values, refuse);
+    if (IsStep(step)) {
       steps.push_back(std::move(step));
     } else if (isFinished || end != std::string_view::npos) {
-      Refuse(path, "line " + std::to_string(steps.size() + 1) + " of " + std::string(kJournal) + " is damaged");
-    }
-    if (steps.size() > kMostSteps) {
-      Refuse(path, "it has more steps than are read");
+      refuse("is damaged");
     }
     journal.remove_prefix(end == std::string_view::npos ? journal.size() : end + 1);
   }
   return steps;
 }
 
-bool IsFolder(HostSystem& system, const std::string& path) {
-  const std::vector<HostSystem::Entry> entries = system.List(path);
-  return std::any_of(entries.begin(), entries.end(),
-                     [](const HostSystem::Entry& entry) { return entry.name == kFiles || entry.name == kFacts; });
+RecordedCase ReadBounded(HostSystem& system, const std::string& path) {
+  CaseMembers members = ReadMembers(system, path);
+  if (members.isFinished && members.own.empty()) {
+    RefuseCase(path, "it is no case");
+  }
+  RecordedCase read;
+  read.isFinished = members.isFinished;
+  read.facts = ReadFacts(path, members);
+  read.steps = ReadSteps(path, members.own[std::string(kJournal)], read.isFinished);
+  read.command = std::move(members.own[std::string(kCommand)]);
+  if (const auto reply = members.own.find(std::string(kReply)); reply != members.own.end()) {
+    read.reply = std::move(reply->second);
+  }
+  read.files = std::move(members.files);
+  return read;
 }
 
 std::string LineOf(const Json& line) { return line.dump(-1, ' ', false, Json::error_handler_t::replace); }
@@ -136,22 +119,11 @@ void AddAll(ArchiveFile& archive, const RecordedCase& written) {
 }  // namespace
 
 RecordedCase ReadCase(HostSystem& system, const std::string& path) {
-  RecordedCase read;
-  read.isFinished = !IsFolder(system, path);
-  const Members members =
-      read.isFinished ? Take(path, system.ReadAll(path), read.files) : ReadFolder(system, path, read.files);
-  if (members.empty()) {
-    Refuse(path, "it is no case");
+  try {
+    return ReadBounded(system, path);
+  } catch (const std::bad_alloc&) {
+    RefuseCase(path, "reading it takes more memory than there is");
   }
-  read.facts = ReadFacts(path, members);
-  const auto textOf = [&](std::string_view name) {
-    const auto member = members.find(std::string(name));
-    return member == members.end() ? std::nullopt : std::optional(member->second);
-  };
-  read.command = textOf(kCommand).value_or("");
-  read.reply = textOf(kReply);
-  read.steps = ReadSteps(path, textOf(kJournal).value_or(""), read.isFinished);
-  return read;
 }
 
 void WriteCase(HostSystem& system, const RecordedCase& written, const std::string& path) {

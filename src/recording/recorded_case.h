@@ -27,9 +27,10 @@ struct RecordedCase {
   std::vector<KeptFile> files;  ///< what stands below machine/ and after/
 };
 
-/// Reads a case: an archive, or a folder that was left unfinished, of which all is taken that is whole. An
-/// AutomationError (5) that names what is wrong for one that is damaged, hostile or of a later format; the error of
-/// the system for one that cannot be read.
+/// Reads a case: an archive, or a folder that was left unfinished, of which all is taken that is whole; the facts of
+/// one that has none yet say so much. An AutomationError (5) that names what is wrong for one that is damaged, hostile,
+/// too large or of a later format; the error of the system for one that cannot be read. It takes about twice the memory
+/// of its bytes.
 RecordedCase ReadCase(HostSystem& system, const std::string& path);
 
 /// Writes a case as an archive, one that was left unfinished too; a file of that name is replaced by the whole archive

@@ -127,10 +127,13 @@ class RecordedPump : public MessagePump {
       : outside_(outside), current_(std::move(current)) {}
 
   void RunPending() override {
-    outside_.RunPending();
-    if (current_->recording != nullptr) {
-      current_->recording->Files().AfterOutside();
+    const std::shared_ptr<Recording> recording = current_->recording;
+    if (recording == nullptr) {
+      return outside_.RunPending();
     }
+    recording->Writer().Flush();
+    outside_.RunPending();
+    recording->Files().AfterOutside();
   }
   void Sleep(std::chrono::milliseconds duration) override { outside_.Sleep(duration); }
 

@@ -1,5 +1,8 @@
 #include "recording/recording.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "formats/text/encoded_text.h"
 #include "formats/text/letter_case.h"
 #include "recording/case_layout.h"
@@ -43,10 +46,11 @@ Recording::Recording(HostSystem& system, const Platform& machine, const Settings
     : system_(system),
       settings_(settings),
       writer_((system.CreateFolders(settings.folder), system), settings.folder, start.command,
-              settings.megabytes * kMegabyte),
+              std::min(settings.megabytes, kLargestFiles / kMegabyte) * kMegabyte),
       files_(writer_, *machine.files),
       began_(system.Microseconds()) {
-  writer_.WriteMember(kCommand, start.document);
+  writer_.KeepMember(kCommand, start.document);
+  writer_.Flush();
   facts_ = FactsOf(system, machineFacts, start);
   writer_.WriteMember(kFacts, facts_.dump(-1, ' ', false, Json::error_handler_t::replace));
   Quietly(writer_, "BinPath", [&] {
@@ -68,8 +72,17 @@ void Recording::NoteNested(const std::string& name) noexcept {
   Quietly(writer_, name, [&] { writer_.Note({{"kind", "nested"}, {"case", name}}); });
 }
 
+void Recording::TakeReply(std::string_view piece) noexcept {
+  if (!std::exchange(takesReply_, true)) {
+    writer_.BeginMember(kReply);
+  }
+  writer_.AppendToMember(piece);
+}
+
 void Recording::End(const CallEnd& end) noexcept {
-  if (end.document) {
+  if (takesReply_) {
+    writer_.EndMember();
+  } else if (end.document) {
     writer_.KeepMember(kReply, *end.document);
   }
   Close(end.outcome == CallEnd::Outcome::Reply ? "reply" : "failure");
@@ -86,6 +99,7 @@ void Recording::EndInFailure(std::string_view what) noexcept {
 }
 
 void Recording::Close(const char* outcome) noexcept {
+  writer_.DropMember("the call ended before it was complete");
   Quietly(writer_, kFacts, [&] {
     facts_["outcome"] = outcome;
     facts_["ended"] = system_.UniversalTime();
@@ -97,7 +111,6 @@ void Recording::Close(const char* outcome) noexcept {
     KeepRegistry();
     facts_["namesOnly"] = files_.Finish();
     facts_["steps"] = writer_.Steps();
-    facts_["missing"] = writer_.AllMissing();
     writer_.Finish(facts_);
   });
   RemoveOldCases(system_, settings_);

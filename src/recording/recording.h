@@ -51,6 +51,9 @@ class Recording {
   /// Another call of the instance runs while this one waits, and is recorded under that name.
   void NoteNested(const std::string& name) noexcept;
 
+  /// A piece of the reply's text, for who does not hand over all of it to End.
+  void TakeReply(std::string_view piece) noexcept;
+
   /// Ends the recording: the case becomes an archive, or goes where only failures are kept, and old cases go.
   void End(const CallEnd& end) noexcept;
   void EndInError(const AutomationError& error) noexcept;
@@ -68,6 +71,7 @@ class Recording {
   std::vector<std::string> temporaryFolders_;
   std::uint64_t began_;
   Json facts_;
+  bool takesReply_ = false;
   // By key and value name in upper case; the key and the name as they were asked for, and the text.
   struct Value {
     std::string key;

@@ -40,8 +40,9 @@ class HostSystem {
 
   struct Entry {
     std::string name;
-    std::uint64_t bytes = 0;  ///< 0 for a folder
-    bool isFolder = false;
+    std::uint64_t bytes = 0;  ///< 0 for what is no file
+    bool isFolder = false;    ///< or a link to one
+    bool isPlain = true;      ///< a file or folder, no link to one and nothing else
   };
 
   virtual ~HostSystem() = default;
@@ -68,6 +69,10 @@ class HostSystem {
   virtual std::unique_ptr<File> MakeFile(std::string_view path) = 0;
   /// Whether a program holds the file open that it made by MakeFile.
   virtual bool IsInUse(std::string_view path) = 0;
+  /// Whether the path is a folder, or a link to one.
+  virtual bool IsFolder(std::string_view path) = 0;
+  /// How long a file is, links followed; 0 for what is none.
+  virtual std::uint64_t SizeOf(std::string_view path) = 0;
   virtual std::string ReadAll(std::string_view path) = 0;
   /// Makes the file hold these bytes, or makes it.
   virtual void WriteAll(std::string_view path, std::string_view bytes) = 0;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <random>
 #include <thread>
@@ -192,40 +193,90 @@ TEST_F(RecordingProgram, ShowsAStrangeCaseWithoutHarm) {
   EXPECT_THAT(page.out, AllOf(Not(HasSubstr("\x1b")), HasSubstr("never came back")));
 }
 
-// A host that is killed, wherever it was, leaves a folder that every command takes.
+// A program that was started and is not waited for.
+pid_t Start(std::vector<std::string> arguments) {
+  std::vector<char*> pointers;
+  for (std::string& argument : arguments) {
+    pointers.push_back(argument.data());
+  }
+  pointers.push_back(nullptr);
+  pid_t child = 0;
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  const int failed = posix_spawn(&child, pointers[0], &actions, nullptr, pointers.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  return failed == 0 ? child : -1;
+}
+
+int NumberIn(const char* variable, int otherwise) {
+  const char* value = std::getenv(variable);
+  return value == nullptr ? otherwise : std::atoi(value);
+}
+
+// A host that is killed, wherever it was and while its program goes on, leaves a folder that every command takes.
+// scripts/prove-killed-hosts kills more of them.
 TEST_F(RecordingProgram, LeavesAReadableFolderWhenItIsKilled) {
   machine.SetWorkflow("sleep 0.05\n" + WriteSelection("[Header]\\r\\nAction=OK\\r\\n"));
-  std::mt19937 random(20261122);
+  const int kills = NumberIn("PARVEX_KILLS", 40);
+  std::mt19937 random(static_cast<unsigned>(NumberIn("PARVEX_KILLS_SEED", 20261122)));
   int unfinished = 0;
-  for (int round = 0; round < 20; ++round) {
+  for (int round = 0; round < kills; ++round) {
     std::filesystem::remove_all(folder);
-    const std::string machineFolder = machine.Folder();
-    std::vector<std::string> arguments = {PARVEX_PROGRAM, "--machine",   machineFolder, "--record",
-                                          folder,         "pull-ngorla", command};
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) {
-      pointers.push_back(argument.data());
-    }
-    pointers.push_back(nullptr);
-    pid_t child = 0;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    ASSERT_EQ(posix_spawn(&child, PARVEX_PROGRAM, &actions, nullptr, pointers.data(), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
-    std::this_thread::sleep_for(std::chrono::microseconds(random() % 240'000));
+    const pid_t child =
+        Start({PARVEX_PROGRAM, "--machine", machine.Folder(), "--record", folder, "pull-ngorla", command, command});
+    ASSERT_GT(child, 0);
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % 300'000));
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
-    posix::NativeSystem system;
+    const std::string extracted = machine.Path("extracted");
     for (const std::string& path : Cases()) {
       unfinished += std::filesystem::is_directory(path) ? 1 : 0;
-      const std::string facts = path + "/case.json";
-      if (!std::filesystem::is_directory(path) || std::filesystem::exists(facts)) {
-        EXPECT_NO_THROW(recording::ReadCase(system, path)) << path;
+      for (const std::vector<std::string>& told : {std::vector<std::string>{"show", path},
+                                                   {"show", "--json", path},
+                                                   {"files", path},
+                                                   {"extract", path, extracted}}) {
+        std::vector<std::string> arguments = {"case"};
+        arguments.insert(arguments.end(), told.begin(), told.end());
+        EXPECT_EQ(RunParvex(arguments).status, 0) << told[0] << " " << path;
       }
+      std::filesystem::remove_all(extracted);
     }
+    const Outcome listed = RunParvex({"case", "list", folder});
+    EXPECT_THAT(listed.out, Not(HasSubstr("refused")));
   }
-  EXPECT_GT(unfinished, 0);
+  EXPECT_GT(unfinished, kills / 20);
+}
+
+// Hosts that record into one folder see to it together that not more than Keep are there, and none takes another's
+// running case away.
+TEST_F(RecordingProgram, SharesAFolderWithOtherHosts) {
+  machine.SetWorkflow("sleep 0.02\n" + WriteSelection("[Header]\\r\\nAction=OK\\r\\n"));
+  machine.Run({"recording", "on", folder});
+  machine.WriteRegistry(machine.Read("machine/registry.reg") +
+                        "\r\n[HKEY_CURRENT_USER\\SOFTWARE\\Parvex\\Recording]\r\n\"Keep\"=\"3\"\r\n");
+  const CliMachine other;
+  std::filesystem::remove_all(other.Folder());
+  std::filesystem::copy(machine.Folder(), other.Folder(), std::filesystem::copy_options::recursive);
+  constexpr int kRounds = 12;
+  for (int round = 0; round < kRounds; ++round) {
+    std::vector<pid_t> hosts;
+    for (const CliMachine* one : {static_cast<const CliMachine*>(&machine), &other}) {
+      hosts.push_back(Start({PARVEX_PROGRAM, "--machine", one->Folder(), "pull-ngorla", command, command, command}));
+    }
+    for (const pid_t host : hosts) {
+      int status = 0;
+      ASSERT_EQ(waitpid(host, &status, 0), host);
+      EXPECT_EQ(status, 0);
+    }
+    EXPECT_LE(Cases().size(), 3u);
+  }
+  EXPECT_FALSE(Cases().empty());
+  for (const std::string& path : Cases()) {
+    EXPECT_TRUE(std::filesystem::is_regular_file(path)) << path;
+    posix::NativeSystem system;
+    EXPECT_THAT(recording::ReadCase(system, path).facts["missing"], IsEmpty()) << path;
+  }
 }
 
 }  // namespace

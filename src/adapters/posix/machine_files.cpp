@@ -8,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "adapters/posix/file_version.h"
 #include "adapters/posix/host_file.h"
 #include "formats/text/file_names.h"
 #include "formats/text/letter_case.h"
@@ -136,6 +137,21 @@ std::optional<std::string> MachineFiles::ReadIfFile(std::string_view path) {
 
 std::string MachineFiles::ReadPart(std::string_view path, std::uint64_t at, std::size_t most) {
   return ReadPartOfHostFile(Existing(path, "read"), at, most, path);
+}
+
+std::optional<std::string> MachineFiles::VersionOf(std::string_view path) {
+  const std::optional<MachinePath> parsed = MachinePath::Parse(path);
+  const std::optional<std::filesystem::path> host = parsed ? folder_.Resolve(*parsed) : std::nullopt;
+  const std::optional<FileVersion> version = host ? posix::VersionOf(*host) : std::nullopt;
+  if (!version || !IsSettled(*version)) {
+    return std::nullopt;
+  }
+  std::string text;
+  for (const std::int64_t part : {static_cast<std::int64_t>(version->device), static_cast<std::int64_t>(version->inode),
+                                  version->size, version->modifiedNanoseconds, version->changedNanoseconds}) {
+    text += std::to_string(part) + " ";
+  }
+  return text;
 }
 
 void MachineFiles::Replace(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Replace); }

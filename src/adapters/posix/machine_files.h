@@ -21,6 +21,7 @@ class MachineFiles : public Files, public FileParts {
   std::string ReadAll(std::string_view path) override;
   std::optional<std::string> ReadIfFile(std::string_view path) override;
   std::string ReadPart(std::string_view path, std::uint64_t at, std::size_t most) override;
+  std::optional<std::string> VersionOf(std::string_view path) override;
   void Replace(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
   void Remove(std::string_view path) override;

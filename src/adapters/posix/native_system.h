@@ -20,6 +20,8 @@ class NativeSystem : public HostSystem {
   bool CreateNewFolder(std::string_view path) override;
   std::unique_ptr<File> MakeFile(std::string_view path) override;
   bool IsInUse(std::string_view path) override;
+  bool IsFolder(std::string_view path) override;
+  std::uint64_t SizeOf(std::string_view path) override;
   std::string ReadAll(std::string_view path) override;
   void WriteAll(std::string_view path, std::string_view bytes) override;
   void Rename(std::string_view from, std::string_view to) override;

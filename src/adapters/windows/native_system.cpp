@@ -175,6 +175,20 @@ bool NativeSystem::IsInUse(std::string_view path) {
   return false;
 }
 
+bool NativeSystem::IsFolder(std::string_view path) {
+  const DWORD attributes = GetFileAttributesW(Widen(path).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+std::uint64_t NativeSystem::SizeOf(std::string_view path) {
+  WIN32_FILE_ATTRIBUTE_DATA data = {};
+  if (!GetFileAttributesExW(Widen(path).c_str(), GetFileExInfoStandard, &data) ||
+      (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    return 0;
+  }
+  return std::uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow;
+}
+
 std::string NativeSystem::ReadAll(std::string_view path) { return SystemFiles().ReadAll(path); }
 
 void NativeSystem::WriteAll(std::string_view path, std::string_view bytes) { SystemFiles().Replace(path, bytes); }
@@ -200,7 +214,8 @@ std::vector<HostSystem::Entry> NativeSystem::List(std::string_view folder) {
     if (!IsDots(found.cFileName)) {
       const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
       const std::uint64_t bytes = std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow;
-      entries.push_back({Narrow(found.cFileName), isFolder ? 0 : bytes, isFolder});
+      const bool isPlain = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
+      entries.push_back({Narrow(found.cFileName), isFolder ? 0 : bytes, isFolder, isPlain});
     }
   } while (FindNextFileW(search, &found));
   FindClose(search);

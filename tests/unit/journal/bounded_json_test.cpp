@@ -36,5 +36,13 @@ TEST(BoundedJson, MayHaveSoManyKeysInAnObjectAndNoMore) {
   EXPECT_NO_THROW(ParseBounded("[" + WithKeys(kMostKeys) + "," + WithKeys(kMostKeys) + "]"));
 }
 
+TEST(BoundedJson, HoldsNoMoreValuesThanAreLeft) {
+  std::size_t values = 7;
+  EXPECT_EQ(ParseBounded(R"([0,"a,[{",0])", values).size(), 3u);
+  EXPECT_EQ(values, 4u);
+  EXPECT_THROW(ParseBounded("[0,0,0,0,0]", values), std::invalid_argument);
+  EXPECT_THROW(ParseBounded("[" + std::string(kMostValues, ',') + "]"), std::invalid_argument);
+}
+
 }  // namespace
 }  // namespace parvex::journal

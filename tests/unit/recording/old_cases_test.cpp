@@ -68,5 +68,17 @@ TEST_F(OldCasesTest, WhatAnotherHostRecordsAndOtherFilesStay) {
   EXPECT_THAT(Left(), ElementsAre("20260101-000000-1-1-a.pvxcase.part", "20260103-000000-1-1-a.pvxcase", "notes.txt"));
 }
 
+TEST_F(OldCasesTest, WhatAnotherHostBeginsOrEndsStays) {
+  const std::string begun = system.LocalTime() + "-1-1-begun.pvxcase.part";
+  const std::string ending = system.LocalTime() + "-1-2-ending.pvxcase.part";
+  std::filesystem::create_directories(folder.Path() / begun);
+  Write(ending + "/files.zip");
+  const auto journal = system.MakeFile(Folder() + "/" + ending + "/" + std::string(kJournal));
+  std::filesystem::create_directories(folder.Path() / "20250101-000000-1-1-dead.pvxcase.part");
+  Write("30000101-000000-1-1-newest.pvxcase");
+  RemoveOldCases(system, {.folder = Folder(), .keep = 0});
+  EXPECT_THAT(Left(), ElementsAre(begun, ending, "30000101-000000-1-1-newest.pvxcase"));
+}
+
 }  // namespace
 }  // namespace parvex::recording

@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <map>
+#include <stdexcept>
 
 #include "formats/zip/archive_file.h"
 #include "interface/legacy_orla_pull.h"
@@ -119,6 +122,41 @@ TEST_F(RecorderTest, KeepsAReplyThatIsHandedOverInPieces) {
   EXPECT_FALSE(LegacyORLAPull(machine.platform, &recorder).PullNGORLA(kExport, take));
   EXPECT_EQ(OnlyCase().reply, reply);
   EXPECT_THAT(reply, HasSubstr("<TAG>"));
+}
+
+TEST_F(RecorderTest, KeepsAReplyWhosePiecesTheCallerRefuses) {
+  const std::string reply = Export(nullptr);
+  int taken = 0;
+  const auto take = [&](std::string_view) {
+    ++taken;
+    throw std::runtime_error("the reader went away");
+  };
+  ForgetThisThread();
+  machine.Write("C:\\Korvane\\TQ5-VX\\Temp\\QBOutput.ini", "[Header]\r\nAction=CANCEL\r\n");
+  EXPECT_THROW(LegacyORLAPull(machine.platform, &recorder).PullNGORLA(kExport, take), std::runtime_error);
+  EXPECT_EQ(taken, 1);
+  const RecordedCase read = OnlyCase();
+  EXPECT_EQ(read.facts["outcome"], "reply");
+  EXPECT_EQ(read.reply, reply);
+}
+
+// What waits to be written is written before anybody else has his turn.
+TEST_F(RecorderTest, HasWrittenAllBeforeMessagesOfTheHostRun) {
+  machine.Write("C:\\Korvane\\TQ5-VX\\Temp\\QBOutput.ini", std::string("[Header]\r\nAction=CANCEL\r\n"));
+  std::size_t seen = 0;
+  struct LookingPump : MessagePump {
+    std::function<void()> look;
+    void RunPending() override { look(); }
+    void Sleep(std::chrono::milliseconds) override {}
+  } pump;
+  pump.look = [&] {
+    const RecordedCase read = ReadCase(system, Folder() + "/" + Names().at(0));
+    seen = std::max(seen, read.steps.size());
+    EXPECT_EQ(BytesIn(read, "machine/drive_c/Korvane/TQ5-VX/Temp/ubout.ini"), "old");
+  };
+  machine.platform.messagePump = &pump;
+  Export();
+  EXPECT_GT(seen, 3u);
 }
 
 TEST_F(RecorderTest, KeepsFilesAsTheyWereBeforeTheCall) {

@@ -11,6 +11,7 @@ import random
 import shutil
 import struct
 import sys
+import warnings
 import zipfile
 import zlib
 
@@ -167,7 +168,8 @@ def commands_seeds(_):
 def archive_of(entries):
     """Of (name, bytes) pairs."""
     stream = io.BytesIO()
-    with zipfile.ZipFile(stream, "w") as archive:
+    with warnings.catch_warnings(), zipfile.ZipFile(stream, "w") as archive:
+        warnings.simplefilter("ignore")  # one name twice is meant
         for number, (name, content) in enumerate(entries):
             info = zipfile.ZipInfo(name)
             info.compress_type = zipfile.ZIP_DEFLATED if number % 2 == 0 else zipfile.ZIP_STORED
@@ -258,6 +260,72 @@ def export_seeds(chance):
                         chance.choice(blobs)]) for output in outputs]
     inputs += [NUL.join([project, unit, text, blob]) for project, text,
                blob in zip(projects * 4, texts * 4, blobs * 4)][:20]
+    return inputs
+
+
+# --- case ---
+
+def case_facts(**changes):
+    facts = {"format": 1, "product": "Parvex", "version": "1", "platform": "Windows", "bitness": 32, "codePage": 1252,
+             "program": "C:\\host.exe", "processId": 7, "threadId": 8, "machine": {"xml": "x", "router": {"place": "p"}},
+             "entryPoint": "Pull", "command": "getTags", "thread": {"binPath": "", "iniTarget": None},
+             "instance": {"reportServer": None, "driving": "", "tagNames": {"counter": 0, "taken": [["a", "b"]]}},
+             "started": "2026-11-22T10:00:00Z", "ended": "2026-11-22T10:00:01Z", "microseconds": 1000000,
+             "outcome": "error", "error": {"number": "0x800A005B", "source": "Parvex", "description": "d"}, "steps": 3,
+             "namesOnly": ["drive_c/a"], "missing": [{"what": "w", "why": "y"}]}
+    facts.update(changes)
+    return facts
+
+
+CASE_STEPS = [
+    {"n": 1, "at": "before", "us": 1, "kind": "router", "request": "<R/>"},
+    {"n": 1, "at": "after", "us": 2, "answer": "<A/>", "success": True},
+    {"n": 2, "at": "before", "us": 3, "kind": "automation", "op": "call", "object": "o", "member": "m", "args": [1, "x"],
+     "result": None},
+    {"n": 2, "at": "after", "us": 4, "result": {"object": "o.m"}, "changed": [[1, "y"]]},
+    {"n": 3, "at": "before", "us": 5, "kind": "process", "op": "start", "command": "c", "windowStyle": 1},
+    {"n": 3, "at": "after", "us": 6, "started": True},
+    {"n": 4, "at": "once", "us": 7, "kind": "process", "op": "end", "start": 3, "exitCode": 0,
+     "left": [{"path": "C:\\a", "stored": "after/4/drive_c/a"}, {"path": "C:\\b", "stored": None}]},
+    {"n": 5, "at": "before", "us": 8, "kind": "messageBox", "text": "t", "caption": "c", "icon": "stop"},
+    {"n": 6, "at": "once", "us": 9, "kind": "registry", "op": "read", "key": "k", "value": "v", "result": "r"},
+    {"n": 7, "at": "once", "us": 9, "kind": "file", "op": "isFile", "path": "C:\\a", "result": False},
+    {"n": 8, "at": "after", "us": 9, "error": {"number": "0x800A0035", "source": "s", "description": "\u001b[2J"}},
+    {"n": 9, "at": "once", "us": 9, "kind": "nested", "case": "other"}]
+
+
+def unfinished_archive(entries):
+    """Stored entries without a directory."""
+    stream = b""
+    for name, content in entries:
+        stream += struct.pack("<IHHHHHIIIHH", 0x04034B50, 20, 0, 0, 0, 0x21, zlib.crc32(content), len(content),
+                              len(content), len(name), 0) + name.encode() + content
+    return stream
+
+
+def case_seeds(chance):
+    facts, steps = json.dumps(case_facts()).encode(), "\n".join(map(json.dumps, CASE_STEPS)).encode() + b"\n"
+    whole = archive_of([("case.json", facts), ("command.xml", b"<COMMAND/>"), ("reply.xml", b"<R/>"),
+                        ("journal.jsonl", steps), ("machine/registry.reg", b"\xff\xfe"), ("after/4/drive_c/a", b"a")])
+    files = unfinished_archive([("machine/drive_c/a", b"abc"), ("machine/drive_c/b/", b""), ("after/1/drive_c/a", b"d")])
+    inputs = [b"\0" + whole, b"\0", b"\0PK", b"\0" + archive_of([]), b"\1" + facts + NUL + steps + NUL + b"[S]\r\nk=v\r\n",
+              b"\2" + facts + NUL + steps + NUL + files, b"\2" + facts + NUL + steps[:-20] + NUL + files[:-3], b"\2"]
+    inputs += [b"\0" + archive_of([("case.json", facts), (name, b"x")]) for name in (
+        "../up", "/root", "C:\\x", "case.json", "CASE.JSON", "reply.xml/x", "machine/a/../../b", "machine/nul", "after/1")]
+    odd = [None, True, -1, 1.5, "\u001b[2J", [], {}, [[1]], {"a": {"b": []}}, 2 ** 64]
+    for number, key in enumerate(case_facts()):
+        inputs.append(b"\1" + json.dumps(case_facts(**{key: odd[number % len(odd)]})).encode() + NUL + steps + NUL)
+    for number, step in enumerate(CASE_STEPS):
+        for place, key in enumerate(step):
+            changed = json.dumps({**step, key: odd[(number + place) % len(odd)]}).encode()
+            inputs.append(b"\2" + facts + NUL + changed + b"\n" + NUL + files)
+    deep = b"[" * 3000 + b"]" * 3000
+    inputs += [b"\1" + b'{"format":1,"x":' + deep + b"}" + NUL + NUL, b"\1" + facts + NUL + b'{"n":1,"at":"once","x":' + deep
+               + b"}" + NUL]
+    for _ in range(10):
+        changed = bytearray(whole)
+        changed[chance.randrange(len(changed))] ^= 1 << chance.randrange(8)
+        inputs.append(b"\0" + bytes(changed))
     return inputs
 
 

@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <signal.h>
 #include <stdarg.h>
 #include <sys/stat.h>
@@ -9,6 +10,8 @@
 
 #include <cstdlib>
 #include <new>
+#include <string>
+#include <string_view>
 
 // The calls themselves are replaced by the linker (--wrap), operator new by its definition here.
 
@@ -25,13 +28,14 @@ struct State {
   bool callsArmed = false;
   CallFault callFault;
   std::size_t calls = 0;
+  bool writesLess = false;
   const std::function<void()>* onCall = nullptr;
 };
 
 thread_local State state;
 
-bool FailsToAllocate() {
-  if (!state.allocationsArmed || state.suspended > 0) {
+bool FailsToAllocate(std::size_t size) {
+  if (!state.allocationsArmed || state.suspended > 0 || size < state.allocationFault.least) {
     return false;
   }
   ++state.allocations;
@@ -39,10 +43,25 @@ bool FailsToAllocate() {
                                     : state.allocations >= state.allocationFault.at;
 }
 
-// Carries out one call; `Result` -1 with errno is its failure.
-template <typename Call>
-auto Intercept(Call call) -> decltype(call()) {
-  if (!state.callsArmed || state.suspended > 0) {
+bool IsMeant(std::string_view path) {
+  return state.callsArmed && state.suspended == 0 && path.starts_with(state.callFault.below);
+}
+
+bool IsMeant(int descriptor) {
+  if (!state.callsArmed || state.suspended > 0 || state.callFault.below.empty()) {
+    return state.callsArmed && state.suspended == 0;
+  }
+  const FaultsSuspended looking;
+  char path[PATH_MAX];
+  const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
+  const ssize_t size = readlink(link.c_str(), path, sizeof path);
+  return size > 0 && std::string_view(path, static_cast<std::size_t>(size)).starts_with(state.callFault.below);
+}
+
+// Carries out one call on a path or descriptor; -1 with errno is its failure.
+template <typename Place, typename Call>
+auto Intercept(Place place, Call call) -> decltype(call()) {
+  if (!IsMeant(place)) {
     return call();
   }
   const bool meant = ++state.calls == state.callFault.at;
@@ -53,7 +72,9 @@ auto Intercept(Call call) -> decltype(call()) {
   if (meant && state.callFault.kind == CallFault::Kind::KillBefore) {
     kill(getpid(), SIGKILL);
   }
+  state.writesLess = meant && state.callFault.kind == CallFault::Kind::ShortWrite;
   const auto result = call();
+  state.writesLess = false;
   if (meant && state.callFault.kind == CallFault::Kind::KillAfter) {
     kill(getpid(), SIGKILL);
   }
@@ -63,6 +84,9 @@ auto Intercept(Call call) -> decltype(call()) {
   }
   return result;
 }
+
+// How much the call that is being carried out writes.
+std::size_t Shortened(std::size_t size) { return state.writesLess && size > 1 ? 1 : size; }
 
 }  // namespace
 
@@ -97,12 +121,16 @@ std::size_t WithCallFault(CallFault fault, const std::function<void()>& work, co
 using parvex::test::CallFault;
 using parvex::test::FailsToAllocate;
 using parvex::test::Intercept;
+using parvex::test::Shortened;
 using parvex::test::state;
 
 extern "C" {
 
 int __real_open(const char* path, int flags, ...);
 ssize_t __real_write(int descriptor, const void* bytes, size_t size);
+ssize_t __real_pwrite(int descriptor, const void* bytes, size_t size, off_t at);
+int __real_ftruncate(int descriptor, off_t size);
+int __real_rename(const char* from, const char* to);
 int __real_fchmod(int descriptor, mode_t mode);
 int __real_renameat2(int oldFolder, const char* oldPath, int newFolder, const char* newPath, unsigned flags);
 int __real_link(const char* from, const char* to);
@@ -117,41 +145,49 @@ int __wrap_open(const char* path, int flags, ...) {
   if ((flags & O_ACCMODE) == O_RDONLY) {
     return __real_open(path, flags, mode);
   }
-  return Intercept([&] { return __real_open(path, flags, mode); });
+  return Intercept(path, [&] { return __real_open(path, flags, mode); });
 }
 
 ssize_t __wrap_write(int descriptor, const void* bytes, size_t size) {
-  return Intercept([&] {
-    const bool isShort =
-        state.callsArmed && state.callFault.kind == CallFault::Kind::ShortWrite && state.calls == state.callFault.at;
-    return __real_write(descriptor, bytes, isShort && size > 1 ? 1 : size);
-  });
+  return Intercept(descriptor, [&] { return __real_write(descriptor, bytes, Shortened(size)); });
+}
+
+ssize_t __wrap_pwrite(int descriptor, const void* bytes, size_t size, off_t at) {
+  return Intercept(descriptor, [&] { return __real_pwrite(descriptor, bytes, Shortened(size), at); });
+}
+
+int __wrap_ftruncate(int descriptor, off_t size) {
+  return Intercept(descriptor, [&] { return __real_ftruncate(descriptor, size); });
+}
+
+int __wrap_rename(const char* from, const char* to) {
+  return Intercept(from, [&] { return __real_rename(from, to); });
 }
 
 int __wrap_fchmod(int descriptor, mode_t mode) {
-  return Intercept([&] { return __real_fchmod(descriptor, mode); });
+  return Intercept(descriptor, [&] { return __real_fchmod(descriptor, mode); });
 }
 
 int __wrap_renameat2(int oldFolder, const char* oldPath, int newFolder, const char* newPath, unsigned flags) {
-  return Intercept([&] { return __real_renameat2(oldFolder, oldPath, newFolder, newPath, flags); });
+  return Intercept(newPath, [&] { return __real_renameat2(oldFolder, oldPath, newFolder, newPath, flags); });
 }
 
 int __wrap_link(const char* from, const char* to) {
-  return Intercept([&] { return __real_link(from, to); });
+  return Intercept(to, [&] { return __real_link(from, to); });
 }
 
 int __wrap_unlink(const char* path) {
-  return Intercept([&] { return __real_unlink(path); });
+  return Intercept(path, [&] { return __real_unlink(path); });
 }
 
 int __wrap_mkdir(const char* path, mode_t mode) {
-  return Intercept([&] { return __real_mkdir(path, mode); });
+  return Intercept(path, [&] { return __real_mkdir(path, mode); });
 }
 
 }  // extern "C"
 
 void* operator new(std::size_t size) {
-  void* block = FailsToAllocate() ? nullptr : std::malloc(size == 0 ? 1 : size);
+  void* block = FailsToAllocate(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
   if (block == nullptr) {
     throw std::bad_alloc();
   }
@@ -159,7 +195,7 @@ void* operator new(std::size_t size) {
 }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return FailsToAllocate() ? nullptr : std::malloc(size == 0 ? 1 : size);
+  return FailsToAllocate(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
 }
 
 void operator delete(void* block) noexcept { std::free(block); }

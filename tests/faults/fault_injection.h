@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 
 namespace parvex::test {
 
@@ -12,18 +13,21 @@ namespace parvex::test {
 struct AllocationFault {
   std::size_t at;
   bool once;
+  std::size_t least = 0;  ///< bytes; smaller allocations do not count
 };
 
 /// Runs `work` with that fault. Gives the number of allocations that it asked for.
 std::size_t WithAllocationFault(AllocationFault fault, const std::function<void()>& work);
 
-/// What befalls one of the calls that change files: opening for writing, writing, changing permissions, renaming,
-/// linking, removing, making a folder.
+/// What befalls one of the calls that change files: opening for writing, writing, cutting off, changing permissions,
+/// renaming, linking, removing, making a folder.
 struct CallFault {
   enum class Kind { None, Error, ShortWrite, KillBefore, KillAfter };
   Kind kind = Kind::None;
   std::size_t at = 0;  ///< from 1
   int error = 0;       ///< the system's number, for an error
+  /// A folder of the host: calls on what is in it count, and no others. All count where it is empty.
+  std::string below = {};
 };
 
 /// Runs `work` with that fault. A short write takes one byte; the error of a call that is made again stays. Gives the

@@ -7,6 +7,7 @@
 #include "formats/jet/writer.h"
 #include "formats/zip/zip_writer.h"
 #include "interface/legacy_orla_pull.h"
+#include "legacy_env/thread_state.h"
 #include "legacy_env/ui_settings.h"
 #include "seams/automation_error.h"
 #include "tests/faults/fault_injection.h"
@@ -54,25 +55,7 @@ const std::string& ProjectDatabase() {
   return bytes;
 }
 
-void PrepareExport(FakeMachine& machine) {
-  machine.Write(TemporaryFile("QBOutput.ini"), "[Header]\r\nAction=cancel\r\n");
-  machine.Write(kUnitBlob, Blob());
-  machine.Write(std::string(kFolder) + "\\project.mdb", ProjectDatabase());
-  machine.processes.work = [&machine](const std::string&) {
-    const FaultsSuspended otherProgram;
-    machine.Write(
-        TemporaryFile("QBOutput.ini"),
-        "[Header]\r\nAction=ok\r\n[PartNumber1]\r\nPartNumber=A\r\nPDSG=RTU47\r\nMarkFor=RTU-1\r\nFileName=" +
-            std::string(kUnitBlob) +
-            "\r\n[Accessory1]\r\nPartNumber:1=x\r\nQuantity:1=2\r\n[Warranty1]\r\nName:1=w\r\nPartNumber:1=y\r\n");
-  };
-}
-
-void Export(FakeMachine& machine) {
-  PullNgorla(machine,
-             "<COMMAND><NAME>getHybrisXMLNoUI</NAME><PARAMETER><NAME>selection</NAME><VALUE><UserSelectionTransfer>"
-             "<ProjectName>Tower</ProjectName></UserSelectionTransfer></VALUE></PARAMETER></COMMAND>");
-}
+void Export(FakeMachine& machine) { ExportedText(machine, nullptr); }
 
 // --- Changes ---
 
@@ -131,6 +114,28 @@ void ChangeMarkup(FakeMachine&) {
 void Nothing(FakeMachine&) {}
 
 }  // namespace
+
+void PrepareExport(FakeMachine& machine) {
+  machine.Write(TemporaryFile("QBOutput.ini"), "[Header]\r\nAction=cancel\r\n");
+  machine.Write(kUnitBlob, Blob());
+  machine.Write(std::string(kFolder) + "\\project.mdb", ProjectDatabase());
+  machine.processes.work = [&machine](const std::string&) {
+    const FaultsSuspended otherProgram;
+    machine.Write(
+        TemporaryFile("QBOutput.ini"),
+        "[Header]\r\nAction=ok\r\n[PartNumber1]\r\nPartNumber=A\r\nPDSG=RTU47\r\nMarkFor=RTU-1\r\nFileName=" +
+            std::string(kUnitBlob) +
+            "\r\n[Accessory1]\r\nPartNumber:1=x\r\nQuantity:1=2\r\n[Warranty1]\r\nName:1=w\r\nPartNumber:1=y\r\n");
+  };
+}
+
+std::string ExportedText(FakeMachine& machine, recording::Recorder* recorder) {
+  ForgetThisThread();
+  return LegacyORLAPull(machine.platform, recorder)
+      .PullNGORLA(
+          "<COMMAND><NAME>getHybrisXMLNoUI</NAME><PARAMETER><NAME>selection</NAME><VALUE><UserSelectionTransfer>"
+          "<ProjectName>Tower</ProjectName></UserSelectionTransfer></VALUE></PARAMETER></COMMAND>");
+}
 
 const std::vector<Job>& WritingJobs() {
   static const std::vector<Job> jobs = {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "recording/recorder.h"
 #include "tests/support/fake_platform.h"
 
 namespace parvex::test {
@@ -21,6 +22,10 @@ struct Job {
 const std::vector<Job>& WritingJobs();
 /// Jobs of which every allocation is made to fail: an export, a change of a project, an edit of a tag, and documents.
 const std::vector<Job>& AllocatingJobs();
+
+/// The export of the jobs, recorded where a recorder is given: its reply. As the first call of a thread.
+void PrepareExport(FakeMachine& machine);
+std::string ExportedText(FakeMachine& machine, recording::Recorder* recorder);
 
 inline void PrintTo(const Job& job, std::ostream* out) { *out << job.name; }
 

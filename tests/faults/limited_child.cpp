@@ -1,5 +1,6 @@
 #include "tests/faults/limited_child.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -32,12 +33,16 @@ std::string AnswerOf(const std::function<std::string()>& work) {
   }
 }
 
-[[noreturn]] void BeChild(int answerTo, const std::function<std::string()>& work) {
+void LimitThisProcess() {
   alarm(kMostWallSeconds);
   if (!kSanitized) {
     const rlimit memory{kMostMemory, kMostMemory};
     setrlimit(RLIMIT_AS, &memory);
   }
+}
+
+[[noreturn]] void BeChild(int answerTo, const std::function<std::string()>& work) {
+  LimitThisProcess();
   std::string_view rest;
   const std::string answer = AnswerOf(work);
   for (rest = answer; !rest.empty();) {
@@ -54,20 +59,31 @@ double Seconds(const timeval& time) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
-}  // namespace
+[[noreturn]] void BeProgram(int answerTo, const std::vector<std::string>& arguments, const std::string& outputFile) {
+  LimitThisProcess();
+  std::vector<char*> pointers;
+  for (const std::string& argument : arguments) {
+    pointers.push_back(const_cast<char*>(argument.c_str()));
+  }
+  pointers.push_back(nullptr);
+  dup2(open(outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDOUT_FILENO);
+  dup2(answerTo, STDERR_FILENO);
+  execv(pointers[0], pointers.data());
+  _exit(127);
+}
 
-ChildOutcome InLimitedChild(const std::function<std::string()>& work) {
+// `be` is what the child does with the end of a pipe to which it writes its answer.
+int RunChild(const std::function<void(int answerTo)>& be, ChildOutcome& outcome) {
   std::array<int, 2> ends{};
   if (pipe(ends.data()) != 0) {
-    return {};
+    return -1;
   }
   const pid_t child = fork();
   if (child == 0) {
     close(ends[0]);
-    BeChild(ends[1], work);
+    be(ends[1]);
   }
   close(ends[1]);
-  ChildOutcome outcome;
   std::array<char, 4096> piece;
   for (ssize_t got = 0; (got = read(ends[0], piece.data(), piece.size())) > 0;) {
     outcome.answer.append(piece.data(), static_cast<std::size_t>(got));
@@ -76,8 +92,22 @@ ChildOutcome InLimitedChild(const std::function<std::string()>& work) {
   int status = 0;
   rusage usage{};
   wait4(child, &status, 0, &usage);
-  outcome.ended = WIFEXITED(status) && WEXITSTATUS(status) == 0;
   outcome.seconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
+
+ChildOutcome InLimitedChild(const std::function<std::string()>& work) {
+  ChildOutcome outcome;
+  outcome.ended = RunChild([&](int answerTo) { BeChild(answerTo, work); }, outcome) == 0;
+  return outcome;
+}
+
+ProgramOutcome InLimitedProgram(const std::vector<std::string>& arguments, const std::string& outputFile) {
+  ProgramOutcome outcome;
+  outcome.status = RunChild([&](int answerTo) { BeProgram(answerTo, arguments, outputFile); }, outcome);
+  outcome.ended = outcome.status >= 0;
   return outcome;
 }
 

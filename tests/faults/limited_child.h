@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace parvex::test {
 
@@ -16,6 +17,15 @@ struct ChildOutcome {
 /// terabytes of address space) and is ended after 20 seconds. An exception is an answer: the description of an
 /// AutomationError, "out of memory" for a std::bad_alloc.
 ChildOutcome InLimitedChild(const std::function<std::string()>& work);
+
+/// How a program went under the same limits, with its standard error.
+struct ProgramOutcome : ChildOutcome {
+  int status = -1;  ///< exit status; -1 when it was ended by a signal
+};
+
+/// Runs a program, whose path is the first argument. Its standard output goes to a file; `answer` is its standard
+/// error.
+ProgramOutcome InLimitedProgram(const std::vector<std::string>& arguments, const std::string& outputFile);
 
 /// Fails the test unless the work came to its end within a second of processor time (several under a sanitizer).
 void ExpectQuick(const ChildOutcome& outcome);

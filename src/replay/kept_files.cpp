@@ -60,6 +60,37 @@ void AddNames(KeptFiles& kept, const recording::RecordedCase& recorded) {
   }
 }
 
+std::string_view FolderOf(std::string_view place) {
+  const std::size_t end = place.rfind('/');
+  return place.substr(0, end == std::string_view::npos ? 0 : end);
+}
+
+// A file was written: its folder was there, unless the call had made it.
+void AddFoldersWrittenInto(KeptFiles& kept, const recording::RecordedCase& recorded) {
+  std::map<std::uint64_t, std::string> begun;
+  std::set<std::string> own;
+  for (const Json& line : recorded.steps) {
+    const std::string op = TextAt(line, "op");
+    if (op == "createFolder" || op == "replace" || op == "createNew" || op == "write") {
+      begun[CountAt(line, "n")] = PlaceInMachineFolder(TextAt(line, "path")).value_or("");
+      if (op == "createFolder") {
+        own.insert(FoldName(begun[CountAt(line, "n")]));
+      }
+      continue;
+    }
+    const auto place = begun.find(CountAt(line, "n"));
+    if (place == begun.end() || line.contains("error") || Member(line, "result") == false) {
+      continue;
+    }
+    std::string_view folder = FolderOf(place->second);
+    const std::string folded = FoldName(folder);
+    const auto isOwn = [&](const std::string& one) { return folded == one || folded.starts_with(one + "/"); };
+    if (!folder.empty() && std::none_of(own.begin(), own.end(), isOwn) && !own.contains(FoldName(place->second))) {
+      AddFolder(kept, std::string(folder));
+    }
+  }
+}
+
 std::string RegistryOf(const recording::RecordedCase& recorded) {
   std::map<std::uint64_t, recording::RegistryValue> asked;
   std::map<std::pair<std::string, std::string>, recording::RegistryValue> values;
@@ -151,6 +182,7 @@ KeptFiles FilesBefore(const recording::RecordedCase& recorded, std::string& made
     made = RegistryOf(recorded);
     AddFile(kept, std::string(kRegistry), made);
   }
+  AddFoldersWrittenInto(kept, recorded);
   if (TextAt(recorded.facts, "outcome") == "unfinished") {
     AddNames(kept, recorded);
   }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kNone = "no such file";
 constexpr const char* kNoFolder = "no such folder";
-constexpr std::string_view kRegistry = "REGISTRY.REG";
+constexpr std::string_view kFoldedRegistry = "REGISTRY.REG";
 
 // A place in the spelling in which each of its folders came first.
 class Spelling {
@@ -60,7 +60,7 @@ void Walk(HostSystem& system, const std::string& path, const std::string& place,
     if (entry.isFolder) {
       found.folders[FoldName(inside)] = inside;
       Walk(system, path + "/" + entry.name, inside, found);
-    } else if (FoldName(inside) != kRegistry) {
+    } else if (FoldName(inside) != kFoldedRegistry) {
       found.files[FoldName(inside)] = {inside, path + "/" + entry.name};
     }
   }
@@ -107,7 +107,7 @@ std::vector<Difference> CompareFiles(HostSystem& system, const std::string& fold
   std::vector<Difference> differences;
   for (const auto& [folded, file] : expected.files) {
     const auto there = found.files.find(folded);
-    if (folded == kRegistry) {
+    if (folded == kFoldedRegistry) {
       continue;
     }
     if (there == found.files.end()) {

@@ -74,8 +74,27 @@ def main():
         expect({"command.xml", "reply.xml", "machine/registry.reg"} <= kept, f"members: {sorted(kept)}")
         expect(any(path.startswith("after/") and path.endswith("qboutput.ini") for path in kept),
                f"what the workflow program left: {sorted(kept)}")
+        full_disk(native_bin, scratch, host)
         two_hosts(native_bin, scratch)
     print("ok: calls of two hosts and of the program are recorded on Windows, and read on Linux")
+
+
+def full_disk(native_bin, scratch, host):
+    """No call is another one because its recording has no room; what there is of the case can be read."""
+    cases = scratch / "full"
+    os.environ["PARVEX_RECORD"] = wine.windows_path(cases)
+    try:
+        for left in (0, 2, 8):
+            with recordings.FullDisk(cases, pages_left=left):
+                host()
+                listed = subprocess.run([native_bin / "parvex", "case", "list", cases], capture_output=True)
+                names = [path.name for path in cases.iterdir() if path.name != recordings.FILLER]
+                expect(listed.returncode == 0 and listed.stdout.count(b"\n") == len(names),
+                       f"a full disk with {left} pages left: {names}, {listed}")
+    except OSError as reason:
+        print(f"not tried: a full disk ({reason})")
+    finally:
+        del os.environ["PARVEX_RECORD"]
 
 
 SETTINGS = r"HKCU\Software\Parvex\Recording"

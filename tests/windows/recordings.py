@@ -59,23 +59,30 @@ def all_sessions(commands, quote):
     yield Session("full disk", export, full_disk=True)
 
 
-class FullDisk:
-    """A file system without room in the place of a folder, while it lasts. OSError where none can be mounted."""
+PAGE = 4096  # what the small file system gives room by
+FILLER = "full.bin"
 
-    def __init__(self, folder):
+
+class FullDisk:
+    """A file system without room but for a few pages in the place of a folder, while it lasts. OSError where none can be
+    mounted."""
+
+    def __init__(self, folder, pages_left=0):
         self.folder = folder
+        self.pages_left = pages_left
 
     def __enter__(self):
         self.folder.mkdir(parents=True, exist_ok=True)
         command = ["mount", "-t", "tmpfs", "-o", "size=64k", "none", str(self.folder)]
         if subprocess.run(command, capture_output=True).returncode != 0:
             raise OSError("no small file system can be mounted")
+        filler = self.folder / FILLER
         try:
-            with open(self.folder / "full.bin", "wb", buffering=0) as file:
-                while file.write(bytes(4096)):
+            with open(filler, "wb", buffering=0) as file:
+                while file.write(bytes(PAGE)):
                     pass
         except OSError:
-            pass
+            os.truncate(filler, filler.stat().st_size - self.pages_left * PAGE)
 
     def __exit__(self, *_):
         subprocess.run(["umount", str(self.folder)], check=True)

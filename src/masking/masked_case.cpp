@@ -131,24 +131,16 @@ std::string Some(const std::set<std::u32string>& names) {
   return text;
 }
 
-std::string Some(const std::vector<std::string>& differences) {
-  std::string text;
-  for (std::size_t i = 0; i < differences.size() && i < kMostTold; ++i) {
-    text += "\n  " + differences[i];
-  }
-  return text;
-}
-
 void CheckItReproduces(const RecordedCase& whole, const RecordedCase& masked, const RunCase& run) {
-  const std::vector<std::string> differences = run(masked);
+  const std::string differences = run(masked);
   if (differences.empty()) {
     return;
   }
-  const std::vector<std::string> before = run(whole);
+  const std::string before = run(whole);
   if (!before.empty()) {
-    Refuse("it does not reproduce unmasked, either:" + Some(before));
+    Refuse("it does not reproduce unmasked, either:\n" + before);
   }
-  Refuse("it would not reproduce any more:" + Some(differences));
+  Refuse("it would not reproduce any more:\n" + differences);
 }
 
 std::vector<Replaced> TableOf(Masker& masker, const KnownNames& names) {

@@ -14,8 +14,9 @@ struct Options {
   bool keepPrices = false;
 };
 
-/// Carries out a case and tells how that differs from what was recorded; nothing when it is reproduced.
-using RunCase = std::function<std::vector<std::string>(const recording::RecordedCase&)>;
+/// Carries out a case and tells how that differs from what was recorded, for people; an empty text when it is
+/// reproduced.
+using RunCase = std::function<std::string(const recording::RecordedCase&)>;
 
 /// What became what.
 struct Replaced {

@@ -164,6 +164,12 @@ void CommandLine::AddCases() {
   run->add_option("--keep", runCases_.keep, "Keep the machine that the case is run on in this new folder")
       ->type_name("DIR");
   run->add_flag("--lenient", runCases_.lenient, "Let recorded steps pass that nobody asks for");
+  CLI::App* mask = add(
+      "mask", "Write a case with other names, descriptions and prices that reproduces as this one does",
+      [this] { return MaskCase(maskCase_); }, maskCase_.file, aCase);
+  mask->add_option("-o,--output", maskCase_.output, "The case to write")->required()->type_name("FILE");
+  mask->add_option("--table", maskCase_.table, "Write what became what, for yourself only")->type_name("FILE");
+  mask->add_flag("--keep-prices", maskCase_.keepPrices, "Leave prices as they are");
   add(
       "extract", "Write all that a case holds into a new folder",
       [this] { return ExtractCase(showCase_.file, extractTo_); }, showCase_.file, aCase)

@@ -9,6 +9,7 @@
 #include "cli/commands/case_command.h"
 #include "cli/commands/case_run_command.h"
 #include "cli/commands/export_command.h"
+#include "cli/commands/mask_command.h"
 #include "cli/commands/return_command.h"
 #include "cli/commands/router_ids_command.h"
 #include "cli/commands/show_command.h"
@@ -62,6 +63,7 @@ class CommandLine {
   std::string caseFolder_;
   ShowCaseOptions showCase_;
   RunCaseOptions runCases_;
+  MaskCaseOptions maskCase_;
   std::string extractTo_;
 
   Action action_;

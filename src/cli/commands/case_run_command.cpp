@@ -118,6 +118,8 @@ ExitStatus RunFolder(HostSystem& system, const RunCaseOptions& options) {
 
 }  // namespace
 
+replay::RunResult RunOnce(HostSystem& system, const RecordedCase& read) { return Run(system, read, {}, false); }
+
 ExitStatus RunCases(const RunCaseOptions& options) {
   const std::unique_ptr<HostSystem> system = ThisSystem();
   if (IsFolderOfCases(*system, options.file)) {

@@ -3,6 +3,9 @@
 #include <string>
 
 #include "cli/host/exit_status.h"
+#include "recording/recorded_case.h"
+#include "replay/case_run.h"
+#include "seams/host_system.h"
 
 namespace parvex::cli {
 
@@ -14,5 +17,8 @@ struct RunCaseOptions {
 
 /// Does recorded calls again and compares. kFailedReply when one is not reproduced.
 ExitStatus RunCases(const RunCaseOptions& options);
+
+/// The same for one case, on a machine folder that is gone afterwards.
+replay::RunResult RunOnce(HostSystem& system, const recording::RecordedCase& read);
 
 }  // namespace parvex::cli

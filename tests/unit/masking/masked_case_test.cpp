@@ -150,18 +150,18 @@ TEST_F(MaskedCaseTest, HasItsTableAsText) {
 
 TEST_F(MaskedCaseTest, IsRefusedWhenItDoesNotReproduce) {
   const RunCase onlyWhole = [&](const RecordedCase& run) {
-    return run.command == whole.command ? std::vector<std::string>{} : std::vector<std::string>{"step 1: something"};
+    return std::string(run.command == whole.command ? "" : "step 1: something");
   };
   EXPECT_THAT(ErrorIn([&] {
                 MaskCase(whole, {.key = {3, 4}}, onlyWhole);
               }),
-              HasSubstr("it would not reproduce any more:\n  step 1: something"));
-  const RunCase never = [](const RecordedCase&) { return std::vector<std::string>{"step 2"}; };
+              HasSubstr("it would not reproduce any more:\nstep 1: something"));
+  const RunCase never = [](const RecordedCase&) { return std::string("step 2"); };
   EXPECT_THAT(ErrorIn([&] {
                 MaskCase(whole, {.key = {3, 4}}, never);
               }),
-              HasSubstr("it does not reproduce unmasked, either:\n  step 2"));
-  const RunCase always = [](const RecordedCase&) { return std::vector<std::string>{}; };
+              HasSubstr("it does not reproduce unmasked, either:\nstep 2"));
+  const RunCase always = [](const RecordedCase&) { return std::string(); };
   EXPECT_THAT(MaskCase(whole, {.key = {3, 4}}, always).table, Not(IsEmpty()));
 }
 

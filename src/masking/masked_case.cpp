@@ -72,8 +72,8 @@ RecordedCase Walked(Masker& masker, const RecordedCase& whole) {
   walked.isFinished = whole.isFinished;
   Lengths lengths;
   for (const KeptFile& file : whole.files) {
-    walked.files.push_back(
-        {MaskMember(masker, file.name), file.isFolder ? std::string() : masker.Bytes(file.bytes), file.isFolder});
+    walked.files.push_back({MaskMember(masker, file.name),
+                            file.isFolder ? std::string() : masker.File(file.name, file.bytes), file.isFolder});
     lengths.Add(file.name, file.bytes.size(), walked.files.back().bytes.size());
   }
   walked.facts = MaskFacts(masker, whole.facts);

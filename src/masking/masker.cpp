@@ -26,6 +26,7 @@ constexpr std::uint64_t kMostUnpacked = std::uint64_t{4} << 30;
 constexpr std::size_t kLargestText = std::size_t{512} << 20;
 constexpr std::size_t kShortFile = 4'096;
 constexpr std::size_t kShortestWord = 8;
+constexpr std::size_t kSurelyOfAFile = 64;  // Base64 that reads as text
 constexpr std::u32string_view kCopy = U"copy of ";
 
 constexpr unsigned kWindows1252 = 1252;
@@ -78,17 +79,23 @@ std::string Masker::Text(std::string_view text, Place place) {
   return TextWalk(*this, text).Walked(place);
 }
 
-std::string Masker::Bytes(std::string_view bytes) {
-  if (std::optional<std::string> masked = LookedInto(bytes)) {
-    return std::move(*masked);
+std::string Masker::File(std::string_view name, std::string_view bytes) {
+  const std::string_view last = name.substr(name.find_last_of("\\/") + 1);
+  const bool isKnown = EqualIgnoringCase(last, "UIKeys.txt") || EqualIgnoringCase(last, "Tag");
+  if (!isKnown && bytes.size() <= kShortFile) {
+    files_.emplace(bytes);
   }
-  if (bytes.size() <= kShortFile) {
-    closed_.emplace(bytes);
+  return Bytes(bytes, isKnown ? Place::Other : Place::Free);
+}
+
+std::string Masker::Bytes(std::string_view bytes, Place place) {
+  if (std::optional<std::string> masked = LookedInto(bytes, place)) {
+    return std::move(*masked);
   }
   return std::string(bytes.size(), '\0');
 }
 
-std::optional<std::string> Masker::LookedInto(std::string_view bytes) {
+std::optional<std::string> Masker::LookedInto(std::string_view bytes, Place place) {
   if (bytes.empty()) {
     return std::string();
   }
@@ -101,7 +108,7 @@ std::optional<std::string> Masker::LookedInto(std::string_view bytes) {
   if (bytes.starts_with(jet::kFileStart)) {
     masked = Database(bytes);
   } else if (masked = Archive(bytes); !masked) {
-    masked = EncodedText(bytes);
+    masked = EncodedText(bytes, place);
   }
   --depth_;
   return masked;
@@ -148,7 +155,7 @@ std::optional<std::string> Masker::Archive(std::string_view bytes) {
     if (entry.isFolder) {
       writer.Add(name + "/", "", false);
     } else {
-      writer.Add(name, Bytes(entry.bytes), !entry.bytes.empty());
+      writer.Add(name, File(entry.name, entry.bytes), !entry.bytes.empty());
     }
   }
   return writer.Finish();
@@ -183,7 +190,7 @@ std::string Masker::Database(std::string_view bytes) {
   }
 }
 
-std::optional<std::string> Masker::EncodedText(std::string_view bytes) {
+std::optional<std::string> Masker::EncodedText(std::string_view bytes, Place place) {
   TextEncoding encoding = EncodingOf(bytes);
   const std::string_view mark = MarkOf(encoding);
   std::string_view body = bytes.substr(mark.size());
@@ -198,7 +205,7 @@ std::optional<std::string> Masker::EncodedText(std::string_view bytes) {
     if (std::any_of(text.begin(), text.end(), [](char c) { return IsControl(static_cast<unsigned char>(c)); })) {
       return std::nullopt;
     }
-    return std::string(mark) + BytesOf(ToUtf16(Text(text), LoneSurrogates::Kept), encoding);
+    return std::string(mark) + BytesOf(ToUtf16(Text(text, place), LoneSurrogates::Kept), encoding);
   }
   if (std::any_of(body.begin(), body.end(), [](char c) { return IsControl(static_cast<unsigned char>(c)); })) {
     return std::nullopt;
@@ -214,10 +221,10 @@ std::optional<std::string> Masker::EncodedText(std::string_view bytes) {
   }
   const bool isWestern = codePage == kWindows1252 || codePage == kLatin1;
   if (!isWestern && IsWellFormed(body)) {
-    return std::string(mark) + Text(body);
+    return std::string(mark) + Text(body, place);
   }
   posix::Windows1252 western;
-  return std::string(mark) + western.ToAnsi(Text(western.FromAnsi(body)));
+  return std::string(mark) + western.ToAnsi(Text(western.FromAnsi(body), place));
 }
 
 std::string Masker::Packed(std::string_view base64, bool isSure) {
@@ -229,10 +236,12 @@ std::string Masker::Packed(std::string_view base64, bool isSure) {
     return {};
   }
   const std::string bytes = DecodeBase64(base64);
-  if (std::optional<std::string> masked = LookedInto(bytes)) {
+  // A few letters may be a word; it is one of a file where such a file was seen.
+  const bool isFile = isSure || digits >= kSurelyOfAFile || files_.contains(bytes);
+  if (std::optional<std::string> masked = LookedInto(bytes, isFile ? Place::Free : Place::Other)) {
     return work_ == Work::Mask && *masked != bytes ? EncodeBase64(*masked) : std::string();
   }
-  const bool isClosed = isSure || closed_.contains(bytes);
+  const bool isClosed = isSure || files_.contains(bytes);
   return work_ == Work::Mask && isClosed ? EncodeBase64(std::string(bytes.size(), '\0')) : std::string();
 }
 

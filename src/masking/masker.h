@@ -35,8 +35,11 @@ class Masker {
   std::string Text(std::string_view text, Place place = Place::Other);
   /// A path, or a name of a file. Its components may be separated by either slash.
   std::string Path(std::string_view path) { return Text(path, Place::Path); }
-  /// The bytes of a file or of an archive's entry.
-  std::string Bytes(std::string_view bytes);
+  /// The bytes of a document.
+  std::string Bytes(std::string_view bytes) { return Bytes(bytes, Place::Other); }
+  /// The bytes of a file or of an archive's entry of that name. A text without any form that is known is free text, of
+  /// which no word stays, unless the protocol says what stands in a file of that name.
+  std::string File(std::string_view name, std::string_view bytes);
 
   /// What `text` becomes where it is masked as a whole.
   std::u32string Masked(std::u32string_view text, Place place);
@@ -49,8 +52,9 @@ class Masker {
 
   // Nothing where it is no archive, or text.
   std::optional<std::string> Archive(std::string_view bytes);
-  std::optional<std::string> EncodedText(std::string_view bytes);
-  std::optional<std::string> LookedInto(std::string_view bytes);
+  std::optional<std::string> EncodedText(std::string_view bytes, Place place);
+  std::optional<std::string> LookedInto(std::string_view bytes, Place place);
+  std::string Bytes(std::string_view bytes, Place place);
   std::string Database(std::string_view bytes);
   /// The masked bytes of Base64, in Base64; empty where it stays what it is. `isSure` is whether it can be nothing
   /// else.
@@ -63,7 +67,7 @@ class Masker {
   std::set<std::u32string> left_;
   int depth_ = 0;
   std::uint64_t unpacked_ = 0;
-  std::set<std::string, std::less<>> closed_;  ///< short files that were replaced by zeros, for their Base64
+  std::set<std::string, std::less<>> files_;  ///< short ones, to know them again in Base64
 };
 
 }  // namespace parvex::masking

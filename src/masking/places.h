@@ -13,6 +13,7 @@ enum class Place : std::uint8_t {
   Description,  ///< free text
   Price,
   Path,
+  Free,   ///< a file or entry of an archive: free text, unless it is of a kind that is known
   Packed  ///< Base64
 };
 

@@ -100,11 +100,10 @@ void TextWalk::Walk(Part text, Place place) {
     case Place::Packed:
       WalkPacked(Trimmed(text), true);
       break;
+    case Place::Free:
     case Place::Other:
       if (StartsWith(Trimmed(text), U"{\\rtf")) {
-        const View rich = RichText(text);
-        TakeAddresses(rich);
-        Look(rich);
+        WalkRichText(text, place);
       } else if (WalkPacked(Trimmed(text), false)) {
         // One word, in which there are no lines.
       } else if (StartsWith(Trimmed(text), U"<") && LooksLikeMarkup(text)) {
@@ -113,6 +112,9 @@ void TextWalk::Walk(Part text, Place place) {
         WalkLines(text);
       } else if (LooksLikeMarkup(text)) {
         WalkMarkup(text);
+      } else if (place == Place::Free) {
+        TakeAddresses(text);
+        Blacken(text);
       } else {
         WalkConditions(text);
       }
@@ -122,6 +124,16 @@ void TextWalk::Walk(Part text, Place place) {
   TakeAddresses(text);
   Look(text);
   --depth_;
+}
+
+void TextWalk::WalkRichText(Part text, Place place) {
+  const View rich = RichText(text);
+  TakeAddresses(rich);
+  if (place == Place::Free) {
+    Blacken(rich);
+  } else {
+    Look(rich);
+  }
 }
 
 void TextWalk::WalkMarkup(Part text) {
@@ -273,6 +285,13 @@ void TextWalk::Take(Part text, Place place) {
                            "\"" + Utf8(text) + "\" has letters of a script for which the masking knows no others");
   }
   names_.Add(place, CodesOf(text));
+}
+
+// Free text, of which no word stays.
+void TextWalk::Blacken(Part text) {
+  if (masker_.Now() == Work::Mask) {
+    Mask(text, false);
+  }
 }
 
 void TextWalk::Mask(Part text, bool isPrice) {

@@ -23,6 +23,7 @@ class TextWalk {
 
  private:
   void Walk(Part text, Place place);
+  void WalkRichText(Part text, Place place);
   void WalkMarkup(Part text);
   void WalkLines(Part text);
   void WalkLine(Part line);
@@ -36,6 +37,7 @@ class TextWalk {
   void TakeAddresses(Part text);
   void Look(Part text);
   void Take(Part text, Place place);
+  void Blacken(Part text);
   void Mask(Part text, bool isPrice);
   bool IsPriceKept(Place place) const { return place == Place::Price && masker_.options_.keepPrices; }
 

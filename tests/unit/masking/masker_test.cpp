@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 #include "codec/bin_encoder.h"
 #include "formats/jet/stored_text.h"
 #include "formats/jet/writer.h"
@@ -206,8 +208,27 @@ TEST_F(MaskerTest, TakesShortTextForBase64WhereThereIsSuchAFile) {
   const std::string file("\0\1\2\3\4\5", 6);
   const std::string text = "<image>" + EncodeBase64(file) + "</image>";
   EXPECT_EQ(masker.Bytes(text), text);
-  masker.Bytes(file);
+  masker.File("a.bmp", file);
   EXPECT_EQ(masker.Bytes(text), "<image>AAAAAAAA</image>");
+}
+
+TEST_F(MaskerTest, LeavesNoWordOfAFileThatIsFreeText) {
+  const std::string text = "drawn for somebody, 2 sheets";
+  EXPECT_EQ(masker.File("Drawing.dat", text), Other(text));
+  EXPECT_EQ(masker.File("a\\UIKeys.txt", text), text);
+  EXPECT_EQ(masker.Bytes("<image>" + EncodeBase64(text) + "</image>"),
+            "<image>" + EncodeBase64(Other(text)) + "</image>");
+  EXPECT_EQ(
+      masker.File("a.rtf", "{\\rtf1 {\\b To} M\\'fcller}"),
+      "{\\rtf1 {\\b " + Other("To M\xC3\xBCller").substr(0, 2) + "} " + Other("M") + "\\'" +
+          [] {
+            const std::string byte = Ansi(Other("M\xC3\xBC").substr(1));
+            char hex[8];
+            std::snprintf(hex, sizeof hex, "%02x", static_cast<unsigned>(static_cast<unsigned char>(byte[0])));
+            return std::string(hex);
+          }() +
+          Other("M\xC3\xBCller").substr(3) + "}");
+  EXPECT_EQ(masker.File("a.ini", "[a]\nb=word\n"), "[a]\nb=word\n");
 }
 
 TEST(Masker, RefusesAnArchiveThatIsAllArchives) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
+#include <limits>
 #include <map>
 #include <set>
 #include <utility>
@@ -19,6 +21,9 @@ namespace {
 
 constexpr std::size_t kIndexHeader = 32;
 constexpr std::size_t kHeaderEnd = 0x98;  // what page 0 says ends here
+constexpr std::size_t kPasswordAt = 0x42;
+constexpr std::size_t kPasswordLength[] = {20, 40};  // of Jet 3 and Jet 4
+constexpr std::size_t kCreatedAt = 0x72;
 constexpr std::size_t kLongValueHeader = 12;
 constexpr std::uint32_t kInsideRow = 0x80000000u;
 constexpr std::uint32_t kOnOnePage = 0x40000000u;
@@ -247,6 +252,7 @@ class Changer {
     const auto kind = static_cast<unsigned char>(page[0]);
     if (number == 0) {
       clear(kHeaderEnd);
+      ClearPassword();
     } else if (kind == static_cast<unsigned char>(PageType::Data)) {
       ClearDataPage(number);
     } else if (kind == static_cast<unsigned char>(PageType::TableDefinition)) {
@@ -258,6 +264,21 @@ class Changer {
     } else if (kind != static_cast<unsigned char>(PageType::UsageMap)) {
       clear(0);
     }
+  }
+
+  // None at all looks like the day of creation in Jet 4, repeated.
+  void ClearPassword() {
+    std::string header = bytes_.substr(0, PageSize(version_));
+    ToggleHeaderMask(header, version_);
+    double created = 0;
+    std::memcpy(&created, header.data() + kCreatedAt, sizeof created);
+    const bool isDay = created > 0 && created < std::numeric_limits<std::uint32_t>::max();
+    const std::uint32_t day = version_ == Version::Jet4 && isDay ? static_cast<std::uint32_t>(created) : 0;
+    for (std::size_t i = 0; i < kPasswordLength[static_cast<std::size_t>(version_)]; i += 4) {
+      Put32(header, kPasswordAt + i, day);
+    }
+    ToggleHeaderMask(header, version_);
+    bytes_.replace(0, header.size(), header);
   }
 
   void ClearDataPage(std::uint32_t number) {

@@ -128,6 +128,14 @@ TEST_P(ChangedTextsTest, HaveAmountsBesideThemAndZerosForWhatIsClosed) {
   EXPECT_FALSE(Holds(file.bytes, "secret"));
 }
 
+TEST_P(ChangedTextsTest, LeaveNoPassword) {
+  Make(ConfigTable(1));
+  const std::string without = file.bytes;
+  file.bytes = WithHeader(file.bytes, [](std::string& header) { header.replace(0x42, 6, "secret"); });
+  EXPECT_NE(file.bytes, without);
+  EXPECT_EQ(Changed(Nothing), without);
+}
+
 TEST_P(ChangedTextsTest, HaveToBeAsLongAsTheOnesBefore) {
   Make(ConfigTable(1));
   EXPECT_THAT(ErrorIn([&] {

@@ -22,7 +22,8 @@ namespace {
 using recording::KeptFile;
 using recording::RecordedCase;
 
-constexpr int kMostTries = 16;
+constexpr int kMostKeys = 64;
+constexpr int kMostTries = 3;
 constexpr std::size_t kMostTold = 3;
 constexpr std::uint64_t kWesternCodePage = 1252;
 constexpr std::uint64_t kUtf8CodePage = 65001;
@@ -107,17 +108,26 @@ void AddProtocolTexts(KnownNames& names, const RecordedCase& whole) {
   }
 }
 
+std::set<std::u32string> MaskedNames(Masker& masker, const KnownNames& names) {
+  std::set<std::u32string> masked;
+  for (const KnownNames::Name& name : names.All()) {
+    masked.insert(LoweredText(masker.Masked(name.text, name.place)));
+  }
+  return masked;
+}
+
 // Whether some name becomes one that is looked for itself.
 bool MeetsAnother(Masker& masker, const KnownNames& names) {
-  std::set<std::u32string> before;
-  for (const KnownNames::Name& name : names.All()) {
-    if (name.isLookedFor) {
-      before.insert(LoweredText(name.text));
-    }
-  }
+  const std::set<std::u32string> masked = MaskedNames(masker, names);
   return std::any_of(names.All().begin(), names.All().end(), [&](const KnownNames::Name& name) {
-    return before.contains(LoweredText(masker.Masked(name.text, name.place)));
+    return name.isLookedFor && masked.contains(LoweredText(name.text));
   });
+}
+
+// Where names lie close to each other, such as those of all rooms of a house, some become one another with any key.
+// They are no longer what they were, and so may stand.
+void RemoveMadeUpNames(std::set<std::u32string>& left, const std::set<std::u32string>& masked) {
+  std::erase_if(left, [&](const std::u32string& name) { return masked.contains(LoweredText(name)); });
 }
 
 std::string Some(const std::set<std::u32string>& names) {
@@ -178,20 +188,25 @@ MaskedCase MaskCase(const RecordedCase& whole, const Options& options, const Run
   names.Close();
   MaskedCase result;
   Key key = options.key;
-  for (int tries = 0;; ++tries, ++key.high) {
+  for (int keys = 1, tries = 0;; ++keys, ++key.high) {
     masker.MaskWith(key);
-    if (tries + 1 < kMostTries && MeetsAnother(masker, names)) {
+    if (keys < kMostKeys && MeetsAnother(masker, names)) {
       continue;
     }
     result.masked = Walked(masker, whole);
     result.table = TableOf(masker, names);
+    const std::set<std::u32string> madeUp = MaskedNames(masker, names);
     masker.Check();
     Walked(masker, result.masked);
-    if (masker.Left().empty()) {
+    std::set<std::u32string> left = masker.Left();
+    if (++tries == kMostTries) {
+      RemoveMadeUpNames(left, madeUp);
+    }
+    if (left.empty()) {
       break;
     }
-    if (tries + 1 >= kMostTries) {
-      Refuse(Some(masker.Left()) + " would be left in it");
+    if (tries == kMostTries) {
+      Refuse(Some(left) + " would be left in it");
     }
   }
   if (run) {

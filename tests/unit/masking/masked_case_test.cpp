@@ -177,6 +177,17 @@ TEST_F(MaskedCaseTest, StaysUnfinishedWhenItsHostDied) {
   EXPECT_FALSE(Masked().reply);
 }
 
+TEST_F(MaskedCaseTest, MayHaveNamesThatLieCloseToEachOther) {
+  std::string tags;
+  for (int room = 100; room < 1000; ++room) {
+    tags += "<TAG><NAME>" + std::to_string(room) + "A</NAME></TAG>";
+  }
+  whole.reply = "<TAGLIST>" + tags + "</TAGLIST>";
+  const std::string masked = *Masked().reply;
+  EXPECT_EQ(masked.size(), whole.reply->size());
+  EXPECT_NE(masked, *whole.reply);
+}
+
 // What another version writes, or another program, may be of any type.
 TEST_F(MaskedCaseTest, TakesValuesOfAnyType) {
   whole.facts["instance"] = 5;

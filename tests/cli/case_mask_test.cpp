@@ -265,6 +265,8 @@ TEST_F(CaseMask, LeavesNoneOfFortyNamesInACaseOfAnyCommandAndItStillReproduces) 
                          "School</VALUE></PARAMETER><PARAMETER><NAME>fileSpec</NAME><VALUE>C:\\Users\\Grete "
                          "Hansen\\Desktop\\Harbour School.E3A</VALUE></PARAMETER><PARAMETER><NAME>FOLDER</NAME>"
                          "<VALUE>C:\\Users\\Grete Hansen\\Harbour School</VALUE></PARAMETER></COMMAND>"));
+  // What an earlier call left.
+  WriteHostFile(fs::path(sample) / "drive_c/Korvane/TQ5-VX/Temp/QPblob.tmp", "Riverside Clinic");
   Record("pull-ngorla", {Command("getHybrisXMLNoUI"), Command("getHybrisXMLNoUI-two-tags"), Command("getHybrisXML"),
                          Written("rebuild.xml", RebuildTag())});
   Record("pull", pull);

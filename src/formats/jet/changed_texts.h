@@ -22,7 +22,8 @@ struct RowTexts {
 
 /// The database with all texts but the names of its tables and columns as `change` leaves them, and without everything
 /// that nobody can look into: OLE objects and binary columns of the application's tables become zeros of their length,
-/// and so does what no row reaches any more (deleted rows, free pages, the space behind the last row), every index and the password.
+/// and so does what no row reaches any more (deleted rows, free pages, the space behind the last row), every index and
+/// the password.
 ///
 /// A text keeps its place in the file: what `change` gives has to be as long as the text was, in the form in which the
 /// file stores it. An AutomationError says otherwise, and that the file is damaged, encrypted or of another kind.

@@ -26,17 +26,17 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr std::uint32_t kMegabyte = 1u << 20;
-constexpr const char* kSecret = "what stands elsewhere";
+constexpr std::uint32_t kMiB = 1u << 20;
+constexpr const char* kForeignText = "what stands elsewhere";
 
-struct Attack {
+struct CaseAttack {
   std::string name;
   std::function<void(const std::string& path)> make;  ///< a file, or a folder
   std::string told;
   bool isFolder = false;
 };
 
-void PrintTo(const Attack& attack, std::ostream* out) { *out << attack.name; }
+void PrintTo(const CaseAttack& attack, std::ostream* out) { *out << attack.name; }
 
 std::vector<std::string> NamesBelow(const std::filesystem::path& root) {
   std::vector<std::string> names;
@@ -47,7 +47,7 @@ std::vector<std::string> NamesBelow(const std::filesystem::path& root) {
   return names;
 }
 
-class HostileCase : public testing::TestWithParam<Attack> {
+class HostileCase : public testing::TestWithParam<CaseAttack> {
  protected:
   TemporaryFolder around_;
   TemporaryFolder outputs_;
@@ -57,7 +57,7 @@ TEST_P(HostileCase, IsRefusedByEveryCommand) {
   const std::string folder = (around_.Path() / "cases").string();
   const std::string path = folder + "/" + (GetParam().isFolder ? "1-2-3.pvxcase.part" : "1-2-3.pvxcase");
   std::filesystem::create_directory(folder);
-  WriteHostFile(around_.Path() / "secret", kSecret);
+  WriteHostFile(around_.Path() / "secret", kForeignText);
   GetParam().make(path);
   const std::vector<std::string> before = NamesBelow(around_.Path());
   const std::string output = (outputs_.Path() / "out").string();
@@ -82,15 +82,15 @@ TEST_P(HostileCase, IsRefusedByEveryCommand) {
   EXPECT_EQ(NamesBelow(around_.Path()), before);
 }
 
-std::string NameOfAttack(const testing::TestParamInfo<Attack>& info) { return info.param.name; }
+std::string NameOfAttack(const testing::TestParamInfo<CaseAttack>& info) { return info.param.name; }
 
-Attack Bytes(const std::string& name, const std::string& told, const std::function<std::string()>& bytes) {
+CaseAttack Bytes(const std::string& name, const std::string& told, const std::function<std::string()>& bytes) {
   return {name, [bytes](const std::string& path) { WriteHostFile(path, bytes()); }, told};
 }
 
 // --- Names ---
 
-std::vector<Attack> Names() {
+std::vector<CaseAttack> Names() {
   const std::vector<std::pair<std::string, std::string>> names = {{"UpAFolder", "../out"},
                                                                   {"UpByBackslashes", "..\\out"},
                                                                   {"UpFromInside", "machine/../../out"},
@@ -106,7 +106,7 @@ std::vector<Attack> Names() {
                                                                   {"NotUtf8", "machine/\xC0\xAE"},
                                                                   {"VeryLong", std::string(40'000, 'n')},
                                                                   {"VeryDeep", Repeat("a/", 20'000) + "a"}};
-  std::vector<Attack> attacks;
+  std::vector<CaseAttack> attacks;
   for (const auto& [name, entry] : names) {
     attacks.push_back(Bytes(name, "its entry", [entry = entry] { return PackedCase({{entry, "x"}}); }));
   }
@@ -117,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(Name, HostileCase, testing::ValuesIn(Names()), NameOfAt
 // --- Archives ---
 
 // The case with a number changed in the directory's record of the first entry.
-std::string WithField(std::size_t field, std::uint32_t value) {
+std::string FactsWithField(std::size_t field, std::uint32_t value) {
   std::string archive = PackedCase({});
   Put32(archive, DirectoryRecord(archive, 0) + field, value);
   return archive;
@@ -130,10 +130,10 @@ std::string WithOtherName() {
 }
 
 std::string StoredThenLarge(std::string_view member) {
-  return PackedCase({{std::string(member), std::string(100 * kMegabyte, ' ')}});
+  return PackedCase({{std::string(member), std::string(100 * kMiB, ' ')}});
 }
 
-std::vector<Attack> Archives() {
+std::vector<CaseAttack> Archives() {
   return {
       Bytes("Empty", "it is no case", [] { return ""; }),
       Bytes("Text", "it is no case", [] { return "hello"; }),
@@ -167,16 +167,16 @@ std::vector<Attack> Archives() {
               return Packed({{"case.json", kFacts}, {"command.xml/", ""}});
             }),
       Bytes("RecordsThatDisagree", "is described in two ways", WithOtherName),
-      Bytes("DataElsewhere", "is not where the directory says", [] { return WithField(42, 0x00FFFFF0); }),
-      Bytes("AWrongChecksum", "its checksum is wrong", [] { return WithField(16, 1); }),
-      Bytes("FourGigabytesDeclared", "more than are unpacked", [] { return WithField(24, 0xFFFFFFFE); }),
+      Bytes("DataElsewhere", "is not where the directory says", [] { return FactsWithField(42, 0x00FFFFF0); }),
+      Bytes("AWrongChecksum", "its checksum is wrong", [] { return FactsWithField(16, 1); }),
+      Bytes("FourGigabytesDeclared", "more than are unpacked", [] { return FactsWithField(24, 0xFFFFFFFE); }),
       Bytes("AHundredMegabytesOfJournal", "more than are unpacked", [] { return StoredThenLarge("journal.jsonl"); }),
       Bytes("AHundredMegabytesOfAFile", "more than are unpacked", [] { return StoredThenLarge("machine/drive_c/a"); }),
       {"TwoGigabytes",
-       [](const std::string& path) { WriteHostFile(path, ""), std::filesystem::resize_file(path, 2'000u * kMegabyte); },
+       [](const std::string& path) { WriteHostFile(path, ""), std::filesystem::resize_file(path, 2'000u * kMiB); },
        "more than are read"},
       {"MoreThanMemoryHolds",
-       [](const std::string& path) { WriteHostFile(path, ""), std::filesystem::resize_file(path, 300u * kMegabyte); },
+       [](const std::string& path) { WriteHostFile(path, ""), std::filesystem::resize_file(path, 300u * kMiB); },
        "it is "},
       {"APipe", [](const std::string& path) { mkfifo(path.c_str(), 0600); }, "it is no file"},
   };
@@ -185,18 +185,18 @@ INSTANTIATE_TEST_SUITE_P(Archive, HostileCase, testing::ValuesIn(Archives()), Na
 
 // --- JSON ---
 
-Attack Facts(const std::string& name, const std::string& told, const std::string& facts) {
+CaseAttack Facts(const std::string& name, const std::string& told, const std::string& facts) {
   return Bytes(name, told, [facts] { return Packed({{"case.json", facts}}); });
 }
 
-Attack Journal(const std::string& name, const std::string& told, const std::function<std::string()>& journal) {
+CaseAttack Journal(const std::string& name, const std::string& told, const std::function<std::string()>& journal) {
   return Bytes(name, told, [journal] { return PackedCase({{"journal.jsonl", journal()}}); });
 }
 
-std::vector<Attack> Texts() {
+std::vector<CaseAttack> Texts() {
   const std::string deep = Repeat("[", 200'000) + Repeat("]", 200'000);
   const std::string step = R"({"n":1,"at":"once","x":)";
-  std::vector<Attack> attacks = {
+  std::vector<CaseAttack> attacks = {
       Facts("FactsThatAreNoJson", "case.json is damaged", "{"),
       Facts("FactsThatAreAList", "case.json is damaged", R"([{"format":1}])"),
       Facts("FactsWithoutAFormat", "case.json is damaged", "{}"),
@@ -230,8 +230,8 @@ INSTANTIATE_TEST_SUITE_P(Json, HostileCase, testing::ValuesIn(Texts()), NameOfAt
 
 // --- Folders ---
 
-Attack Folder(const std::string& name, const std::string& told,
-              const std::function<void(const std::string& path)>& fill) {
+CaseAttack Folder(const std::string& name, const std::string& told,
+                  const std::function<void(const std::string& path)>& fill) {
   return {name,
           [fill](const std::string& path) {
             std::filesystem::create_directory(path);
@@ -241,12 +241,12 @@ Attack Folder(const std::string& name, const std::string& told,
           told, true};
 }
 
-std::vector<Attack> Folders() {
-  std::vector<Attack> attacks = {
+std::vector<CaseAttack> Folders() {
+  std::vector<CaseAttack> attacks = {
       Folder("ALargeJournal", "its journal.jsonl has 314572800 bytes",
              [](const std::string& path) {
                WriteHostFile(path + "/journal.jsonl", "");
-               std::filesystem::resize_file(path + "/journal.jsonl", 300u * kMegabyte);
+               std::filesystem::resize_file(path + "/journal.jsonl", 300u * kMiB);
              }),
       Folder("FilesThatEscape", "its entry",
              [](const std::string& path) {

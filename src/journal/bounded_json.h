@@ -12,7 +12,7 @@ namespace parvex::journal {
 inline constexpr std::size_t kDeepestNesting = 100;
 inline constexpr std::size_t kMostKeys = 1'000;
 /// Each takes many times the memory of its text.
-inline constexpr std::size_t kMostValues = 2'000'000;
+inline constexpr std::size_t kMostValues = 1'000'000;
 
 /// The value that a text from outside stands for. A std::exception that says what is wrong for one that is no JSON, and
 /// a std::invalid_argument for one that passes those bounds. Cost: linear in the text.

@@ -63,21 +63,23 @@ bool FirstIs(const BaseUnits& baseUnits, std::string_view baseUnit1) {
 
 }  // namespace
 
-BaseUnits BuildBaseUnits(const Platform& platform, std::shared_ptr<BaseUnit> first, const Accessories& accessories) {
+BaseUnits BuildBaseUnits(const Platform& platform, std::shared_ptr<BaseUnit> first, const Accessories& accessories,
+                         NamedBlobs* named) {
   BaseUnits baseUnits;
   baseUnits.Append(std::move(first));
   for (const auto& accessory : accessories) {
     if (IsFurtherBaseUnit(*accessory)) {
-      baseUnits.Append(BaseUnitFromAccessory(platform, *accessory));
+      baseUnits.Append(BaseUnitFromAccessory(platform, *accessory, named));
     } else if (HasStoredDataOfItsOwn(*accessory)) {
-      baseUnits.Append(BaseUnitFromAccessory(platform, *accessory));
+      baseUnits.Append(BaseUnitFromAccessory(platform, *accessory, named));
       accessory->baseUnit1 = kMadeIntoBaseUnit;
     }
   }
   return baseUnits;
 }
 
-std::shared_ptr<BaseUnit> BaseUnitFromAccessory(const Platform& platform, const Accessory& accessory) {
+std::shared_ptr<BaseUnit> BaseUnitFromAccessory(const Platform& platform, const Accessory& accessory,
+                                                NamedBlobs* named) {
   auto unit = std::make_shared<BaseUnit>();
   unit->description = accessory.description;
   unit->partNumber = accessory.partNumber;
@@ -85,7 +87,7 @@ std::shared_ptr<BaseUnit> BaseUnitFromAccessory(const Platform& platform, const 
   unit->masterPrice = accessory.masterPrice;
   unit->supplier = accessory.supplier;
   unit->typeOfSale = accessory.typeOfSale;
-  unit->sapXml = ReadStoredTagText(platform, accessory.fileName).text;
+  unit->sapXml = ReadStoredTagText(platform, accessory.fileName, named).text;
   if (!unit->sapXml.empty()) {
     if (const xml::Node sapData = xml::Document::Parse(unit->sapXml).First("descendant::SAPDATA")) {
       unit->sapXml = sapData.Xml();

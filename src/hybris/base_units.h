@@ -7,6 +7,8 @@
 
 namespace parvex {
 
+class NamedBlobs;
+
 // How the lines of a tag become base units. An accessory line is one of three things: a further base unit (its
 // BaseUnit1 is "BU" and a number greater than 1), a base unit with stored data of its own (no BaseUnit1, but a
 // FileName), or a loose accessory, which is attached to base units.
@@ -14,11 +16,13 @@ namespace parvex {
 /// The base units of a tag: `first`, filled by the caller, and those that accessories make, in their order. An
 /// accessory that becomes a base unit for its file gets the BaseUnit1 "XX1", deliberately: the mark keeps it out of
 /// SelectLooseAccessories.
-BaseUnits BuildBaseUnits(const Platform& platform, std::shared_ptr<BaseUnit> first, const Accessories& accessories);
+BaseUnits BuildBaseUnits(const Platform& platform, std::shared_ptr<BaseUnit> first, const Accessories& accessories,
+                         NamedBlobs* named = nullptr);
 
 /// A base unit from an accessory line; its SAP configuration is the accessory's stored text, or the SAPDATA element in
 /// it.
-std::shared_ptr<BaseUnit> BaseUnitFromAccessory(const Platform& platform, const Accessory& accessory);
+std::shared_ptr<BaseUnit> BaseUnitFromAccessory(const Platform& platform, const Accessory& accessory,
+                                                NamedBlobs* named = nullptr);
 
 /// The accessories with an empty BaseUnit1 (a blank is not empty), in their order.
 Accessories SelectLooseAccessories(const Accessories& accessories);

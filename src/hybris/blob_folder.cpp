@@ -109,7 +109,8 @@ void WriteEntry(Files& files, const std::string& folder, const PackedEntry& entr
 
 std::string_view FolderOf(std::string_view path) { return path.substr(0, path.find_last_of("\\/") + 1); }
 
-void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, std::string_view blobPath) {
+void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, std::string_view blobPath,
+                       NamedBlobs* named) {
   const std::string folder(FolderOf(blobPath));
   const std::string_view blobName = blobPath.substr(folder.size());
   for (const PackedEntry& entry : entries) {
@@ -119,6 +120,7 @@ void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, st
     if (MeansAnother(files, folder, entry)) {
       RefuseEntry(blobPath, entry.name, "has the short name of another file");
     }
+    RefuseProtectedFile(files, folder, entry, blobPath, named);
   }
   for (const PackedEntry* entry : InWritingOrder(entries)) {
     if (!MeansDevice(*entry)) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "formats/zip/zip_reader.h"
+#include "hybris/protected_files.h"
 #include "seams/files.h"
 
 namespace parvex {
@@ -17,6 +18,8 @@ std::string_view FolderOf(std::string_view path);
 /// ("UNITDA~1.XML"): such a name is refused only where the machine already knows another file by it.
 ///
 /// What has the name of a device ("aux.txt") is left out: on Windows no such file can be.
-void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, std::string_view blobPath);
+/// What an archive has no business to replace is refused likewise (RefuseProtectedFile); `named` may be null.
+void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, std::string_view blobPath,
+                       NamedBlobs* named = nullptr);
 
 }  // namespace parvex

@@ -12,21 +12,15 @@
 #include "hybris/selected_items.h"
 #include "hybris/selected_tag.h"
 #include "hybris/tag_stored_data.h"
+#include "legacy_env/hand_over_lock.h"
 #include "legacy_env/install_paths.h"
 #include "protocol/reply_envelope.h"
 
 namespace parvex {
 namespace {
 
-/// Answers with the document of the run's selection. `run` is RunQuoteBuilder or RunQuoteBuilderNoUI.
-template <typename Run>
-xml::Document AnswerRun(Run run, const Platform& platform, const std::string& binPath, std::string_view projectName) {
-  xml::Document answer;
-  run(platform, binPath, [&](const QuoteBuilderRun& outcome) {
-    answer = outcome.ok ? BuildHybrisTagDocument(platform, outcome.outputFile, projectName)
-                        : MakeFailedReply("User Canceled");
-  });
-  return answer;
+xml::Document AnswerRun(const Platform& platform, const QuoteBuilderRun& run, std::string_view projectName) {
+  return run.ok ? BuildHybrisTagDocument(platform, run.outputFile, projectName) : MakeFailedReply("User Canceled");
 }
 
 xml::Document AnswerUnknownBinPath() { return MakeFailedReply("System Error: Unable to read BinPath"); }
@@ -68,7 +62,7 @@ void AppendTag(const xml::Document& document, const SelectedTag& tag, bool isLas
   const Warranties warranties = ReadWarranties(tag);
 
   // Building marks the accessories that have become base units, so the loose ones are known only afterwards.
-  const BaseUnits baseUnits = BuildBaseUnits(tag.Machine(), first, accessories);
+  const BaseUnits baseUnits = BuildBaseUnits(tag.Machine(), first, accessories, tag.namedBlobs.get());
   AttachAccessories(baseUnits, SelectLooseAccessories(accessories));
   AttachWarranties(baseUnits, warranties);
   AppendBaseUnits(tag, element.baseUnits, baseUnits);
@@ -82,8 +76,8 @@ xml::Document GetHybrisXML(LegacyLink& link, const xml::Document&) {
   if (!ReadBinPath(platform, binPath)) {
     return AnswerUnknownBinPath();
   }
-  FinishEarlierRun();
-  return AnswerRun(RunQuoteBuilder, platform, binPath, "");
+  const HandOverLock alone(platform, FolderOfOutput(binPath), HandOverLock::Run::WithWindows);
+  return AnswerRun(platform, RunQuoteBuilder(platform, binPath), "");
 }
 
 xml::Document GetHybrisXMLNoUI(LegacyLink& link, const xml::Document& command) {
@@ -92,11 +86,11 @@ xml::Document GetHybrisXMLNoUI(LegacyLink& link, const xml::Document& command) {
   if (!ReadBinPath(platform, binPath)) {
     return AnswerUnknownBinPath();
   }
-  FinishEarlierRun();
+  const HandOverLock alone(platform, FolderOfOutput(binPath), HandOverLock::Run::Alone);
   const std::string projectName = SaveUserSelection(platform, command);
   WriteQuoteBuilderInput(platform);
   ClearQuoteBuilderOutput(platform);
-  return AnswerRun(RunQuoteBuilderNoUI, platform, binPath, projectName);
+  return AnswerRun(platform, RunQuoteBuilderNoUI(platform, binPath), projectName);
 }
 
 xml::Document BuildHybrisTagDocument(const Platform& platform, std::string_view qbOutputFile,

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -11,32 +10,25 @@ namespace parvex {
 
 // The hand-over with the quote builder, the legacy application's workflow program kdwfm470.exe. It goes through files
 // in the design application's temporary folder and keeps no state of its own.
-//
-// All exports share these files. While one waits for the program, a message of the host may start another; that one
-// first waits for the earlier program (FinishEarlierRun), and the earlier outcome is read before anything is written
-// over it.
+// All runs share these files: whoever calls these functions holds the HandOverLock.
 
 struct QuoteBuilderRun {
   std::string outputFile;  ///< where the program leaves QBOutput.ini: Temp beside the program folder
   bool ok = false;         ///< false when the user cancelled
 };
 
-/// Takes a run's outcome; what it throws leaves the function that runs the program.
-using OutcomeReader = std::function<void(const QuoteBuilderRun& run)>;
+/// The folder that the program leaves its output in: Temp beside the program folder. Empty for a program folder with no
+/// backslash.
+std::string FolderOfOutput(std::string_view binPath);
 
-/// Lets the run that an outer call of this thread waits for come to its end, and has its outcome read. To be called
-/// before the hand-over files are written.
-void FinishEarlierRun();
-
-/// Runs the program with its user interface, waits for its end, and has the outcome read, also by `read` when one is
-/// given. Its exit code is not looked at, nor whether it started: the Action that QBOutput.ini holds afterwards tells.
-/// Without one the run counts as cancelled. A program folder with no backslash is an error (5).
-QuoteBuilderRun RunQuoteBuilder(const Platform& platform, const std::string& binPath, const OutcomeReader& read = {});
+/// Runs the program with its user interface, waits for its end, and reads the outcome. Its exit code is not looked at,
+/// nor whether it started: the Action that QBOutput.ini holds afterwards tells. Without one the run counts as
+/// cancelled. A program folder with no backslash is an error (5).
+QuoteBuilderRun RunQuoteBuilder(const Platform& platform, const std::string& binPath);
 
 /// Runs it without user interface. Here a run that leaves no Action counts as a success, deliberately unlike the
 /// interactive one, where a user who closes the window leaves none.
-QuoteBuilderRun RunQuoteBuilderNoUI(const Platform& platform, const std::string& binPath,
-                                    const OutcomeReader& read = {});
+QuoteBuilderRun RunQuoteBuilderNoUI(const Platform& platform, const std::string& binPath);
 
 /// Makes QBInput.ini anew.
 void WriteQuoteBuilderInput(const Platform& platform);

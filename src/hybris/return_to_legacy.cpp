@@ -7,6 +7,7 @@
 #include "codec/bin_encoder.h"
 #include "formats/text/text.h"
 #include "legacy_env/file_routines.h"
+#include "legacy_env/hand_over_lock.h"
 #include "legacy_env/ini_target.h"
 #include "legacy_env/install_paths.h"
 #include "protocol/reply_envelope.h"
@@ -63,6 +64,20 @@ void ShowComponents(const Platform& platform, const xml::Document& command) {
   }
 }
 
+/// Leaves the stored data and the instruction to take it where the legacy application looks for them.
+void WriteHandOver(const Platform& platform, const std::string& storedData) {
+  const std::string folder = GetDataRoot(platform) + "\\Temp";
+  const HandOverLock alone(platform, folder, HandOverLock::Run::Alone);
+  const std::string selectionFile = folder + "\\QPblob.tmp";
+  DeleteWhenThere(platform, selectionFile);
+  cBinEncoder(*platform.codePage, *platform.files).DecodeToFile(storedData, selectionFile);
+
+  const std::string instructionFile = folder + "\\input.ini";
+  DeleteWhenThere(platform, instructionFile);
+  WriteEntry(platform, instructionFile, "Header", "Action", "ok");
+  WriteEntry(platform, instructionFile, "Partnumber1", "filename", selectionFile);
+}
+
 }  // namespace
 
 xml::Document ReturnTagToLegacy(LegacyLink& link, const xml::Document& command) {
@@ -80,16 +95,7 @@ xml::Document ReturnTagToLegacy(LegacyLink& link, const xml::Document& command) 
                                    : "Only units that originated in ORLA can be returned to ORLA",
                   "Tag document BLOB is missing");
   }
-  const std::string root = GetDataRoot(platform);
-  const std::string selectionFile = root + "\\Temp\\QPblob.tmp";
-  DeleteWhenThere(platform, selectionFile);
-  cBinEncoder(*platform.codePage, *platform.files).DecodeToFile(blob.Text(), selectionFile);
-
-  const std::string instructionFile = root + "\\Temp\\input.ini";
-  DeleteWhenThere(platform, instructionFile);
-  WriteEntry(platform, instructionFile, "Header", "Action", "ok");
-  WriteEntry(platform, instructionFile, "Partnumber1", "filename", selectionFile);
-
+  WriteHandOver(platform, blob.Text());
   ShowComponents(platform, command);
   const xml::Document reply = MakeReplyEnvelope();
   reply.First("//errorMessage").SetText("No error");

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "hybris/hybris_document.h"
+#include "hybris/protected_files.h"
 #include "hybris/selection_section.h"
 
 namespace parvex {
@@ -59,6 +60,7 @@ void ReadNumbered(SelectionSection& section, std::int32_t number, const std::arr
 std::vector<SelectedTag> ReadSelectedTags(const Platform& platform, std::string_view qbOutputFile) {
   std::vector<SelectedTag> tags;
   Counter16 count("tags");
+  const auto namedBlobs = std::make_shared<NamedBlobs>(platform, qbOutputFile);
   for (;;) {
     SelectedTag tag(platform, qbOutputFile, count.Value() + 1);
     SelectionSection section = tag.Section("PartNumber");
@@ -70,6 +72,7 @@ std::vector<SelectedTag> ReadSelectedTags(const Platform& platform, std::string_
     tag.pdsg = section.Text("PDSG");
     tag.markFor = section.Text("MarkFor");
     tag.blobFileName = section.Text("FileName");
+    tag.namedBlobs = namedBlobs;
     tags.push_back(std::move(tag));
   }
 }

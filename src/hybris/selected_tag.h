@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,8 @@
 #include "seams/platform.h"
 
 namespace parvex {
+
+class NamedBlobs;
 
 /// One tag of what the quote builder selected, and the way to everything that its output file says of it.
 class SelectedTag {
@@ -28,6 +31,8 @@ class SelectedTag {
   std::string pdsg;
   std::string markFor;
   std::string blobFileName;  ///< the file with the tag's stored data
+  /// All blobs of the selection that the tag belongs to; null for a tag of its own.
+  std::shared_ptr<NamedBlobs> namedBlobs;
 
  private:
   const Platform* platform_;

@@ -9,6 +9,7 @@
 #include "formats/text/unicode.h"
 #include "formats/zip/zip_reader.h"
 #include "hybris/blob_folder.h"
+#include "legacy_env/file_routines.h"
 
 namespace parvex {
 namespace {
@@ -103,15 +104,16 @@ StoredTagText TextAmong(CodePage& codePage, const std::optional<PackedEntry>& ta
 
 }  // namespace
 
-StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileName) {
+StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileName, NamedBlobs* named) {
   if (fileName.empty()) {
     return {};
   }
+  RefuseDevicePath(fileName);
   std::string archive = platform.files->ReadIfFile(fileName).value_or(std::string());
   std::vector<PackedEntry> entries = Unpack(*platform.codePage, archive, fileName);
   const std::string tagFile = TagFileBeside(fileName);
   const std::optional<PackedEntry> tag = tagFile.empty() ? std::nullopt : TakeTagEntry(entries);
-  ExtractBesideBlob(*platform.files, entries, fileName);
+  ExtractBesideBlob(*platform.files, entries, fileName, named);
   const std::optional<std::string> left = TakeTagFile(platform, tagFile);
   StoredTagText read = TextAmong(*platform.codePage, tag, left, entries);
   if (!left && !MayHaveChanged(*platform.files, entries, fileName)) {

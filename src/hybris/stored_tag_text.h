@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "hybris/protected_files.h"
 #include "seams/platform.h"
 
 namespace parvex {
@@ -25,6 +26,8 @@ struct StoredTagText {
 ///
 /// Texts are ANSI, or what a byte order mark in front says. A refused archive is the AutomationError of Unpack
 /// (formats/zip/zip_reader.h), and nothing is written then.
-StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileName);
+///
+/// `named`: the blobs of the selection, which no archive replaces; may be null.
+StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileName, NamedBlobs* named = nullptr);
 
 }  // namespace parvex

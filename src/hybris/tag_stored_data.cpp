@@ -117,7 +117,7 @@ void AppendBlob(const SelectedTag& tag, const xml::Node& blobElement, std::strin
 }  // namespace
 
 TagStoredData ReadTagStoredData(const SelectedTag& tag, const TagElement& element, bool isLastTag) {
-  const StoredTagText read = ReadStoredTagText(tag.Machine(), tag.blobFileName);
+  const StoredTagText read = ReadStoredTagText(tag.Machine(), tag.blobFileName, tag.namedBlobs.get());
   const std::string_view text = read.text.empty() ? "<Empty />" : std::string_view(read.text);
   const xml::Document stored = xml::Document::Parse(text);
 

@@ -56,7 +56,7 @@ Json ThreadFacts() {
                 {"dataRoot", state.dataRoot},
                 {"unstoredTagCount", state.unstoredTagCount},
                 {"iniTarget", nullptr},
-                {"waits", state.handOver != nullptr}};
+                {"waits", state.holdsHandOver}};
   if (state.iniTarget) {
     facts["iniTarget"] = {{"section", state.iniTarget->section}, {"fileName", state.iniTarget->fileName}};
   }
@@ -83,6 +83,7 @@ void PutBackThread(const Json& facts) {
   state.binPath = Text(facts, "binPath");
   state.dataRoot = Text(facts, "dataRoot");
   state.unstoredTagCount = NumberOf<std::uint32_t>(facts, "unstoredTagCount");
+  state.holdsHandOver = Member(facts, "waits") == true;
   if (const Json& target = Member(facts, "iniTarget"); target.is_object()) {
     state.iniTarget = {Text(target, "section"), Text(target, "fileName")};
   }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "codec/bin_encoder.h"
+#include "formats/text/file_names.h"
 #include "seams/automation_error.h"
 
 namespace parvex {
@@ -37,10 +38,17 @@ std::string EncodeFileBase64(const Platform& platform, std::string_view path) {
 }
 
 std::string EncodeFileBase64(const Platform& platform, std::string_view path, std::string_view bytes) {
-  if (path.find("\\Temp") != std::string_view::npos && FileExists(platform, path)) {
+  // A folder of exactly that name; the archives of a project "Temple Clinic" are kept.
+  if (path.find("\\Temp\\") != std::string_view::npos && FileExists(platform, path)) {
     platform.files->Remove(path);
   }
   return EncodeBase64(bytes);
+}
+
+void RefuseDevicePath(std::string_view path) {
+  if (IsDevicePath(path)) {
+    throw MakeFileError(RuntimeError::PathFileAccess, "read", path, "it means no file of a folder");
+  }
 }
 
 std::string ResolveReportFile(std::string_view fileName, std::string_view folder) {

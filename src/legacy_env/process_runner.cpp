@@ -25,21 +25,16 @@ std::int32_t WaitForExit(const Platform& platform, Process& process) {
 
 }  // namespace
 
-RunningProgram::RunningProgram(const Platform& platform, std::string_view commandLine, std::optional<int> windowStyle)
-    : platform_(platform) {
+std::int32_t RunAndWait(const Platform& platform, std::string_view commandLine, std::optional<int> windowStyle) {
   const int asked = windowStyle.value_or(kMinimisedWithoutFocus);
   const int style = asked >= 0 && asked <= 6 ? asked : kMinimisedWithoutFocus;
+  std::unique_ptr<Process> process;
   try {
-    process_ = platform_.processes->Start(commandLine, style);
+    process = platform.processes->Start(commandLine, style);
   } catch (const AutomationError& error) {
-    startFailure_ = static_cast<std::int32_t>(kObjectErrorBase + error.RuntimeNumber());
+    return static_cast<std::int32_t>(kObjectErrorBase + error.RuntimeNumber());
   }
-}
-
-std::int32_t RunningProgram::Wait() { return process_ == nullptr ? startFailure_ : WaitForExit(platform_, *process_); }
-
-std::int32_t RunAndWait(const Platform& platform, std::string_view commandLine, std::optional<int> windowStyle) {
-  return RunningProgram(platform, commandLine, windowStyle).Wait();
+  return WaitForExit(platform, *process);
 }
 
 }  // namespace parvex

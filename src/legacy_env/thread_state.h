@@ -6,16 +6,6 @@
 
 namespace parvex {
 
-/// A run of a legacy program whose outcome is still to be read from files that the next run uses too.
-class HandOver {
- public:
-  /// Waits for the program and reads its outcome, when that was not done yet. Throws nothing but what the wait throws.
-  virtual void Finish() = 0;
-
- protected:
-  ~HandOver() = default;
-};
-
 /// What the legacy protocol keeps from one call to the next: each thread has its own, which nothing in the protocol
 /// ever resets, and which ends with the thread. Everything else is read afresh by each call.
 struct ThreadState {
@@ -34,8 +24,8 @@ struct ThreadState {
   /// How many tags without stored data were numbered, in all exports together. See ReadTagStoredData.
   std::uint32_t unstoredTagCount = 0;
 
-  /// The run that a call of this thread waits for; null while none does.
-  HandOver* handOver = nullptr;
+  /// Whether a call of this thread uses the hand-over files; see HandOverLock.
+  bool holdsHandOver = false;
 };
 
 /// This thread's state. The reference is good for the thread's life.

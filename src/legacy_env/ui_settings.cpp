@@ -75,6 +75,7 @@ std::vector<std::string> ReadUiLines(const Platform& platform, std::string_view 
 void setUIValue(const Platform& platform, std::string_view value) {
   Under("KDQU470.setUIValue", [&] {
     const std::string path = SettingsFile(platform);
+    const std::shared_ptr<void> alone = platform.files->HoldForChange(path);
     const std::vector<std::string> lines = ReadUiLines(platform, path);
     if (lines.size() > kMostUiLines) {
       throw MakeRuntimeError(RuntimeError::SubscriptOutOfRange, path + " has " + std::to_string(lines.size()) +

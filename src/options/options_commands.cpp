@@ -1,5 +1,6 @@
 #include "options/options_commands.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -82,6 +83,7 @@ void SetPassedOptions(const xml::Document& options, const xml::Document& command
 
 void WriteOptions(const LegacyLink& link, const xml::Document& command) {
   const std::string path = OptionsPath(link);
+  const std::shared_ptr<void> alone = link.platform.files->HoldForChange(path);
   const xml::Document options = LoadDocument(link.platform, path);
   Required(options.Root(), "Tool", path);
   for (const std::string_view name : kGeneralOptions) {

@@ -27,9 +27,7 @@ xml::Node RequiredInAnswer(const xml::Document& answer, std::string_view path) {
   return Required(answer.First(path), path, kAnswer);
 }
 
-std::unique_ptr<Database> OpenProjectDatabase(const Platform& platform, std::string_view folder) {
-  return platform.projectDatabases->Open(std::string(folder) + "\\Project.mdb");
-}
+std::string DatabaseOf(std::string_view folder) { return std::string(folder) + "\\Project.mdb"; }
 
 }  // namespace
 
@@ -81,7 +79,7 @@ std::string GetProjectFolder(const LegacyLink& link, std::string_view projectNam
 }
 
 ProjectContact ReadProjectConfig(const Platform& platform, std::string_view folder) {
-  const auto database = OpenProjectDatabase(platform, folder);
+  const auto database = platform.projectDatabases->Open(DatabaseOf(folder));
   const auto rows = database->OpenRecordSet("SELECT * FROM Config WHERE sPdsg='KDQ47'");
   ProjectContact contact;
   for (; !rows->AtEnd(); rows->MoveNext()) {
@@ -96,7 +94,9 @@ ProjectContact ReadProjectConfig(const Platform& platform, std::string_view fold
 }
 
 void WriteProjectConfig(const Platform& platform, std::string_view folder, const ProjectContact& contact) {
-  const auto database = OpenProjectDatabase(platform, folder);
+  // From the look for a row to its saving: two that find none would each add one.
+  const std::shared_ptr<void> alone = platform.files->HoldForChange(DatabaseOf(folder));
+  const auto database = platform.projectDatabases->Open(DatabaseOf(folder));
   for (const ContactProperty& property : kContactProperties) {
     const auto rows = database->OpenRecordSet("SELECT * FROM Config WHERE sPdsg='KDQ47' and sKey='" +
                                               std::string(property.key) + "'");

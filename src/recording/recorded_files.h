@@ -26,6 +26,7 @@ class RecordedFiles : public Files {
   std::optional<std::string> ReadIfFile(std::string_view path) override;
   void Replace(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
+  std::shared_ptr<void> HoldForChange(std::string_view path) override { return outside_.HoldForChange(path); }
   void Remove(std::string_view path) override;
   void CreateFolder(std::string_view path) override;
   void RemoveFolder(std::string_view path) override;

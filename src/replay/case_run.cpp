@@ -142,7 +142,7 @@ void NoteLimits(const RecordedCase& recorded, RunResult& result) {
     result.notes.push_back("the call came while " + driving + " waited");
   }
   if (FlagAt(Member(recorded.facts, "thread"), "waits")) {
-    result.notes.push_back("the call came while another waited for a program, whose end it may have waited for, too");
+    result.notes.push_back("the call came while another call of its thread waited, which held the hand-over files");
   }
 }
 

@@ -2,7 +2,9 @@
 
 #include <string>
 
+#include "formats/text/file_names.h"
 #include "legacy_env/file_routines.h"
+#include "legacy_env/install_paths.h"
 #include "reports/report_catalogue.h"
 #include "seams/automation_error.h"
 
@@ -14,11 +16,24 @@ bool LeadsOut(const std::string& fileName) {
   return fileName.find(':') != std::string::npos || ("/" + fileName + "/").find("/../") != std::string::npos;
 }
 
+bool LiesBelow(std::string_view path, std::string_view folder) {
+  return FoldPath(path).starts_with(FoldPath(folder) + "\\");
+}
+
+/// A full path is taken where drawings are kept, and where the legacy application leaves the pictures that it made for
+/// a report. Whoever writes a template must not have any other file of the machine embedded, or deleted.
+bool MayBeEmbedded(const Platform& platform, const std::string& path, std::string_view folder) {
+  return LiesBelow(path, folder) || LiesBelow(path, ReportsTempFolder(platform)) ||
+         LiesBelow(path, GetDesignTempFolder(platform));
+}
+
 std::string EncodedDrawing(const Platform& platform, const std::string& fileName, std::string_view folder) {
   if (fileName.empty()) {
     return {};
   }
-  if (fileName.find('\\') == std::string::npos && LeadsOut(fileName)) {
+  RefuseDevicePath(fileName);
+  const bool isPath = fileName.find('\\') != std::string::npos;
+  if (isPath ? !MayBeEmbedded(platform, fileName, folder) : LeadsOut(fileName)) {
     throw MakeRuntimeError(RuntimeError::InvalidCall,
                            "the drawing file name \"" + fileName + "\" leads out of " + std::string(folder));
   }

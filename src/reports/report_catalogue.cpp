@@ -137,6 +137,8 @@ std::string TemplatesFolder(const Platform& platform, std::string_view pdsg) {
   return ReportsFolder(platform, pdsg, "Templates");
 }
 
+std::string ReportsTempFolder(const Platform& platform) { return GetBinPath(platform) + "\\Reports\\Temp"; }
+
 std::string DrawingsFolder(const Platform& platform, std::string_view pdsg) {
   return ReportsFolder(platform, pdsg, "Drawings");
 }

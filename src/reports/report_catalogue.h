@@ -29,6 +29,9 @@ std::string TemplateOfReport(const Platform& platform, std::string_view pdsg, st
 std::string TemplatesFolder(const Platform& platform, std::string_view pdsg);
 std::string DrawingsFolder(const Platform& platform, std::string_view pdsg);
 
+/// Where the report server leaves what it made, without final backslash.
+std::string ReportsTempFolder(const Platform& platform);
+
 /// REPORTS with a REPORT (PARAMETER of NAME and VALUE) for every report that the product data set group of parameter
 /// PDSG offers: standard types whose template exists, then the custom reports that KDCustomRpt_Cfg.xml of the program
 /// folder lists. A null document when PDSG is empty.

@@ -134,8 +134,6 @@ bool MakeReportOf(const Platform& platform, const ObjectRef& server, std::size_t
   return false;
 }
 
-std::string ReportsTempFolder(const Platform& platform) { return GetBinPath(platform) + "\\Reports\\Temp"; }
-
 bool IsTemporaryReport(std::string_view fileName) {
   const std::string upper = ToUpper(fileName);
   return fileName.starts_with("rpt") && (upper.ends_with("RTF") || upper.ends_with("TE"));

@@ -43,6 +43,7 @@ enum class RuntimeError : std::uint16_t {
   FileNotFound = 53,        ///< a file that has to exist does not
   FileExists = 58,          ///< a new file's name is taken
   DiskFull = 61,            ///< no room for what has to be written
+  PermissionDenied = 70,    ///< somebody else holds what may have one user only
   PathFileAccess = 75,      ///< a file or folder that may not be read or written
   PathNotFound = 76,        ///< a folder on the way to a file does not exist
   ObjectNotSet = 91,        ///< a missing object, a missing node among them
@@ -73,6 +74,9 @@ inline constexpr std::string_view kIsNoFolder = "it is no folder";
 inline constexpr std::string_view kIsReadOnly = "it is read-only";
 inline constexpr std::string_view kNameOfFile = "a file has this name";
 inline constexpr std::string_view kNoPossibleName = "nothing can have this name";
+
+/// Reason for PermissionDenied.
+inline constexpr std::string_view kIsBeingChanged = "another run is changing it";
 
 /// Source of the errors that this system raises on its own behalf.
 inline constexpr const char* kErrorSource = "Parvex";

@@ -44,6 +44,11 @@ class Files {
   /// The same for a file that must not exist yet; an existing one is an error (58) and stays as it is.
   virtual void CreateNew(std::string_view path, std::string_view bytes) = 0;
 
+  /// Held by who reads a file, changes it and replaces it: nobody else of this system, in whatever process, does so
+  /// meanwhile, and no change is lost. Waits for another one, and gives up after 30 s (70); a thread that holds it may
+  /// ask again. Null where the file system knows no locks, or there is no such folder.
+  virtual std::shared_ptr<void> HoldForChange(std::string_view) { return nullptr; }
+
   virtual void Remove(std::string_view path) = 0;
 
   /// Makes a folder and the folders above it; one that exists is no error.

@@ -3,6 +3,7 @@
 #include "seams/automation.h"
 #include "seams/code_page.h"
 #include "seams/files.h"
+#include "seams/machine_locks.h"
 #include "seams/message_boxes.h"
 #include "seams/message_pump.h"
 #include "seams/message_router.h"
@@ -21,6 +22,7 @@ struct Platform {
   Registry* registry = nullptr;
   PrivateProfile* privateProfile = nullptr;
   Files* files = nullptr;
+  MachineLocks* locks = nullptr;
   Processes* processes = nullptr;
   MessagePump* messagePump = nullptr;
   MessageBoxes* messageBoxes = nullptr;

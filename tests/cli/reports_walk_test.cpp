@@ -278,10 +278,7 @@ TEST_F(ReportsWalk, ADrawingNameStaysOnTheMachineOrIsRefused) {
     WriteHostFile(definition, "<D><image>" + name + "</image></D>");
     return Pull({Command("04-submittal")});
   };
-  const Outcome absolute = submittalWith("C:\\..\\..\\secret.bmp");
-  EXPECT_EQ(absolute.status, 0) << absolute.err;
-  EXPECT_THAT(absolute.out, HasSubstr("<image><![CDATA[]]><filename>C:\\..\\..\\secret.bmp</filename></image>"));
-  for (const std::string name : {"../../../../secret.bmp", "C:secret.bmp"}) {
+  for (const std::string name : {"C:\\..\\..\\secret.bmp", "../../../../secret.bmp", "C:secret.bmp"}) {
     const Outcome outcome = submittalWith(name);
     EXPECT_EQ(outcome.status, 3) << outcome.out;
     EXPECT_EQ(outcome.out, "");

@@ -10,6 +10,7 @@
 #include "seams/automation.h"
 #include "seams/code_page.h"
 #include "seams/files.h"
+#include "seams/machine_locks.h"
 #include "seams/message_boxes.h"
 #include "seams/message_pump.h"
 #include "seams/private_profile.h"
@@ -35,6 +36,7 @@ struct ContractMachine {
   Registry& registry;
   PrivateProfile& privateProfile;
   Files& files;
+  MachineLocks& locks;
   Processes& processes;
   MessagePump& messagePump;
   MessageBoxes& messageBoxes;

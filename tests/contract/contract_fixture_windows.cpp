@@ -79,6 +79,7 @@ ContractMachine::ContractMachine()
       registry(host_->machine.GetRegistry()),
       privateProfile(host_->machine.GetPrivateProfile()),
       files(host_->machine.GetFiles()),
+      locks(host_->machine.GetLocks()),
       processes(host_->machine.GetProcesses()),
       messagePump(host_->machine.GetMessagePump()),
       messageBoxes(host_->machine.GetMessageBoxes()),

@@ -5,6 +5,7 @@
 #include "adapters/posix/child_processes.h"
 #include "adapters/posix/class_table.h"
 #include "adapters/posix/code_pages.h"
+#include "adapters/posix/folder_locks.h"
 #include "adapters/posix/machine_files.h"
 #include "adapters/posix/machine_folder.h"
 #include "adapters/posix/profile_versions.h"
@@ -23,6 +24,7 @@ struct Machine::Parts {
   Windows1252 codePage;
   RegistryFile registry{folder, codePage};
   MachineFiles files{folder};
+  FolderLocks locks{folder};
   HostFileVersions profileVersions{folder};
   ini::ProfileFiles privateProfile{files, profileVersions, codePage, "C:\\Windows"};
   ChildProcesses processes{folder};
@@ -40,6 +42,7 @@ Registry& Machine::GetRegistry() { return parts_->registry; }
 OwnSettings& Machine::GetOwnSettings() { return parts_->registry; }
 PrivateProfile& Machine::GetPrivateProfile() { return parts_->privateProfile; }
 Files& Machine::GetFiles() { return parts_->files; }
+MachineLocks& Machine::GetLocks() { return parts_->locks; }
 Processes& Machine::GetProcesses() { return parts_->processes; }
 MessagePump& Machine::GetMessagePump() { return parts_->messagePump; }
 ProjectDatabases& Machine::GetProjectDatabases() { return parts_->projectDatabases; }
@@ -54,6 +57,7 @@ Platform Machine::AsPlatform() {
   return {.registry = &parts_->registry,
           .privateProfile = &parts_->privateProfile,
           .files = &parts_->files,
+          .locks = &parts_->locks,
           .processes = &parts_->processes,
           .messagePump = &parts_->messagePump,
           .automation = &parts_->classes,

@@ -25,6 +25,7 @@ class Machine {
   OwnSettings& GetOwnSettings();
   PrivateProfile& GetPrivateProfile();
   Files& GetFiles();
+  MachineLocks& GetLocks();
   Processes& GetProcesses();
   MessagePump& GetMessagePump();
   ProjectDatabases& GetProjectDatabases();

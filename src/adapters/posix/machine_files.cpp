@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "adapters/posix/file_version.h"
+#include "adapters/posix/folder_locks.h"
 #include "adapters/posix/host_file.h"
 #include "formats/text/file_names.h"
 #include "formats/text/letter_case.h"
@@ -157,6 +158,12 @@ std::optional<std::string> MachineFiles::VersionOf(std::string_view path) {
 void MachineFiles::Replace(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Replace); }
 
 void MachineFiles::CreateNew(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Refuse); }
+
+std::shared_ptr<void> MachineFiles::HoldForChange(std::string_view path) {
+  const std::optional<MachinePath> parsed = MachinePath::Parse(path);
+  const std::optional<std::filesystem::path> folder = parsed ? folder_.Resolve(parsed->Parent()) : std::nullopt;
+  return folder ? HoldHostFolder(*folder, path) : nullptr;
+}
 
 void MachineFiles::Remove(std::string_view path) {
   Existing(path, "remove");

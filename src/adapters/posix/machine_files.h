@@ -24,6 +24,7 @@ class MachineFiles : public Files, public FileParts {
   std::optional<std::string> VersionOf(std::string_view path) override;
   void Replace(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
+  std::shared_ptr<void> HoldForChange(std::string_view path) override;
   void Remove(std::string_view path) override;
   void CreateFolder(std::string_view path) override;
   void RemoveFolder(std::string_view path) override;

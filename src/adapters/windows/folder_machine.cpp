@@ -71,6 +71,12 @@ const std::string& ExistingFolder(const std::string& folder) {
   return folder;
 }
 
+// The folder is this program's own.
+class UnsharedLocks : public MachineLocks {
+ public:
+  std::unique_ptr<Lock> TryTake(std::string_view, bool, Holder&) override { return std::make_unique<Lock>(); }
+};
+
 }  // namespace
 
 struct FolderMachine::Parts {
@@ -79,6 +85,7 @@ struct FolderMachine::Parts {
 
   NumberedCodePage codePage;
   FolderFiles files;
+  UnsharedLocks locks;
   FolderVersions versions{files};
   ini::ProfileFiles privateProfile{files, versions, codePage, "C:\\Windows"};
   jet::Databases databases{files, CodecOf};
@@ -94,6 +101,7 @@ Platform FolderMachine::AsPlatform() {
   return {.registry = &parts_->registry,
           .privateProfile = &parts_->privateProfile,
           .files = &parts_->files,
+          .locks = &parts_->locks,
           .messagePump = &parts_->messagePump,
           .projectDatabases = &parts_->databases,
           .codePage = &parts_->codePage};

@@ -3,6 +3,7 @@
 #include "adapters/windows/ansi_text.h"
 #include "adapters/windows/dao_databases.h"
 #include "adapters/windows/machine_profiles.h"
+#include "adapters/windows/named_locks.h"
 #include "adapters/windows/system_automation.h"
 #include "adapters/windows/system_files.h"
 #include "adapters/windows/system_message_boxes.h"
@@ -25,6 +26,7 @@ class Machine {
   OwnSettings& GetOwnSettings() { return registry_; }
   PrivateProfile& GetPrivateProfile() { return privateProfile_; }
   Files& GetFiles() { return files_; }
+  MachineLocks& GetLocks() { return locks_; }
   Processes& GetProcesses() { return processes_; }
   MessagePump& GetMessagePump() { return messagePump_; }
   MessageBoxes& GetMessageBoxes() { return messageBoxes_; }
@@ -37,6 +39,7 @@ class Machine {
     return {.registry = &registry_,
             .privateProfile = &privateProfile_,
             .files = &files_,
+            .locks = &locks_,
             .processes = &processes_,
             .messagePump = &messagePump_,
             .messageBoxes = &messageBoxes_,
@@ -49,6 +52,7 @@ class Machine {
  private:
   SystemRegistry registry_;
   SystemFiles files_;
+  NamedLocks locks_;
   SystemProcesses processes_;
   SystemMessagePump messagePump_;
   SystemMessageBoxes messageBoxes_;

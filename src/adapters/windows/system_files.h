@@ -1,6 +1,7 @@
 #pragma once
 
 #include "adapters/windows/missing_files.h"
+#include "adapters/windows/named_locks.h"
 #include "seams/file_parts.h"
 #include "seams/files.h"
 
@@ -16,6 +17,7 @@ class SystemFiles : public Files, public FileParts {
   std::string ReadPart(std::string_view path, std::uint64_t at, std::size_t most) override;
   void Replace(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
+  std::shared_ptr<void> HoldForChange(std::string_view path) override { return HoldNamed(path); }
   void Remove(std::string_view path) override;
   void CreateFolder(std::string_view path) override;
   void RemoveFolder(std::string_view path) override;

@@ -210,6 +210,7 @@ void ProfileFiles::Refresh(Known& known) {
 
 void ProfileFiles::Write(const std::string& file, std::string_view section, std::string_view key,
                          std::string_view value) {
+  const std::shared_ptr<void> alone = files_.HoldForChange(file);
   KnownAs(file).hold.reset();  // what is held is the version before
   const std::shared_ptr<const Parsed> now = Current(file);
   if (now == nullptr && versions_.Look(file)) {

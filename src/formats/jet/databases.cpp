@@ -47,6 +47,7 @@ class OpenFile {
   /// Makes a change to the file as it stands now; nothing has changed when it fails.
   template <typename Change>
   void Save(Change change) {
+    const std::shared_ptr<void> alone = files_.HoldForChange(file_.Name());
     File changed = Read(file_.Name());
     change(changed);
     files_.Replace(changed.Name(), changed.Bytes());

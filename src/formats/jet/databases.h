@@ -24,7 +24,8 @@ class TypedDatabase : public Database {
 ///
 /// A change is made in a copy of the file that then replaces it: at every moment the file is as it was or holds the
 /// whole change. A row that somebody else changed since it was read is not overwritten (3197). A record set keeps the
-/// rows that it was opened with, as changed through it; rows added show in record sets opened later. Nothing is locked.
+/// rows that it was opened with, as changed through it; rows added show in record sets opened later. A change is made
+/// under Files::HoldForChange, which others than this system know nothing of.
 ///
 /// A column of a type that has no text is an error when a row that has a value there is asked for it (13), which names
 /// table, column and type.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 
 namespace parvex {
@@ -37,6 +38,34 @@ bool IsForbiddenInFileName(char c) {
 std::string_view WithoutTrailingDotsAndBlanks(std::string_view name) {
   const std::size_t last = name.find_last_not_of(". ");
   return name.substr(0, last == std::string_view::npos ? 0 : last + 1);
+}
+
+std::string FoldPath(std::string_view path) {
+  std::string folded;
+  for (std::size_t from = 0; from <= path.size();) {
+    const std::size_t end = std::min(path.find_first_of("\\/", from), path.size());
+    const std::string_view name = path.substr(from, end - from);
+    from = end + 1;
+    if (name == "..") {
+      folded.resize(std::min(folded.rfind('\\'), folded.size()));
+    } else if (!name.empty() && name != ".") {
+      folded.append("\\").append(FoldName(WithoutTrailingDotsAndBlanks(name)));
+    }
+  }
+  return folded;
+}
+
+bool IsDevicePath(std::string_view path) {
+  const auto isSeparator = [](char c) { return c == '\\' || c == '/'; };
+  const bool beginsWithTwo = path.size() >= 3 && isSeparator(path[0]) && isSeparator(path[1]);
+  if (beginsWithTwo && (path[2] == '.' || path[2] == '?') && (path.size() == 3 || isSeparator(path[3]))) {
+    return true;
+  }
+  if (path.starts_with("\\??\\") || (path.size() > 2 && path.find(':', 2) != std::string_view::npos)) {
+    return true;
+  }
+  const std::size_t last = path.find_last_of("\\/:");
+  return IsDeviceName(last == std::string_view::npos ? path : path.substr(last + 1));
 }
 
 }  // namespace parvex

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace parvex {
@@ -19,5 +20,13 @@ bool IsForbiddenInFileName(char c);
 
 /// The component without the dots and blanks at its end, which Windows drops.
 std::string_view WithoutTrailingDotsAndBlanks(std::string_view name);
+
+/// One spelling for all paths that mean the same file without a look at any folder: letter case folded, one backslash
+/// between names, no "." and nothing that ".." takes back, no dots and blanks at the end of names, no final separator.
+std::string FoldPath(std::string_view path);
+
+/// Whether a path means no file of a folder but a device, a pipe, a stream of a file or the system's own name space:
+/// \\.\ and \\?\ at its beginning, a colon behind the drive's, the name of a device at its end.
+bool IsDevicePath(std::string_view path);
 
 }  // namespace parvex

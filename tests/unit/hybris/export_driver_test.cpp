@@ -104,7 +104,8 @@ TEST_F(ExportDriver, TheExportWithoutUserInterfaceHandsOverTheSelectionBeforeThe
     filesAtStart = machine_.machine.GetFiles().ListFiles(ExportMachine::kTemp);
   };
   const xml::Document reply = WithoutUi();
-  EXPECT_THAT(filesAtStart, ElementsAre("HBInput.ini", "QBInput.ini"));
+  EXPECT_THAT(filesAtStart, ElementsAre("HBInput.ini", "QBInput.ini", "~parvex-lock.tmp"));
+  EXPECT_FALSE(machine_.Exists(std::string(ExportMachine::kTemp) + "~parvex-lock.tmp")) << "it is let go";
   EXPECT_EQ(reply.First("//JOB").Attribute("LEGACY_PROJECTNAME"), "Tower");
   EXPECT_EQ(reply.First("PROJECT/TAGS").Xml(), "<TAGS/>") << "the old output was cleared";
 }

@@ -6,6 +6,7 @@
 #include "formats/zip/zip_writer.h"
 #include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/raised_by.h"
 
 namespace parvex {
 namespace {
@@ -297,6 +298,13 @@ TEST_F(StoredText, DoesNotTakeABlobNamedTagForItsContent) {
 TEST_F(StoredText, ReadsABlobInTheRootFolder) {
   WriteBlob({{"Tag", "text"}}, "C:\\unit.dat");
   EXPECT_EQ(Read("C:\\unit.dat").text, "text\r\n");
+}
+
+TEST_F(StoredText, ADevicePipeOrStreamIsNeverOpened) {
+  for (const char* path :
+       {"\\\\.\\pipe\\x", "\\\\?\\C:\\a.dat", "C:\\data\\a.dat:stream", "C:\\data\\aux.dat", "NUL"}) {
+    EXPECT_EQ(test::RaisedBy([&] { Read(path); }), 75) << path;
+  }
 }
 
 }  // namespace

@@ -79,12 +79,19 @@ TEST_F(FileRoutines, EncodeFileBase64ComparesTempWithLetterCase) {
   EXPECT_TRUE(machine_.Exists(kInTemp));
 }
 
-TEST_F(FileRoutines, EncodeFileBase64DeletesWhereverThePathHoldsTemp) {
-  for (const char* path : {"C:\\Templates\\a.dat", "C:\\A\\Temporary.dat"}) {
+TEST_F(FileRoutines, EncodeFileBase64KeepsAFileInAFolderWhoseNameOnlyBeginsLikeThat) {
+  for (const char* path :
+       {"C:\\Projects\\Temple Clinic\\a.dat", "C:\\Temporary Papers\\a.dat", "C:\\A\\Temp.dat", "C:\\A\\Temp"}) {
     machine_.Write(path, "ABC");
     EXPECT_EQ(EncodeFileBase64(platform_, path), "QUJD");
-    EXPECT_FALSE(machine_.Exists(path)) << path;
+    EXPECT_TRUE(machine_.Exists(path)) << path;
   }
+}
+
+TEST_F(FileRoutines, EncodeFileBase64DeletesAFileInAFolderOfTheFolderToo) {
+  machine_.Write("C:\\Temp\\deep\\a.dat", "ABC");
+  EXPECT_EQ(EncodeFileBase64(platform_, "C:\\Temp\\deep\\a.dat"), "QUJD");
+  EXPECT_FALSE(machine_.Exists("C:\\Temp\\deep\\a.dat"));
 }
 
 TEST_F(FileRoutines, EncodeFileBase64OfAMissingOrEmptyFileIsEmpty) {

@@ -94,15 +94,37 @@ TEST_F(DrawingFilesTest, AnEmptyNameGivesAnEmptySectionAlsoWhereTheFolderHoldsFi
   EXPECT_EQ(Embedded("<root><image/></root>"), "<root><image><![CDATA[]]><filename/></image></root>");
 }
 
-TEST_F(DrawingFilesTest, AFileInATemporaryFolderIsConsumedAndOneElsewhereIsKept) {
-  machine.Write("C:\\Korvane\\TQ5-VX\\Temp\\chart.bmp", "chart");
-  machine.Write("C:\\Plots\\chart.bmp", "plot");
-  EXPECT_EQ(
-      Embedded("<root><image>C:\\Korvane\\TQ5-VX\\Temp\\chart.bmp</image><image>C:\\Plots\\chart.bmp</image></root>"),
-      "<root><image><![CDATA[Y2hhcnQ=]]><filename>C:\\Korvane\\TQ5-VX\\Temp\\chart.bmp</filename></image>"
-      "<image><![CDATA[cGxvdA==]]><filename>C:\\Plots\\chart.bmp</filename></image></root>");
-  EXPECT_FALSE(machine.Exists("C:\\Korvane\\TQ5-VX\\Temp\\chart.bmp"));
-  EXPECT_TRUE(machine.Exists("C:\\Plots\\chart.bmp"));
+TEST_F(DrawingFilesTest, AFileInATemporaryFolderOfTheApplicationIsConsumedAndADrawingByItsFullPathIsKept) {
+  const std::string drawing = std::string(kReports) + "Drawings\\unit.bmp";
+  machine.Write(drawing, "plot");
+  for (const char* folder : {"C:\\Korvane\\TQ5-VX\\Temp\\", "C:\\Korvane\\TQ5-VX\\Bin\\Reports\\Temp\\"}) {
+    const std::string chart = std::string(folder) + "chart.bmp";
+    machine.Write(chart, "chart");
+    EXPECT_EQ(Embedded("<root><image>" + chart + "</image><image>" + drawing + "</image></root>"),
+              "<root><image><![CDATA[Y2hhcnQ=]]><filename>" + chart +
+                  "</filename></image><image><![CDATA[cGxvdA==]]><filename>" + drawing + "</filename></image></root>");
+    EXPECT_FALSE(machine.Exists(chart));
+    EXPECT_TRUE(machine.Exists(drawing));
+  }
+}
+
+TEST_F(DrawingFilesTest, AnyOtherFileOfTheMachineIsNeitherEmbeddedNorDeleted) {
+  for (const char* path :
+       {"C:\\Plots\\chart.bmp", "C:\\Temp\\chart.bmp", "C:\\Korvane\\TQ5-VX\\Temp\\..\\Bin\\Options.xml",
+        "C:\\Korvane\\TQ5-VX\\Temperature\\chart.bmp", "\\\\server\\share\\chart.bmp", "sub\\chart.bmp"}) {
+    if (path[0] == 'C') {
+      machine.Write(path, "foreign");
+    }
+    EXPECT_EQ(RaisedBy([&] { Embedded("<root><image>" + std::string(path) + "</image></root>"); }), 5) << path;
+    EXPECT_TRUE(path[0] != 'C' || machine.Exists(path)) << path;
+  }
+}
+
+TEST_F(DrawingFilesTest, DevicesPipesAndStreamsAreNeverOpened) {
+  for (const char* path : {"\\\\.\\pipe\\x", "\\\\?\\C:\\a.bmp", "//./COM1", "\\??\\C:\\a.bmp", "unit.bmp:stream",
+                           "C:\\Korvane\\TQ5-VX\\Temp\\a.bmp:stream", "C:\\Korvane\\TQ5-VX\\Temp\\nul", "COM1"}) {
+    EXPECT_EQ(RaisedBy([&] { Embedded("<root><image>" + std::string(path) + "</image></root>"); }), 75) << path;
+  }
 }
 
 TEST_F(DrawingFilesTest, AnImageInADrawingSectionIsEmbeddedByBothSteps) {
@@ -115,8 +137,7 @@ TEST_F(DrawingFilesTest, AnImageInADrawingSectionIsEmbeddedByBothSteps) {
 
 TEST_F(DrawingFilesTest, ANameThatLeavesTheFolderByItsParentOrADriveIsRefused) {
   machine.Write("C:\\Korvane\\TQ5-VX\\RTU47\\Code\\secret.dwg", "secret");
-  for (const char* name :
-       {"../../secret.dwg", "a/../../secret.dwg", "..", "a/..", "C:secret.dwg", "C:/secret.dwg", "unit.dwg:x"}) {
+  for (const char* name : {"../../secret.dwg", "a/../../secret.dwg", "..", "a/..", "C:secret.dwg", "C:/secret.dwg"}) {
     const std::string report = "<root><image>" + std::string(name) + "</image></root>";
     try {
       Embedded(report);
@@ -129,13 +150,11 @@ TEST_F(DrawingFilesTest, ANameThatLeavesTheFolderByItsParentOrADriveIsRefused) {
   }
 }
 
-TEST_F(DrawingFilesTest, PathsWithBackslashAreTakenAsTheyStandAndStayOnTheMachine) {
+TEST_F(DrawingFilesTest, APathThatLeadsOutByItsParentIsRefused) {
   machine.Write("C:\\secret.dwg", "drive");
-  WriteHostFile(machine.folder.Path() / "secret.dwg", "host");
-  EXPECT_EQ(Embedded("<root><image>..\\..\\..\\secret.dwg</image></root>"),
-            "<root><image><![CDATA[ZHJpdmU=]]><filename>..\\..\\..\\secret.dwg</filename></image></root>");
-  EXPECT_EQ(Embedded("<root><image>C:\\..\\..\\..\\secret.dwg</image></root>"),
-            "<root><image><![CDATA[ZHJpdmU=]]><filename>C:\\..\\..\\..\\secret.dwg</filename></image></root>");
+  for (const char* path : {"..\\..\\..\\secret.dwg", "C:\\..\\..\\..\\secret.dwg"}) {
+    EXPECT_EQ(RaisedBy([&] { Embedded("<root><image>" + std::string(path) + "</image></root>"); }), 5) << path;
+  }
 }
 
 TEST_F(DrawingFilesTest, ANameWithASlashStaysBelowTheFolder) {

@@ -49,5 +49,24 @@ TEST(FoldedNames, KnowTheLettersOfOtherAlphabets) {
   EXPECT_EQ(FoldName("\U0001F600a"), "\U0001F600A");
 }
 
+TEST(FoldPath, IsOneForAllPathsThatMeanTheSame) {
+  for (const char* path :
+       {"C:\\Temp\\größe.dat", "c:/temp//GRÖßE.DAT", "C:\\TEMP\\.\\größe.dat. ", "C:\\x\\..\\Temp\\größe.dat\\"}) {
+    EXPECT_EQ(FoldPath(path), FoldPath("C:\\Temp\\Größe.dat")) << path;
+  }
+  EXPECT_NE(FoldPath("C:\\Temp\\a"), FoldPath("C:\\Temp\\b"));
+  EXPECT_EQ(FoldPath("..\\.."), "");
+}
+
+TEST(IsDevicePath, KnowsDevicesPipesAndStreams) {
+  for (const char* path : {"\\\\.\\PhysicalDrive0", "\\\\?\\C:\\a", "//?/C:/a", "\\\\.", "\\??\\C:\\a", "C:\\a:b",
+                           "a.dat:stream", "C:a:b", "NUL", "C:\\dir\\com1", "C:\\dir\\aux.txt", "c:con"}) {
+    EXPECT_TRUE(IsDevicePath(path)) << path;
+  }
+  for (const char* path : {"C:\\a", "C:a", "a", "", "\\\\server\\share\\a", "C:\\console", "C:\\nul\\a", "\\.hidden"}) {
+    EXPECT_FALSE(IsDevicePath(path)) << path;
+  }
+}
+
 }  // namespace
 }  // namespace parvex

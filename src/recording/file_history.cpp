@@ -7,6 +7,7 @@
 #include "recording/quietly.h"
 #include "seams/automation_error.h"
 #include "seams/file_parts.h"
+#include "seams/machine_locks.h"
 
 namespace parvex::recording {
 namespace {
@@ -191,6 +192,9 @@ void FileHistory::LookAt(const std::string& folder) noexcept {
     Named(folder, true);
     std::size_t count = 0;
     for (const std::string& name : files_.ListFiles(folder + "\\")) {
+      if (name == kLockFile) {
+        continue;
+      }
       const std::string path = folder + "\\" + name;
       if (++count > kMostFilesLookedAt) {
         writer_.Missing(folder, "it holds more files than are looked at");
@@ -220,6 +224,9 @@ Json FileHistory::ChangesIn(const std::string& folder, std::uint64_t step) noexc
   Quietly(writer_, folder, [&] {
     const std::string inside = folder + "\\";
     for (const std::string& name : files_.ListFiles(inside)) {
+      if (name == kLockFile) {
+        continue;
+      }
       const std::string path = inside + name;
       bool isNew = false;
       Known* known = Find(path, isNew);

@@ -120,6 +120,33 @@ class RecordedProcesses : public Processes {
   std::shared_ptr<CurrentRecording> current_;
 };
 
+class RecordedLocks : public MachineLocks {
+ public:
+  RecordedLocks(MachineLocks& outside, std::shared_ptr<CurrentRecording> current)
+      : outside_(outside), current_(std::move(current)) {}
+
+  std::unique_ptr<Lock> TryTake(std::string_view folder, bool waitsForUser, Holder& holder) override {
+    const std::shared_ptr<Recording> recording = current_->recording;
+    if (recording == nullptr) {
+      return outside_.TryTake(folder, waitsForUser, holder);
+    }
+    const Json line = {{"kind", "lock"}, {"path", std::string(folder)}, {"waitsForUser", waitsForUser}};
+    return journal::Watch(recording->Writer(), line, [&](Json& ended) {
+      std::unique_ptr<Lock> lock = outside_.TryTake(folder, waitsForUser, holder);
+      ended["taken"] = lock != nullptr;
+      if (lock == nullptr) {
+        ended["holder"] = {
+            {"processId", holder.processId}, {"program", holder.program}, {"waitsForUser", holder.waitsForUser}};
+      }
+      return lock;
+    });
+  }
+
+ private:
+  MachineLocks& outside_;
+  std::shared_ptr<CurrentRecording> current_;
+};
+
 // The host's messages run here, and may change whatever they like.
 class RecordedPump : public MessagePump {
  public:
@@ -150,6 +177,7 @@ struct RecordedMachine::Parts {
         registry(*outside.registry, current),
         profile(*outside.privateProfile, current),
         files(*outside.files, current),
+        locks(*outside.locks, current),
         processes(*outside.processes, current),
         pump(*outside.messagePump, current),
         boxes(*outside.messageBoxes, log),
@@ -164,6 +192,7 @@ struct RecordedMachine::Parts {
   RecordedRegistry registry;
   RecordedProfile profile;
   RecordedFiles files;
+  RecordedLocks locks;
   RecordedProcesses processes;
   RecordedPump pump;
   journal::WatchedMessageBoxes boxes;
@@ -182,6 +211,7 @@ parvex::Platform RecordedMachine::Platform() {
   recorded.registry = &parts_->registry;
   recorded.privateProfile = &parts_->profile;
   recorded.files = &parts_->files;
+  recorded.locks = &parts_->locks;
   recorded.processes = &parts_->processes;
   recorded.messagePump = &parts_->pump;
   recorded.messageBoxes = &parts_->boxes;

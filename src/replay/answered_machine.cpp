@@ -76,6 +76,32 @@ class AnsweredProcesses : public Processes {
   std::shared_ptr<Script> script_;
 };
 
+// Nobody shares the folder of a call that is done again: whoever held the lock stands in the record. One that knows of
+// no locks is of a version that held none.
+class AnsweredLocks : public MachineLocks {
+ public:
+  explicit AnsweredLocks(std::shared_ptr<Script> script) : script_(std::move(script)) {}
+
+  std::unique_ptr<Lock> TryTake(std::string_view folder, bool waitsForUser, Holder& holder) override {
+    if (!script_->HasKind("lock")) {
+      return std::make_unique<Lock>();
+    }
+    const Json line = {{"kind", "lock"}, {"path", std::string(folder)}, {"waitsForUser", waitsForUser}};
+    return script_->Serve(line, [&](const Step* step) {
+      if (step == nullptr || FlagAt(step->answered, "taken")) {
+        return std::make_unique<Lock>();
+      }
+      const Json& held = Member(step->answered, "holder");
+      holder = {static_cast<std::uint32_t>(CountAt(held, "processId")), TextAt(held, "program"),
+                FlagAt(held, "waitsForUser")};
+      return std::unique_ptr<Lock>();
+    });
+  }
+
+ private:
+  std::shared_ptr<Script> script_;
+};
+
 class AnsweredBoxes : public MessageBoxes {
  public:
   explicit AnsweredBoxes(std::shared_ptr<Script> script) : script_(std::move(script)) {}
@@ -105,6 +131,7 @@ struct AnsweredMachine::Parts {
       : machine(theMachine),
         profile(*machine.privateProfile, script),
         files(*machine.files, script),
+        locks(script),
         processes(script),
         pump(script),
         boxes(script),
@@ -115,6 +142,7 @@ struct AnsweredMachine::Parts {
   const parvex::Platform machine;
   AnsweredProfile profile;
   AnsweredFiles files;
+  AnsweredLocks locks;
   AnsweredProcesses processes;
   AnsweredPump pump;
   AnsweredBoxes boxes;
@@ -132,6 +160,7 @@ parvex::Platform AnsweredMachine::Platform() {
   parvex::Platform answered = parts_->machine;
   answered.privateProfile = &parts_->profile;
   answered.files = &parts_->files;
+  answered.locks = &parts_->locks;
   answered.processes = &parts_->processes;
   answered.messagePump = &parts_->pump;
   answered.messageBoxes = &parts_->boxes;

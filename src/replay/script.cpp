@@ -121,6 +121,10 @@ void Script::PassOver(std::size_t until) {
   }
 }
 
+bool Script::HasKind(std::string_view kind) const {
+  return std::ranges::any_of(steps_, [&](const Step& step) { return TextAt(step.asked, "kind") == kind; });
+}
+
 const Step* Script::TakeEnd(std::uint64_t start) {
   if (hasEnded_) {
     throw RecordEnds();

@@ -62,6 +62,8 @@ class Script {
   bool HasEnded() const { return hasEnded_; }
   /// The step at which it was: the one that never came back, or the last.
   std::uint64_t LastStep() const;
+  /// Whether the record has steps of that kind.
+  bool HasKind(std::string_view kind) const;
   std::size_t Count() const { return steps_.size(); }
   std::vector<Difference>& Differences() { return differences_; }
 

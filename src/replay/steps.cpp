@@ -26,7 +26,8 @@ bool IsStep(const Json& line) {
   if (kind == "automation") {
     return op != "release";
   }
-  return kind == "router" || kind == "process" || kind == "messageBox" || kind == "ini" || kind == "database";
+  return kind == "lock" || kind == "router" || kind == "process" || kind == "messageBox" || kind == "ini" ||
+         kind == "database";
 }
 
 bool IsForeignChange(const Json& line) {

@@ -7,6 +7,9 @@
 
 namespace parvex {
 
+/// The file of a locked folder that says who holds the lock, where an adapter keeps one. It belongs to nobody's data.
+inline constexpr std::string_view kLockFile = "~parvex-lock.tmp";
+
 /// Locks that the programs of one machine hold against each other, whoever their users are. A program that ends lets go
 /// of what it held, however it ends. Programs of others know nothing of them.
 class MachineLocks {

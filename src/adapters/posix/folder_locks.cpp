@@ -21,7 +21,6 @@
 namespace parvex::posix {
 namespace {
 
-constexpr const char* kLockName = "~parvex-lock.tmp";
 constexpr std::size_t kMostOfHolder = 1024;
 constexpr char kWithUser = 'u';
 constexpr char kAlone = 'a';
@@ -128,7 +127,7 @@ std::unique_ptr<MachineLocks::Lock> FolderLocks::TryTake(std::string_view folder
   if (!host || !std::filesystem::is_directory(*host, ignored)) {
     return std::make_unique<Lock>();
   }
-  const std::filesystem::path path = *host / kLockName;
+  const std::filesystem::path path = *host / kLockFile;
   auto lock = std::make_unique<FileLock>(path);
   for (;;) {
     Descriptor file = OpenLockFile(path);

@@ -17,7 +17,6 @@
 namespace parvex::windows {
 namespace {
 
-constexpr const wchar_t* kHolderName = L"~parvex-lock.tmp";
 constexpr std::size_t kMostOfHolder = 1024;
 constexpr char kWithUser = 'u';
 constexpr char kAlone = 'a';
@@ -133,7 +132,7 @@ std::unique_ptr<MachineLocks::Lock> NamedLocks::TryTake(std::string_view folder,
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
     return std::make_unique<Lock>();
   }
-  const std::wstring file = path + L"\\" + kHolderName;
+  const std::wstring file = path + L"\\" + Widen(kLockFile);
   Handle mutex = MakeMutex(NameOf(L"hand-over", folder));
   if (!mutex) {
     holder = ReadHolder(file);

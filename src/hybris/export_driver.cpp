@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "hybris/base_units.h"
 #include "hybris/hybris_document.h"
 #include "hybris/quote_builder_exchange.h"
+#include "hybris/run_findings.h"
 #include "hybris/selected_items.h"
 #include "hybris/selected_tag.h"
 #include "hybris/tag_stored_data.h"
@@ -77,7 +79,10 @@ xml::Document GetHybrisXML(LegacyLink& link, const xml::Document&) {
     return AnswerUnknownBinPath();
   }
   const HandOverLock alone(platform, FolderOfOutput(binPath), HandOverLock::Run::WithWindows);
-  return AnswerRun(platform, RunQuoteBuilder(platform, binPath), "");
+  const std::optional<std::string> before = OutputBefore(platform, binPath);
+  const QuoteBuilderRun run = RunQuoteBuilder(platform, binPath);
+  CheckRun(platform, run, before);
+  return AnswerRun(platform, run, "");
 }
 
 xml::Document GetHybrisXMLNoUI(LegacyLink& link, const xml::Document& command) {
@@ -90,7 +95,10 @@ xml::Document GetHybrisXMLNoUI(LegacyLink& link, const xml::Document& command) {
   const std::string projectName = SaveUserSelection(platform, command);
   WriteQuoteBuilderInput(platform);
   ClearQuoteBuilderOutput(platform);
-  return AnswerRun(platform, RunQuoteBuilderNoUI(platform, binPath), projectName);
+  const QuoteBuilderRun run = RunQuoteBuilderNoUI(platform, binPath);
+  CheckRun(platform, run);
+  CheckSelection(platform, run, AskedFor(command, projectName));
+  return AnswerRun(platform, run, projectName);
 }
 
 xml::Document BuildHybrisTagDocument(const Platform& platform, std::string_view qbOutputFile,

@@ -13,7 +13,8 @@ namespace {
 
 constexpr int kNormalWindowWithFocus = 1;
 
-QuoteBuilderRun ReadOutcome(const Platform& platform, const std::string& binPath, std::string_view actionWhenMissing) {
+QuoteBuilderRun ReadOutcome(const Platform& platform, const std::string& binPath, std::string_view actionWhenMissing,
+                            std::int32_t exitCode) {
   const std::string folder = FolderOfOutput(binPath);
   if (folder.empty()) {
     throw MakeRuntimeError(RuntimeError::InvalidCall, "BinPath \"" + binPath + "\" holds no backslash");
@@ -21,14 +22,15 @@ QuoteBuilderRun ReadOutcome(const Platform& platform, const std::string& binPath
   const std::string outputFile = folder + "\\QBOutput.ini";
   SetIniTarget(platform, "Header", outputFile);
   const std::string action = ReadIniString(platform, "Action", actionWhenMissing);
-  return {outputFile, ToUpper(TrimBlanks(action)) != "CANCEL"};
+  return {outputFile, ToUpper(TrimBlanks(action)) != "CANCEL", exitCode};
 }
 
 QuoteBuilderRun RunWorkflow(const Platform& platform, const std::string& binPath, std::string_view option,
                             std::string_view actionWhenMissing) {
   // A program folder that ends with a backslash gives a doubled one; the command line has always looked so.
-  RunAndWait(platform, binPath + "\\kdwfm470.exe " + std::string(option), kNormalWindowWithFocus);
-  return ReadOutcome(platform, binPath, actionWhenMissing);
+  const std::int32_t exitCode =
+      RunAndWait(platform, binPath + "\\kdwfm470.exe " + std::string(option), kNormalWindowWithFocus);
+  return ReadOutcome(platform, binPath, actionWhenMissing, exitCode);
 }
 
 }  // namespace

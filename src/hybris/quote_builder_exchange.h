@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,8 @@ namespace parvex {
 struct QuoteBuilderRun {
   std::string outputFile;  ///< where the program leaves QBOutput.ini: Temp beside the program folder
   bool ok = false;         ///< false when the user cancelled
+  /// What the program runner gave (RunAndWait), which decides nothing.
+  std::int32_t exitCode = 0;
 };
 
 /// The folder that the program leaves its output in: Temp beside the program folder. Empty for a program folder with no

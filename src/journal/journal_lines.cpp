@@ -77,4 +77,6 @@ Json NoteJson(std::string_view about, std::string_view text) {
   return {{"kind", "note"}, {"about", std::string(about)}, {"text", std::string(text)}};
 }
 
+Json FindingJson(std::string_view text) { return {{"kind", "finding"}, {"text", std::string(text)}}; }
+
 }  // namespace parvex::journal

@@ -27,8 +27,9 @@ AutomationError ErrorFromJson(const Json& error);
 /// empty reference or no value as null, a keyed collection as an array of [key, item] pairs.
 Json ValueJson(const automation::Value& value);
 
-/// The lines of a message box and of a note.
+/// The lines of a message box, of a note and of a finding.
 Json MessageBoxJson(std::string_view text, std::string_view caption, MessageBoxes::Icon icon);
 Json NoteJson(std::string_view about, std::string_view text);
+Json FindingJson(std::string_view text);
 
 }  // namespace parvex::journal

@@ -41,7 +41,7 @@ Exchange ReadExchange(const Json& line, std::size_t lineNumber) {
 
 bool IsRouterLine(const Json& line) {
   const std::string kind = line.at("kind").get<std::string>();
-  constexpr std::string_view kOthers[] = {"automation", "processStart", "process", "messageBox", "note"};
+  constexpr std::string_view kOthers[] = {"automation", "processStart", "process", "messageBox", "note", "finding"};
   if (kind != "router" && std::ranges::find(kOthers, kind) == std::end(kOthers)) {
     throw std::invalid_argument("unknown kind \"" + kind + "\"");
   }

@@ -48,4 +48,11 @@ void WatchedNotes::Take(std::string_view about, std::string_view text) {
   }
 }
 
+void WatchedNotes::Find(std::string_view text) {
+  log_->Note(FindingJson(text));
+  if (outside_ != nullptr) {
+    outside_->Find(text);
+  }
+}
+
 }  // namespace parvex::journal

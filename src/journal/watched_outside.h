@@ -46,6 +46,7 @@ class WatchedNotes : public Notes {
   WatchedNotes(Notes* outside, std::shared_ptr<CrossingLog> log) : outside_(outside), log_(std::move(log)) {}
 
   void Take(std::string_view about, std::string_view text) override;
+  void Find(std::string_view text) override;
 
  private:
   Notes* outside_;

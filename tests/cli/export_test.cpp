@@ -141,6 +141,101 @@ TEST_F(Export, TellsAWaitingUserWhatGoesOnAndLeavesNothingOfIt) {
   EXPECT_THAT(outcome.err.substr(outcome.err.rfind('\r', end - 1) + 1, end), testing::StartsWith(" "));
 }
 
+/// The substitute's workflow program in the place of which something else runs.
+class ExportOfAnotherWorkflow : public Export {
+ protected:
+  ExportOfAnotherWorkflow() { WriteHostFile(Output(), kBefore); }
+
+  void Workflow(const std::string& script) const {
+    WriteHostFile(Program(), "#!/bin/sh\ncd \"${0%%/Bin/*}/Temp\"\n" + script);
+    std::filesystem::permissions(Program(), std::filesystem::perms::owner_all);
+  }
+  std::filesystem::path Program() const {
+    return std::filesystem::path(Sample()) / "drive_c/Korvane/TQ5-VX/Bin/kdwfm470.exe";
+  }
+  static std::string Leave(const std::string& output) { return "printf '" + output + "' > QBOutput.ini\n"; }
+
+  void ExpectRefused(const std::string& finding, std::vector<std::string> arguments = {}) {
+    arguments.insert(arguments.begin(), {"--project", kClinic, "-o", Output()});
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, 3) << outcome.err;
+    EXPECT_THAT(outcome.err,
+                HasSubstr("parvex: the export of \"Riverside Clinic\" is not what was asked for: " + finding));
+    EXPECT_EQ(ReadHostFile(Output()), kBefore);
+  }
+
+  static constexpr const char* kBefore = "the quote of yesterday";
+};
+
+constexpr const char* kOneTag =
+    "[Header]\\r\\nAction=ok\\r\\n[PartNumber1]\\r\\nPartNumber=A\\r\\nPDSG=RTU47\\r\\nMarkFor=RTU-1\\r\\n";
+
+TEST_F(ExportOfAnotherWorkflow, ThatIsMissingIsRefused) {
+  std::filesystem::remove(Program());
+  ExpectRefused("the quote builder was not started (error 53)\n");
+}
+
+TEST_F(ExportOfAnotherWorkflow, ThatEndsWithAnotherCodeIsRefused) {
+  Workflow(Leave(kOneTag) + "exit 3\n");
+  ExpectRefused("the quote builder ended with code 3\n");
+}
+
+TEST_F(ExportOfAnotherWorkflow, ThatIsKilledIsRefused) {
+  Workflow(Leave(kOneTag) + "kill -9 $$\n");
+  ExpectRefused("the quote builder ended with code -1073741815\n");
+}
+
+TEST_F(ExportOfAnotherWorkflow, ThatLeavesNothingIsRefused) {
+  Workflow("exit 0\n");
+  ExpectRefused("the quote builder left no output in \"C:\\Korvane\\TQ5-VX\\Temp\\QBOutput.ini\"\n");
+}
+
+TEST_F(ExportOfAnotherWorkflow, ThatSelectsNoTagIsRefused) {
+  Workflow(Leave("[Header]\\r\\nAction=ok\\r\\n"));
+  ExpectRefused("the quote builder's output has no tag\n");
+}
+
+TEST_F(ExportOfAnotherWorkflow, ThatSelectsInAnotherProjectIsRefused) {
+  Workflow(Leave("[Header]\\r\\nAction=ok\\r\\nProjectName=Quay\\r\\n[PartNumber1]\\r\\nPartNumber=A\\r\\n"));
+  ExpectRefused("the quote builder's output is of the project \"Quay\", not of \"Riverside Clinic\"\n");
+  Workflow(Leave(std::string(kOneTag) + "FileName=C:\\\\Korvane\\\\TQ5-VX\\\\Projects\\\\Quay\\\\a.dat\\r\\n"));
+  ExpectRefused("the stored data of the tag \"RTU-1\" are of another project: ");
+}
+
+TEST_F(ExportOfAnotherWorkflow, ThatSelectsOtherTagsIsRefused) {
+  Workflow(Leave(kOneTag));
+  ExpectRefused("the quote builder's output has the tag \"RTU-1\", which was not asked for\n", {"--tags", "CH-1"});
+  ExpectRefused("the quote builder's output lacks the tag \"CH-1\"\n", {"--tags", "CH-1", "RTU-1"});
+}
+
+TEST_F(ExportOfAnotherWorkflow, ThatSelectsATagTwiceIsRefused) {
+  Workflow(Leave(std::string(kOneTag) + "[PartNumber2]\\r\\nPartNumber=A\\r\\nPDSG=RTU47\\r\\nMarkFor=RTU-1\\r\\n"));
+  ExpectRefused("the quote builder's output has the tag \"RTU-1\" twice\n");
+}
+
+TEST_F(ExportOfAnotherWorkflow, IsTakenWhenAskedTo) {
+  Workflow("exit 3\n");
+  const Outcome outcome = Run({"--project", kClinic, "-o", Output(), "--lenient"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_THAT(ReadHostFile(Output()), HasSubstr("<TAGS/>"));
+}
+
+TEST_F(ExportOfAnotherWorkflow, AnswersAsTheProtocolAlwaysDidAndTheJournalTellsWhatWasFound) {
+  Workflow("exit 3\n");
+  const std::string journal = Output() + ".jsonl";
+  const Outcome outcome = RunParvex(
+      {"--machine", Sample(), "--journal", journal, "pull-ngorla", Sample() + "/commands/getHybrisXMLNoUI.xml"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_THAT(outcome.out, HasSubstr("<TAGS/>"));
+  EXPECT_THAT(ReadHostFile(journal),
+              HasSubstr("{\"kind\":\"finding\",\"text\":\"the quote builder ended with code 3\"}"));
+}
+
+TEST_F(ExportOfAnotherWorkflow, WithTheTagsThatWereAskedForIsAnExport) {
+  Workflow(Leave(kOneTag));
+  EXPECT_EQ(Run({"--project", kClinic, "--tags", "RTU-1", "-o", Output()}).status, 0);
+}
+
 TEST_F(Export, NeedsAProjectAndEitherTagsOrASelection) {
   EXPECT_EQ(Run({}).status, 2);
   EXPECT_EQ(Run({"--project", kClinic, "--tags", "A", "--selection", Write("s.xml", "<A/>")}).status, 2);

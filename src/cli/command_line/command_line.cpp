@@ -89,6 +89,8 @@ void CommandLine::AddExport() {
       ->excludes(tags);
   command->add_option("-o,--output", export_.output, "Where to write the document; standard output when not given")
       ->type_name("FILE");
+  command->add_flag("--lenient", export_.lenient,
+                    "Take whatever the quote builder left, though it is not what was asked for");
 }
 
 void CommandLine::AddReturn() {

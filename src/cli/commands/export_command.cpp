@@ -2,10 +2,13 @@
 
 #include <cstdio>
 #include <optional>
+#include <utility>
 
 #include "cli/session/consumer.h"
+#include "cli/session/kept_findings.h"
 #include "cli/session/replies.h"
 #include "cli/terminal/output_file.h"
+#include "cli/terminal/printable.h"
 #include "cli/terminal/progress.h"
 #include "cli/terminal/standard_streams.h"
 #include "interface/legacy_orla_pull.h"
@@ -60,12 +63,21 @@ std::string MakeCommand(const ExportOptions& options) {
   return command.Xml();
 }
 
-std::string SendWatched(Session& session, const std::string& command) {
+struct Answer {
+  std::string reply;
+  std::vector<std::string> findings;
+};
+
+Answer SendWatched(Session& session, const std::string& command) {
   ProgressLine line;
   WatchedExport watched(session.Platform(), line);
-  LegacyORLAPull pull(watched.Platform(), session.Recorder());
+  Platform machine = watched.Platform();
+  KeptFindings findings(machine.notes);
+  machine.notes = &findings;
+  LegacyORLAPull pull(machine, session.Recorder());
   pull.SetConsumer(MakeConsumer());
-  return pull.PullNGORLA(command);
+  std::string reply = pull.PullNGORLA(command);
+  return {std::move(reply), findings.Texts()};
 }
 
 }  // namespace
@@ -74,13 +86,20 @@ ExitStatus Export(const SessionOptions& sessionOptions, const ExportOptions& opt
   const std::string command = MakeCommand(options);
   OutputFile output(options.output);
   Session session(sessionOptions);
-  const std::string reply = SendWatched(session, command);
+  const Answer answer = SendWatched(session, command);
   session.Close();
-  if (const std::optional<std::string> failure = FailureIn(reply)) {
+  if (const std::optional<std::string> failure = FailureIn(answer.reply)) {
     std::fprintf(stderr, "parvex: the export of \"%s\" failed: %s\n", options.project.c_str(), failure->c_str());
     return kFailedReply;
   }
-  output.Write(reply);
+  if (!options.lenient && !answer.findings.empty()) {
+    for (const std::string& finding : answer.findings) {
+      std::fprintf(stderr, "parvex: the export of \"%s\" is not what was asked for: %s\n", options.project.c_str(),
+                   Printable(finding).c_str());
+    }
+    return kFailedCall;
+  }
+  output.Write(answer.reply);
   return kReply;
 }
 

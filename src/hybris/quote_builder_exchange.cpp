@@ -28,8 +28,10 @@ QuoteBuilderRun ReadOutcome(const Platform& platform, const std::string& binPath
 QuoteBuilderRun RunWorkflow(const Platform& platform, const std::string& binPath, std::string_view option,
                             std::string_view actionWhenMissing) {
   // A program folder that ends with a backslash gives a doubled one; the command line has always looked so.
+  // The line is not quoted, so a program folder with a blank could mean another program.
+  const std::string program = binPath + "\\kdwfm470.exe";
   const std::int32_t exitCode =
-      RunAndWait(platform, binPath + "\\kdwfm470.exe " + std::string(option), kNormalWindowWithFocus);
+      RunAndWait(platform, program + " " + std::string(option), kNormalWindowWithFocus, program);
   return ReadOutcome(platform, binPath, actionWhenMissing, exitCode);
 }
 

@@ -53,12 +53,12 @@ class JournalledProcesses : public Processes {
   JournalledProcesses(Processes& outside, std::ostream& out) : outside_(outside), out_(out) {}
 
   // Two lines a program: one that hangs, and takes its host along, has at least the first.
-  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) override {
+  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle, std::string_view program) override {
     WriteLine(out_, ProcessLine("processStart", commandLine, windowStyle));
     Json line = ProcessLine("process", commandLine, windowStyle);
     line["exitCode"] = nullptr;
     try {
-      std::unique_ptr<Process> process = outside_.Start(commandLine, windowStyle);
+      std::unique_ptr<Process> process = outside_.Start(commandLine, windowStyle, program);
       return std::make_unique<JournalledProcess>(std::move(process), std::move(line), out_);
     } catch (const AutomationError& error) {
       line["exitCode"] = static_cast<std::int32_t>(kObjectErrorBase + error.RuntimeNumber());

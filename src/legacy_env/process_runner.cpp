@@ -25,12 +25,13 @@ std::int32_t WaitForExit(const Platform& platform, Process& process) {
 
 }  // namespace
 
-std::int32_t RunAndWait(const Platform& platform, std::string_view commandLine, std::optional<int> windowStyle) {
+std::int32_t RunAndWait(const Platform& platform, std::string_view commandLine, std::optional<int> windowStyle,
+                        std::string_view program) {
   const int asked = windowStyle.value_or(kMinimisedWithoutFocus);
   const int style = asked >= 0 && asked <= 6 ? asked : kMinimisedWithoutFocus;
   std::unique_ptr<Process> process;
   try {
-    process = platform.processes->Start(commandLine, style);
+    process = platform.processes->Start(commandLine, style, program);
   } catch (const AutomationError& error) {
     return static_cast<std::int32_t>(kObjectErrorBase + error.RuntimeNumber());
   }

@@ -12,8 +12,9 @@ namespace parvex {
 /// no time limit, deliberately: an interactive program ends when its user closes it.
 ///
 /// Gives the exit code; a program that cannot be started gives the runtime's error number plus 0x80040000, a negative
-/// number. A window style that is missing or outside 0 to 6 counts as 6 (minimised without focus).
+/// number. With `program`, its path, no other file is started (Processes::Start). A window style that is missing or
+/// outside 0 to 6 counts as 6 (minimised without focus).
 std::int32_t RunAndWait(const Platform& platform, std::string_view commandLine,
-                        std::optional<int> windowStyle = std::nullopt);
+                        std::optional<int> windowStyle = std::nullopt, std::string_view program = {});
 
 }  // namespace parvex

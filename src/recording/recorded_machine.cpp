@@ -95,10 +95,10 @@ class RecordedProcesses : public Processes {
   RecordedProcesses(Processes& outside, std::shared_ptr<CurrentRecording> current)
       : outside_(outside), current_(std::move(current)) {}
 
-  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) override {
+  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle, std::string_view program) override {
     const std::shared_ptr<Recording> recording = current_->recording;
     if (recording == nullptr) {
-      return outside_.Start(commandLine, windowStyle);
+      return outside_.Start(commandLine, windowStyle, program);
     }
     recording->Files().BeforeOutside();
     for (const std::string& folder : recording->TemporaryFolders()) {
@@ -108,7 +108,7 @@ class RecordedProcesses : public Processes {
     const Json line = {
         {"kind", "process"}, {"op", "start"}, {"command", std::string(commandLine)}, {"windowStyle", windowStyle}};
     std::unique_ptr<Process> process = journal::Watch(recording->Writer(), line, [&](Json& ended) {
-      std::unique_ptr<Process> started = outside_.Start(commandLine, windowStyle);
+      std::unique_ptr<Process> started = outside_.Start(commandLine, windowStyle, program);
       ended["started"] = true;
       return started;
     });

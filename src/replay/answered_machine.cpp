@@ -61,7 +61,7 @@ class AnsweredProcesses : public Processes {
  public:
   explicit AnsweredProcesses(std::shared_ptr<Script> script) : script_(std::move(script)) {}
 
-  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) override {
+  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle, std::string_view) override {
     const Json line = {
         {"kind", "process"}, {"op", "start"}, {"command", std::string(commandLine)}, {"windowStyle", windowStyle}};
     return script_->Serve(line, [&](const Step* step) {

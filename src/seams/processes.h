@@ -24,7 +24,11 @@ class Processes {
   /// blank is tried as the end of the path, ".exe" is added to a name without extension). `windowStyle` is 0 to 6 as
   /// the legacy runtime numbers them (1: normal with focus, 6: minimised without focus). A program that cannot be
   /// started is an AutomationError: not found (53), not a program or no right to run it (5).
-  virtual std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) = 0;
+  ///
+  /// With `program`, its path, that file is what starts, whatever the line's beginning may mean: a planted
+  /// "C:\Korvane.exe" is not tried for "C:\Korvane App\Bin\x.exe /y". The program sees the line as it stands.
+  virtual std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle,
+                                         std::string_view program = {}) = 0;
 };
 
 }  // namespace parvex

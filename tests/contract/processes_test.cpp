@@ -62,6 +62,18 @@ TEST_F(ProcessesContract, HandsArgumentsOver) {
               ElementsAre("/OrlaImportNoUI", "two words", "a\\b", "q\"uote", "end\\", "", "Größe"));
 }
 
+TEST_F(ProcessesContract, AProgramThatIsNamedIsStartedAndNoneThatTheLineCouldMean) {
+  machine.files.CreateFolder(machine.Path("two words"));
+  const std::string program = machine.Path("two words\\\\probe.exe");
+  machine.InstallProbe(machine.Path("two words\\probe.exe"));
+  machine.InstallProbe(machine.Path("two.exe"));
+  machine.files.Replace(machine.Path("two"), "planted");
+  EXPECT_EQ(WaitForExit(*machine.processes.Start(program + " exit=4 b", kMinimised, program)), 4u);
+  EXPECT_THAT(machine.ProbeArguments(), ElementsAre("exit=4", "b"));
+  machine.files.Remove(machine.Path("two words\\probe.exe"));
+  EXPECT_EQ(RaisedBy([&] { machine.processes.Start(program + " exit=4", kMinimised, program); }), 53);
+}
+
 TEST_F(ProcessesContract, AQuotedProgramMayHoldBlanks) {
   machine.files.CreateFolder(machine.Path("two words"));
   machine.InstallProbe(machine.Path("two words\\probe.exe"));

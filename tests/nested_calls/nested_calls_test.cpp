@@ -99,8 +99,8 @@ class CallingBoxes : public MessageBoxes {
 class EndedPrograms : public Processes {
  public:
   explicit EndedPrograms(Processes& real) : real_(real) {}
-  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) override {
-    std::unique_ptr<Process> process = real_.Start(commandLine, windowStyle);
+  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle, std::string_view program) override {
+    std::unique_ptr<Process> process = real_.Start(commandLine, windowStyle, program);
     while (process->ExitCode() == kStillActive) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }

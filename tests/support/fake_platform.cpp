@@ -61,8 +61,8 @@ std::unique_ptr<MessageRouter> FakeRouters::Create() {
   return std::make_unique<FakeRouter>(*this);
 }
 
-std::unique_ptr<Process> FakeProcesses::Start(std::string_view commandLine, int windowStyle) {
-  started.push_back({std::string(commandLine), windowStyle});
+std::unique_ptr<Process> FakeProcesses::Start(std::string_view commandLine, int windowStyle, std::string_view program) {
+  started.push_back({std::string(commandLine), windowStyle, std::string(program)});
   if (startError != 0) {
     throw MakeRuntimeError(static_cast<RuntimeError>(startError), "cannot start " + std::string(commandLine));
   }

@@ -37,6 +37,7 @@ class FakeProcesses : public Processes {
   struct Started {
     std::string commandLine;
     int windowStyle;
+    std::string program = {};
   };
   std::vector<Started> started;
   int polls = 0;
@@ -44,7 +45,7 @@ class FakeProcesses : public Processes {
   std::uint16_t startError = 0;  ///< runtime error number that starting fails with, 0 for none
   std::function<void(const std::string& commandLine)> work;
 
-  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) override;
+  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle, std::string_view program) override;
 };
 
 /// Owns its clock: Sleep only moves it on.

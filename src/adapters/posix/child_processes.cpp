@@ -100,9 +100,12 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 ChildProcesses::ChildProcesses(MachineFolder& folder)
     : folder_(folder), abandoned_(std::make_shared<std::vector<pid_t>>()) {}
 
-std::unique_ptr<Process> ChildProcesses::Start(std::string_view commandLine, int /*windowStyle*/) {
+std::unique_ptr<Process> ChildProcesses::Start(std::string_view commandLine, int /*windowStyle*/,
+                                               std::string_view program) {
   std::erase_if(*abandoned_, [](pid_t child) { return waitpid(child, nullptr, WNOHANG) != 0; });
-  CommandLine line = CommandLine::Parse(commandLine.substr(0, commandLine.find('\0')), folder_);
+  commandLine = commandLine.substr(0, commandLine.find('\0'));
+  CommandLine line =
+      program.empty() ? CommandLine::Parse(commandLine, folder_) : CommandLine::Of(program, commandLine, folder_);
   std::vector<std::string> environment = ChildEnvironment(folder_.Root());
   const ChildFiles files;
   pid_t child = 0;

@@ -64,6 +64,21 @@ CommandLine CommandLine::Parse(std::string_view text, MachineFolder& folder) {
   throw MakeRuntimeError(RuntimeError::FileNotFound, FailureText("cannot start", text, "the program does not exist"));
 }
 
+CommandLine CommandLine::Of(std::string_view program, std::string_view text, MachineFolder& folder) {
+  const auto found = FindFile(program, folder);
+  if (!found) {
+    throw MakeRuntimeError(RuntimeError::FileNotFound, FailureText("cannot start", text, "the program does not exist"));
+  }
+  if (text.starts_with(program)) {
+    return Compose(*found, program, text.substr(program.size()));
+  }
+  CommandLine line{*found, SplitArguments(text)};
+  if (line.arguments.empty()) {
+    line.arguments.emplace_back(program);
+  }
+  return line;
+}
+
 std::vector<std::string> SplitArguments(std::string_view text) {
   std::vector<std::string> arguments;
   for (text = DropBlanks(text); !text.empty(); text = DropBlanks(text)) {

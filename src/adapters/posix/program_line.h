@@ -18,6 +18,10 @@ struct CommandLine {
   /// shortest first. A name without extension is looked for with ".exe" first. A name without folder is looked for in
   /// the current folder, C:\. No such file: an AutomationError (53).
   static CommandLine Parse(std::string_view text, MachineFolder& folder);
+
+  /// The program is that file and no other; the same error. What stands behind its name, or behind the first word of
+  /// a line that does not begin with it, are the arguments.
+  static CommandLine Of(std::string_view program, std::string_view text, MachineFolder& folder);
 };
 
 /// Arguments as C programs see them: blanks part them but within quotes; a quote after an odd number of backslashes is

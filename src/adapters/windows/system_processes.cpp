@@ -29,15 +29,18 @@ class SystemProcess : public Process {
 
 }  // namespace
 
-std::unique_ptr<Process> SystemProcesses::Start(std::string_view commandLine, int windowStyle) {
+std::unique_ptr<Process> SystemProcesses::Start(std::string_view commandLine, int windowStyle,
+                                                std::string_view program) {
   std::wstring line = Widen(commandLine);  // CreateProcess may write into it
+  const std::wstring path = Widen(program);
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   startup.dwFlags = STARTF_USESHOWWINDOW;
   // The legacy runtime's window styles are the system's show commands.
   startup.wShowWindow = static_cast<WORD>(windowStyle);
   PROCESS_INFORMATION started = {};
-  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &started)) {
+  if (!CreateProcessW(path.empty() ? nullptr : path.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                      &startup, &started)) {
     const DWORD code = GetLastError();
     const bool missing = code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND || code == ERROR_DIRECTORY;
     throw MakeRuntimeError(

@@ -17,10 +17,10 @@ constexpr std::string_view kTagSection = "PartNumber";
 class WatchedProcesses : public Processes {
  public:
   WatchedProcesses(Processes& outside, ProgressLine& line) : outside_(outside), line_(line) {}
-  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle) override {
+  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle, std::string_view program) override {
     line_.Show("The quote builder runs");
     started_ = Clock::now();
-    return outside_.Start(commandLine, windowStyle);
+    return outside_.Start(commandLine, windowStyle, program);
   }
   void ShowTime() {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - started_).count();

@@ -30,6 +30,8 @@ TEST_F(QuoteBuilderExchange, TheInteractiveRunStartsTheWorkflowInANormalWindow) 
   ASSERT_EQ(machine_.processes.started.size(), 1u);
   EXPECT_EQ(machine_.processes.started[0].commandLine, "C:\\Korvane\\TQ5-VX\\Bin\\\\kdwfm470.exe /OrlaProjectImport");
   EXPECT_EQ(machine_.processes.started[0].windowStyle, 1);
+  EXPECT_EQ(machine_.processes.started[0].program, "C:\\Korvane\\TQ5-VX\\Bin\\\\kdwfm470.exe")
+      << "and no other program";
 }
 
 TEST_F(QuoteBuilderExchange, TheRunWithoutUserInterfaceHasItsOwnOption) {

@@ -109,7 +109,7 @@ TEST_F(Journalled, ProgramsWhenTheirExitCodeIsKnown) {
 TEST_F(Journalled, ProgramsAreWrittenAndFlushedBeforeTheyStart) {
   struct LookingProcesses : Processes {
     std::function<void()> look;
-    std::unique_ptr<Process> Start(std::string_view, int) override {
+    std::unique_ptr<Process> Start(std::string_view, int, std::string_view) override {
       look();
       throw MakeRuntimeError(RuntimeError::FileNotFound, "gone");
     }

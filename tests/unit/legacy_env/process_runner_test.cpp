@@ -58,7 +58,7 @@ class Recorder : public Processes, public MessagePump {
  public:
   std::string steps;
 
-  std::unique_ptr<Process> Start(std::string_view, int) override {
+  std::unique_ptr<Process> Start(std::string_view, int, std::string_view) override {
     steps += "start ";
     return std::make_unique<RecordedProcess>(*this);
   }

@@ -20,7 +20,7 @@ class ChildProcesses : public Processes {
  public:
   explicit ChildProcesses(MachineFolder& folder);
 
-  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle, std::string_view program) override;
+  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle, std::string_view program = {}) override;
 
  private:
   MachineFolder& folder_;

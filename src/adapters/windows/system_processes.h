@@ -6,7 +6,7 @@ namespace parvex::windows {
 
 class SystemProcesses : public Processes {
  public:
-  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle, std::string_view program) override;
+  std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle, std::string_view program = {}) override;
 };
 
 }  // namespace parvex::windows

@@ -185,6 +185,7 @@ TEST_F(Journalled, NotesAndWhoTakesThemOutside) {
   struct Kept : Notes {
     std::string text;
     void Take(std::string_view about, std::string_view what) override { text = std::string(about) + "|" + what.data(); }
+    void Find(std::string_view what) override { text = what; }
   } kept;
   Platform outside = machine_.platform;
   outside.notes = &kept;
@@ -192,6 +193,9 @@ TEST_F(Journalled, NotesAndWhoTakesThemOutside) {
   journalled.Platform().notes->Take("C:\\a.xml", "it is odd");
   EXPECT_EQ(Lines(), "{\"kind\":\"note\",\"about\":\"C:\\\\a.xml\",\"text\":\"it is odd\"}\n");
   EXPECT_EQ(kept.text, "C:\\a.xml|it is odd");
+  journalled.Platform().notes->Find("it is of another project");
+  EXPECT_THAT(Lines(), testing::EndsWith("{\"kind\":\"finding\",\"text\":\"it is of another project\"}\n"));
+  EXPECT_EQ(kept.text, "it is of another project");
   platform_.notes->Take("C:\\a.xml", "nobody listens outside");
 }
 

@@ -1,5 +1,6 @@
 #include "journal/journalled_platform.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>

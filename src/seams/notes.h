@@ -10,7 +10,8 @@ class Notes {
   virtual ~Notes() = default;
   /// `about` is the file, element or member; `text` says what was found.
   virtual void Take(std::string_view about, std::string_view text) = 0;
-  /// What came back from the legacy application is not what it was asked for, though the protocol answers as if it were.
+  /// What came back from the legacy application is not what it was asked for, though the protocol answers as if it
+  /// were.
   virtual void Find(std::string_view text) = 0;
 };
 

@@ -17,8 +17,9 @@ struct ExportOptions {
 };
 
 /// Exports units of a project as a Hybris document, by the command getHybrisXMLNoUI. Where standard error is a
-/// terminal, it tells how far it is. A failed export leaves the output as it was, tells why and is kFailedReply. So does
-/// one that is not what was asked for, which is kFailedCall: the protocol answers with whatever the quote builder left.
+/// terminal, it tells how far it is. A failed export leaves the output as it was, tells why and is kFailedReply. So
+/// does one that is not what was asked for, which is kFailedCall: the protocol answers with whatever the quote builder
+/// left.
 ///
 /// A selection file is XML that holds a UserSelectionTransfer, alone or somewhere inside (a command document, say). It
 /// may leave its ProjectName out; one that names another project is a UsageError.

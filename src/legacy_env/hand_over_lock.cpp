@@ -9,7 +9,7 @@
 namespace parvex {
 namespace {
 
-constexpr std::chrono::milliseconds kPollInterval{100};
+constexpr std::chrono::milliseconds kLockPollInterval{100};
 constexpr int kMostPolls = 300;
 
 AutomationError Refusal(const std::string& folder, const std::string& why) {
@@ -38,7 +38,7 @@ std::unique_ptr<MachineLocks::Lock> Take(const Platform& platform, const std::st
       throw Refusal(folder, NameOf(holder) + " holds them, and has not let go for 30 s");
     }
     platform.messagePump->RunPending();
-    platform.messagePump->Sleep(kPollInterval);
+    platform.messagePump->Sleep(kLockPollInterval);
   }
 }
 

@@ -26,7 +26,8 @@ class Processes {
   /// started is an AutomationError: not found (53), not a program or no right to run it (5).
   ///
   /// With `program`, its path, that file is what starts, whatever the line's beginning may mean: a planted
-  /// "C:\Korvane.exe" is not tried for "C:\Korvane App\Bin\x.exe /y". The program sees the line as it stands.
+  /// "C:\Korvane.exe" is not tried for "C:\Korvane App\Bin\x.exe /y". The program sees its arguments as it would
+  /// without.
   virtual std::unique_ptr<Process> Start(std::string_view commandLine, int windowStyle,
                                          std::string_view program = {}) = 0;
 };

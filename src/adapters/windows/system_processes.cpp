@@ -27,11 +27,20 @@ class SystemProcess : public Process {
   HANDLE handle_;
 };
 
+// Where the system finds a program with blanks in its path behind an unquoted name, it quotes that name, so that the
+// program sees its arguments where they belong. It does not where it is told the program.
+std::wstring LineFor(std::string_view program, std::string_view commandLine) {
+  if (!program.empty() && program.find_first_of(" \t") != std::string_view::npos && commandLine.starts_with(program)) {
+    return L'"' + Widen(program) + L'"' + Widen(commandLine.substr(program.size()));
+  }
+  return Widen(commandLine);
+}
+
 }  // namespace
 
 std::unique_ptr<Process> SystemProcesses::Start(std::string_view commandLine, int windowStyle,
                                                 std::string_view program) {
-  std::wstring line = Widen(commandLine);  // CreateProcess may write into it
+  std::wstring line = LineFor(program, commandLine);  // CreateProcess may write into it
   const std::wstring path = Widen(program);
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;

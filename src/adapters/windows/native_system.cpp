@@ -165,9 +165,11 @@ std::unique_ptr<HostSystem::File> NativeSystem::MakeFile(std::string_view path) 
   return std::make_unique<OwnFile>(path);
 }
 
+// Whose file it is may remove it while it is looked at.
 bool NativeSystem::IsInUse(std::string_view path) {
-  const HANDLE file = CreateFileW(Widen(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  const HANDLE file =
+      CreateFileW(Widen(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) {
     return GetLastError() == ERROR_SHARING_VIOLATION;
   }

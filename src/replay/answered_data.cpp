@@ -94,14 +94,14 @@ class AnsweredDatabase : public Database {
 }  // namespace
 
 std::unique_ptr<ProfileSection> AnsweredProfile::Section(std::string_view section, std::string_view file) {
-  return std::make_unique<AnsweredSection>(machine_.Section(section, file), std::string(section),
+  return std::make_unique<AnsweredSection>(machine_.Section(section, network_.Path(file)), std::string(section),
                                            recording::ProfilePath(file), script_);
 }
 
 std::unique_ptr<Database> AnsweredDatabases::Open(std::string_view path) {
   const Json line = {{"kind", "database"}, {"op", "open"}, {"path", std::string(path)}};
   return script_->Serve(line, [&](const Step*) {
-    return std::make_unique<AnsweredDatabase>(machine_.Open(path), std::string(path), script_);
+    return std::make_unique<AnsweredDatabase>(machine_.Open(network_.Path(path)), std::string(path), script_);
   });
 }
 

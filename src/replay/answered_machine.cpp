@@ -127,17 +127,17 @@ class AnsweredPump : public MessagePump {
 }  // namespace
 
 struct AnsweredMachine::Parts {
-  Parts(const parvex::Platform& theMachine, const std::shared_ptr<Script>& script)
+  Parts(const parvex::Platform& theMachine, const std::shared_ptr<Script>& script, NetworkDrive network)
       : machine(theMachine),
-        profile(*machine.privateProfile, script),
-        files(*machine.files, script),
+        profile(*machine.privateProfile, script, network),
+        files(*machine.files, script, network),
         locks(script),
         processes(script),
         pump(script),
         boxes(script),
         routers(script),
         automation(script),
-        databases(*machine.projectDatabases, script) {}
+        databases(*machine.projectDatabases, script, network) {}
 
   const parvex::Platform machine;
   AnsweredProfile profile;
@@ -151,8 +151,8 @@ struct AnsweredMachine::Parts {
   AnsweredDatabases databases;
 };
 
-AnsweredMachine::AnsweredMachine(const parvex::Platform& machine, std::shared_ptr<Script> script)
-    : parts_(std::make_unique<Parts>(machine, script)) {}
+AnsweredMachine::AnsweredMachine(const parvex::Platform& machine, std::shared_ptr<Script> script, NetworkDrive network)
+    : parts_(std::make_unique<Parts>(machine, script, network)) {}
 
 AnsweredMachine::~AnsweredMachine() = default;
 

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "replay/network_drive.h"
 #include "replay/script.h"
 #include "seams/platform.h"
 
@@ -11,7 +12,7 @@ namespace parvex::replay {
 /// record. Time does not pass on it. `machine` outlives this, and this whatever came from it.
 class AnsweredMachine {
  public:
-  AnsweredMachine(const parvex::Platform& machine, std::shared_ptr<Script> script);
+  AnsweredMachine(const parvex::Platform& machine, std::shared_ptr<Script> script, NetworkDrive network = {});
   ~AnsweredMachine();
   AnsweredMachine(const AnsweredMachine&) = delete;
   AnsweredMachine& operator=(const AnsweredMachine&) = delete;

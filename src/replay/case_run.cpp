@@ -12,6 +12,7 @@
 #include "replay/answered_machine.h"
 #include "replay/kept_files.h"
 #include "replay/machine_on_disk.h"
+#include "replay/network_drive.h"
 #include "replay/same_text.h"
 #include "replay/script.h"
 
@@ -21,6 +22,7 @@ namespace {
 using recording::RecordedCase;
 
 constexpr const char* kUnfinished = "unfinished";
+constexpr const char* kWindows = "Windows";  // the platform that has networks
 
 struct Ended {
   std::string outcome;  // as in case.json
@@ -43,12 +45,14 @@ class ThreadOfCase {
 // A file of the machine becomes what the record says that others made of it.
 class ForeignHand {
  public:
-  ForeignHand(Files& files, const Members& members) : files_(files), members_(members) {}
+  ForeignHand(Files& files, const Members& members, NetworkDrive network)
+      : files_(files), members_(members), network_(network) {}
 
   void operator()(const FileChange& change) const {
+    const std::string path = network_.Path(change.path);
     if (change.member.empty()) {
-      if (files_.IsFile(change.path)) {
-        files_.Remove(change.path);
+      if (files_.IsFile(path)) {
+        files_.Remove(path);
       }
       return;
     }
@@ -56,15 +60,16 @@ class ForeignHand {
     if (member == members_.end()) {
       return;  // the facts say that it is missing
     }
-    if (const std::size_t folder = change.path.find_last_of("\\/"); folder != std::string::npos) {
-      files_.CreateFolder(std::string_view(change.path).substr(0, folder));
+    if (const std::size_t folder = path.find_last_of("\\/"); folder != std::string::npos) {
+      files_.CreateFolder(std::string_view(path).substr(0, folder));
     }
-    files_.Replace(change.path, member->second);
+    files_.Replace(path, member->second);
   }
 
  private:
   Files& files_;
   const Members& members_;
+  NetworkDrive network_;
 };
 
 // The builder is told of a consumer, of which it takes note.
@@ -159,11 +164,14 @@ RunResult RunCase(HostSystem& system, const RecordedCase& recorded, const RunOpt
   const Members members = MembersOf(recorded);
   std::string made;
   const KeptFiles before = FilesBefore(recorded, made);
-  LayOut(system, options.folder, before);
+  const KeptFiles after = FilesAfter(recorded, members, before);
+  const HostSystem::Facts here = system.ThisProgram();
+  const NetworkDrive network = here.platform == kWindows ? NetworkDrive() : NetworkDrive(before, after);
+  LayOut(system, options.folder, network.Moved(before));
   const std::shared_ptr<const Platform> machine = options.machine(options.folder, CodePageOf(recorded));
-  const auto script = std::make_shared<Script>(recorded, ForeignHand(*machine->files, members));
+  const auto script = std::make_shared<Script>(recorded, ForeignHand(*machine->files, members, network));
   result.steps = script->Count();
-  AnsweredMachine answered(*machine, script);
+  AnsweredMachine answered(*machine, script, network);
   Ended ended;
   {
     const ThreadOfCase thread(Member(recorded.facts, "thread"));
@@ -176,12 +184,10 @@ RunResult RunCase(HostSystem& system, const RecordedCase& recorded, const RunOpt
   script->Finish(options.lenient);
   result.outcome = ended.outcome;
   result.differences = std::move(script->Differences());
-  const HostSystem::Facts here = system.ThisProgram();
   const bool isOtherParser = TextAt(Member(recorded.facts, "machine"), "xml") != here.xmlEngine;
   CompareOutcome(recorded, ended, *script, isOtherParser, result);
   const bool isOtherPlatform = TextAt(recorded.facts, "platform") != here.platform;
-  const KeptFiles after = FilesAfter(recorded, members, before);
-  for (Difference& difference : CompareFiles(system, options.folder, after, isOtherPlatform)) {
+  for (Difference& difference : CompareFiles(system, options.folder, network.Moved(after), isOtherPlatform)) {
     result.differences.push_back(std::move(difference));
   }
   return result;

@@ -328,6 +328,28 @@ TEST_F(CaseRunTest, ChangesFilesThatOthersChangedMeanwhile) {
   EXPECT_THAT(Told(Run(recorded)), HasSubstr("outcome: reply / failure"));
 }
 
+// The blob is on a share, as a case from Windows has it.
+TEST_F(CaseRunTest, FindsFilesOfANetwork) {
+  RecordedCase recorded = RecordText(kExport);
+  const std::string shared = "\\\\SERVER\\Blobs\\tag1.blb";
+  const std::string local = "C:\\Korvane\\TQ5-VX\\Blobs\\tag1.blb";
+  for (recording::KeptFile& file : recorded.files) {
+    if (file.name.ends_with("Blobs/tag1.blb")) {
+      file.name = "machine/unc/SERVER/Blobs/tag1.blb";
+    }
+    if (const std::size_t at = file.bytes.find(local); at != std::string::npos) {
+      file.bytes.replace(at, local.size(), shared);
+    }
+  }
+  std::erase_if(recorded.files, [](const auto& file) { return file.name.find("TQ5-VX/Blobs") != std::string::npos; });
+  for (Json& line : recorded.steps) {
+    if (line.value("path", "") == local) {
+      line["path"] = shared;
+    }
+  }
+  EXPECT_EQ(Told(Run(recorded)), "");
+}
+
 TEST_F(CaseRunTest, SaysWhatTheRecordLacks) {
   RecordedCase recorded = RecordText(kExport);
   recorded.facts["missing"] = Json::array({{{"what", "machine/a"}, {"why", "disk full"}}});

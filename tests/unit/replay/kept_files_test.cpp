@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "replay/machine_on_disk.h"
+#include "replay/network_drive.h"
 #include "tests/support/fake_platform.h"
 #include "tests/unit/recording/fake_system.h"
 
@@ -98,6 +99,18 @@ TEST(LayOut, WritesNamesThatDifferInLetterCaseIntoOneFolder) {
   EXPECT_EQ(test::ReadHostFile(folder.Path() / "drive_c/Korvane/a"), "1");
   EXPECT_EQ(test::ReadHostFile(folder.Path() / "drive_c/Korvane/b"), "2");
   EXPECT_THAT(CompareFiles(system, folder.Path().string(), files, false), IsEmpty());
+}
+
+TEST(NetworkDrive, HasTheFilesOfANetworkWhereNoOtherAre) {
+  const auto recorded = CaseOf({{"machine/unc/SERVER/share/a", "1", false}, {"machine/drive_z/b", "2", false}}, {});
+  std::string made;
+  const KeptFiles files = FilesBefore(recorded, made);
+  const NetworkDrive network(files, files);
+  EXPECT_THAT(network.Moved(files).files,
+              ElementsAre(Key("DRIVE_Y/SERVER/SHARE/A"), Key("DRIVE_Z/B"), Key("REGISTRY.REG")));
+  EXPECT_EQ(network.Path("\\\\server\\share\\*.*"), "Y:\\server\\share\\*.*");
+  EXPECT_EQ(network.Path("C:\\a"), "C:\\a");
+  EXPECT_EQ(NetworkDrive().Path("\\\\server\\a"), "\\\\server\\a");
 }
 
 TEST(CompareFiles, TellsFilesAndFoldersThatDiffer) {

@@ -114,7 +114,8 @@ char32_t Letters::Other(char32_t character, std::u32string_view alphabet, std::u
   if (orders_.size() > kMostOrders) {
     orders_.clear();
   }
-  const std::uint64_t circle = KeyedHash(key_, before, (kOrder << 32) + alphabet.front() + (alphabet.size() << 40));
+  const std::uint64_t circle =
+      KeyedHash(key_, before, (kOrder << 32) + alphabet.front() + (std::uint64_t{alphabet.size()} << 40));
   std::u32string& order = orders_[circle];
   if (order.empty()) {
     std::vector<std::pair<std::uint64_t, char32_t>> places;

@@ -155,8 +155,10 @@ std::string Details(const CaseStep& step) {
 
 std::string StepElement(const CaseStep& step, std::uint64_t whole) {
   const std::string number = std::to_string(step.number);
-  const auto took =
-      step.begun && step.ended ? std::optional(std::max(*step.ended, *step.begun) - *step.begun) : std::nullopt;
+  std::optional<std::uint64_t> took;
+  if (step.begun && step.ended) {
+    took = std::max(*step.ended, *step.begun) - *step.begun;
+  }
   const std::string kind = TextIn(*step.first, "kind");
   const std::string said = SayingOf(*step.first);
   const std::string_view saying = std::string_view(said).substr(std::min(Printable(kind).size() + 1, said.size()));

@@ -17,8 +17,14 @@ namespace {
 using com::ComClass;
 using windows::ComPointer;
 
+// An engine of others knows nothing of the locks that our runs hold while they change a file.
+class EnginesFiles : public windows::SystemFiles {
+ public:
+  std::shared_ptr<void> HoldForChange(std::string_view) override { return nullptr; }
+};
+
 ComPointer<IUnknown> MakeEngine(const std::string& programmaticId) {
-  static windows::SystemFiles files;
+  static EnginesFiles files;
   for (const LateBoundClass& offered : DaoClasses(files)) {
     if (offered.programmaticId == programmaticId) {
       return windows::ExposeObject(offered.create()).As<IUnknown>(IID_IUnknown);

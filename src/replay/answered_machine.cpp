@@ -45,7 +45,7 @@ class AnsweredProcess : public Process {
   std::uint32_t ExitCode() override {
     if (!exitCode_) {
       const Step* end = script_->TakeEnd(start_);
-      const Json& code = end != nullptr ? Member(end->asked, "exitCode") : Member(Json(), "");
+      const Json code = end != nullptr ? Member(end->asked, "exitCode") : Json();
       exitCode_ = code.is_number_integer() ? static_cast<std::uint32_t>(code.get<std::int64_t>()) : 0;
     }
     return *exitCode_;

@@ -74,7 +74,7 @@ def record_linux(native_bin, cases):
 def record_windows(native_bin, windows_bin, com_client, cases):
     cases = fresh(cases)
     prepare.prepare(Path(native_bin), Path(windows_bin))
-    closer = wine.start(Path(windows_bin) / "box_closer.exe")
+    closer = wine.start(Path(windows_bin).parent / "tests/windows/box_closer.exe")
     try:
         with tempfile.TemporaryDirectory() as scratch:
             left = record(recordings.WindowsMachine(native_bin, windows_bin, scratch), native_bin, scratch, cases)

@@ -186,7 +186,7 @@ class WindowsMachine:
         return wine.drive_c() / wine.APPLICATION
 
     def unruly(self, program, how):
-        shutil.copy(self.bin / "unruly_workflow.exe", program)
+        shutil.copy(self.bin.parent / "tests/windows/unruly_workflow.exe", program)
         program.with_name("UNRULY.txt").write_text(how)
 
     def send(self, session, cases):

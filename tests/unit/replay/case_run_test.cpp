@@ -133,7 +133,7 @@ TEST_F(CaseRunTest, ReproducesWhatWasRecorded) {
     const RunResult result = Run(recorded);
     EXPECT_EQ(Told(result), "");
     EXPECT_GT(result.steps, 0u);
-    EXPECT_EQ(result.outcome, recorded.facts["outcome"]);
+    EXPECT_EQ(result.outcome, recorded.facts["outcome"].get<std::string>());
   }
 }
 
@@ -165,7 +165,7 @@ TEST_F(CaseRunTest, TellsAnotherRequestWithItsStep) {
   ASSERT_EQ(result.differences.size(), 1u) << Told(result);
   EXPECT_EQ(result.differences[0].step, line["n"]);
   EXPECT_EQ(result.differences[0].what, "router");
-  EXPECT_EQ(result.differences[0].expected, line["request"]);
+  EXPECT_EQ(result.differences[0].expected, line["request"].get<std::string>());
   EXPECT_THAT(result.differences[0].actual, HasSubstr("Clinic"));
 }
 
@@ -217,7 +217,7 @@ TEST_F(CaseRunTest, TellsAFileThatTheCallLeftInAnotherWay) {
   std::ranges::find(recorded.files, std::string(left["stored"]), &recording::KeptFile::name)->bytes += "x";
   const RunResult result = Run(recorded);
   ASSERT_EQ(result.differences.size(), 1u) << Told(result);
-  EXPECT_EQ(result.differences[0].what, left["path"]);
+  EXPECT_EQ(result.differences[0].what, left["path"].get<std::string>());
   EXPECT_THAT(result.differences[0].expected, testing::EndsWith("x"));
 }
 

@@ -283,13 +283,17 @@ void CaseWriter::Finish(const Json& facts) noexcept {
     }
     files_.reset();
     system_.Rename(Path(kFiles), folder_ + "/" + name_ + std::string(kSuffix));
-    journalFile_.reset();
-    system_.RemoveFolder(part_);
   });
   if (failure) {
     Missing("the archive", *failure);
     FailureOf([&] { WriteMember(kFacts, TextOf(WithMissing(facts))); });
+    return;
   }
+  // The case is whole; what is left of its folder goes with the old cases when it cannot go now.
+  FailureOf([&] {
+    journalFile_.reset();
+    system_.RemoveFolder(part_);
+  });
 }
 
 // What is lost until now the facts tell; without them it would be no case.

@@ -203,7 +203,25 @@ void NativeSystem::Rename(std::string_view from, std::string_view to) {
 
 void NativeSystem::Remove(std::string_view path) { SystemFiles().Remove(path); }
 
-void NativeSystem::RemoveFolder(std::string_view path) { SystemFiles().RemoveFolder(path); }
+// A file that was removed while another host looks whether it is in use goes when that look is over, and its folder
+// cannot go before.
+void NativeSystem::RemoveFolder(std::string_view path) {
+  constexpr int kMostTries = 20;
+  constexpr DWORD kPause = 5;
+  for (int tries = 1;; ++tries) {
+    try {
+      return SystemFiles().RemoveFolder(path);
+    } catch (const AutomationError&) {
+      if (!IsFolder(path)) {
+        return;  // another host was quicker
+      }
+      if (tries == kMostTries) {
+        throw;
+      }
+    }
+    Sleep(kPause);
+  }
+}
 
 std::vector<HostSystem::Entry> NativeSystem::List(std::string_view folder) {
   std::vector<Entry> entries;

@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <charconv>
 #include <chrono>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -17,13 +17,10 @@
 
 #include "adapters/posix/host_file.h"
 #include "seams/automation_error.h"
+#include "seams/lock_holder.h"
 
 namespace parvex::posix {
 namespace {
-
-constexpr std::size_t kMostOfHolder = 1024;
-constexpr char kWithUser = 'u';
-constexpr char kAlone = 'a';
 
 class Descriptor {
  public:
@@ -74,29 +71,21 @@ bool IsStill(const std::filesystem::path& path, int descriptor) {
          open.st_ino == named.st_ino;
 }
 
-// "u 4711 /path/of/the/program"
 void WriteHolder(int descriptor, bool waitsForUser) {
   std::error_code ignored;
-  const std::string text = std::string(1, waitsForUser ? kWithUser : kAlone) + " " + std::to_string(getpid()) + " " +
-                           std::filesystem::read_symlink("/proc/self/exe", ignored).string();
+  const std::string text =
+      TextOfHolder({static_cast<std::uint32_t>(getpid()),
+                    std::filesystem::read_symlink("/proc/self/exe", ignored).string(), waitsForUser});
   // Who cannot read it waits as for any other.
   [[maybe_unused]] const bool isShorter = ftruncate(descriptor, 0) == 0;
   [[maybe_unused]] const ssize_t written = pwrite(descriptor, text.data(), text.size(), 0);
 }
 
-void ReadHolder(int descriptor, MachineLocks::Holder& holder) {
+MachineLocks::Holder ReadHolder(int descriptor) {
   std::string text(kMostOfHolder, '\0');
   const ssize_t got = pread(descriptor, text.data(), text.size(), 0);
   text.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
-  holder = {};
-  if (text.size() < 2) {
-    return;
-  }
-  holder.waitsForUser = text[0] == kWithUser;
-  const auto [end, failed] = std::from_chars(text.data() + 2, text.data() + text.size(), holder.processId);
-  if (failed == std::errc{} && end != text.data() + text.size()) {
-    holder.program = end + 1;
-  }
+  return HolderIn(text);
 }
 
 class FileLock : public MachineLocks::Lock {
@@ -136,7 +125,7 @@ std::unique_ptr<MachineLocks::Lock> FolderLocks::TryTake(std::string_view folder
     }
     switch (TryLock(file.Get())) {
       case Taken::No:
-        ReadHolder(file.Get(), holder);
+        holder = ReadHolder(file.Get());
         return nullptr;
       case Taken::Unsupported:
         lock->Hold(std::move(file));

@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -13,13 +12,10 @@
 #include "adapters/windows/this_program.h"
 #include "adapters/windows/wide_text.h"
 #include "seams/automation_error.h"
+#include "seams/lock_holder.h"
 
 namespace parvex::windows {
 namespace {
-
-constexpr std::size_t kMostOfHolder = 1024;
-constexpr char kWithUser = 'u';
-constexpr char kAlone = 'a';
 
 class Handle {
  public:
@@ -83,13 +79,12 @@ Handle MakeMutex(const std::wstring& name) {
   return GetLastError() == ERROR_SUCCESS ? std::move(made) : Handle();
 }
 
-// "u 4711 C:\path\of\the\program.exe"
 Handle WriteHolder(const std::wstring& path, bool waitsForUser) {
   Handle file(CreateFileW(path.c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
                           CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
   if (file) {
-    const std::string text = std::string(1, waitsForUser ? kWithUser : kAlone) + " " +
-                             std::to_string(GetCurrentProcessId()) + " " + Narrow(ProgramPath());
+    const std::string text =
+        TextOfHolder({static_cast<std::uint32_t>(GetCurrentProcessId()), Narrow(ProgramPath()), waitsForUser});
     DWORD written = 0;
     WriteFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
   }
@@ -97,21 +92,15 @@ Handle WriteHolder(const std::wstring& path, bool waitsForUser) {
 }
 
 MachineLocks::Holder ReadHolder(const std::wstring& path) {
-  MachineLocks::Holder holder;
   const Handle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                 nullptr, OPEN_EXISTING, 0, nullptr));
   std::string text(kMostOfHolder, '\0');
   DWORD got = 0;
-  if (!file || !ReadFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &got, nullptr) || got < 2) {
-    return holder;
+  if (!file || !ReadFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &got, nullptr)) {
+    got = 0;
   }
   text.resize(got);
-  holder.waitsForUser = text[0] == kWithUser;
-  const auto [end, failed] = std::from_chars(text.data() + 2, text.data() + text.size(), holder.processId);
-  if (failed == std::errc{} && end != text.data() + text.size()) {
-    holder.program = end + 1;
-  }
-  return holder;
+  return HolderIn(text);
 }
 
 // The file goes before the mutex, so that nobody is told of a holder who has let go.

@@ -19,6 +19,7 @@ class FakeSystem : public posix::NativeSystem {
   std::uint64_t room = UINT64_MAX;       ///< bytes that may still be written
   std::uint64_t stepsLeft = UINT64_MAX;  ///< steps before every further one fails
   std::uint64_t steps = 0;               ///< so far
+  bool keepsFolders = false;             ///< no folder can be removed
 
   std::optional<std::string> Variable(std::string_view name) override {
     return name == "PARVEX_RECORD" ? variable : std::nullopt;
@@ -37,7 +38,13 @@ class FakeSystem : public posix::NativeSystem {
     NativeSystem::WriteAll(path, bytes);
   }
   void Rename(std::string_view from, std::string_view to) override { Step(), NativeSystem::Rename(from, to); }
-  void RemoveFolder(std::string_view path) override { Step(), NativeSystem::RemoveFolder(path); }
+  void RemoveFolder(std::string_view path) override {
+    Step();
+    if (keepsFolders) {
+      throw MakeRuntimeError(RuntimeError::PathFileAccess, "somebody looks at a file in it");
+    }
+    NativeSystem::RemoveFolder(path);
+  }
 
  private:
   class LimitedFile : public File {

@@ -313,6 +313,21 @@ TEST_F(RecorderTest, SaysWhatAFullDiskMadeItLeaveOut) {
   EXPECT_THAT(read.facts["missing"].dump(), HasSubstr("the disk is full"));
 }
 
+TEST_F(RecorderTest, AWholeCaseLacksNothingThoughItsFolderCannotGo) {
+  system.keepsFolders = true;
+  Export();
+  std::size_t whole = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(Folder())) {
+    if (entry.is_regular_file()) {
+      EXPECT_EQ(ReadCase(system, entry.path().string()).facts["missing"], Json::array());
+      ++whole;
+    } else {
+      EXPECT_THAT(test::ReadHostFile(entry.path() / std::string(kFacts)), testing::Not(HasSubstr("somebody looks")));
+    }
+  }
+  EXPECT_EQ(whole, 1u);
+}
+
 TEST_F(RecorderTest, LeavesOutAFileThatIsTooLarge) {
   machine.machine.GetOwnSettings().Write(RegistryHive::CurrentUser, kKey, kMegabytesValue, "1");
   machine.Write("C:\\Korvane\\TQ5-VX\\Blobs\\tag1.blb", std::string(1'100'000, 'b'));

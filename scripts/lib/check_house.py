@@ -6,10 +6,10 @@
 Arrows point down: compares every include of src/, legacy_standin/, bench/ and fuzz/ with the uses that the build declares
 for the folder of the file (USES is uses.tsv of the build tree, cmake/modules.cmake). Rooms stay small enough to be looked
 over: no source is longer than 450 lines, those of tests included, and no folder holds more than a quarter of all lines of
-src/ and legacy_standin/.
+src/ and legacy_standin/. What people read is printed in few places, where nothing from outside can control a terminal.
 
 Prints "file:line: what is wrong" for each include that is not declared, each source that belongs to nothing that is
-declared, each folder that names what is declared after it, and whatever has grown too large. Ends with 1 when there was
+declared, each folder that names what is declared after it, each place that prints by itself, and whatever has grown too large. Ends with 1 when there was
 any.
 """
 import collections
@@ -38,6 +38,11 @@ SYSTEM_HEADERS = {
     "posix": re.compile(r"(sys/|linux/|(unistd|dirent|spawn|dlfcn|pthread|langinfo|poll|termios|pwd)\.h$)"),
 }
 PLATFORM_NAMES = {"windows": ("_windows", "_msxml"), "posix": ("_posix", "_libxml2")}
+# Who writes to the standard streams. Everybody else hands his text to one of these, which take out of it what would
+# control a terminal.
+PRINTERS = ("src/cli/terminal/standard_streams.cpp", "src/cli/terminal/progress.cpp", "src/cli/host/written_boxes.cpp",
+            "legacy_standin/workflow/program/main.cpp")
+PRINTS = re.compile(r"std::(cout|cerr|clog)\b|\b(f?printf|f?puts|fputc|putchar|perror|vf?printf)\s*\(|\bfwrite\s*\(")
 
 
 class Declared:
@@ -117,6 +122,13 @@ def sources_of(top, folders):
                 yield file.relative_to(top).as_posix(), file.read_text(encoding="utf-8").splitlines()
 
 
+def printing(top):
+    """Who prints by himself, and may not."""
+    return [f"{path}:{number}: prints by itself, which only {len(PRINTERS)} sources may"
+            for path, lines in sources_of(top, ROOMS) if path not in PRINTERS
+            for number, line in enumerate(lines, 1) if PRINTS.search(line)]
+
+
 def sizes(top):
     """What has grown too large."""
     problems = []
@@ -152,7 +164,7 @@ def check(top, uses_text):
 def main():
     top, uses = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
     count, problems = check(top, uses.read_text(encoding="utf-8"))
-    problems += sizes(top)
+    problems += sizes(top) + printing(top)
     for problem in problems:
         print(problem)
     print(f"{count} sources, {len(problems)} of them or of their includes not as planned")

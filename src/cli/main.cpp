@@ -1,4 +1,3 @@
-#include <cstdio>
 #include <exception>
 #include <memory>
 #include <sstream>
@@ -23,9 +22,13 @@ ExitStatus Run(std::vector<std::string> arguments) {
     std::ostringstream out;
     std::ostringstream err;
     const bool isAnswer = line.App().exit(end, out, err) == 0;  // --help, --version
-    WriteOutput(out.str());
-    std::fputs(err.str().c_str(), stderr);
-    return isAnswer ? kReply : kWrongUsage;
+    if (!isAnswer) {
+      TellLine(err.str());
+      TellLine("Run with --help for more information.");
+      return kWrongUsage;
+    }
+    WriteText(out.str());
+    return kReply;
   }
   return line.CarryOut();
 }
@@ -40,13 +43,13 @@ int main(int argc, char** argv) {
     const std::shared_ptr<void> platform = EnterPlatform();
     return Run(ProgramArguments(argc, argv));
   } catch (const UsageError& error) {
-    std::fprintf(stderr, "parvex: %s\n", error.what());
+    TellError(error.what());
     return kWrongUsage;
   } catch (const parvex::AutomationError& error) {
     ReportError("", error);
     return kFailedCall;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "parvex: %s\n", error.what());
+    TellError(error.what());
     return kFailedCall;
   }
 }

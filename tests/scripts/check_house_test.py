@@ -93,6 +93,14 @@ class Uses(unittest.TestCase):
         self.write("src/low/a.cpp", *["//"] * 101)
         self.assertEqual(check_house.sizes(self.top), ["src/low: holds 101 of 401 lines, more than a quarter"])
 
+    def test_only_the_printers_write_to_the_standard_streams(self):
+        self.write("src/low/low.cpp", 'std::snprintf(text, 8, "x");', 'std::cerr << "x";', 'std::fprintf(stderr, "x");',
+                   'std::fputs("x", stdout);')
+        (self.top / "src/cli/terminal").mkdir(parents=True)
+        (self.top / check_house.PRINTERS[0]).write_text('std::fputs("x", stdout);\n', encoding="utf-8")
+        told = check_house.printing(self.top)
+        self.assertEqual([one.split(" ")[0] for one in told], [f"src/low/low.cpp:{number}:" for number in (2, 3, 4)])
+
     def test_a_folder_that_is_not_declared_is_a_problem(self):
         self.write("src/forgotten/a.cpp")
         self.assertEqual(self.problems(), ["src/forgotten/a.cpp:1: belongs to no folder that the build declares"])

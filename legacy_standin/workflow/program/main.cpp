@@ -4,24 +4,29 @@
 #include <cstdio>
 #include <exception>
 #include <optional>
+#include <string>
 
+#include "formats/text/terminal_text.h"
 #include "legacy_standin/workflow/program/place.h"
 #include "seams/automation_error.h"
 
 namespace {
+
+// What is told may hold names from files: nothing in them controls a terminal.
+void Tell(const std::string& message) { std::fprintf(stderr, "kdwfm470: %s\n", parvex::TerminalLine(message).c_str()); }
 
 int Run(const std::vector<std::string>& arguments) {
   std::optional<parvex::standin::WorkflowPlace> place;
   try {
     place.emplace();
   } catch (const parvex::AutomationError& error) {
-    std::fprintf(stderr, "kdwfm470: %s\n", error.what());
+    Tell(error.what());
     return parvex::standin::kWorkflowWrongUsage;
   }
   const parvex::standin::WorkflowResult result =
       parvex::standin::RunWorkflow(place->Machine(), place->Root(), arguments, place->Settings().workflow);
   if (!result.message.empty()) {
-    std::fprintf(stderr, "kdwfm470: %s\n", result.message.c_str());
+    Tell(result.message);
   }
   return result.exitCode;
 }
@@ -32,7 +37,7 @@ int main(int argc, char** argv) {
   try {
     return Run(parvex::standin::WorkflowArguments(argc, argv));
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "kdwfm470: %s\n", error.what());
+    Tell(error.what());
     return parvex::standin::kWorkflowNoOutput;
   }
 }

@@ -31,6 +31,7 @@ CommandLine::CommandLine()
   app_.require_subcommand(1);
   app_.fallthrough();
   app_.allow_windows_style_options(false);  // the same command line on every platform
+  app_.failure_message([](const CLI::App*, const CLI::Error& error) { return std::string(error.what()); });
   app_.footer(kExitStatusText);
   app_.add_option("--machine", session_.machine, "The folder that stands for the machine")
       ->type_name("DIR")
@@ -212,7 +213,7 @@ void CommandLine::AddMachines() {
 void CommandLine::AddReferences() {
   const auto add = [this](const std::string& name, const std::string& description, std::function<std::string()> text) {
     Add(app_, name, description, [text = std::move(text)] {
-      WriteOutput(text());
+      WriteDocument(text());
       return kReply;
     });
   };

@@ -7,9 +7,9 @@ namespace parvex::cli {
 
 void EncodeToOutput(const std::string& fileName) {
   const std::string text = EncodeBase64(ReadInput(fileName));
-  WriteOutput(text.empty() ? text : text + "\n");
+  WriteDocument(text.empty() ? text : text + "\n");
 }
 
-void DecodeToOutput(const std::string& fileName) { WriteOutput(DecodeBase64(ReadInput(fileName))); }
+void DecodeToOutput(const std::string& fileName) { WriteDocument(DecodeBase64(ReadInput(fileName))); }
 
 }  // namespace parvex::cli

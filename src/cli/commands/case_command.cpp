@@ -55,7 +55,7 @@ ExitStatus ListCases(const std::string& folder) {
     } catch (const AutomationError& error) {
       line += Printable(error.Description());
     }
-    WriteOutput(line + "\n");
+    WriteText(line + "\n");
   }
   return kReply;
 }
@@ -66,12 +66,12 @@ ExitStatus ShowCase(const ShowCaseOptions& options) {
     OutputFile(options.html).Write(CasePage(read, options.file));
     return kReply;
   }
-  WriteOutput(options.json ? JsonOfCase(read) : TextOfCase(read));
+  WriteText(options.json ? EscapedJson(JsonOfCase(read)) : TextOfCase(read));
   return kReply;
 }
 
 ExitStatus ListCaseFiles(const std::string& file) {
-  WriteOutput(FilesOfCase(Read(file)));
+  WriteText(FilesOfCase(Read(file)));
   return kReply;
 }
 

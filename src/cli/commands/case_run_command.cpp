@@ -109,10 +109,10 @@ ExitStatus RunFolder(HostSystem& system, const RunCaseOptions& options) {
     } catch (const UsageError& error) {
       line = std::string("not reproduced: ") + Printable(error.what());
     }
-    WriteOutput(Printable(entry.name) + "  " + line + "\n");
+    WriteText(Printable(entry.name) + "  " + line + "\n");
   }
   const std::size_t others = entries.size() - reproduced;
-  WriteOutput(std::to_string(reproduced) + " reproduced, " + std::to_string(others) + " not\n");
+  WriteText(std::to_string(reproduced) + " reproduced, " + std::to_string(others) + " not\n");
   return others == 0 ? kReply : kFailedReply;
 }
 
@@ -131,7 +131,7 @@ ExitStatus RunCases(const RunCaseOptions& options) {
   try {
     const replay::RunResult result =
         Run(*system, recording::ReadCase(*system, options.file), options.keep, options.lenient);
-    WriteOutput(TextOfRun(result));
+    WriteText(TextOfRun(result));
     return result.IsReproduced() ? kReply : kFailedReply;
   } catch (const AutomationError& error) {
     throw UsageError(error.Description());

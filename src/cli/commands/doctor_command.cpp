@@ -5,6 +5,7 @@
 
 #include "cli/doctor/machine_checks.h"
 #include "cli/terminal/colours.h"
+#include "cli/terminal/printable.h"
 #include "cli/terminal/standard_streams.h"
 
 namespace parvex::cli {
@@ -52,7 +53,7 @@ std::string AsTable(const std::vector<Finding>& findings, bool takesColours) {
   std::string text;
   for (const Finding& finding : findings) {
     text += Coloured(Padded(NameOf(finding.state), kStateWidth), ColourOf(finding.state), takesColours);
-    text += Padded(finding.name, kNameWidth) + finding.detail + "\n";
+    text += Padded(finding.name, kNameWidth) + Printable(finding.detail) + "\n";
     if (!finding.hint.empty()) {
       text += std::string(kStateWidth, ' ') + Padded("", kNameWidth) + finding.hint + "\n";
     }
@@ -79,7 +80,7 @@ ExitStatus Doctor(const SessionOptions& sessionOptions, bool asJson) {
   Session session(sessionOptions);
   const std::vector<Finding> findings = ExamineMachine(session.Platform(), session.Settings(), Host::Facts());
   session.Close();
-  WriteOutput(asJson ? AsJson(findings) : AsTable(findings, TakesColours(stdout)));
+  WriteText(asJson ? EscapedJson(AsJson(findings)) : AsTable(findings, TakesColours(stdout)));
   return Count(findings, State::Failure) > 0 ? kFailedReply : kReply;
 }
 

@@ -1,6 +1,5 @@
 #include "cli/commands/export_command.h"
 
-#include <cstdio>
 #include <optional>
 #include <utility>
 
@@ -8,7 +7,6 @@
 #include "cli/session/kept_findings.h"
 #include "cli/session/replies.h"
 #include "cli/terminal/output_file.h"
-#include "cli/terminal/printable.h"
 #include "cli/terminal/progress.h"
 #include "cli/terminal/standard_streams.h"
 #include "interface/legacy_orla_pull.h"
@@ -89,13 +87,12 @@ ExitStatus Export(const SessionOptions& sessionOptions, const ExportOptions& opt
   const Answer answer = SendWatched(session, command);
   session.Close();
   if (const std::optional<std::string> failure = FailureIn(answer.reply)) {
-    std::fprintf(stderr, "parvex: the export of \"%s\" failed: %s\n", options.project.c_str(), failure->c_str());
+    TellError("the export of \"" + options.project + "\" failed: " + *failure);
     return kFailedReply;
   }
   if (!options.lenient && !answer.findings.empty()) {
     for (const std::string& finding : answer.findings) {
-      std::fprintf(stderr, "parvex: the export of \"%s\" is not what was asked for: %s\n", options.project.c_str(),
-                   Printable(finding).c_str());
+      TellError("the export of \"" + options.project + "\" is not what was asked for: " + finding);
     }
     return kFailedCall;
   }

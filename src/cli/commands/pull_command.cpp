@@ -22,7 +22,7 @@ using SendOne = bool (*)(LegacyORLAPull& pull, const std::string& bytes, CodePag
 bool SendDocument(LegacyORLAPull& pull, const std::string& bytes, CodePage&) {
   const xml::Document reply = pull.Pull(xml::Document::Load(bytes));
   if (reply) {
-    reply.WriteXml(WriteOutput);
+    reply.WriteXml(WriteDocument);
   }
   return IsFailedReply(reply);
 }
@@ -37,7 +37,7 @@ std::string DecodeText(std::string_view bytes, CodePage& codePage) {
 }
 
 bool SendText(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage) {
-  return pull.PullNGORLA(DecodeText(bytes, codePage), WriteOutput);
+  return pull.PullNGORLA(DecodeText(bytes, codePage), WriteDocument);
 }
 
 ExitStatus SendAll(Session& session, const std::vector<std::string>& names, const std::vector<std::string>& contents,

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "cli/host/host.h"
+#include "cli/terminal/printable.h"
 #include "cli/terminal/standard_streams.h"
 #include "recording/recording_settings.h"
 
@@ -17,7 +18,7 @@ std::string Status(Session& session, const std::string& asked) {
   if (!settings) {
     return "Recording is off.\n";
   }
-  return "Recording is on, into " + settings->folder + " (" + settings->place + ").\n" + "Up to " +
+  return "Recording is on, into " + Printable(settings->folder) + " (" + settings->place + ").\n" + "Up to " +
          std::to_string(settings->keep) + " cases and " + std::to_string(settings->megabytes) + " MB are kept" +
          (settings->onlyFailures ? ", of calls that failed only" : "") + ".\n";
 }
@@ -31,7 +32,7 @@ std::string Absolute(const std::string& folder) {
 ExitStatus Tell(Session& session, const SessionOptions& sessionOptions) {
   const std::string status = Status(session, sessionOptions.record);
   session.Close();
-  WriteOutput(status);
+  WriteText(status);
   return kReply;
 }
 

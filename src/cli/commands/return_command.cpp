@@ -1,11 +1,11 @@
 #include "cli/commands/return_command.h"
 
-#include <cstdio>
 #include <vector>
 
 #include "cli/quote/quote_file.h"
 #include "cli/session/consumer.h"
 #include "cli/session/replies.h"
+#include "cli/terminal/standard_streams.h"
 #include "interface/legacy_orla_pull.h"
 #include "seams/xml.h"
 
@@ -52,7 +52,7 @@ ExitStatus Return(const SessionOptions& sessionOptions, const ReturnOptions& opt
   }();
   session.Close();
   if (const std::optional<std::string> failure = FailureIn(reply)) {
-    std::fprintf(stderr, "parvex: the tag of %s was not brought back: %s\n", options.file.c_str(), failure->c_str());
+    TellError("the tag of " + options.file + " was not brought back: " + *failure);
     return kFailedReply;
   }
   return kReply;

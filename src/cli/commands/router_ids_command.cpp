@@ -25,7 +25,7 @@ RouterIds ReadFrom(const std::string& file) {
 ExitStatus TellRouterIds(const SessionOptions& sessionOptions, const RouterIdsOptions& options) {
   const RouterIds ids = ReadFrom(options.file);
   if (!options.save) {
-    WriteOutput(AsLines(ids));
+    WriteText(AsLines(ids));
     return kReply;
   }
   Session session(sessionOptions);
@@ -38,7 +38,7 @@ ExitStatus TellRouterIds(const SessionOptions& sessionOptions, const RouterIdsOp
   if (!told.starts_with("saved in " + inForce)) {
     told += "The current user has others, which stay in force for him: " + inForce + "\n";
   }
-  WriteOutput(told);
+  WriteText(told);
   return kReply;
 }
 

@@ -9,8 +9,20 @@
 #include "cli/quote/quote_text.h"
 #include "cli/terminal/colours.h"
 #include "cli/terminal/output_file.h"
+#include "cli/terminal/standard_streams.h"
 
 namespace parvex::cli {
+namespace {
+
+void Write(const ShowOptions& options, const std::string& shown) {
+  if (options.html.empty()) {
+    WriteText(shown);
+  } else {
+    OutputFile(options.html).Write(shown);
+  }
+}
+
+}  // namespace
 
 ExitStatus Show(const ShowOptions& options) {
   const std::string& lastName = options.files.back();
@@ -18,14 +30,14 @@ ExitStatus Show(const ShowOptions& options) {
   const bool isPage = !options.html.empty();
   if (options.files.size() == 1) {
     const std::string shown = isPage ? QuotePage(last, lastName) : QuoteAsText(last, TakesColours(stdout));
-    OutputFile(isPage ? options.html : "-").Write(shown);
+    Write(options, shown);
     return kReply;
   }
   const std::string& firstName = options.files.front();
   const std::vector<Difference> differences = Compare(ReadQuote(ReadQuoteDocument(firstName)), last);
   const std::string shown = isPage ? ComparisonPage(last, differences, firstName, lastName)
                                    : DifferencesAsText(differences, TakesColours(stdout));
-  OutputFile(isPage ? options.html : "-").Write(shown);
+  Write(options, shown);
   return differences.empty() ? kReply : kFailedReply;
 }
 

@@ -3,11 +3,13 @@
 #include <iostream>
 #include <string>
 
+#include "formats/text/terminal_text.h"
+
 namespace parvex {
 
 void WrittenBoxes::Show(std::string_view text, std::string_view caption, Icon icon) {
-  std::string block = "--- " + std::string(caption) + (icon == Icon::Stop ? " (stop)" : "") + " ---\n";
-  block.append(text).append("\n---\n");
+  std::string block = "--- " + TerminalLine(caption) + (icon == Icon::Stop ? " (stop)" : "") + " ---\n";
+  block.append(TerminalText(text)).append("\n---\n");
   std::cerr << block << std::flush;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "cli/terminal/standard_streams.h"
 #include "protocol/reply_envelope.h"
 #include "seams/xml.h"
 
@@ -20,8 +21,10 @@ std::optional<std::string> FailureIn(const std::string& reply) {
 }
 
 void ReportError(const std::string& subject, const AutomationError& error) {
-  std::fprintf(stderr, "parvex: %s%sautomation error 0x%08X, %s: %s\n", subject.c_str(), subject.empty() ? "" : ": ",
-               static_cast<unsigned>(error.Number()), error.Source().c_str(), error.Description().c_str());
+  char number[16];
+  std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(error.Number()));
+  TellError(subject + (subject.empty() ? "" : ": ") + "automation error " + number + ", " + error.Source() + ": " +
+            error.Description());
 }
 
 }  // namespace parvex::cli

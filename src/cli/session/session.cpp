@@ -1,7 +1,6 @@
 #include "cli/session/session.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <string_view>
@@ -66,9 +65,9 @@ void Session::TellUnusedLines() const {
   constexpr std::size_t kLongestRequest = 200;
   const std::string request = unused->request.value_or("any request");
   const std::string_view shown = FirstUnits(request, kLongestRequest);
-  std::fprintf(stderr, "parvex: nobody asked for %s of %s. The first is line %zu: %s%s\n",
-               Counted(unused->count, "router line").c_str(), replayName_.c_str(), unused->lineNumber,
-               Printable(shown).c_str(), shown.size() < request.size() ? "..." : "");
+  TellError("nobody asked for " + Counted(unused->count, "router line") + " of " + replayName_ +
+            ". The first is line " + std::to_string(unused->lineNumber) + ": " + std::string(shown) +
+            (shown.size() < request.size() ? "..." : ""));
 }
 
 }  // namespace parvex::cli

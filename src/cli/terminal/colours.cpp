@@ -28,6 +28,10 @@ std::string_view CodeOf(Colour colour) {
   return "0";
 }
 
+constexpr std::string_view kEnd = "\x1b[0m";
+
+std::string BeginOf(Colour colour) { return "\x1b[" + std::string(CodeOf(colour)) + "m"; }
+
 }  // namespace
 
 bool TakesColours(std::FILE* stream) {
@@ -38,7 +42,19 @@ std::string Coloured(std::string_view text, Colour colour, bool takesColours) {
   if (!takesColours) {
     return std::string(text);
   }
-  return "\x1b[" + std::string(CodeOf(colour)) + "m" + std::string(text) + "\x1b[0m";
+  return BeginOf(colour).append(text).append(kEnd);
+}
+
+std::size_t LengthOfColour(std::string_view text) {
+  if (text.starts_with(kEnd)) {
+    return kEnd.size();
+  }
+  for (const Colour colour : {Colour::Red, Colour::Green, Colour::Yellow, Colour::Bold, Colour::Dim}) {
+    if (const std::string begin = BeginOf(colour); text.starts_with(begin)) {
+      return begin.size();
+    }
+  }
+  return 0;
 }
 
 }  // namespace parvex::cli

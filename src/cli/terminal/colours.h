@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -14,5 +15,8 @@ bool TakesColours(std::FILE* stream);
 
 /// The text with escape sequences around it, or as it stands.
 std::string Coloured(std::string_view text, Colour colour, bool takesColours);
+
+/// How many bytes at the beginning of the text are one of the sequences that Coloured writes; 0 for everything else.
+std::size_t LengthOfColour(std::string_view text);
 
 }  // namespace parvex::cli

@@ -54,7 +54,7 @@ OutputFile::~OutputFile() {
 
 void OutputFile::Write(std::string_view bytes) {
   if (target_.empty()) {
-    WriteOutput(bytes);
+    WriteDocument(bytes);
     return;
   }
   stream_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));

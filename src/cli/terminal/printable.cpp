@@ -1,27 +1,29 @@
 #include "cli/terminal/printable.h"
 
+#include <cstdio>
+
+#include "formats/text/terminal_text.h"
 #include "formats/text/unicode.h"
 
 namespace parvex::cli {
-namespace {
 
-bool IsControl(char32_t character) {
-  return character < 0x20 || (character >= 0x7F && character < 0xA0) || (character >= 0x2028 && character <= 0x202E) ||
-         (character >= 0x2066 && character <= 0x2069) || character == 0x200E || character == 0x200F;
-}
+std::string Printable(std::string_view text) { return TerminalLine(text); }
 
-}  // namespace
-
-std::string Printable(std::string_view text) {
-  std::u16string units = ToUtf16(text);
-  for (char16_t& unit : units) {
-    if (unit == u'\t' || unit == u'\n' || unit == u'\r') {
-      unit = u' ';
-    } else if (IsControl(unit)) {
-      unit = u'\uFFFD';
+std::string EscapedJson(std::string_view json) {
+  std::string escaped;
+  escaped.reserve(json.size());
+  for (std::size_t pos = 0; pos < json.size();) {
+    const std::size_t begin = pos;
+    const char32_t code = NextCodePoint(json, pos);
+    if (code >= 0x20 && ControlsTerminal(code)) {  // below stand only the line feeds between members
+      char text[16];
+      std::snprintf(text, sizeof text, "\\u%04X", static_cast<unsigned>(code));
+      escaped += text;
+    } else {
+      escaped += json.substr(begin, pos - begin);
     }
   }
-  return FromUtf16(units);
+  return escaped;
 }
 
 std::string Counted(std::size_t count, const std::string& noun) {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "cli/host/host.h"
+#include "cli/terminal/printable.h"
 #include "formats/text/text.h"
 
 namespace parvex::cli {
@@ -69,7 +70,8 @@ ProgressLine::ProgressLine() : isShown_(IsTerminal(stderr)) {}
 
 ProgressLine::~ProgressLine() { Clear(); }
 
-void ProgressLine::Show(const std::string& text) {
+void ProgressLine::Show(const std::string& about) {
+  const std::string text = Printable(about);
   if (!isShown_ || text == text_) {
     return;
   }

@@ -54,6 +54,11 @@ TEST(PrintableTextOfBytes, IsValidUtf8) {
   EXPECT_EQ(Printable("\xE2\x82").find('\xE2'), std::string::npos) << "cut off";
 }
 
+TEST(JsonForTerminals, IsTheSameDocument) {
+  EXPECT_EQ(EscapedJson("{\n \"a\": \"x\xC2\x9B\x7F\xE2\x80\xAE\xE2\x82\xAC\"\n}\n"),
+            "{\n \"a\": \"x\\u009B\\u007F\\u202E\xE2\x82\xAC\"\n}\n");
+}
+
 TEST(Counting, HasOneSingular) {
   EXPECT_EQ(Counted(0, "tag"), "0 tags");
   EXPECT_EQ(Counted(1, "tag"), "1 tag");

@@ -2,18 +2,22 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <libxml/xmlmemory.h>
 #include <limits.h>
 #include <signal.h>
 #include <stdarg.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <zlib.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <string>
 #include <string_view>
 
-// The calls themselves are replaced by the linker (--wrap), operator new by its definition here.
+// The calls themselves are replaced by the linker (--wrap), operator new by its definition here. libxml2 and zlib are
+// told to allocate by our functions.
 
 namespace parvex::test {
 namespace {
@@ -85,6 +89,24 @@ auto Intercept(Place place, Call call) -> decltype(call()) {
   return result;
 }
 
+// What the C libraries allocate by: null is their failure.
+
+void* Allocate(std::size_t size) { return FailsToAllocate(size) ? nullptr : std::malloc(size); }
+
+void* Reallocate(void* block, std::size_t size) { return FailsToAllocate(size) ? nullptr : std::realloc(block, size); }
+
+char* Duplicate(const char* text) {
+  const std::size_t size = std::strlen(text) + 1;
+  void* copy = Allocate(size);
+  return copy == nullptr ? nullptr : static_cast<char*>(std::memcpy(copy, text, size));
+}
+
+void* AllocateForZlib(void*, unsigned count, unsigned size) { return Allocate(std::size_t{count} * size); }
+void FreeForZlib(void*, void* block) { std::free(block); }
+
+// Before the first use of libxml2, since it keeps what it has allocated.
+const bool isLibxml2Told = xmlMemSetup(std::free, Allocate, Reallocate, Duplicate) == 0;
+
 // How much the call that is being carried out writes.
 std::size_t Shortened(std::size_t size) { return state.writesLess && size > 1 ? 1 : size; }
 
@@ -118,8 +140,10 @@ std::size_t WithCallFault(CallFault fault, const std::function<void()>& work, co
 
 }  // namespace parvex::test
 
+using parvex::test::AllocateForZlib;
 using parvex::test::CallFault;
 using parvex::test::FailsToAllocate;
+using parvex::test::FreeForZlib;
 using parvex::test::Intercept;
 using parvex::test::Shortened;
 using parvex::test::state;
@@ -136,6 +160,23 @@ int __real_renameat2(int oldFolder, const char* oldPath, int newFolder, const ch
 int __real_link(const char* from, const char* to);
 int __real_unlink(const char* path);
 int __real_mkdir(const char* path, mode_t mode);
+
+int __real_inflateInit2_(z_stream* stream, int bits, const char* version, int size);
+int __real_deflateInit2_(z_stream* stream, int level, int method, int bits, int memory, int strategy,
+                         const char* version, int size);
+
+int __wrap_inflateInit2_(z_stream* stream, int bits, const char* version, int size) {
+  stream->zalloc = AllocateForZlib;
+  stream->zfree = FreeForZlib;
+  return __real_inflateInit2_(stream, bits, version, size);
+}
+
+int __wrap_deflateInit2_(z_stream* stream, int level, int method, int bits, int memory, int strategy,
+                         const char* version, int size) {
+  stream->zalloc = AllocateForZlib;
+  stream->zfree = FreeForZlib;
+  return __real_deflateInit2_(stream, level, method, bits, memory, strategy, version, size);
+}
 
 int __wrap_open(const char* path, int flags, ...) {
   va_list arguments;

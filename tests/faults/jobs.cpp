@@ -27,8 +27,9 @@ std::string ProgramFile(const std::string& name) { return FakeMachine::kBinPath 
 
 void Answer(FakeMachine& machine, const std::string& text) { machine.routers.answers.push_back({true, text}); }
 
-void Pull(FakeMachine& machine, const std::string& name, const std::string& parameters) {
-  LegacyORLAPull(machine.platform).Pull(Command(name, parameters));
+std::string Pull(FakeMachine& machine, const std::string& name, const std::string& parameters) {
+  const xml::Document reply = LegacyORLAPull(machine.platform).Pull(Command(name, parameters));
+  return reply ? reply.Xml() : "";
 }
 
 void PullNgorla(FakeMachine& machine, const std::string& command) {
@@ -65,10 +66,10 @@ void PrepareProject(FakeMachine& machine) {
   Answer(machine, "<PROJECT><NAME>Tower</NAME><FOLDER>" + std::string(kFolder) + "</FOLDER></PROJECT>");
 }
 
-void ChangeProject(FakeMachine& machine) {
-  Pull(machine, "setProjectProperties",
-       Parameter("projectName", "Tower") + Parameter("CompanyName", "new") + Parameter("EmailID", "e@example") +
-           Parameter("ContactNumber", "1"));
+std::string ChangeProject(FakeMachine& machine) {
+  return Pull(machine, "setProjectProperties",
+              Parameter("projectName", "Tower") + Parameter("CompanyName", "new") + Parameter("EmailID", "e@example") +
+                  Parameter("ContactNumber", "1"));
 }
 
 void PrepareTags(FakeMachine& machine) {
@@ -77,10 +78,10 @@ void PrepareTags(FakeMachine& machine) {
   Answer(machine, "");
 }
 
-void RenameTagOf(FakeMachine& machine) {
-  Pull(machine, "renameTag",
-       Parameter("projectName", "P") + Parameter("pdsg", "G") + Parameter("tagName", "Old") +
-           Parameter("newTagName", "New"));
+std::string RenameTagOf(FakeMachine& machine) {
+  return Pull(machine, "renameTag",
+              Parameter("projectName", "P") + Parameter("pdsg", "G") + Parameter("tagName", "Old") +
+                  Parameter("newTagName", "New"));
 }
 
 void PrepareReturn(FakeMachine& machine) {
@@ -96,7 +97,7 @@ void ReturnTag(FakeMachine& machine) {
 }
 
 // Trees that are moved between documents, and texts that are refused.
-void ChangeMarkup(FakeMachine&) {
+std::string ChangeMarkup(FakeMachine&) {
   using xml::Document;
   const Document from =
       Document::Parse("<a xmlns:p='urn:a-name-that-is-long-enough'><p:b p:c='1'>x</p:b><![CDATA[y]]></a>");
@@ -104,11 +105,13 @@ void ChangeMarkup(FakeMachine&) {
   to.Append(from.Root().FirstChild());
   to.Root().FirstChild().Append(from.Root().Clone());
   to.Append(to.CreateElement("new")).SetText("a text that is longer than a short one");
-  to.Bytes();
+  std::string told = to.Bytes() + Document::Parse("<!DOCTYPE a [<!ENTITY e 'x'>]><a b='1'>&e;</a>").Xml();
+  told += to.First("//new[string-length(.) > 1]").Text();
   for (const char* malformed : {"<a", "<a>&an-entity-that-nobody-has-declared;</a>", "<p:a/>", "x",
                                 "<!DOCTYPE a [<!ENTITY % p 'x'>%p;]><a/>", "<a b='1' b='2'/>"}) {
-    Document::Parse(malformed).ParseError();
+    told += Document::Parse(malformed).ParseError();
   }
+  return told;
 }
 
 void Nothing(FakeMachine&) {}
@@ -169,17 +172,15 @@ const std::vector<Job>& WritingJobs() {
   return jobs;
 }
 
-const std::vector<Job>& AllocatingJobs() {
-  static const std::vector<Job> jobs = {
-      {"Export", PrepareExport, Export},
+const std::vector<AnsweringJob>& AllocatingJobs() {
+  static const std::vector<AnsweringJob> jobs = {
+      {"Export", PrepareExport, [](FakeMachine& machine) { return ExportedText(machine, nullptr); }},
       {"ProjectProperties", PrepareProject, ChangeProject},
       {"TagRenaming", PrepareTags, RenameTagOf},
       {"Markup", Nothing, ChangeMarkup},
   };
   return jobs;
 }
-
-JobMachine::JobMachine(const Job& job) { job.prepare(*this); }
 
 AllowedFiles::Contents AllowedFiles::ContentsOf(const FakeMachine& machine) {
   Contents contents;

@@ -20,18 +20,28 @@ struct Job {
 
 /// The ways on which files are written: an export, a return, changes of a project and of options, single files.
 const std::vector<Job>& WritingJobs();
+
+/// A piece of work that gives something back.
+struct AnsweringJob {
+  const char* name;
+  std::function<void(FakeMachine&)> prepare;
+  std::function<std::string(FakeMachine&)> run;
+};
+
 /// Jobs of which every allocation is made to fail: an export, a change of a project, an edit of a tag, and documents.
-const std::vector<Job>& AllocatingJobs();
+const std::vector<AnsweringJob>& AllocatingJobs();
 
 /// The export of the jobs, recorded where a recorder is given: its reply. As the first call of a thread.
 void PrepareExport(FakeMachine& machine);
 std::string ExportedText(FakeMachine& machine, recording::Recorder* recorder);
 
 inline void PrintTo(const Job& job, std::ostream* out) { *out << job.name; }
+inline void PrintTo(const AnsweringJob& job, std::ostream* out) { *out << job.name; }
 
 /// A machine for one run of a job, ready for it.
 struct JobMachine : FakeMachine {
-  explicit JobMachine(const Job& job);
+  explicit JobMachine(const Job& job) { job.prepare(*this); }
+  explicit JobMachine(const AnsweringJob& job) { job.prepare(*this); }
 };
 
 /// What files may hold: by path in the machine's folder, the contents of a file at any moment of an undisturbed run,

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 #include "adapters/libxml2/folding.h"
 #include "adapters/libxml2/large_pages.h"
+#include "adapters/libxml2/library_memory.h"
 #include "formats/text/unicode.h"
 #include "formats/text/xml_characters.h"
 
@@ -248,12 +250,14 @@ class Writer {
   }
 
   void AddDoctype(xmlNode* node) {
-    xmlBuffer* dump = xmlBufferCreate();
-    if (dump != nullptr) {
-      xmlNodeDump(dump, node->doc, node, 0, 0);
-      text_ += View(xmlBufferContent(dump));
-      xmlBufferFree(dump);
-    }
+    struct FreeBuffer {
+      void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
+    };
+    const LibraryMemory memory;
+    const std::unique_ptr<xmlBuffer, FreeBuffer> dump(Made(xmlBufferCreate()));
+    xmlNodeDump(dump.get(), node->doc, node, 0, 0);
+    memory.Check();
+    text_ += View(xmlBufferContent(dump.get()));
   }
 
   // Escapes what must be, so that the text reads the same when it is parsed again. A CR LF stays: as text it reads as

@@ -13,6 +13,7 @@
 
 #include "adapters/libxml2/adoption.h"
 #include "adapters/libxml2/encoding.h"
+#include "adapters/libxml2/library_memory.h"
 #include "adapters/libxml2/names.h"
 #include "formats/text/markup_bounds.h"
 #include "formats/text/xml_characters.h"
@@ -360,12 +361,14 @@ UnheldDocument ParseText(std::string_view text) {
   if (const std::string objection = Objection(text); !objection.empty()) {
     return FailedDocument(objection);
   }
+  const LibraryMemory memory;
   const Quiet quiet;
   Parsing parsing;
   const Parser parser = NewParser(text, parsing);
   xmlParseDocument(parser.get());
   xmlDoc* parsed = std::exchange(parser->myDoc, nullptr);
   UnheldDocument document(parsed);
+  memory.Check();
   if (parsing.outOfMemory) {
     throw std::bad_alloc();
   }

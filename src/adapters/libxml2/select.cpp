@@ -6,6 +6,7 @@
 #include <new>
 #include <string>
 
+#include "adapters/libxml2/library_memory.h"
 #include "formats/text/xml_characters.h"
 #include "seams/automation_error.h"
 
@@ -42,14 +43,15 @@ class Selector {
     context_->error = Keep;
   }
 
-  Value Evaluate(xmlNode* start, std::string_view expression) {
-    const Compiled compiled = Compile(expression);
+  Value Evaluate(xmlNode* start, std::string_view expression, const LibraryMemory& memory) {
+    const Compiled compiled = Compile(expression, memory);
     context_->doc = start->doc;
     context_->node = start;
     context_->depth = 0;  // the library does not count back after an error
     Value value(xmlXPathCompiledEval(compiled.get(), context_.get()));
     context_->doc = nullptr;
     context_->node = nullptr;
+    memory.Check();
     if (value == nullptr) {
       RefuseExpression(expression);
     }
@@ -57,12 +59,13 @@ class Selector {
   }
 
  private:
-  Compiled Compile(std::string_view expression) {
+  Compiled Compile(std::string_view expression, const LibraryMemory& memory) {
     if (FindForbidden(expression) != std::string_view::npos || expression.size() > kLongestExpression) {
       RefuseExpression(expression);
     }
     context_->depth = 0;
     Compiled compiled(xmlXPathCtxtCompile(context_.get(), Chars(std::string(expression).c_str())));
+    memory.Check();
     if (compiled == nullptr) {
       RefuseExpression(expression);
     }
@@ -109,10 +112,11 @@ class Alone {
 }  // namespace
 
 std::vector<xmlNode*> Select(xmlNode* start, std::string_view expression) {
+  const LibraryMemory memory;
   thread_local Selector selector;
   const Quiet quiet;
   const Alone alone(start);
-  const Value value = selector.Evaluate(start, expression);
+  const Value value = selector.Evaluate(start, expression, memory);
   if (value->type != XPATH_NODESET) {
     RefuseExpression(expression);
   }

@@ -9,6 +9,7 @@
 #include <new>
 #include <utility>
 
+#include "adapters/libxml2/library_memory.h"
 #include "adapters/libxml2/names.h"
 #include "adapters/libxml2/nodes.h"
 
@@ -80,7 +81,9 @@ Quiet::Quiet() : before_(xmlGenericError), contextBefore_(xmlGenericErrorContext
 Quiet::~Quiet() { xmlSetGenericErrorFunc(contextBefore_, before_); }
 
 UnheldDocument NewDocument() {
+  const LibraryMemory memory;
   UnheldDocument document(Made(xmlNewDoc(Chars("1.0"))));
+  memory.Check();
   document->standalone = -1;
   document->dict = SharedNames();
   xmlDictReference(document->dict);

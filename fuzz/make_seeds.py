@@ -163,6 +163,36 @@ def commands_seeds(_):
     return inputs
 
 
+# --- command_sequence ---
+
+def command_sequence_seeds(chance):
+    def sent(name, **changes):
+        values = {**VALUES, "projectName": "Riverside Clinic", "sourceProject": "Riverside Clinic", **changes}
+        values["selection"] = values["selection"].replace("Tower", "Riverside Clinic")
+        parameters = {key: values[key] for key in COMMANDS[name] if key in values}
+        return chance.choice([b"P", b"N"]) + command(name, parameters) + NUL
+
+    def laid(path, content):
+        return b"F" + path.encode() + NUL + content + NUL
+
+    export = sent("getHybrisXMLNoUI")
+    application = "Korvane/TQ5-VX/"
+    inputs = [sent(name) for name in COMMANDS if name]
+    for name in COMMANDS:
+        if name:
+            inputs.append(sent("copyProject") + sent(name) + b"L" + sent(name, projectName="Mill") + export)
+    for path, content in (("Temp/QBOutput.ini", b"[Header]\r\nAction=ok\r\n"), ("Projects/Riverside Clinic/units.json", b"{}"),
+                          ("Projects/Riverside Clinic/units.json", b'{"units":[{"tagId":4294967296}]}'),
+                          ("Projects/Riverside Clinic/project.mdb", b"\0" * 4096), ("Bin/Options.xml", b"<Tools/>"),
+                          ("Bin/Options.xml", b"<Tools"), ("Bin/Tools.xml", b""), ("Bin/UIKeys.txt", b"a\r\n" * 50),
+                          ("Projects/Riverside Clinic/TQ5.ini", b"[Contact]\r\nCompanyName=x\r\n")):
+        inputs.append(laid(application + path, content) + export)
+        inputs.append(export + laid(application + path, content) + b"L" + sent("RebuildTag") + export)
+    for _ in range(10):
+        inputs.append(b"".join(sent(name) for name in chance.sample([name for name in COMMANDS if name], 8)))
+    return inputs
+
+
 # --- archive ---
 
 def archive_of(entries):

@@ -1,4 +1,4 @@
-// Exports the units of a project as a quote document, and shows how failures look.
+// Exports the units of a project as a quote document, and shows how failures look. Early bound.
 
 #include <msxml2.h>
 #include <oleauto.h>
@@ -144,11 +144,14 @@ void Run(const std::wstring& projectName) {
   const HRESULT result = PullText(parvex, L"<COMMAND/>", text);
   IErrorInfo* details = nullptr;
   BSTR source = nullptr;
+  BSTR description = nullptr;
   if (FAILED(result) && GetErrorInfo(0, &details) == S_OK) {
     details->GetSource(&source);
+    details->GetDescription(&description);
     details->Release();
   }
-  std::printf("Failed call: %lX from %s\n", static_cast<unsigned long>(result), Narrow(Take(source)).c_str());
+  std::printf("Failed call: %lX from %s: %s\n", static_cast<unsigned long>(result), Narrow(Take(source)).c_str(),
+              Narrow(Take(description)).c_str());
   parvex->Release();
 }
 

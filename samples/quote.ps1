@@ -25,9 +25,12 @@ $encoder = New-Object -ComObject Parvex.cBinEncoder
 [xml]$failed = $parvex.PullNGORLA("<COMMAND><NAME>noSuchCommand</NAME></COMMAND>")
 "Failed reply: " + $failed.LegacyORLA.returnError + " " + $failed.LegacyORLA.errorMessage
 
-# 5. Everything else ends the call with an error.
+# 5. Everything else ends the call with an error. Some numbers become exceptions other than COMException
+# (DirectoryNotFoundException, SecurityException, ...), so all are caught. What was raised is the innermost one.
 try {
   [void]$parvex.PullNGORLA("<COMMAND/>")
-} catch [System.Runtime.InteropServices.COMException] {
-  "Failed call: {0:X} from {1}" -f $_.Exception.ErrorCode, $_.Exception.Source
+  "No failure"
+} catch {
+  $raised = $_.Exception.GetBaseException()
+  "Failed call: {0:X8} {1} from {2}: {3}" -f $raised.HResult, $raised.GetType().Name, $raised.Source, $raised.Message
 }

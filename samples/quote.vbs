@@ -44,4 +44,4 @@ WScript.Echo "Failed reply: " & quote.selectSingleNode("//returnError").text & "
 ' 5. Everything else ends the call with an error.
 On Error Resume Next
 parvex.PullNGORLA "<COMMAND/>"
-WScript.Echo "Failed call: " & Hex(Err.Number) & " from " & Err.Source
+WScript.Echo "Failed call: " & Hex(Err.Number) & " from " & Err.Source & ": " & Err.Description

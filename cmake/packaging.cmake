@@ -25,12 +25,30 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_VENDOR "The Parvex developers")
 set(CPACK_PACKAGE_CONTACT "The Parvex developers <developers@parvex.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
-set(CPACK_PACKAGE_DESCRIPTION "Carries out the commands of a newer catalogue and selection front end against an installed legacy selection application, and turns its selections into quote documents of the Hybris commerce platform and back. A folder stands for the Windows machine; a sample machine with a substitute application comes along.")
+set(CPACK_PACKAGE_DESCRIPTION "Carries out the commands of a newer catalogue and selection front end
+against an installed legacy selection application, and turns its
+selections into quote documents of the Hybris commerce platform and back.
+A folder stands for the Windows machine; a sample machine with a
+substitute application comes along.")
 set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/packages)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+# Folders and files as a package wants them, whatever the umask of who builds it.
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian/finish_tree.cmake)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_VERSION ${PROJECT_VERSION})
+# A package of Debian 13 is later than one of Debian 12 with the same sources, so that an upgrade of the system takes it.
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+if(EXISTS /etc/os-release)
+  file(STRINGS /etc/os-release release REGEX "^(ID|VERSION_ID)=")
+  if(release MATCHES "ID=debian" AND release MATCHES "VERSION_ID=\"?([0-9]+)")
+    string(APPEND CPACK_DEBIAN_PACKAGE_RELEASE "~deb${CMAKE_MATCH_1}")
+  endif()
+endif()
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 include(CPack)

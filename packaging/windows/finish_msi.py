@@ -1,9 +1,10 @@
-"""Puts into an installer what its compiler has no words for: conditions of components, and the properties that are
-handed from the user's part of an installation to the system's.
+"""Puts into an installer what its compiler has no words for: conditions of components, variables of the environment,
+and the properties that are handed from the user's part of an installation to the system's.
 
     finish_msi.py MSI CONDITIONS
 
-CONDITIONS is a file of lines "component<tab>condition", and one line of properties, separated by semicolons.
+CONDITIONS is a file of lines "component<tab>condition" and "component<tab>variable<tab>value", and one line of
+properties, separated by semicolons.
 """
 
 import ctypes
@@ -52,15 +53,26 @@ class Database:
         self.release(self.handle)
 
 
+def put_variables(database, variables):
+    database.execute("CREATE TABLE `Environment` (`Environment` CHAR(72) NOT NULL, `Name` CHAR(255) NOT NULL LOCALIZABLE,"
+                     " `Value` CHAR(255) LOCALIZABLE, `Component_` CHAR(72) NOT NULL PRIMARY KEY `Environment`)")
+    for component, variable, value in variables:
+        database.execute("INSERT INTO `Environment` (`Environment`, `Name`, `Value`, `Component_`)"
+                         f" VALUES ('{component}', '{variable}', '{value}', '{component}')")
+    # Where the system's own installers have them: before files are removed, and after they are there.
+    for action, place in (("RemoveEnvironmentStrings", 3300), ("WriteEnvironmentStrings", 5200)):
+        database.execute(f"INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('{action}', {place})")
+
+
 def main():
     msi, conditions = map(Path, sys.argv[1:])
     database = Database(msi)
-    for line in conditions.read_text().splitlines():
-        component, tab, condition = line.partition("\t")
-        if tab:
-            database.execute(f"UPDATE `Component` SET `Condition` = '{condition}' WHERE `Component` = '{component}'")
-        else:
-            database.execute(f"UPDATE `Property` SET `Value` = '{line}' WHERE `Property` = 'SecureCustomProperties'")
+    lines = [line.split("\t") for line in conditions.read_text().splitlines()]
+    for component, condition in (line for line in lines if len(line) == 2):
+        database.execute(f"UPDATE `Component` SET `Condition` = '{condition}' WHERE `Component` = '{component}'")
+    for (properties,) in (line for line in lines if len(line) == 1):
+        database.execute(f"UPDATE `Property` SET `Value` = '{properties}' WHERE `Property` = 'SecureCustomProperties'")
+    put_variables(database, [line for line in lines if len(line) == 3])
     # The compiler gives the root "of the user or the machine" a number that is none.
     database.execute("UPDATE `Registry` SET `Root` = -1 WHERE `Root` = 4")
     database.commit()

@@ -15,6 +15,7 @@ Public properties:
     INSTALLDIR                  the folder
     ROUTER_CLSID, ROUTER_IID    the message router's identifiers, written to SOFTWARE\\Parvex\\Router when both are given
     SURROGATE=1                 the classes are served by a surrogate process too
+    ADDTOPATH=1                 the folder is added to the search path, and parvex.exe to the programs known by name
     MSIINSTALLPERUSER=1         for the current user only; else for all users
 """
 
@@ -39,13 +40,13 @@ DLL = "[#ParvexDll]"
 TWO_CLASSES_KEYS = "VersionNT64 < 601 OR (%WINECONFIGDIR AND NOT ONE_CLASSES_KEY)"
 # Given by the user; the first three are found by searches.
 PROPERTIES = ["ONE_CLASSES_KEY", "WIX_UPGRADE_DETECTED", "WIX_DOWNGRADE_DETECTED", "INSTALLDIR", "ROUTER_CLSID",
-              "ROUTER_IID", "SURROGATE"]
+              "ROUTER_IID", "SURROGATE", "ADDTOPATH"]
 
 
 @dataclass
 class Component:
     """What is installed and removed together, where the user chose it and the system needs it. `values` are (root, key,
-    value name, type, value)."""
+    value name, type, value); `path` names the environment's variable that gets the folder behind its value."""
     name: str
     guid: str
     in_64_bit_view: bool
@@ -53,6 +54,7 @@ class Component:
     choice: str = ""
     system: str = ""
     values: list = field(default_factory=list)
+    path: str = ""
 
     def condition(self):
         """Choices are made when it is installed; whatever was installed is removed. The system stays the same."""
@@ -138,6 +140,11 @@ def router_values():
         yield "HKMU", "SOFTWARE\\Parvex\\Router", name, "string", value
 
 
+def known_program_values():
+    yield ("HKMU", "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\parvex.exe", "", "string",
+           "[INSTALLDIR]parvex.exe")
+
+
 def components(library, architecture):
     x64 = architecture == "x64"
     for name in FILES:
@@ -170,6 +177,12 @@ def components(library, architecture):
     yield own("ServedBySurrogate", [text(f"CLSID\\{c.id}", "AppID", APPLICATION) for c in library.classes],
               "SURROGATE")
     yield own("RouterIdentifiers", router_values(), "ROUTER_CLSID AND ROUTER_IID")
+    # "=": set when it is installed; "-": taken out when it is removed; "*": the machine's variable, else the user's.
+    for name, path, choice in (("PathOfMachine", "=-*PATH", "ADDTOPATH AND NOT MSIINSTALLPERUSER"),
+                               ("PathOfUser", "=-PATH", "ADDTOPATH AND MSIINSTALLPERUSER")):
+        component = own(name, known_program_values(), choice)
+        component.path = path
+        yield component
 
 
 def main():
@@ -203,7 +216,8 @@ def main():
     lines += ['    </Feature>', '  </Product>', '</Wix>']
     Path(out).write_text("\n".join(lines) + "\n")
     of_components = [f"{component.name}\t{component.condition()}" for component in made if component.condition()]
-    Path(conditions).write_text("\n".join([*of_components, ";".join(PROPERTIES)]) + "\n")
+    of_paths = [f"{component.name}\t{component.path}\t[~];[INSTALLDIR]" for component in made if component.path]
+    Path(conditions).write_text("\n".join([*of_components, *of_paths, ";".join(PROPERTIES)]) + "\n")
 
 
 main()

@@ -90,6 +90,7 @@ def main():
         check(program_files() == before[1], "the program folder is as it was")
 
         check_properties(msi, before[0], scratch)
+        check_search_path(msi)
         if architecture == "x64":  # a 32-bit Windows takes no installer of the other bitness
             check_side_by_side(msi, build(windows_bin, scratch, "0.1.0", "x86"), before[0], scratch)
         check_upgrade(Path(msi), build(windows_bin, scratch, "99.0.0", architecture), classes())
@@ -148,6 +149,42 @@ def check_properties(msi, before, scratch):
     remove(msi)
     check(classes() == before, "all of that is removed", difference(before, classes()))
     check(NOBODY not in exported(r"HKLM\Software\Parvex"), "the router ids too")
+
+
+def search_path():
+    text = exported(r"HKLM\System\CurrentControlSet\Control\Session Manager\Environment")
+    bytes_ = re.search(r'"PATH"=hex\(2\):((?:[0-9a-f,]|\\\s+)*)', text, re.IGNORECASE)[1]
+    return bytes.fromhex("".join(re.findall("[0-9a-f]{2}", bytes_))).decode("utf-16-le").rstrip("\0").rstrip(";")
+
+
+def check_search_path(msi):
+    before = search_path()
+    install(msi)
+    check(search_path() == before, "the search path is left alone unless asked for", search_path())
+    remove(msi)
+    install(msi, "ADDTOPATH=1")
+    check(search_path() == before + ";C:\\Program Files\\Parvex\\", "ADDTOPATH adds the folder behind all others", search_path())
+    named = wine.run("cmd", "/c", "parvex", "--version").stdout.decode()
+    check(named.startswith("parvex "), "parvex is found by its name", named)
+    known = r"HKLM\SOFTWARE\Microsoft\Windows\CurrentVersion\App Paths\parvex.exe"
+    check("parvex.exe" in exported(known), "and is among the programs known by name")
+    check_last_commands_of_the_page()
+    # Wine leaves the separator behind.
+    remove(msi)
+    check(search_path() == before and not exported(known), "and all of that is removed", search_path())
+
+
+def check_last_commands_of_the_page():
+    """What "Afterwards" in the page about installing lets its reader type, typed as it stands in a new command prompt."""
+    page = (Path(__file__).parents[2] / "docs" / "how-to" / "install-on-windows.md").read_text(encoding="utf-8")
+    commands = re.findall("^    (.*)$", page.partition("## Afterwards")[2], re.MULTILINE)
+    # The page tells both folders of cscript, and this prefix has one bitness.
+    commands = [command.replace("SysWOW64", "System32") for command in commands]
+    with tempfile.TemporaryDirectory(dir=wine.drive_c()) as folder:
+        (Path(folder) / "typed.bat").write_text("".join(f"{command}\n" for command in commands), newline="\r\n")
+        printed = wine.run("cmd", "/c", "typed.bat", cwd=folder, check=False).stdout.decode("utf-8", "replace")
+    for wanted in ("\nparvex 0.", "checks", "<NAME>Riverside Clinic</NAME>", "\nTWFu"):
+        check(wanted in printed.replace("\r", ""), f"the page's last commands print {wanted.strip()}", printed)
 
 
 def check_side_by_side(msi, other, before, scratch):

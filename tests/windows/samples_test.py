@@ -10,7 +10,7 @@ from pathlib import Path
 import wine
 
 WANTED = ["Project: Riverside Clinic", "Tags in the quote: 6", "Base64 of Man: TWFu",
-          "Failed reply: -1 Unrecognized or Failed Command", "the command document has no COMMAND/NAME"]
+          "Failed reply: -1", "Unrecognized or Failed Command", "the command document has no COMMAND/NAME"]
 # How each language shows 0x800A005B, and who raised it where it says so.
 FAILED_CALL = {"quote.vbs": "Failed call: 5B from Parvex", "quote.js": "Failed call: 800A005B:",
                "quote.cpp": "Failed call: 800A005B from Parvex",

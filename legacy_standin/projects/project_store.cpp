@@ -2,12 +2,17 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <memory>
 #include <utility>
 
 #include "formats/jet/writer.h"
 #include "formats/text/file_names.h"
+#include "formats/text/new_file_names.h"
 #include "formats/text/text.h"
 #include "formats/zip/entry_names.h"
+#include "formats/zip/zip_reader.h"
+#include "formats/zip/zip_writer.h"
 #include "legacy_standin/installation/json_members.h"
 #include "seams/automation_error.h"
 
@@ -17,6 +22,14 @@ namespace {
 constexpr const char* kDatabase = "project.mdb";
 constexpr const char* kUnits = "units.json";
 constexpr const char* kProperties = "properties.json";
+
+// A change of several files is first written down whole, in a file of the project's folder. Who finds that file, after
+// a substitute was killed, brings the change to its end: kAdditions holds files beside which others stay, kContent all
+// of the project's. A project that is being made or removed is marked by kUnfinished; it is none while it has no
+// database.
+constexpr const char* kAdditions = "~change.zip";
+constexpr const char* kContent = "~content.zip";
+constexpr const char* kUnfinished = "~unfinished";
 
 JetTable ConfigTable(const std::vector<ConfigRow>& config) {
   JetTable table = {"Config", {{.name = "sPdsg", .size = 10}, {.name = "sKey", .size = 50}, {.name = "sValue"}}, {}};
@@ -58,8 +71,16 @@ std::string FormatProperties(const Fields& properties) {
   return object.dump(2) + "\n";
 }
 
+bool IsMark(std::string_view path) {
+  return EqualIgnoringCase(path, kAdditions) || EqualIgnoringCase(path, kContent) ||
+         EqualIgnoringCase(path, kUnfinished);
+}
+
 void AddFiles(Files& files, const std::string& folder, const std::string& below, std::vector<ProjectFile>& found) {
   for (const std::string& name : files.ListFiles(folder + "\\" + below)) {
+    if (below.empty() && IsMark(name)) {
+      continue;
+    }
     found.push_back({below + name, files.ReadAll(folder + "\\" + below + name)});
   }
   for (const std::string& name : files.ListFolders(folder + "\\" + below)) {
@@ -90,46 +111,24 @@ std::optional<std::string> ProblemOfProjectName(std::string_view name) {
   return MayBeShortName(name) ? std::optional("has a name that may be the short name of another one") : std::nullopt;
 }
 
-/// A change of several files, which puts back what it had changed when it does not come to its end.
-class FileChange {
- public:
-  explicit FileChange(Files& files) : files_(files) {}
-  FileChange(const FileChange&) = delete;
-  FileChange& operator=(const FileChange&) = delete;
-
-  /// As far as the disk lets it: what made the change fail may stand in the way of this too.
-  ~FileChange() {
-    for (const auto& [path, bytes] : before_) {
-      try {
-        bytes ? files_.Replace(path, *bytes) : files_.Remove(path);
-      } catch (const AutomationError&) {
-        continue;
-      }
-    }
+/// The files of a change in one file, and back.
+std::string Packed(const std::vector<ProjectFile>& files) {
+  ZipWriter archive;
+  for (const ProjectFile& file : files) {
+    archive.Add(ReplaceAll(file.path, "\\", "/"), file.bytes, false);
   }
+  return archive.Finish();
+}
 
-  void Write(const std::string& folder, const std::vector<ProjectFile>& files) {
-    for (const ProjectFile& file : files) {
-      const std::string path = folder + "\\" + file.path;
-      files_.CreateFolder(path.substr(0, path.find_last_of('\\')));
-      std::optional<std::string> before = files_.IsFile(path) ? std::optional(files_.ReadAll(path)) : std::nullopt;
-      files_.Replace(path, file.bytes);
-      before_.emplace_back(path, std::move(before));
-    }
+std::vector<ProjectFile> Unpacked(const Application& application, const std::string& path) {
+  constexpr std::uint64_t kMost = std::uint64_t{1} << 32;
+  std::vector<ProjectFile> files;
+  for (PackedEntry& entry :
+       Unpack(application.codePage, application.files.ReadAll(path), path, {kMost, kMost, "change of a project"})) {
+    files.push_back({std::move(entry.name), std::move(entry.bytes)});
   }
-
-  void Remove(const std::string& path) {
-    std::string before = files_.ReadAll(path);
-    files_.Remove(path);
-    before_.emplace_back(path, std::move(before));
-  }
-
-  void Finish() { before_.clear(); }
-
- private:
-  Files& files_;
-  std::vector<std::pair<std::string, std::optional<std::string>>> before_;
-};
+  return files;
+}
 
 }  // namespace
 
@@ -162,7 +161,11 @@ std::string ProjectStore::NameOf(std::string_view name) const {
   return std::string(name);
 }
 
-std::string ProjectStore::Folder(std::string_view name) const { return PlaceFor(NameOf(name)); }
+std::string ProjectStore::Folder(std::string_view name) const {
+  std::string folder = PlaceFor(NameOf(name));
+  FinishChanges(folder);
+  return folder;
+}
 
 std::string ProjectStore::PlaceFor(std::string_view name) const {
   if (const std::optional<std::string> problem = ProblemOfProjectName(name)) {
@@ -179,19 +182,24 @@ void ProjectStore::Create(std::string_view name, const Fields& properties) const
 
 void ProjectStore::Copy(std::string_view from, std::string_view to) const { Make(to, ReadFiles(from)); }
 
-void ProjectStore::Remove(std::string_view name) const { files_.RemoveFolder(Folder(name)); }
-
-std::vector<Unit> ProjectStore::ReadUnits(std::string_view name) const {
-  const std::string path = Folder(name) + "\\" + kUnits;
-  return files_.IsFile(path) ? ParseUnits(files_.ReadAll(path), path) : std::vector<Unit>();
+void ProjectStore::Remove(std::string_view name) const {
+  const std::string folder = Folder(name);
+  files_.Replace(folder + "\\" + kUnfinished, "");
+  try {
+    files_.Remove(folder + "\\" + kDatabase);
+  } catch (const AutomationError&) {
+    // With the folder it goes, or says why not.
+  }
+  files_.RemoveFolder(folder);
 }
+
+std::vector<Unit> ProjectStore::ReadUnits(std::string_view name) const { return UnitsIn(Folder(name)); }
 
 void ProjectStore::WriteUnits(std::string_view name, const std::vector<Unit>& units) const {
   const std::string folder = Folder(name);
+  const std::shared_ptr<void> alone = files_.HoldForChange(folder + "\\" + kDatabase);
   const std::vector<ConfigRow> config = ReadConfig(application_.projectDatabases, folder + "\\" + kDatabase);
-  FileChange change(files_);
-  change.Write(folder, {{kDatabase, MakeProjectDatabase(config, units)}, {kUnits, FormatUnits(units)}});
-  change.Finish();
+  Change(folder, kAdditions, {{kDatabase, MakeProjectDatabase(config, units)}, {kUnits, FormatUnits(units)}});
 }
 
 Fields ProjectStore::ReadProperties(std::string_view name) const {
@@ -217,36 +225,100 @@ std::vector<ProjectFile> ProjectStore::ReadFiles(std::string_view name) const {
   return found;
 }
 
-void ProjectStore::ReplaceFiles(std::string_view name, const std::vector<ProjectFile>& files) const {
-  const std::string folder = Folder(name);
+void ProjectStore::ReplaceFiles(std::string_view name, std::vector<ProjectFile> files) const {
+  std::erase_if(files, [](const ProjectFile& file) { return IsMark(file.path); });
+  Change(Folder(name), kContent, files);
+}
+
+void ProjectStore::Make(std::string_view name, std::vector<ProjectFile> files) const {
+  const std::string folder = PlaceFor(name);
+  RemoveUnfinished(folder);
+  if (files_.IsFolder(folder) || files_.IsFile(folder)) {
+    throw MakeRuntimeError(RuntimeError::FileExists, "the name of the project \"" + std::string(name) + "\" is taken");
+  }
+  // It is a project from the moment on when it has a database.
+  std::ranges::stable_partition(files,
+                                [](const ProjectFile& file) { return !EqualIgnoringCase(file.path, kDatabase); });
+  files_.CreateFolder(folder);
+  try {
+    FileChange change(files_);
+    change.Write(folder, {{kUnfinished, ""}});
+    change.Write(folder, files);
+    change.Finish();
+    files_.Remove(folder + "\\" + kUnfinished);
+  } catch (const AutomationError&) {
+    files_.RemoveFolder(folder);
+    throw;
+  }
+}
+
+std::vector<Unit> ProjectStore::UnitsIn(const std::string& folder) const {
+  const std::string path = folder + "\\" + kUnits;
+  return files_.IsFile(path) ? ParseUnits(files_.ReadAll(path), path) : std::vector<Unit>();
+}
+
+void ProjectStore::Change(const std::string& folder, const char* writtenDown,
+                          const std::vector<ProjectFile>& files) const {
+  const std::shared_ptr<void> alone = files_.HoldForChange(folder + "\\" + kDatabase);
+  FileChange change(files_);
+  change.Write(folder, {{writtenDown, Packed(files)}});
+  Carry(change, folder, writtenDown, files);
+  files_.Remove(folder + "\\" + writtenDown);
+  change.Finish();
+}
+
+void ProjectStore::Carry(FileChange& change, const std::string& folder, const char* writtenDown,
+                         const std::vector<ProjectFile>& files) const {
+  if (writtenDown == kAdditions) {
+    change.Write(folder, files);
+    return;
+  }
   std::vector<std::string> kept;
   for (const ProjectFile& file : files) {
     kept.push_back(ToUpper(file.path));
   }
   std::sort(kept.begin(), kept.end());
-  FileChange change(files_);
-  for (const ProjectFile& old : ReadFiles(name)) {
+  std::vector<ProjectFile> before;
+  AddFiles(files_, folder, "", before);
+  for (const ProjectFile& old : before) {
     if (!std::binary_search(kept.begin(), kept.end(), ToUpper(old.path))) {
       change.Remove(folder + "\\" + old.path);
     }
   }
   change.Write(folder, files);
-  change.Finish();
+  const std::vector<ConfigRow> config = ReadConfig(application_.projectDatabases, folder + "\\" + kDatabase);
+  change.Write(folder, {{kDatabase, MakeProjectDatabase(config, UnitsIn(folder))}});
 }
 
-void ProjectStore::Make(std::string_view name, const std::vector<ProjectFile>& files) const {
-  const std::string folder = PlaceFor(name);
-  if (files_.IsFolder(folder) || files_.IsFile(folder)) {
-    throw MakeRuntimeError(RuntimeError::FileExists, "the name of the project \"" + std::string(name) + "\" is taken");
-  }
-  files_.CreateFolder(folder);
-  try {
+void ProjectStore::FinishChanges(const std::string& folder) const {
+  for (const char* writtenDown : {kAdditions, kContent}) {
+    const std::string path = folder + "\\" + writtenDown;
+    if (!files_.IsFile(path)) {
+      continue;
+    }
+    const std::shared_ptr<void> alone = files_.HoldForChange(folder + "\\" + kDatabase);
+    if (!files_.IsFile(path)) {
+      continue;  // who was at it has brought it to its end
+    }
     FileChange change(files_);
-    change.Write(folder, files);
+    Carry(change, folder, writtenDown, Unpacked(application_, path));
+    files_.Remove(path);
     change.Finish();
-  } catch (const AutomationError&) {
+  }
+  if (const std::string mark = folder + "\\" + kUnfinished; files_.IsFile(mark)) {
+    files_.Remove(mark);
+  }
+}
+
+void ProjectStore::RemoveUnfinished(const std::string& folder) const {
+  if (!files_.IsFolder(folder) || files_.IsFile(folder + "\\" + kDatabase)) {
+    return;
+  }
+  std::vector<std::string> names = files_.ListFiles(folder + "\\");
+  std::erase_if(names, IsNewFileName);
+  const bool isEmpty = names.empty() && files_.ListFolders(folder).empty();
+  if (isEmpty || files_.IsFile(folder + "\\" + kUnfinished)) {
     files_.RemoveFolder(folder);
-    throw;
   }
 }
 

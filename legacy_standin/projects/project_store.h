@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "legacy_standin/installation/application.h"
+#include "legacy_standin/projects/file_change.h"
 #include "legacy_standin/projects/units.h"
 
 namespace parvex::standin {
@@ -21,17 +22,12 @@ struct ConfigRow {
 /// found by its family, its version and its name.
 std::string MakeProjectDatabase(const std::vector<ConfigRow>& config, const std::vector<Unit>& units);
 
-/// A file of a project by its path below the project's folder, components separated by backslashes.
-struct ProjectFile {
-  std::string path;
-  std::string bytes;
-};
-
 /// The projects of the application, each a folder in Root()\Projects with project.mdb, units.json, properties.json and
 /// the data archives of its tags (docs/standin.md). Letter case of names is ignored.
 ///
 /// Everything is read from the disk anew. What is refused is an AutomationError: an unknown project (76), a name that
-/// is taken (58), a name that no folder can have (5). A change that fails puts back what it had changed.
+/// is taken (58), a name that no folder can have (5). A change that fails puts back what it had changed; one whose
+/// program was killed is brought to its end by the next use of the project, or was never begun.
 class ProjectStore {
  public:
   explicit ProjectStore(const Application& application) : application_(application), files_(application.files) {}
@@ -61,11 +57,17 @@ class ProjectStore {
 
   /// All files of the project, those in folders of its folder included.
   std::vector<ProjectFile> ReadFiles(std::string_view name) const;
-  /// Makes the project have these files and no others.
-  void ReplaceFiles(std::string_view name, const std::vector<ProjectFile>& files) const;
+  /// Makes the project have these files and no others; TagIndex says what its units say.
+  void ReplaceFiles(std::string_view name, std::vector<ProjectFile> files) const;
 
  private:
-  void Make(std::string_view name, const std::vector<ProjectFile>& files) const;
+  void Make(std::string_view name, std::vector<ProjectFile> files) const;
+  std::vector<Unit> UnitsIn(const std::string& folder) const;
+  void Change(const std::string& folder, const char* writtenDown, const std::vector<ProjectFile>& files) const;
+  void Carry(FileChange& change, const std::string& folder, const char* writtenDown,
+             const std::vector<ProjectFile>& files) const;
+  void FinishChanges(const std::string& folder) const;
+  void RemoveUnfinished(const std::string& folder) const;
 
   const Application& application_;
   Files& files_;

@@ -9,7 +9,6 @@
 #include "legacy_standin/projects/project_store.h"
 #include "legacy_standin/router/project_archive.h"
 #include "protocol/command_document.h"
-#include "seams/automation_error.h"
 
 namespace parvex::standin {
 namespace {
@@ -164,14 +163,7 @@ std::string RetrieveAndSaveProject(const ProjectStore& store, const Application&
   const std::string name = NeedParameter(request, "projectName");
   ProjectArchive archive = ReadNamedArchive(application, request);
   KeepGroups(archive, NeedParameter(request, "dataList"));
-  const std::vector<ProjectFile> before = store.ReadFiles(name);
   store.ReplaceFiles(name, archive.files);
-  try {
-    store.WriteUnits(name, store.ReadUnits(name));
-  } catch (const AutomationError&) {
-    store.ReplaceFiles(name, before);
-    throw;
-  }
   return ProjectRecord(store, name);
 }
 

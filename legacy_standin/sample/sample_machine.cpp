@@ -1,11 +1,14 @@
 #include "legacy_standin/sample/sample_machine.h"
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
+#include "formats/text/new_file_names.h"
 #include "legacy_standin/projects/project_store.h"
 #include "legacy_standin/projects/units.h"
 #include "legacy_standin/sample/sample_project.h"
@@ -76,14 +79,30 @@ constexpr std::string_view kTagUpdateInfo = R"(<?xml version="1.0" encoding="win
 </TagUpdateInfo>
 )";
 
-void WriteFile(const fs::path& path, std::string_view bytes) {
+/// What fills a file fills a new one, which then takes the name: nobody finds half a file.
+template <typename Fill>
+void MakeFile(const fs::path& path, Fill fill) {
   fs::create_directories(path.parent_path());
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  if (!file) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess, "cannot write " + path.string());
+  const fs::path beside = path.parent_path() / MakeNewFileName();
+  try {
+    fill(beside);
+    fs::rename(beside, path);
+  } catch (...) {
+    std::error_code ignored;
+    fs::remove(beside, ignored);
+    throw;
   }
+}
+
+void WriteFile(const fs::path& path, std::string_view bytes) {
+  MakeFile(path, [&](const fs::path& beside) {
+    std::ofstream file(beside, std::ios::binary | std::ios::trunc);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    if (!file) {
+      throw MakeRuntimeError(RuntimeError::PathFileAccess, "cannot write " + path.string());
+    }
+  });
 }
 
 /// UTF-16LE with byte order mark, as the registry editor exports it. The text is ASCII.
@@ -204,8 +223,17 @@ void WriteProgramFolder(const fs::path& bin, const fs::path& workflowProgram) {
   WriteFile(bin / "Tools.xml", kTools);
   WriteFile(bin / "TagUpdateInfo.xml", kTagUpdateInfo);
   const fs::path program = bin / "kdwfm470.exe";
-  fs::copy_file(workflowProgram, program);
-  fs::permissions(program, fs::perms::owner_all, fs::perm_options::add);
+  MakeFile(program, [&](const fs::path& beside) {
+    fs::copy_file(workflowProgram, beside);
+    fs::permissions(beside, fs::perms::owner_all, fs::perm_options::add);
+  });
+}
+
+/// Whether nothing stands in a folder but what a run left that was killed with its first file.
+bool IsEmptyFolder(const fs::path& folder) {
+  return std::ranges::all_of(fs::directory_iterator(folder), [](const fs::directory_entry& entry) {
+    return IsNewFileName(entry.path().filename().string());
+  });
 }
 
 /// Leaves `folder` as one that this function may fill: new, empty, or emptied of what was made here before.
@@ -213,7 +241,7 @@ void ClaimFolder(const fs::path& folder) {
   if (fs::exists(folder) && !fs::is_directory(folder)) {
     throw MakeRuntimeError(RuntimeError::PathFileAccess, folder.string() + " is not a folder");
   }
-  if (fs::exists(folder) && !fs::is_empty(folder) && !fs::exists(folder / kMarker)) {
+  if (fs::exists(folder) && !IsEmptyFolder(folder) && !fs::exists(folder / kMarker)) {
     throw MakeRuntimeError(RuntimeError::PathFileAccess,
                            folder.string() + " is neither empty nor a sample machine: it stays as it is");
   }

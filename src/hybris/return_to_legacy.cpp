@@ -6,7 +6,6 @@
 
 #include "codec/bin_encoder.h"
 #include "formats/text/text.h"
-#include "legacy_env/file_routines.h"
 #include "legacy_env/hand_over_lock.h"
 #include "legacy_env/ini_target.h"
 #include "legacy_env/install_paths.h"
@@ -31,18 +30,13 @@ xml::Document Refuse(const Platform& platform, std::string_view boxText, std::st
   return MakeFailedReply(errorMessage);
 }
 
-void DeleteWhenThere(const Platform& platform, const std::string& path) {
-  if (FileExists(platform, path)) {
-    platform.files->Remove(path);
-  }
-}
-
-void WriteEntry(const Platform& platform, const std::string& file, std::string_view section, std::string_view key,
-                std::string_view value) {
-  SetIniTarget(platform, section, file);
-  if (WriteIniString(platform, key, value) == 0) {
-    throw MakeRuntimeError(RuntimeError::PathFileAccess,
-                           "cannot write [" + std::string(section) + "] " + std::string(key) + " to \"" + file + "\"");
+/// The legacy application's ini routines tell of no reason why they could not write: path/file access (75), always.
+void WriteInstruction(const Platform& platform, const std::string& file, const std::string& selectionFile) {
+  const std::string text = "[Header]\r\nAction=ok\r\n[Partnumber1]\r\nfilename=" + selectionFile + "\r\n";
+  try {
+    platform.files->Replace(file, platform.codePage->ToAnsi(text));
+  } catch (const AutomationError& error) {
+    throw MakeRuntimeError(RuntimeError::PathFileAccess, error.Description());
   }
 }
 
@@ -64,18 +58,18 @@ void ShowComponents(const Platform& platform, const xml::Document& command) {
   }
 }
 
-/// Leaves the stored data and the instruction to take it where the legacy application looks for them.
+/// Leaves the stored data and the instruction to take it where the legacy application looks for them. That application
+/// deletes both files first and makes them anew; here each is replaced, so that whoever looks meanwhile, or after this
+/// program was killed, finds an instruction that names what is there: the data before the instruction.
 void WriteHandOver(const Platform& platform, const std::string& storedData) {
   const std::string folder = GetDataRoot(platform) + "\\Temp";
   const HandOverLock alone(platform, folder, HandOverLock::Run::Alone);
   const std::string selectionFile = folder + "\\QPblob.tmp";
-  DeleteWhenThere(platform, selectionFile);
-  cBinEncoder(*platform.codePage, *platform.files).DecodeToFile(storedData, selectionFile);
+  platform.files->Replace(selectionFile, DecodeBase64(storedData));
 
   const std::string instructionFile = folder + "\\input.ini";
-  DeleteWhenThere(platform, instructionFile);
-  WriteEntry(platform, instructionFile, "Header", "Action", "ok");
-  WriteEntry(platform, instructionFile, "Partnumber1", "filename", selectionFile);
+  WriteInstruction(platform, instructionFile, selectionFile);
+  SetIniTarget(platform, "Partnumber1", instructionFile);
 }
 
 }  // namespace

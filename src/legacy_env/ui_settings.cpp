@@ -6,6 +6,7 @@
 
 #include "legacy_env/install_paths.h"
 #include "seams/automation_error.h"
+#include "seams/durable_files.h"
 
 namespace parvex {
 namespace {
@@ -82,7 +83,7 @@ void setUIValue(const Platform& platform, std::string_view value) {
                                                                     " lines; it may have at most " +
                                                                     std::to_string(kMostUiLines));
     }
-    platform.files->Replace(path, platform.codePage->ToAnsi(RewrittenText(lines, value)));
+    ReplaceOnDisk(*platform.files, path, platform.codePage->ToAnsi(RewrittenText(lines, value)));
   });
 }
 

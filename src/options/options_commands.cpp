@@ -12,6 +12,7 @@
 #include "protocol/reply_envelope.h"
 #include "protocol/required_node.h"
 #include "seams/automation_error.h"
+#include "seams/durable_files.h"
 
 namespace parvex {
 namespace {
@@ -90,7 +91,7 @@ void WriteOptions(const LegacyLink& link, const xml::Document& command) {
     SetGeneralOption(options, command, name);
   }
   SetPassedOptions(options, command);
-  link.platform.files->Replace(path, options.Bytes());
+  ReplaceOnDisk(*link.platform.files, path, options.Bytes());
 }
 
 }  // namespace

@@ -127,22 +127,12 @@ RecordedCase ReadCase(HostSystem& system, const std::string& path) {
 }
 
 void WriteCase(HostSystem& system, const RecordedCase& written, const std::string& path) {
-  const std::string beside = path + ".parvex-new";
-  std::unique_ptr<HostSystem::File> file = system.MakeFile(beside);
-  try {
+  const std::unique_ptr<HostSystem::Replacement> file = system.MakeReplacement(path, HostSystem::Readers::OwnerOnly);
+  {
     ArchiveFile archive(*file);
     AddAll(archive, written);
-    file.reset();
-    system.Rename(beside, path);
-  } catch (...) {
-    file.reset();
-    try {
-      system.Remove(beside);
-    } catch (const AutomationError&) {
-      // What the system said first counts.
-    }
-    throw;
   }
+  file->TakeName();
 }
 
 }  // namespace parvex::recording

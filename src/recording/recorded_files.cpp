@@ -106,15 +106,23 @@ std::optional<std::string> RecordedFiles::ReadIfFile(std::string_view path) {
 }
 
 void RecordedFiles::Replace(std::string_view path, std::string_view bytes) {
+  ReplaceBy([](Files& files, std::string_view p, std::string_view b) { files.Replace(p, b); }, path, bytes);
+}
+
+void RecordedFiles::ReplaceOnDisk(std::string_view path, std::string_view bytes) {
+  ReplaceBy(parvex::ReplaceOnDisk, path, bytes);
+}
+
+void RecordedFiles::ReplaceBy(Replacing replace, std::string_view path, std::string_view bytes) {
   const std::shared_ptr<Recording> recording = current_->recording;
   if (recording == nullptr) {
-    return outside_.Replace(path, bytes);
+    return replace(outside_, path, bytes);
   }
   recording->Files().Use(path);
   Json line = FileLine("replace", path);
   Describe(line, bytes);
   journal::Watch(recording->Writer(), std::move(line), [&](Json&) {
-    outside_.Replace(path, bytes);
+    replace(outside_, path, bytes);
     recording->Files().Wrote(path);
     return true;
   });

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "recording/current_recording.h"
+#include "seams/durable_files.h"
 #include "seams/files.h"
 #include "seams/private_profile.h"
 #include "seams/project_database.h"
@@ -11,7 +12,7 @@
 namespace parvex::recording {
 
 /// Files whose every use is told to the current recording. Answers and errors are the outside's own.
-class RecordedFiles : public Files {
+class RecordedFiles : public Files, public DurableFiles {
  public:
   RecordedFiles(Files& outside, std::shared_ptr<CurrentRecording> current)
       : outside_(outside), current_(std::move(current)) {}
@@ -25,6 +26,7 @@ class RecordedFiles : public Files {
   std::string ReadAll(std::string_view path) override;
   std::optional<std::string> ReadIfFile(std::string_view path) override;
   void Replace(std::string_view path, std::string_view bytes) override;
+  void ReplaceOnDisk(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
   std::shared_ptr<void> HoldForChange(std::string_view path) override { return outside_.HoldForChange(path); }
   void Remove(std::string_view path) override;
@@ -32,6 +34,8 @@ class RecordedFiles : public Files {
   void RemoveFolder(std::string_view path) override;
 
  private:
+  using Replacing = void (*)(Files& files, std::string_view path, std::string_view bytes);
+  void ReplaceBy(Replacing replace, std::string_view path, std::string_view bytes);
   void Asked(Recording& recording, const char* op, std::string_view path, bool answer);
 
   Files& outside_;

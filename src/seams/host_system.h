@@ -9,6 +9,9 @@
 
 namespace parvex {
 
+/// Why a link is not replaced.
+inline constexpr std::string_view kIsLink = "it is a link";
+
 /// The system that this program runs on, apart from the machine that commands work on: where its own records are kept,
 /// and what it knows about itself. Paths are the system's own, as UTF-8. Every failure is an AutomationError that names
 /// the path.
@@ -37,6 +40,16 @@ class HostSystem {
     /// At most `most` bytes from `at` on; fewer at the end of the file.
     virtual std::string Read(std::uint64_t at, std::size_t most) = 0;
   };
+
+  /// A new file that takes the name of another one, or its first name, in one step when it is complete. Without
+  /// TakeName nothing has changed and nothing is left. A pipe or a device is written to as it is, by TakeName.
+  class Replacement : public File {
+   public:
+    /// Afterwards a power cut leaves the new file. To be called once, and nothing else after it.
+    virtual void TakeName() = 0;
+  };
+  /// Who may read a file: who might read the one before, or whom the user's settings let; or only the user.
+  enum class Readers { AsUsual, OwnerOnly };
 
   struct Entry {
     std::string name;
@@ -67,6 +80,10 @@ class HostSystem {
   virtual bool CreateNewFolder(std::string_view path) = 0;
   /// Makes a file, which must not exist. While it is open, IsInUse is true of it.
   virtual std::unique_ptr<File> MakeFile(std::string_view path) = 0;
+  /// Makes a file beside `path`, in a folder that exists, that is to replace what stands there. From the first byte on
+  /// it has the access rights of the file that it is to replace, or its owner's only, if told so. A read-only file, a
+  /// folder and a link are refused (75): links are not followed.
+  virtual std::unique_ptr<Replacement> MakeReplacement(std::string_view path, Readers readers) = 0;
   /// Whether a program holds the file open that it made by MakeFile.
   virtual bool IsInUse(std::string_view path) = 0;
   /// Whether the path is a folder, or a link to one.

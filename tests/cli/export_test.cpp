@@ -116,12 +116,41 @@ TEST_F(Export, ThatCannotBeWrittenCompletelyIsAFailure) {
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
 }
 
-TEST_F(Export, ReplacesTheFileThatALinkLeadsTo) {
+TEST_F(Export, FollowsNoLink) {
   const std::string real = Write("real.xml", "earlier");
   std::filesystem::create_symlink("real.xml", Output());
-  EXPECT_EQ(Run({"--project", kClinic, "-o", Output()}).status, 0);
+  const Outcome outcome = Run({"--project", kClinic, "-o", Output(), "--journal", Journal()});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.err, HasSubstr("quote.xml\": it is a link"));
+  EXPECT_FALSE(std::filesystem::exists(Journal())) << "nothing was sent";
   EXPECT_TRUE(std::filesystem::is_symlink(Output()));
-  EXPECT_EQ(MarksIn(ReadHostFile(real)).size(), 6u);
+  EXPECT_EQ(ReadHostFile(real), "earlier");
+}
+
+TEST_F(Export, KeepsTheModeOfTheFileAndRefusesAReadOnlyOne) {
+  Write("quote.xml", "earlier");
+  std::filesystem::permissions(Output(), std::filesystem::perms(0600));
+  EXPECT_EQ(Run({"--project", kClinic, "-o", Output()}).status, 0);
+  EXPECT_EQ(std::filesystem::status(Output()).permissions(), std::filesystem::perms(0600));
+  std::filesystem::permissions(Output(), std::filesystem::perms(0400));
+  const Outcome outcome = Run({"--project", kClinic, "-o", Output()});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.err, HasSubstr("quote.xml\": it is read-only"));
+  EXPECT_THAT(Written(), ElementsAre("quote.xml"));
+}
+
+// A file of that name was what an earlier version wrote into, whosever it was.
+TEST_F(Export, LeavesAFileBesideTheOutputAlone) {
+  Write("quote.xml.parvex-new", "the user's own");
+  EXPECT_EQ(Run({"--project", kClinic, "-o", Output()}).status, 0);
+  EXPECT_EQ(ReadHostFile(Output() + ".parvex-new"), "the user's own");
+  EXPECT_THAT(Written(), ElementsAre("quote.xml", "quote.xml.parvex-new"));
+}
+
+TEST_F(Export, ToStandardOutputByItsNameIsWrittenThere) {
+  const Outcome outcome = Run({"--project", kClinic, "-o", "/dev/stdout"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(MarksIn(outcome.out).size(), 6u);
 }
 
 TEST_F(Export, IsJournalledWhenAsked) {

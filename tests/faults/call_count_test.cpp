@@ -105,6 +105,16 @@ TEST_F(CallsOfAnExport, AreSixteenATagAtMost) {
   EXPECT_LE(Sum(Export()), 16 * kTags) << "when the entries are there already";
 }
 
+// What an export writes is handed over, and made anew when it is lost.
+TEST_F(CallsOfAnExport, ForceNothingToTheDisk) {
+  Select([](const std::string& number) { return "Unit" + number + ".xml"; });
+  const Calls calls = Export();
+  if (calls.empty()) {
+    GTEST_SKIP() << "no program may watch another here";
+  }
+  EXPECT_EQ(calls.count(SYS_fsync) + calls.count(SYS_fdatasync), 0u);
+}
+
 TEST_F(CallsOfAnExport, ReadTheFolderOfTheBlobsNoMoreThanAFewTimes) {
   ExpectFewFoldersRead([](const std::string& number) { return "Unit" + number + ".xml"; });
 }

@@ -156,6 +156,7 @@ ssize_t __real_pwrite(int descriptor, const void* bytes, size_t size, off_t at);
 int __real_ftruncate(int descriptor, off_t size);
 int __real_rename(const char* from, const char* to);
 int __real_fchmod(int descriptor, mode_t mode);
+int __real_fsync(int descriptor);
 int __real_renameat2(int oldFolder, const char* oldPath, int newFolder, const char* newPath, unsigned flags);
 int __real_link(const char* from, const char* to);
 int __real_unlink(const char* path);
@@ -207,6 +208,10 @@ int __wrap_rename(const char* from, const char* to) {
 
 int __wrap_fchmod(int descriptor, mode_t mode) {
   return Intercept(descriptor, [&] { return __real_fchmod(descriptor, mode); });
+}
+
+int __wrap_fsync(int descriptor) {
+  return Intercept(descriptor, [&] { return __real_fsync(descriptor); });
 }
 
 int __wrap_renameat2(int oldFolder, const char* oldPath, int newFolder, const char* newPath, unsigned flags) {

@@ -20,7 +20,7 @@ struct AllocationFault {
 std::size_t WithAllocationFault(AllocationFault fault, const std::function<void()>& work);
 
 /// What befalls one of the calls that change files: opening for writing, writing, cutting off, changing permissions,
-/// renaming, linking, removing, making a folder.
+/// forcing to the disk, renaming, linking, removing, making a folder.
 struct CallFault {
   enum class Kind { None, Error, ShortWrite, KillBefore, KillAfter };
   Kind kind = Kind::None;

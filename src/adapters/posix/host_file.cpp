@@ -2,13 +2,12 @@
 
 #include <errno.h>
 #include <fcntl.h>
-#include <stdio.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 
+#include "adapters/posix/leftovers.h"
 #include "seams/automation_error.h"
 
 namespace parvex::posix {
@@ -58,18 +57,6 @@ class OpenFile {
   int descriptor_ = -1;
 };
 
-// 0, or the error number that the write failed with.
-int WriteAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-    if (written < 0 && errno != EINTR) {
-      return errno;
-    }
-    bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
-  }
-  return 0;
-}
-
 // All that an open file of this status holds. 0, or the error number that the reading failed with.
 int ReadWhole(int descriptor, const struct stat& status, std::string& bytes) {
   // One byte more than the file has: a read that gives what it has, and not that byte, has met its end.
@@ -92,62 +79,6 @@ int ReadWhole(int descriptor, const struct stat& status, std::string& bytes) {
     }
   }
 }
-
-// The new file beside the one that it is to become; removed at the end unless it took the name.
-class NewFile {
- public:
-  explicit NewFile(const std::filesystem::path& target) : target_(target), path_(NextPath()) {}
-  ~NewFile() {
-    if (made_) {
-      unlink(path_.c_str());
-    }
-  }
-  NewFile(const NewFile&) = delete;
-  NewFile& operator=(const NewFile&) = delete;
-
-  // 0 or an error number.
-  int Fill(std::string_view bytes, const struct stat* replaced) {
-    OpenFile file(path_, kMaking, 0666);
-    while (!file &&
-           errno == EEXIST) {  // left by a program that ended too early, or of one that this one was forked from
-      path_ = NextPath();
-      file.Open(path_, kMaking, 0666);
-    }
-    if (!file) {
-      return errno;
-    }
-    made_ = true;
-    if (const int failed = WriteAll(file.Descriptor(), bytes); failed != 0) {
-      return failed;
-    }
-    return replaced == nullptr || fchmod(file.Descriptor(), replaced->st_mode & 07777) == 0 ? 0 : errno;
-  }
-
-  // 0 or an error number.
-  int TakeName(IfPresent ifPresent) {
-    const bool refuse = ifPresent == IfPresent::Refuse;
-    if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target_.c_str(), refuse ? RENAME_NOREPLACE : 0) == 0) {
-      made_ = false;
-      return 0;
-    }
-    // Network file systems cannot rename without replacing, but a second name is refused where one is taken.
-    const bool unsupported = refuse && errno == EINVAL;
-    return unsupported && link(path_.c_str(), target_.c_str()) == 0 ? 0 : errno;
-  }
-
- private:
-  static constexpr int kMaking = O_WRONLY | O_CREAT | O_EXCL;
-
-  std::filesystem::path NextPath() const {
-    static const std::string start = "~parvex-" + std::to_string(getpid()) + "-";
-    static std::atomic<unsigned> count = 0;
-    return target_.parent_path() / (start + std::to_string(++count) + ".tmp");
-  }
-
-  std::filesystem::path target_;
-  std::filesystem::path path_;
-  bool made_ = false;
-};
 
 void RefuseReadOnly(const struct stat& status, std::string_view doing, std::string_view shownPath) {
   if ((status.st_mode & kWriteBits) == 0) {
@@ -218,28 +149,37 @@ std::optional<std::string> ReadHostFileIfPlain(const std::filesystem::path& host
 }
 
 void WriteHostFile(const std::filesystem::path& host, std::string_view bytes, IfPresent ifPresent,
-                   std::string_view shownPath) {
+                   std::string_view shownPath, Durability durability) {
+  RemoveLeftovers(host.parent_path());
   struct stat status;
   const bool present = stat(host.c_str(), &status) == 0;
-  WriteHostFile(host, present ? std::optional(status) : std::nullopt, bytes, ifPresent, shownPath);
+  WriteHostFile(host, present ? std::optional(status) : std::nullopt, bytes, ifPresent, shownPath, durability);
 }
 
 void WriteHostFile(const std::filesystem::path& host, const std::optional<struct stat>& present, std::string_view bytes,
-                   IfPresent ifPresent, std::string_view shownPath) {
+                   IfPresent ifPresent, std::string_view shownPath, Durability durability) {
   if (present) {
-    RefuseFolder(*present, "write", shownPath);
-    if (ifPresent == IfPresent::Refuse) {
+    if (ifPresent == IfPresent::Refuse && !S_ISDIR(present->st_mode)) {
       RaiseSystemError(EEXIST, "write", shownPath);
     }
-    RefuseReadOnly(*present, "write", shownPath);
+    RefuseToReplace(*present, shownPath);
   }
+  const auto check = [&](int failed) {
+    if (failed != 0) {
+      RaiseSystemError(failed, "write", shownPath);
+    }
+  };
   NewFile file(host);
-  if (const int failed = file.Fill(bytes, present ? &*present : nullptr); failed != 0) {
-    RaiseSystemError(failed, "write", shownPath);
-  }
-  if (const int failed = file.TakeName(ifPresent); failed != 0) {
-    RaiseSystemError(failed, "write", shownPath);
-  }
+  check(file.Make(present ? &*present : nullptr));
+  check(file.Append(bytes));
+  check(durability == Durability::OnDisk ? file.Flush() : 0);
+  check(file.TakeName(ifPresent));
+  check(durability == Durability::OnDisk ? file.FlushFolder() : 0);
+}
+
+void RefuseToReplace(const struct stat& present, std::string_view shownPath) {
+  RefuseFolder(present, "write", shownPath);
+  RefuseReadOnly(present, "write", shownPath);
 }
 
 void RemoveHostFile(const std::filesystem::path& host, std::string_view shownPath) {

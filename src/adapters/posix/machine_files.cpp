@@ -11,6 +11,7 @@
 #include "adapters/posix/file_version.h"
 #include "adapters/posix/folder_locks.h"
 #include "adapters/posix/host_file.h"
+#include "adapters/posix/leftovers.h"
 #include "formats/text/file_names.h"
 #include "formats/text/letter_case.h"
 #include "formats/text/unicode.h"
@@ -155,9 +156,17 @@ std::optional<std::string> MachineFiles::VersionOf(std::string_view path) {
   return text;
 }
 
-void MachineFiles::Replace(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Replace); }
+void MachineFiles::Replace(std::string_view path, std::string_view bytes) {
+  Write(path, bytes, IfPresent::Replace, Durability::OfSystem);
+}
 
-void MachineFiles::CreateNew(std::string_view path, std::string_view bytes) { Write(path, bytes, IfPresent::Refuse); }
+void MachineFiles::ReplaceOnDisk(std::string_view path, std::string_view bytes) {
+  Write(path, bytes, IfPresent::Replace, Durability::OnDisk);
+}
+
+void MachineFiles::CreateNew(std::string_view path, std::string_view bytes) {
+  Write(path, bytes, IfPresent::Refuse, Durability::OfSystem);
+}
 
 std::shared_ptr<void> MachineFiles::HoldForChange(std::string_view path) {
   const std::optional<MachinePath> parsed = MachinePath::Parse(path);
@@ -197,6 +206,7 @@ void MachineFiles::CreateFolder(std::string_view path) {
   std::error_code failed;
   if (std::filesystem::create_directory(place.host, failed)) {
     change.AddedFolder();
+    NoteWithoutLeftovers(place.host);
   } else if (failed) {
     RaiseSystemError(failed.value(), kMakeFolder, path);
   }
@@ -221,13 +231,16 @@ void MachineFiles::RemoveFolder(std::string_view path) {
   change.Removed();
 }
 
-void MachineFiles::Write(std::string_view path, std::string_view bytes, IfPresent ifPresent) {
-  const MachineFolder::Place place = folder_.PlaceOf(path);
-  if (ifPresent == IfPresent::Replace && HoldsAlready(place, bytes)) {
+void MachineFiles::Write(std::string_view path, std::string_view bytes, IfPresent ifPresent, Durability durability) {
+  MachineFolder::Place place = folder_.PlaceOf(path);
+  if (ifPresent == IfPresent::Replace && durability == Durability::OfSystem && HoldsAlready(place, bytes)) {
     return;
   }
+  if (RemoveLeftovers(place.folder)) {
+    place = folder_.PlaceOf(path);  // the folder is another version of itself
+  }
   MachineFolder::Change change(folder_, place);
-  WriteHostFile(place.host, place.existing, bytes, ifPresent, path);
+  WriteHostFile(place.host, place.existing, bytes, ifPresent, path, durability);
   change.AddedFile();
 }
 

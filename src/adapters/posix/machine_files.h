@@ -2,6 +2,7 @@
 
 #include "adapters/posix/host_file.h"
 #include "adapters/posix/machine_folder.h"
+#include "seams/durable_files.h"
 #include "seams/file_parts.h"
 #include "seams/files.h"
 
@@ -9,7 +10,7 @@ namespace parvex::posix {
 
 /// The files of a machine folder. A file without any write permission is read-only: it is neither replaced nor removed.
 /// A path that no file can have is one that does not exist.
-class MachineFiles : public Files, public FileParts {
+class MachineFiles : public Files, public FileParts, public DurableFiles {
  public:
   explicit MachineFiles(MachineFolder& folder) : folder_(folder) {}
 
@@ -23,6 +24,7 @@ class MachineFiles : public Files, public FileParts {
   std::string ReadPart(std::string_view path, std::uint64_t at, std::size_t most) override;
   std::optional<std::string> VersionOf(std::string_view path) override;
   void Replace(std::string_view path, std::string_view bytes) override;
+  void ReplaceOnDisk(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
   std::shared_ptr<void> HoldForChange(std::string_view path) override;
   void Remove(std::string_view path) override;
@@ -30,7 +32,7 @@ class MachineFiles : public Files, public FileParts {
   void RemoveFolder(std::string_view path) override;
 
  private:
-  void Write(std::string_view path, std::string_view bytes, IfPresent ifPresent);
+  void Write(std::string_view path, std::string_view bytes, IfPresent ifPresent, Durability durability);
   std::filesystem::path Existing(std::string_view path, std::string_view doing);
 
   MachineFolder& folder_;

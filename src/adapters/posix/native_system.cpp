@@ -16,6 +16,8 @@
 #include <system_error>
 
 #include "adapters/posix/host_file.h"
+#include "adapters/posix/host_replacement.h"
+#include "adapters/posix/open_host_file.h"
 #include "seams/automation_error.h"
 
 namespace parvex::posix {
@@ -24,89 +26,34 @@ namespace {
 constexpr mode_t kOwnFile = S_IRUSR | S_IWUSR;
 constexpr mode_t kOwnFolder = S_IRWXU;
 
-constexpr std::size_t kWorthReserving = 64u << 10;
-constexpr std::size_t kReservedAtOnce = 4u << 20;
-constexpr std::uint64_t kRoomLeftToOthers = std::uint64_t{1} << 30;
-
 std::filesystem::path PathIn(std::string_view path) { return std::filesystem::path(path); }
 
+// While it is open, it is in use.
 class LockedFile : public HostSystem::File {
  public:
   explicit LockedFile(std::string_view path)
-      : path_(path), descriptor_(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kOwnFile)) {
+      : descriptor_(open(std::string(path).c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kOwnFile)),
+        bytes_(path, descriptor_) {
     if (descriptor_ < 0) {
-      RaiseSystemError(errno, "write", path_);
+      RaiseSystemError(errno, "write", path);
     }
     flock(descriptor_, LOCK_EX | LOCK_NB);
   }
   ~LockedFile() override {
-    if (reserved_ > end_ && ftruncate(descriptor_, static_cast<off_t>(end_)) != 0) {
-      // What was reserved stays reserved, until the file goes.
-    }
+    bytes_.Finish();
     close(descriptor_);
   }
   LockedFile(const LockedFile&) = delete;
   LockedFile& operator=(const LockedFile&) = delete;
 
-  void Append(std::string_view bytes) override {
-    if (bytes.size() >= kWorthReserving && end_ + bytes.size() > reserved_) {
-      Reserve(bytes.size());
-    }
-    Write(end_, bytes);
-    end_ += bytes.size();
-  }
-  void Overwrite(std::uint64_t at, std::string_view bytes) override { Write(at, bytes); }
-  void Truncate(std::uint64_t size) override {
-    if (ftruncate(descriptor_, static_cast<off_t>(size)) != 0) {
-      RaiseSystemError(errno, "write", path_);
-    }
-    end_ = size;
-    reserved_ = 0;
-  }
-  std::string Read(std::uint64_t at, std::size_t most) override {
-    std::string bytes(most, '\0');
-    std::size_t size = 0;
-    while (size < most) {
-      const ssize_t got = pread(descriptor_, bytes.data() + size, most - size, static_cast<off_t>(at + size));
-      if (got < 0 && errno != EINTR) {
-        RaiseSystemError(errno, "read", path_);
-      }
-      if (got == 0) {
-        break;
-      }
-      size += got < 0 ? 0 : static_cast<std::size_t>(got);
-    }
-    bytes.resize(size);
-    return bytes;
-  }
+  void Append(std::string_view bytes) override { bytes_.Append(bytes); }
+  void Overwrite(std::uint64_t at, std::string_view bytes) override { bytes_.Overwrite(at, bytes); }
+  void Truncate(std::uint64_t size) override { bytes_.Truncate(size); }
+  std::string Read(std::uint64_t at, std::size_t most) override { return bytes_.Read(at, most); }
 
  private:
-  // Blocks that are there before they are written take a third less time. Nobody shall find the disk full for that.
-  void Reserve(std::size_t more) {
-    struct statvfs disk;
-    const bool isRoomy =
-        fstatvfs(descriptor_, &disk) == 0 && std::uint64_t{disk.f_bavail} * disk.f_frsize > kRoomLeftToOthers;
-    const std::size_t size = std::max(more, kReservedAtOnce);
-    if (isRoomy &&
-        fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(end_), static_cast<off_t>(size)) == 0) {
-      reserved_ = end_ + size;
-    }
-  }
-  void Write(std::uint64_t at, std::string_view bytes) {
-    while (!bytes.empty()) {
-      const ssize_t written = pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(at));
-      if (written < 0 && errno != EINTR) {
-        RaiseSystemError(errno, "write", path_);
-      }
-      bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
-      at += written < 0 ? 0 : static_cast<std::uint64_t>(written);
-    }
-  }
-
-  std::string path_;
   int descriptor_;
-  std::uint64_t end_ = 0;
-  std::uint64_t reserved_ = 0;
+  OpenHostFile bytes_;
 };
 
 std::string TimeText(const char* format, const std::tm& time) {
@@ -193,6 +140,10 @@ bool NativeSystem::CreateNewFolder(std::string_view path) {
 
 std::unique_ptr<HostSystem::File> NativeSystem::MakeFile(std::string_view path) {
   return std::make_unique<LockedFile>(path);
+}
+
+std::unique_ptr<HostSystem::Replacement> NativeSystem::MakeReplacement(std::string_view path, Readers readers) {
+  return MakeHostReplacement(path, readers);
 }
 
 bool NativeSystem::IsInUse(std::string_view path) {

@@ -52,7 +52,8 @@ void RegistryFile::Write(RegistryHive hive, std::string_view key, std::string_vi
   // Empty lines in front, for the file may end in the middle of a line, and that line want to go on in the next.
   const std::string section =
       "\r\n\r\n[" + PathOf(hive, key) + "]\r\n" + QuotedAndEscaped(valueName) + "=" + QuotedAndEscaped(text) + "\r\n";
-  WriteHostFile(file_, Appended(std::move(bytes), section, codePage_), IfPresent::Replace, file_.string());
+  WriteHostFile(file_, Appended(std::move(bytes), section, codePage_), IfPresent::Replace, file_.string(),
+                Durability::OnDisk);
   settled_ = false;
 }
 

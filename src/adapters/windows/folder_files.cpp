@@ -102,6 +102,11 @@ void FolderFiles::Replace(std::string_view path, std::string_view bytes) {
   Named(path, host, [&] { files_.Replace(host, bytes); });
 }
 
+void FolderFiles::ReplaceOnDisk(std::string_view path, std::string_view bytes) {
+  const std::string host = Target(path, "write");
+  Named(path, host, [&] { files_.ReplaceOnDisk(host, bytes); });
+}
+
 void FolderFiles::CreateNew(std::string_view path, std::string_view bytes) {
   const std::string host = Target(path, "write");
   Named(path, host, [&] { files_.CreateNew(host, bytes); });

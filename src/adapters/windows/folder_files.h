@@ -16,7 +16,7 @@ namespace parvex::windows {
 /// Files of a machine that a folder of this Windows stands for: "D:\a" is drive_d\a in it, a path without a drive
 /// begins at drive_c, one of a network at unc. Nothing outside of the folder is reached by a name; errors name the path
 /// that was asked for.
-class FolderFiles : public Files, public FileParts {
+class FolderFiles : public Files, public FileParts, public DurableFiles {
  public:
   /// A path of this system, of any length; the folder need not exist.
   explicit FolderFiles(std::string_view folder);
@@ -31,6 +31,7 @@ class FolderFiles : public Files, public FileParts {
   std::string ReadAll(std::string_view path) override;
   std::string ReadPart(std::string_view path, std::uint64_t at, std::size_t most) override;
   void Replace(std::string_view path, std::string_view bytes) override;
+  void ReplaceOnDisk(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
   void Remove(std::string_view path) override;
   void CreateFolder(std::string_view path) override;

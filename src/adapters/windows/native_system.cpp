@@ -5,81 +5,38 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "adapters/windows/open_system_file.h"
 #include "adapters/windows/system_error.h"
 #include "adapters/windows/system_files.h"
+#include "adapters/windows/system_replacement.h"
 #include "adapters/windows/this_program.h"
 #include "adapters/windows/wide_text.h"
 
 namespace parvex::windows {
 namespace {
 
-constexpr std::size_t kLargestPiece = 1u << 20;
-
 class OwnFile : public HostSystem::File {
  public:
   explicit OwnFile(std::string_view path)
-      : path_(path),
-        handle_(CreateFileW(Widen(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
-                            FILE_ATTRIBUTE_NORMAL, nullptr)) {
+      : handle_(CreateFileW(Widen(path).c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                            FILE_ATTRIBUTE_NORMAL, nullptr)),
+        bytes_(path, handle_) {
     if (handle_ == INVALID_HANDLE_VALUE) {
-      throw FileError(GetLastError(), "write", path_);
+      throw FileError(GetLastError(), "write", path);
     }
   }
   ~OwnFile() override { CloseHandle(handle_); }
   OwnFile(const OwnFile&) = delete;
   OwnFile& operator=(const OwnFile&) = delete;
 
-  void Append(std::string_view bytes) override {
-    Write(end_, bytes);
-    end_ += bytes.size();
-  }
-  void Overwrite(std::uint64_t at, std::string_view bytes) override { Write(at, bytes); }
-  void Truncate(std::uint64_t size) override {
-    GoTo(size, "write");
-    if (!SetEndOfFile(handle_)) {
-      throw FileError(GetLastError(), "write", path_);
-    }
-    end_ = size;
-  }
-  std::string Read(std::uint64_t at, std::size_t most) override {
-    GoTo(at, "read");
-    std::string bytes(most, '\0');
-    std::size_t size = 0;
-    DWORD got = 1;
-    while (size < most && got > 0) {
-      const auto wanted = static_cast<DWORD>(std::min(most - size, kLargestPiece));
-      if (!ReadFile(handle_, bytes.data() + size, wanted, &got, nullptr)) {
-        throw FileError(GetLastError(), "read", path_);
-      }
-      size += got;
-    }
-    bytes.resize(size);
-    return bytes;
-  }
+  void Append(std::string_view bytes) override { bytes_.Append(bytes); }
+  void Overwrite(std::uint64_t at, std::string_view bytes) override { bytes_.Overwrite(at, bytes); }
+  void Truncate(std::uint64_t size) override { bytes_.Truncate(size); }
+  std::string Read(std::uint64_t at, std::size_t most) override { return bytes_.Read(at, most); }
 
  private:
-  void GoTo(std::uint64_t at, std::string_view doing) {
-    LARGE_INTEGER place = {};
-    place.QuadPart = static_cast<LONGLONG>(at);
-    if (!SetFilePointerEx(handle_, place, nullptr, FILE_BEGIN)) {
-      throw FileError(GetLastError(), doing, path_);
-    }
-  }
-  void Write(std::uint64_t at, std::string_view bytes) {
-    GoTo(at, "write");
-    while (!bytes.empty()) {
-      DWORD written = 0;
-      const auto wanted = static_cast<DWORD>(std::min(bytes.size(), kLargestPiece));
-      if (!WriteFile(handle_, bytes.data(), wanted, &written, nullptr) || written == 0) {
-        throw FileError(GetLastError(), "write", path_);
-      }
-      bytes.remove_prefix(written);
-    }
-  }
-
-  std::string path_;
   HANDLE handle_;
-  std::uint64_t end_ = 0;
+  OpenSystemFile bytes_;
 };
 
 std::optional<std::wstring> WideVariable(const wchar_t* name) {
@@ -163,6 +120,11 @@ bool NativeSystem::CreateNewFolder(std::string_view path) {
 
 std::unique_ptr<HostSystem::File> NativeSystem::MakeFile(std::string_view path) {
   return std::make_unique<OwnFile>(path);
+}
+
+// Who reads a new file, its folder says: those of users are closed to others.
+std::unique_ptr<HostSystem::Replacement> NativeSystem::MakeReplacement(std::string_view path, Readers) {
+  return MakeSystemReplacement(path);
 }
 
 // Whose file it is may remove it while it is looked at.

@@ -18,6 +18,7 @@ class NativeSystem : public HostSystem {
   void CreateFolders(std::string_view path) override;
   bool CreateNewFolder(std::string_view path) override;
   std::unique_ptr<File> MakeFile(std::string_view path) override;
+  std::unique_ptr<Replacement> MakeReplacement(std::string_view path, Readers readers) override;
   bool IsInUse(std::string_view path) override;
   bool IsFolder(std::string_view path) override;
   std::uint64_t SizeOf(std::string_view path) override;

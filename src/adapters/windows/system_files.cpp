@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "adapters/windows/new_file.h"
 #include "adapters/windows/system_error.h"
 #include "adapters/windows/wide_text.h"
 #include "formats/text/text.h"
@@ -12,7 +13,9 @@
 namespace parvex::windows {
 namespace {
 
-constexpr std::size_t kWriteChunk = 1u << 20;
+constexpr std::size_t kReadChunk = 1u << 20;
+// Who reads a file lets others replace it meanwhile.
+constexpr DWORD kSharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 class FileHandle {
  public:
@@ -67,22 +70,11 @@ std::vector<std::string> Listed(const std::wstring& pattern, bool folders) {
   return names;
 }
 
-void WriteWhole(HANDLE file, std::string_view bytes, std::string_view path) {
-  for (std::size_t done = 0; done < bytes.size();) {
-    const auto wanted = static_cast<DWORD>(std::min(bytes.size() - done, kWriteChunk));
-    DWORD written = 0;
-    if (!WriteFile(file, bytes.data() + done, wanted, &written, nullptr) || written == 0) {
-      throw FileError(GetLastError(), "write", path);
-    }
-    done += written;
-  }
-}
-
 // Fills `bytes` as far as the file goes, and tells how far that is.
 std::size_t ReadInto(HANDLE file, std::string& bytes, std::string_view path) {
   std::size_t done = 0;
   while (done < bytes.size()) {
-    const auto wanted = static_cast<DWORD>(std::min(bytes.size() - done, kWriteChunk));
+    const auto wanted = static_cast<DWORD>(std::min(bytes.size() - done, kReadChunk));
     DWORD got = 0;
     if (!ReadFile(file, bytes.data() + done, wanted, &got, nullptr)) {
       throw FileError(GetLastError(), "read", path);
@@ -95,34 +87,10 @@ std::size_t ReadInto(HANDLE file, std::string& bytes, std::string_view path) {
   return done;
 }
 
-// Writes `bytes` to a new file beside `path` and moves it there; the file beside is gone whatever happens.
-void WriteBeside(std::string_view path, std::string_view bytes, DWORD moveFlags) {
-  const std::wstring target = Widen(path);
-  static thread_local unsigned counter = 0;
-  const std::wstring beside = target + L"." + std::to_wstring(GetCurrentProcessId()) + L"-" +
-                              std::to_wstring(GetCurrentThreadId()) + L"-" + std::to_wstring(++counter) + L".new";
-  FileHandle file(CreateFileW(beside.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (!file.IsOpen()) {
-    throw FileError(GetLastError(), "write", path);
-  }
-  try {
-    WriteWhole(file.Get(), bytes, path);
-    file.Close();
-    if (!MoveFileExW(beside.c_str(), target.c_str(), moveFlags)) {
-      throw FileError(GetLastError(), "write", path);
-    }
-  } catch (...) {
-    file.Close();
-    DeleteFileW(beside.c_str());
-    throw;
-  }
-}
-
-void RefuseFolder(std::string_view path) {
-  const DWORD attributes = Attributes(path);
-  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-    throw FileError(ERROR_ACCESS_DENIED, "write", path);
-  }
+void WriteNewFile(std::string_view path, std::string_view bytes, NameOf whose, Durability durability) {
+  NewFile file(path);
+  file.Append(bytes);
+  file.TakeName(whose, durability);
 }
 
 }  // namespace
@@ -172,8 +140,8 @@ std::vector<std::string> SystemFiles::ListFolders(std::string_view folder) {
 }
 
 std::string SystemFiles::ReadAll(std::string_view path) {
-  const FileHandle file(CreateFileW(Widen(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  const FileHandle file(CreateFileW(Widen(path).c_str(), GENERIC_READ, kSharedWithAll, nullptr, OPEN_EXISTING,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file.IsOpen()) {
     throw FileError(GetLastError(), "read", path);
   }
@@ -187,8 +155,8 @@ std::string SystemFiles::ReadAll(std::string_view path) {
 }
 
 std::string SystemFiles::ReadPart(std::string_view path, std::uint64_t at, std::size_t most) {
-  const FileHandle file(CreateFileW(Widen(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  const FileHandle file(CreateFileW(Widen(path).c_str(), GENERIC_READ, kSharedWithAll, nullptr, OPEN_EXISTING,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
   LARGE_INTEGER size = {};
   LARGE_INTEGER place = {};
   place.QuadPart = static_cast<LONGLONG>(at);
@@ -204,21 +172,21 @@ std::string SystemFiles::ReadPart(std::string_view path, std::uint64_t at, std::
 
 void SystemFiles::Replace(std::string_view path, std::string_view bytes) {
   missing_.Forget();
-  RefuseFolder(path);
-  const DWORD attributes = Attributes(path);
-  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
-    throw FileError(ERROR_ACCESS_DENIED, "write", path);
-  }
-  WriteBeside(path, bytes, MOVEFILE_REPLACE_EXISTING);
+  WriteNewFile(path, bytes, NameOf::Anybody, Durability::OfSystem);
+}
+
+void SystemFiles::ReplaceOnDisk(std::string_view path, std::string_view bytes) {
+  missing_.Forget();
+  WriteNewFile(path, bytes, NameOf::Anybody, Durability::OnDisk);
 }
 
 void SystemFiles::CreateNew(std::string_view path, std::string_view bytes) {
   missing_.Forget();
-  RefuseFolder(path);
-  if (Attributes(path) != INVALID_FILE_ATTRIBUTES) {
-    throw FileError(ERROR_FILE_EXISTS, "write", path);
+  if (const DWORD attributes = Attributes(path); attributes != INVALID_FILE_ATTRIBUTES) {
+    const bool isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    throw FileError(isFolder ? ERROR_ACCESS_DENIED : ERROR_FILE_EXISTS, "write", path);
   }
-  WriteBeside(path, bytes, 0);
+  WriteNewFile(path, bytes, NameOf::Nobody, Durability::OfSystem);
 }
 
 void SystemFiles::Remove(std::string_view path) {

@@ -2,12 +2,13 @@
 
 #include "adapters/windows/missing_files.h"
 #include "adapters/windows/named_locks.h"
+#include "seams/durable_files.h"
 #include "seams/file_parts.h"
 #include "seams/files.h"
 
 namespace parvex::windows {
 
-class SystemFiles : public Files, public FileParts {
+class SystemFiles : public Files, public FileParts, public DurableFiles {
  public:
   bool IsFile(std::string_view path) override;
   bool IsFolder(std::string_view path) override;
@@ -16,6 +17,7 @@ class SystemFiles : public Files, public FileParts {
   std::string ReadAll(std::string_view path) override;
   std::string ReadPart(std::string_view path, std::uint64_t at, std::size_t most) override;
   void Replace(std::string_view path, std::string_view bytes) override;
+  void ReplaceOnDisk(std::string_view path, std::string_view bytes) override;
   void CreateNew(std::string_view path, std::string_view bytes) override;
   std::shared_ptr<void> HoldForChange(std::string_view path) override { return HoldNamed(path); }
   void Remove(std::string_view path) override;

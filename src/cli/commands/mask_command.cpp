@@ -1,14 +1,13 @@
 #include "cli/commands/mask_command.h"
 
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <string_view>
 #include <system_error>
 
 #include "cli/cases/run_text.h"
 #include "cli/commands/case_run_command.h"
 #include "cli/host/host.h"
+#include "cli/terminal/output_file.h"
 #include "masking/masked_case.h"
 #include "recording/recorded_case.h"
 #include "seams/automation_error.h"
@@ -21,28 +20,6 @@ namespace fs = std::filesystem;
 bool IsSameFile(const std::string& left, const std::string& right) {
   std::error_code none;
   return left == right || fs::equivalent(PathOf(left), PathOf(right), none);
-}
-
-// A file that only its owner reads, from the first byte on.
-void WritePrivately(const std::string& name, std::string_view text) {
-  fs::path beside = PathOf(name);
-  beside += ".parvex-new";
-  std::error_code error;
-  fs::remove(beside, error);
-  std::ofstream stream(beside, std::ios::binary);
-  fs::permissions(beside, fs::perms::owner_read | fs::perms::owner_write, error);
-  if (stream && !error) {
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-    stream.close();
-    if (stream) {
-      fs::rename(beside, PathOf(name), error);
-    }
-  }
-  if (!stream || error) {
-    std::error_code ignored;
-    fs::remove(beside, ignored);
-    throw UsageError("cannot write " + name);
-  }
 }
 
 }  // namespace
@@ -65,7 +42,7 @@ ExitStatus MaskCase(const MaskCaseOptions& options) {
     const masking::Options how = {.key = masking::NewKey(), .keepPrices = options.keepPrices};
     const masking::MaskedCase masked = masking::MaskCase(whole, how, run);
     if (!options.table.empty()) {
-      WritePrivately(options.table, masking::TextOf(masked.table));
+      OutputFile(options.table, OutputFile::Readers::OwnerOnly).Write(masking::TextOf(masked.table));
     }
     recording::WriteCase(*system, masked.masked, options.output);
   } catch (const AutomationError& error) {

@@ -8,6 +8,7 @@
 #include "formats/jet/statement.h"
 #include "formats/jet/values.h"
 #include "seams/automation_error.h"
+#include "seams/durable_files.h"
 
 namespace parvex::jet {
 
@@ -50,7 +51,7 @@ class OpenFile {
     const std::shared_ptr<void> alone = files_.HoldForChange(file_.Name());
     File changed = Read(file_.Name());
     change(changed);
-    files_.Replace(changed.Name(), changed.Bytes());
+    ReplaceOnDisk(files_, changed.Name(), changed.Bytes());
     file_ = std::move(changed);
     tables_.clear();
   }

@@ -89,6 +89,8 @@ COMMANDS = {
     "machine create": ([], program("machine", "create", "{machine}")),
     "recording on": ([], on_machine("recording", "on", "{root}/cases")),
 }
+# What a command does first, which is seen where it was killed behind that.
+FIRST_STEPS = {"retrieveProject, new": sent("addProject", projectName="Harbour School")}
 # Names and keys are random: the files are whole, and differ from run to run.
 RANDOM_OUTPUT = {"case mask -o --table"}
 
@@ -164,20 +166,24 @@ class Watched:
         for step in prepare:
             status, said = place.run(step(place))
             if status != 0:
-                sys.exit(f"{name}: what comes before it ended with {status}: {said}")
+                raise RuntimeError(f"{name}: what comes before it ended with {status}: {said}")
         if name in RANDOM_OUTPUT:
             shutil.move(next((place.root / "cases").iterdir()), place.root / "case")
         self.arguments = make(place)
         self.before, self.folders = known(place.state()), place.folders()
         self.between = self.hand_overs()
         place.put_back(self.before, self.folders)
+        if name in FIRST_STEPS:
+            place.run(FIRST_STEPS[name](place))
+            self.between.append(known(place.state()))
+            place.put_back(self.before, self.folders)
         durations = []
         for _ in range(MEASURED):
             start = time.monotonic()
             status, said = place.run(self.arguments)
             durations.append(time.monotonic() - start)
             if status != 0:
-                sys.exit(f"{name} ended with {status}: {said}")
+                raise RuntimeError(f"{name} ended with {status}: {said}")
             self.after = known(place.state())
             self.sizes = {path: len(bytes_) for path, bytes_ in self.after.items()}
             self.status_behind = place.run(self.arguments)[0]
@@ -217,11 +223,12 @@ class Watched:
             return None if self.name.startswith("export") and path.startswith("machine/" + TEMP) else f"{path} is gone"
         if self.name.startswith("export") and bytes_ in self.entries:
             return None
-        if path.endswith("UIKeys.txt") and path in self.before:
-            lines, old = bytes_.splitlines(), self.before[path].splitlines()
-            shown = all(line == other or line.split(b"=")[0] == other.split(b"=")[0] and
-                        line.split(b"=")[1] in (b"0", b"-1") for line, other in zip(lines, old))
-            return None if shown and len(lines) == len(old) else f"{path} is neither"
+        if path.endswith("UIKeys.txt") and bytes_ == self.after[path].replace(b"Active=-1", b"Active=0"):
+            return None  # what the builder's windows show is hidden while tags are built
+        if self.name == "setProjectProperties" and path.endswith("project.mdb"):
+            # Each contact is saved by itself.
+            status, said = self.place.run(sent("getProjectProperties", projectName="Harbour")(self.place))
+            return None if status == 0 else f"{path} cannot be read: {said}"
         if self.name in RANDOM_OUTPUT and path.startswith("out/"):
             whole = bool(entries(bytes_)) if path.endswith("masked") else bytes_.endswith(b"\n")
             return None if whole else f"{path} is torn"
@@ -251,6 +258,8 @@ class Watched:
         again = known(self.place.state())
         if self.name in RANDOM_OUTPUT:
             fits = status == 0 and not self.problems(again)
+        elif self.name == "renameProject" and again == {**self.before, **self.after}:
+            fits = status == 1  # copied and not yet deleted: the project is there under both names
         else:
             fits = (status, again) in ((0, self.after), (self.status_behind, self.behind))
         if not fits:

@@ -88,7 +88,7 @@ TEST_P(KilledProjectChange, IsDoneOrNotDoneForWhoComesNext) {
   const std::size_t calls = test::WithCallFault({}, [&] { GetParam().make(undisturbed.store); });
   const std::string after = undisturbed.State();
   ASSERT_NE(before, after);
-  ASSERT_GT(calls, 3u);
+  ASSERT_GE(calls, 3u);
   std::map<std::string, int> outcomes;
   for (const CallFault::Kind kind : {CallFault::Kind::KillBefore, CallFault::Kind::KillAfter}) {
     for (std::size_t at = 1; at <= calls; ++at) {

@@ -31,7 +31,11 @@ class FakeSystem : public posix::NativeSystem {
   bool CreateNewFolder(std::string_view path) override { return Step(), NativeSystem::CreateNewFolder(path); }
   std::unique_ptr<File> MakeFile(std::string_view path) override {
     Step();
-    return std::make_unique<LimitedFile>(*this, NativeSystem::MakeFile(path));
+    return std::make_unique<LimitedFile<File>>(*this, NativeSystem::MakeFile(path));
+  }
+  std::unique_ptr<Replacement> MakeReplacement(std::string_view path, Readers readers) override {
+    Step();
+    return std::make_unique<LimitedReplacement>(*this, NativeSystem::MakeReplacement(path, readers));
   }
   void WriteAll(std::string_view path, std::string_view bytes) override {
     Take(bytes.size());
@@ -47,9 +51,10 @@ class FakeSystem : public posix::NativeSystem {
   }
 
  private:
-  class LimitedFile : public File {
+  template <typename Kind>
+  class LimitedFile : public Kind {
    public:
-    LimitedFile(FakeSystem& system, std::unique_ptr<File> file) : system_(system), file_(std::move(file)) {}
+    LimitedFile(FakeSystem& system, std::unique_ptr<Kind> file) : system_(system), file_(std::move(file)) {}
     void Append(std::string_view bytes) override {
       const std::uint64_t fits = std::min<std::uint64_t>(system_.room, bytes.size());
       if (fits < bytes.size()) {
@@ -62,9 +67,14 @@ class FakeSystem : public posix::NativeSystem {
     void Truncate(std::uint64_t size) override { file_->Truncate(size); }
     std::string Read(std::uint64_t at, std::size_t most) override { return file_->Read(at, most); }
 
-   private:
+   protected:
     FakeSystem& system_;
-    std::unique_ptr<File> file_;
+    std::unique_ptr<Kind> file_;
+  };
+  class LimitedReplacement : public LimitedFile<Replacement> {
+   public:
+    using LimitedFile::LimitedFile;
+    void TakeName() override { system_.Step(), file_->TakeName(); }
   };
 
   void Step() {

@@ -19,6 +19,16 @@ inline std::string Repeated(std::string_view piece, std::size_t times) {
   return text;
 }
 
+/// The pieces that `piece` makes of the numbers from 0 on.
+template <class Piece>
+std::string Numbered(std::size_t count, Piece piece) {
+  std::string text;
+  for (std::size_t i = 0; i < count; ++i) {
+    text += piece(std::to_string(i));
+  }
+  return text;
+}
+
 /// Why a text is refused; a failure of the test when it is not.
 inline std::string RefusalOf(std::string_view text) {
   const xml::Document document = xml::Document::Parse(text);

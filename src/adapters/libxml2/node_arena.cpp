@@ -90,6 +90,7 @@ void* NodeArena::AllocateLarge(std::size_t size) {
   auto* piece = new (::operator new(sizeof(LargePiece) + size)) LargePiece{ring_.previous, &ring_};
   ring_.previous->next = piece;
   ring_.previous = piece;
+  held_ += of.room;
   return piece + 1;
 }
 
@@ -101,6 +102,7 @@ void NodeArena::FreeLarge(void* piece, std::size_t size) noexcept {
   }
   header->previous->next = header->next;
   header->next->previous = header->previous;
+  held_ -= ClassOf(sizeof(LargePiece) + size).room;
   ::operator delete(header);
 }
 
@@ -115,6 +117,7 @@ void NodeArena::Absorb(NodeArena& other) noexcept {
     end_ = other.end_;
   }
   other.free_ = other.end_ = nullptr;
+  held_ += std::exchange(other.held_, 0);
   nextChunk_ = std::max(nextChunk_, std::exchange(other.nextChunk_, kFirstChunk));
   for (std::size_t i = 0; i < freed_.size(); ++i) {
     FreePieces& theirs = other.freed_[i];
@@ -146,6 +149,7 @@ void NodeArena::AddChunk() {
   auto* chunk = new (memory) Chunk{chunks_, size};
   lastChunk_ = chunks_ == nullptr ? chunk : lastChunk_;
   chunks_ = chunk;
+  held_ += size;
   free_ = static_cast<std::byte*>(memory) + sizeof(Chunk);
   end_ = static_cast<std::byte*>(memory) + size;
   nextChunk_ = std::min(2 * size, kLargestChunk);

@@ -25,6 +25,8 @@ class NodeArena {
   void Free(void* piece, std::size_t size) noexcept;
   /// Takes over all that another arena holds; it is empty afterwards. The cost does not depend on how much that is.
   void Absorb(NodeArena& other) noexcept;
+  /// Bytes that it has of the system, for pieces in use or free.
+  std::size_t Held() const noexcept { return held_; }
 
   static constexpr std::size_t kGrain = 8;           ///< small pieces take a multiple of it
   static constexpr std::size_t kLargestSmall = 256;  ///< larger pieces take up to a quarter more than their size
@@ -81,6 +83,7 @@ class NodeArena {
   std::byte* free_ = nullptr;  // the rest of the newest chunk
   std::byte* end_ = nullptr;
   std::size_t nextChunk_ = kFirstChunk;
+  std::size_t held_ = 0;
   Chunk* chunks_ = nullptr;
   Chunk* lastChunk_ = nullptr;
   LargePiece ring_;

@@ -4,7 +4,9 @@
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 
+#include <algorithm>
 #include <climits>
+#include <map>
 #include <memory>
 #include <new>
 #include <string>
@@ -15,6 +17,7 @@
 #include "adapters/libxml2/encoding.h"
 #include "adapters/libxml2/library_memory.h"
 #include "adapters/libxml2/names.h"
+#include "adapters/libxml2/nodes.h"
 #include "formats/text/markup_bounds.h"
 #include "formats/text/xml_characters.h"
 #include "seams/automation_error.h"
@@ -22,15 +25,24 @@
 namespace parvex::xml {
 namespace {
 
+struct OpenElement {
+  bool keepsBlanks = false;
+  std::size_t declarations = 0;  // of namespaces that hold in it
+};
+
 // What the parser's callbacks know beyond the library's context. They build the tree themselves: white space between
 // elements never becomes a node, and neighbouring pieces of a text are joined once.
 struct Parsing {
   std::size_t expanded = 0;
-  std::string error;                     // the first one
-  bool outOfMemory = false;              // an exception must not pass through the library
-  xmlNode* open = nullptr;               // the innermost element that is open, or the document
-  std::vector<bool> keepsBlanks{false};  // of the elements that are open, and outside of them
-  std::string text;                      // since the last tag, section, comment or instruction
+  std::size_t knownNames = 0;  // that the dictionary had before
+  NodeArena* memory = nullptr;
+  std::size_t mostMemory = 0;           // that the arena may hold
+  std::string error;                    // the first one
+  bool outOfMemory = false;             // an exception must not pass through the library
+  xmlNode* open = nullptr;              // the innermost element that is open, or the document
+  std::vector<OpenElement> levels{{}};  // outside of all elements, and those that are open
+  std::map<std::pair<const xmlChar*, const xmlChar*>, xmlNs*> namespaces;  // by prefix and name, as the parser has them
+  std::string text;  // since the last tag, section, comment or instruction
 };
 
 Parsing& ParsingOf(void* context) { return *static_cast<Parsing*>(static_cast<xmlParserCtxt*>(context)->_private); }
@@ -80,6 +92,9 @@ void OnProblem(void* context, Error* problem) {
   if (!counts) {
     return;
   }
+  // The library would read on, and call back no more. So it calls back, and is stopped then: not here, where it may be
+  // amid its buffers.
+  static_cast<xmlParserCtxt*>(context)->recovery = 1;
   Record(parsing, [&] {
     std::string reason = problem->message == nullptr ? "the text does not parse" : problem->message;
     while (!reason.empty() && IsBlank(reason.back())) {
@@ -131,13 +146,32 @@ xmlParserInputPtr OnResolve(void*, const xmlChar*, const xmlChar*) { return null
 
 void OnExternalSubset(void*, const xmlChar*, const xmlChar*, const xmlChar*) {}
 
-// Does what a callback has to do; no exception may pass through the library.
+// Ends the parse when the document has become too large. False then.
+bool StaysInBounds(void* context, const Parsing& parsing) {
+  const auto* parser = static_cast<xmlParserCtxt*>(context);
+  if (parsing.memory != nullptr && parsing.memory->Held() > parsing.mostMemory) {
+    EndParse(context, TooLargeTree());
+    return false;
+  }
+  if (static_cast<std::size_t>(xmlDictSize(parser->dict)) > parsing.knownNames + kMostDifferentNames) {
+    EndParse(context, TooManyNames());
+    return false;
+  }
+  return true;
+}
+
+// Does what a callback has to do, unless something is wrong already; no exception may pass through the library.
 template <typename Work>
 void Carefully(void* context, Work work) noexcept {
+  Parsing& parsing = ParsingOf(context);
   try {
-    work(ParsingOf(context));
+    if (!parsing.error.empty()) {
+      xmlStopParser(static_cast<xmlParserCtxt*>(context));
+    } else if (StaysInBounds(context, parsing)) {
+      work(parsing);
+    }
   } catch (const std::bad_alloc&) {
-    ParsingOf(context).outOfMemory = true;
+    parsing.outOfMemory = true;
     xmlStopParser(static_cast<xmlParserCtxt*>(context));
   }
 }
@@ -148,7 +182,7 @@ void EndText(Parsing& parsing) {
     return;
   }
   xmlNode* parent = parsing.open;
-  if (parsing.keepsBlanks.back() || !IsBlank(parsing.text)) {
+  if (parsing.levels.back().keepsBlanks || !IsBlank(parsing.text)) {
     AppendText(parent, parsing.text);
   } else if (parent->last != nullptr) {
     parent->last->extra |= kBlankAfter;
@@ -168,6 +202,8 @@ void OnStartDocument(void* context) {
     }
     TakeIn(document);
     parsing.open = AsNode(document);
+    parsing.memory = &ArenaOf(document);
+    parsing.mostMemory += parsing.memory->Held();
   });
 }
 
@@ -176,14 +212,18 @@ std::string_view Between(const xmlChar* begin, const xmlChar* end) {
 }
 
 // The document's namespace of that prefix and name; null for no name.
-xmlNs* NamespaceFor(xmlDoc* document, const xmlChar* prefix, const xmlChar* uri) {
+xmlNs* NamespaceFor(Parsing& parsing, const xmlChar* prefix, const xmlChar* uri) {
   if (uri == nullptr) {
     return nullptr;
   }
-  xmlNs wanted{};
-  wanted.prefix = prefix;
-  wanted.href = uri;
-  return OwnNamespace(document, &wanted);
+  xmlNs*& known = parsing.namespaces[{prefix, uri}];
+  if (known == nullptr) {
+    xmlNs wanted{};
+    wanted.prefix = prefix;
+    wanted.href = uri;
+    known = OwnNamespace(parsing.open->doc, &wanted);
+  }
+  return known;
 }
 
 // An attribute as the parser tells it.
@@ -205,38 +245,63 @@ bool KeepsBlanks(const ReadAttribute& attribute, bool outside) {
   return Between(attribute.begin, attribute.end) == "preserve";
 }
 
+// Why a start tag is refused; empty when it is not.
+std::string Refusal(Parsing& parsing, const xmlChar** namespaces, std::size_t count) {
+  if (parsing.levels.size() > kDeepestElement) {
+    return NestedTooDeeply();
+  }
+  if (parsing.levels.back().declarations + count > kMostDeclarations) {
+    return TooManyDeclarations();
+  }
+  if (parsing.namespaces.size() > kMostDifferentNamespaces) {
+    return "more than " + std::to_string(kMostDifferentNamespaces) + " different namespaces";
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    if (View(namespaces[2 * i + 1]).size() > kLongestNamespace) {
+      return "a namespace's name is longer than " + std::to_string(kLongestNamespace) + " bytes";
+    }
+  }
+  return "";
+}
+
+// False when attributes that only a DOCTYPE gives pass the bound.
+bool CountDefaulted(void* context, const ReadAttribute* first, const ReadAttribute* end) {
+  return std::all_of(first, end, [&](const ReadAttribute& attribute) {
+    return CountExpansion(
+        context, View(attribute.name).size() + kSignsOfAttribute + Between(attribute.begin, attribute.end).size());
+  });
+}
+
 void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespaceCount,
                     const xmlChar** namespaces, int attributeCount, int defaultedCount, const xmlChar** attributes) {
-  if (ParsingOf(context).keepsBlanks.size() > kDeepestElement) {
-    EndParse(context, NestedTooDeeply());
-    return;
-  }
   const auto* read = reinterpret_cast<const ReadAttribute*>(attributes);
   const int written = attributeCount - defaultedCount;
-  for (int i = written; i < attributeCount; ++i) {
-    if (!CountExpansion(context, Between(read[i].begin, read[i].end).size())) {
+  const auto declared = static_cast<std::size_t>(namespaceCount);
+  Carefully(context, [&](Parsing& parsing) {
+    if (const std::string refusal = Refusal(parsing, namespaces, declared); !refusal.empty()) {
+      EndParse(context, refusal);
       return;
     }
-  }
-  Carefully(context, [&](Parsing& parsing) {
+    if (!CountDefaulted(context, read + written, read + attributeCount)) {
+      return;
+    }
     EndText(parsing);
-    xmlDoc* document = parsing.open->doc;
     xmlNode* element = AppendElement(parsing.open, name);
-    for (int i = 0; i < namespaceCount; ++i) {
+    for (std::size_t i = 0; i < declared; ++i) {
       AppendDeclaration(element, View(namespaces[2 * i]), View(namespaces[2 * i + 1]));
     }
-    element->ns = NamespaceFor(document, prefix, uri);
-    bool keepsBlanks = parsing.keepsBlanks.back();
+    element->ns = NamespaceFor(parsing, prefix, uri);
+    OpenElement level{parsing.levels.back().keepsBlanks, parsing.levels.back().declarations + declared};
     xmlAttr* last = nullptr;
     // Attributes that only a DOCTYPE gives are left out.
     for (int i = 0; i < written; ++i) {
-      last = AppendAttribute(element, last, NamespaceFor(document, read[i].prefix, read[i].uri), read[i].name);
+      last = AppendAttribute(element, last, NamespaceFor(parsing, read[i].prefix, read[i].uri), read[i].name);
       if (read[i].begin != read[i].end) {
         AppendText(AsNode(last), Between(read[i].begin, read[i].end));
       }
-      keepsBlanks = KeepsBlanks(read[i], keepsBlanks);
+      level.keepsBlanks = KeepsBlanks(read[i], level.keepsBlanks);
     }
-    parsing.keepsBlanks.push_back(keepsBlanks);
+    parsing.levels.push_back(level);
     parsing.open = element;
   });
 }
@@ -245,7 +310,7 @@ void OnEndElement(void* context, const xmlChar*, const xmlChar*, const xmlChar*)
   Carefully(context, [](Parsing& parsing) {
     EndText(parsing);
     parsing.open = parsing.open->parent;
-    parsing.keepsBlanks.pop_back();
+    parsing.levels.pop_back();
   });
 }
 
@@ -345,6 +410,9 @@ std::string Objection(std::string_view text) {
   if (const std::size_t bad = FindForbidden(text); bad != std::string_view::npos) {
     return PlaceOf(text, bad) + ": not a character of XML, or not in the encoding";
   }
+  if (std::string beyond = BeyondBounds(text); !beyond.empty()) {
+    return beyond;
+  }
   // The parser guesses at encodings from the first bytes. A text that begins like this leaves it nothing to guess.
   if (text[0] != '<' && !IsBlank(text[0])) {
     return At(1, 1) + "the document does not begin with '<'";
@@ -364,7 +432,9 @@ UnheldDocument ParseText(std::string_view text) {
   const LibraryMemory memory;
   const Quiet quiet;
   Parsing parsing;
+  parsing.mostMemory = std::max(kTreeAnyway, kTreeOfText * text.size());
   const Parser parser = NewParser(text, parsing);
+  parsing.knownNames = static_cast<std::size_t>(xmlDictSize(parser->dict));
   xmlParseDocument(parser.get());
   xmlDoc* parsed = std::exchange(parser->myDoc, nullptr);
   UnheldDocument document(parsed);

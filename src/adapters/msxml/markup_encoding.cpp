@@ -9,7 +9,9 @@
 #include "formats/text/encoded_text.h"
 #include "formats/text/encoding_names.h"
 #include "formats/text/markup_bounds.h"
+#include "formats/text/markup_tags.h"
 #include "formats/text/text.h"
+#include "formats/text/tree_bounds.h"
 #include "formats/text/unicode.h"
 #include "formats/text/xml_characters.h"
 #include "seams/automation_error.h"
@@ -134,76 +136,25 @@ std::optional<std::string_view> EntityLiteral(std::string_view text) {
   return close == std::string_view::npos ? std::nullopt : std::optional(text.substr(quote + 1, close - quote - 1));
 }
 
-/// Where a tag or declaration that begins at `from` ends: at its ">" outside of quotes, or at the end of the text.
-std::size_t EndOfTag(std::string_view text, std::size_t from) {
-  char quote = '\0';
-  for (std::size_t at = from; at < text.size(); ++at) {
-    const char c = text[at];
-    if (quote != '\0') {
-      quote = c == quote ? '\0' : quote;
-    } else if (c == '"' || c == '\'') {
-      quote = c;
-    } else if (c == '>') {
-      return at;
-    }
-  }
-  return text.size();
-}
-
-/// Where what begins at `from` and runs up to `mark` ends.
-std::size_t EndAtMark(std::string_view text, std::size_t from, std::string_view mark) {
-  const std::size_t at = text.find(mark, from);
-  return at == std::string_view::npos ? text.size() : at + mark.size();
-}
-
-/// Where the start tag ends that opens one element too many; npos when none does. Of markup that does not parse it is
-/// some offset.
-std::size_t NestedTooDeeplyAt(std::string_view text) {
-  std::size_t open = 0;
-  for (std::size_t at = text.find('<'); at < text.size(); at = text.find('<', at)) {
-    const std::string_view rest = text.substr(at);
-    if (rest.starts_with("<!--")) {
-      at = EndAtMark(text, at + 4, "-->");
-    } else if (rest.starts_with("<![CDATA[")) {
-      at = EndAtMark(text, at, "]]>");
-    } else if (rest.starts_with("<?")) {
-      at = EndAtMark(text, at, "?>");
-    } else if (rest.starts_with("<!")) {
-      at += 2;
-    } else if (rest.starts_with("</")) {
-      open -= open > 0;
-      at += 2;
-    } else {
-      at = EndOfTag(text, at);
-      const bool isEmpty = at < text.size() && text[at - 1] == '/';
-      if (open == xml::kDeepestElement) {
-        return isEmpty ? at - 1 : at;
-      }
-      open += isEmpty ? 0 : 1;
-    }
-  }
-  return std::string_view::npos;
-}
-
 /// What is wrong with the DOCTYPE's entities and defaulted attributes; empty when nothing is, or there is none.
 std::string RefusedEntities(std::string_view text) {
-  const std::size_t doctype = text.find("<!DOCTYPE");
-  if (doctype == std::string_view::npos) {
+  const std::size_t begin = xml::DoctypeIn(text);
+  if (begin == std::string_view::npos) {
     return {};
   }
+  const std::string_view doctype = text.substr(begin, xml::EndOfDoctype(text, begin) - begin);
   std::size_t longestEntity = 0;
-  for (std::size_t at = text.find("<!ENTITY", doctype); at != std::string_view::npos;
-       at = text.find("<!ENTITY", at + 1)) {
-    const auto literal = EntityLiteral(text.substr(at + 8));
+  for (std::size_t at = doctype.find("<!ENTITY"); at != std::string_view::npos; at = doctype.find("<!ENTITY", at + 1)) {
+    const auto literal = EntityLiteral(doctype.substr(at + 8));
     if (!literal || literal->find_first_of("&%<") != std::string_view::npos) {
       return "a DOCTYPE with entities that are more than plain text";
     }
     longestEntity = literal->size() > longestEntity ? literal->size() : longestEntity;
   }
   std::size_t defaults = 0;
-  for (std::size_t at = text.find("<!ATTLIST", doctype); at != std::string_view::npos;
-       at = text.find("<!ATTLIST", at + 1)) {
-    defaults += EndOfTag(text, at) - at;
+  for (std::size_t at = doctype.find("<!ATTLIST"); at != std::string_view::npos;
+       at = doctype.find("<!ATTLIST", at + 1)) {
+    defaults += xml::EndOfTag(doctype, at) - at;
   }
   std::size_t references = 0;
   std::size_t tags = 0;
@@ -281,12 +232,12 @@ std::string EncodeMarkup(std::string_view markup, std::string_view declaration) 
 }
 
 std::string RefusedMarkup(std::string_view text) {
-  const std::string entities = RefusedEntities(text);
-  if (!entities.empty()) {
-    return entities;
+  for (const auto refusalOf : {xml::BeyondBounds, RefusedEntities, xml::BeyondTreeBounds}) {
+    if (std::string refusal = refusalOf(text); !refusal.empty()) {
+      return refusal;
+    }
   }
-  const std::size_t at = NestedTooDeeplyAt(text);
-  return at == std::string_view::npos ? "" : xml::PlaceOf(text, at) + ": " + xml::NestedTooDeeply();
+  return "";
 }
 
 }  // namespace parvex::windows

@@ -53,7 +53,16 @@ void SetComponentAttributes(const ComponentElement& component, std::string_view 
 
 }  // namespace
 
-void AppendBaseUnits(const SelectedTag& tag, const xml::Node& baseUnitsElement, const BaseUnits& baseUnits) {
+void BlanketRoom::Take(std::size_t bytes) {
+  taken_ += bytes;
+  if (taken_ > kMost) {
+    throw MakeRuntimeError(RuntimeError::Overflow,
+                           "the blanket items of all base units take more than " + std::to_string(kMost >> 20) + " MB");
+  }
+}
+
+void AppendBaseUnits(const SelectedTag& tag, const xml::Node& baseUnitsElement, const BaseUnits& baseUnits,
+                     BlanketRoom& blanketRoom) {
   Counter16 sequence("base units");
   for (const auto& unit : baseUnits) {
     sequence.Advance();
@@ -67,7 +76,7 @@ void AppendBaseUnits(const SelectedTag& tag, const xml::Node& baseUnitsElement, 
     Counter16 components("components of one base unit");
     AppendAccessoryComponents(element.components, unit->accessories, components);
     AppendWarrantyComponents(element.components, unit->warranties, components);
-    AppendBlanketComponents(tag, element.components, components);
+    AppendBlanketComponents(tag, element.components, components, blanketRoom);
     element.components.Fold();
     SetSapXml(element.sapXml, unit->sapXml);
   }
@@ -150,18 +159,26 @@ void AppendWarrantyComponents(const xml::Node& componentsElement, const Warranti
   }
 }
 
-void AppendBlanketComponents(const SelectedTag& tag, const xml::Node& componentsElement, Counter16& sequenceCounter) {
+void AppendBlanketComponents(const SelectedTag& tag, const xml::Node& componentsElement, Counter16& sequenceCounter,
+                             BlanketRoom& room) {
   SelectionSection section = tag.Section("BlanketQuoteControl");
   section.ForEach("PartNumber:", "blanket items", [&](std::int16_t number, const std::string& partNumber) {
     const ComponentElement component = NewComponentElement(componentsElement, sequenceCounter);
     const std::string quantity = section.Numbered("Quantity:", number);
     const std::string price = section.Numbered("MasterPrice:", number);
-    SetComponentAttributes(component, "BLANKETETO", partNumber, quantity, price);
-    component.description.SetText(section.Numbered("Description:", number));
-    component.supplier.SetText(section.Numbered("Supplier:", number));
-    component.typeOfSale.SetText(section.Numbered("TypeOfSale:", number));
+    const std::string description = section.Numbered("Description:", number);
+    const std::string supplier = section.Numbered("Supplier:", number);
+    const std::string typeOfSale = section.Numbered("TypeOfSale:", number);
     // No colon in this one, deliberately: the quote builder writes it so.
-    component.preOrderReq.SetText(section.Numbered("preorderreq", number));
+    const std::string preOrder = section.Numbered("preorderreq", number);
+    constexpr std::size_t kNodes = 1'600;
+    room.Take(kNodes + partNumber.size() + quantity.size() + price.size() + description.size() + supplier.size() +
+              typeOfSale.size() + preOrder.size());
+    SetComponentAttributes(component, "BLANKETETO", partNumber, quantity, price);
+    component.description.SetText(description);
+    component.supplier.SetText(supplier);
+    component.typeOfSale.SetText(typeOfSale);
+    component.preOrderReq.SetText(preOrder);
   });
 }
 

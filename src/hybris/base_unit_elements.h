@@ -51,9 +51,28 @@ struct ComponentElement {
   xml::Node preOrderReq;
 };
 
+/// Room for the blanket items of one document. Each base unit has all of its tag's, so a small selection may stand for
+/// gigabytes of them.
+class BlanketRoom {
+ public:
+  static constexpr std::size_t kMost = 128u << 20;
+
+  /// Takes some bytes of it. Overflow (6) when there is no room left.
+  void Take(std::size_t bytes);
+
+ private:
+  std::size_t taken_ = 0;
+};
+
 /// Writes one BASEUNIT for each base unit of the tag. Every base unit gets the tag's blanket items, but only the first
 /// one the tag's extended description; both are deliberate.
-void AppendBaseUnits(const SelectedTag& tag, const xml::Node& baseUnitsElement, const BaseUnits& baseUnits);
+void AppendBaseUnits(const SelectedTag& tag, const xml::Node& baseUnitsElement, const BaseUnits& baseUnits,
+                     BlanketRoom& blanketRoom);
+/// The same for a tag that has a document of its own.
+inline void AppendBaseUnits(const SelectedTag& tag, const xml::Node& baseUnitsElement, const BaseUnits& baseUnits) {
+  BlanketRoom blanketRoom;
+  AppendBaseUnits(tag, baseUnitsElement, baseUnits, blanketRoom);
+}
 
 /// Appends a BASEUNIT with its empty children.
 BaseUnitElement NewBaseUnitElement(const xml::Node& baseUnitsElement);
@@ -77,7 +96,8 @@ void AppendWarrantyComponents(const xml::Node& componentsElement, const Warranti
                               Counter16& sequenceCounter);
 
 /// Appends the tag's blanket engineered-to-order items.
-void AppendBlanketComponents(const SelectedTag& tag, const xml::Node& componentsElement, Counter16& sequenceCounter);
+void AppendBlanketComponents(const SelectedTag& tag, const xml::Node& componentsElement, Counter16& sequenceCounter,
+                             BlanketRoom& room);
 
 /// Sets the text in as one CDATA section, unchanged; nothing for an empty text.
 void SetSapXml(const xml::Node& sapXmlElement, std::string_view sapXmlText);

@@ -49,7 +49,7 @@ std::shared_ptr<BaseUnit> ReadFirstBaseUnit(const SelectedTag& tag) {
   return unit;
 }
 
-void AppendTag(const xml::Document& document, const SelectedTag& tag, bool isLastTag) {
+void AppendTag(const xml::Document& document, const SelectedTag& tag, bool isLastTag, BlanketRoom& blanketRoom) {
   const TagElement element = AppendTagElement(document);
   element.pdsg.SetText(tag.pdsg);
   element.markFor.SetText(tag.markFor);
@@ -67,7 +67,7 @@ void AppendTag(const xml::Document& document, const SelectedTag& tag, bool isLas
   const BaseUnits baseUnits = BuildBaseUnits(tag.Machine(), first, accessories, tag.namedBlobs.get());
   AttachAccessories(baseUnits, SelectLooseAccessories(accessories));
   AttachWarranties(baseUnits, warranties);
-  AppendBaseUnits(tag, element.baseUnits, baseUnits);
+  AppendBaseUnits(tag, element.baseUnits, baseUnits, blanketRoom);
 }
 
 }  // namespace
@@ -109,8 +109,9 @@ xml::Document BuildHybrisTagDocument(const Platform& platform, std::string_view 
   const std::shared_ptr<void> oneVersion = platform.privateProfile->Hold(qbOutputFile);
   const xml::Document document = CreateHybrisDocument(projectName);
   const std::vector<SelectedTag> tags = ReadSelectedTags(platform, qbOutputFile);
+  BlanketRoom blanketRoom;
   for (const SelectedTag& tag : tags) {
-    AppendTag(document, tag, &tag == &tags.back());
+    AppendTag(document, tag, &tag == &tags.back(), blanketRoom);
   }
   return document;
 }

@@ -90,6 +90,19 @@ TEST_F(FilesContract, PathsOfEveryFormAreAnsweredAlikeThoughManyLooksAreExpected
   }
 }
 
+TEST_F(FilesContract, APathOfThousandsOfNamesIsNoFileAndNoFolderIsMadeOfIt) {
+  std::string path = Path("deep");
+  for (int name = 0; name < 20'000; ++name) {
+    path += "\\a";
+  }
+  EXPECT_FALSE(files.IsFile(path));
+  EXPECT_FALSE(files.IsFolder(path));
+  EXPECT_EQ(test::RaisedBy([&] { files.CreateFolder(path); }), 75);
+  EXPECT_NE(test::RaisedBy([&] { files.CreateNew(path, "x"); }), 0);
+  EXPECT_NE(test::RaisedBy([&] { files.ReadAll(path); }), 0);
+  EXPECT_FALSE(files.IsFolder(Path("deep")));
+}
+
 TEST_F(FilesContract, ReadsALargeFileWhole) {
   std::string large(5'000'003, 'x');
   large.back() = 'y';

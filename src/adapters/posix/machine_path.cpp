@@ -44,7 +44,7 @@ std::optional<MachinePath> MachinePath::Parse(std::string_view text) {
   path.endsInSeparator = !text.empty() && IsSeparator(text.back());
   while (!text.empty()) {
     const std::size_t end = std::min(text.find_first_of("\\/"), text.size());
-    if (!AppendComponent(path.names, text.substr(0, end))) {
+    if (!AppendComponent(path.names, text.substr(0, end)) || path.names.size() > kMostNamesOfPath) {
       return std::nullopt;
     }
     text.remove_prefix(std::min(end + 1, text.size()));

@@ -16,7 +16,8 @@ struct MachinePath {
   bool endsInSeparator = false;  ///< the text can only mean a folder
 
   /// Nothing for a path that no file of the machine can have: empty, a network or device path, a device's name (NUL,
-  /// COM1, ...), a name with a character that file names may not hold.
+  /// COM1, ...), a name with a character that file names may not hold, more than
+  /// kMostNamesOfPath names.
   static std::optional<MachinePath> Parse(std::string_view text);
 
   std::string Text() const;

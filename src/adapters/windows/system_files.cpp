@@ -8,6 +8,7 @@
 #include "adapters/windows/new_file.h"
 #include "adapters/windows/system_error.h"
 #include "adapters/windows/wide_text.h"
+#include "formats/text/file_names.h"
 #include "formats/text/text.h"
 
 namespace parvex::windows {
@@ -44,6 +45,8 @@ bool IsFileNow(std::string_view path) {
   const DWORD attributes = Attributes(path);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
+
+bool IsSeparator(char c) { return c == '\\' || c == '/'; }
 
 // Names in a listing of `pattern` that are folders, or that are not, in the order of their upper-cased names.
 std::vector<std::string> Listed(const std::wstring& pattern, bool folders) {
@@ -197,6 +200,9 @@ void SystemFiles::Remove(std::string_view path) {
 
 void SystemFiles::CreateFolder(std::string_view path) {
   missing_.Forget();
+  if (static_cast<std::size_t>(std::count_if(path.begin(), path.end(), IsSeparator)) > kMostNamesOfPath) {
+    throw MakeFileError(RuntimeError::PathFileAccess, "make the folder", path, kNoPossibleName);
+  }
   if (IsFolder(path)) {
     return;
   }

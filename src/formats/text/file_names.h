@@ -1,11 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace parvex {
 
 // What Windows makes of the names of files, for every place that takes names from outside or stands for Windows.
+
+/// Names of a path: folders in each other and the file. Windows' own paths of 260 characters hold half as many.
+inline constexpr std::size_t kMostNamesOfPath = 250;
 
 /// Whether a file can have this name, one component of a path: it is not empty, holds no control character and none of
 /// \ / : * ? " < > |, does not end with a dot or a blank, and means no device.

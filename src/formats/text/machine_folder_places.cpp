@@ -40,7 +40,11 @@ std::optional<std::string> PlaceInMachineFolder(std::string_view path) {
     member.back() = static_cast<char>(path[0] | 0x20);
     path.remove_prefix(2);
   }
-  for (const std::string_view component : ComponentsOf(path)) {
+  const std::vector<std::string_view> components = ComponentsOf(path);
+  if (components.size() > kMostNamesOfPath) {
+    return std::nullopt;
+  }
+  for (const std::string_view component : components) {
     if (!IsFileName(component)) {
       return std::nullopt;
     }

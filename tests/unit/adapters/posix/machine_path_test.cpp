@@ -44,6 +44,17 @@ TEST(MachinePath, TheParentOfARootIsTheRoot) {
   EXPECT_EQ(MachinePath::Parse("C:\\")->Parent().Text(), "C:\\");
 }
 
+TEST(MachinePath, Has250NamesAtMost) {
+  std::string path = "C:";
+  for (int name = 0; name < 250; ++name) {
+    path += "\\a";
+  }
+  EXPECT_EQ(TextOf(path), path);
+  EXPECT_EQ(TextOf(path + "\\a"), "none");
+  EXPECT_EQ(TextOf(path + "\\a\\..\\.."), "none") << "though less is left of it";
+  EXPECT_EQ(TextOf(path + "\\..\\a\\."), path);
+}
+
 struct PathRow {
   std::string_view path;
   const char* reason;

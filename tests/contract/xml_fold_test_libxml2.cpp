@@ -88,6 +88,13 @@ std::vector<std::pair<std::string, Build>> Contents() {
       {"a declaration that nobody uses", [](const Node& c) { AppendParsed(c, "<a xmlns:p=\"u\"><b/></a>"); }},
       {"preserved blanks", [](const Node& c) { AppendParsed(c, "<a xml:space=\"preserve\"> <b> </b> </a>"); }},
       {"dropped blanks", [](const Node& c) { AppendParsed(c, "<a> <b>x</b> <b>y</b> </a>"); }},
+      {"more attributes than are read",
+       [](const Node& c) {
+         const Node a = AppendElement(c, "a");
+         for (int number = 0; number < 1'100; ++number) {
+           a.SetAttribute("b" + std::to_string(number), "v");
+         }
+       }},
       {"nothing", [](const Node&) {}},
   };
 }

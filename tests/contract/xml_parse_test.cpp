@@ -145,6 +145,54 @@ TEST(XmlParse, CountsOnlyElementsThatAreOpenAtOnce) {
   }
 }
 
+struct Dense {
+  const char* name;
+  std::string (*make)();
+  const char* reason;
+};
+
+void PrintTo(const Dense& dense, std::ostream* out) { *out << dense.name; }
+
+class XmlDense : public testing::TestWithParam<Dense> {};
+
+TEST_P(XmlDense, MarkupIsRefusedAlikeByEveryAdapter) {
+  const std::string error = test::RefusalOf(GetParam().make());
+  EXPECT_TRUE(error.starts_with("line 1, column ")) << error;
+  EXPECT_TRUE(error.ends_with(std::string(": ") + GetParam().reason)) << error;
+}
+
+std::string AttributesNamed(const char* name, std::size_t count) {
+  return test::Numbered(count, [&](const std::string& number) { return " " + (name + number) + "='u'"; });
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    BeyondABound, XmlDense,
+    testing::Values(
+        Dense{"ALongDoctype", [] { return "<!DOCTYPE a [<!ENTITY e '" + std::string(40'000, 'x') + "'>]><a>&e;</a>"; },
+              "the DOCTYPE is longer than 32768 bytes"},
+        Dense{"AThousandAndOneAttributes", [] { return "<a" + AttributesNamed("b", 1'001) + "/>"; },
+              "an element with more than 1000 attributes"},
+        Dense{"DeclarationsInDeclarations",
+              [] { return "<a" + AttributesNamed("xmlns:b", 200) + "><c" + AttributesNamed("xmlns:d", 51) + "/></a>"; },
+              "more than 250 namespace declarations hold at once"},
+        Dense{"ManyNames",
+              [] {
+                return "<a>" + test::Numbered(100'001, [](const std::string& n) { return "<name" + n + "/>"; }) +
+                       "</a>";
+              },
+              "more than 100000 different names"},
+        Dense{"EmptyElements", [] { return "<a>" + test::Repeated("<b/>", 400'000) + "</a>"; },
+              "the document's tree would take more than 14 times the bytes of its text"},
+        Dense{"ShortTexts", [] { return "<a>" + test::Repeated("<b>x</b>", 300'000) + "</a>"; },
+              "the document's tree would take more than 14 times the bytes of its text"}),
+    [](const auto& info) { return info.param.name; });
+
+TEST(XmlParse, TakesAThousandAttributesAndManyDenseElements) {
+  EXPECT_EQ(Document::Parse("<a" + AttributesNamed("b", 1'000) + "/>").ParseError(), "");
+  EXPECT_EQ(Document::Parse("<a>" + test::Repeated("<b/>", 200'000) + "</a>").ParseError(), "");
+  EXPECT_EQ(Document::Parse("<a" + AttributesNamed("xmlns:b", 250) + "><c/></a>").ParseError(), "");
+}
+
 // --- Loading bytes ---------------------------------------------------------------------------------------------------
 
 TEST(XmlLoad, TakesBytesWithoutDeclarationForUtf8) {

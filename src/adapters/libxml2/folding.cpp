@@ -10,6 +10,7 @@
 #include "adapters/libxml2/parse.h"
 #include "adapters/libxml2/refusals.h"
 #include "adapters/libxml2/tree.h"
+#include "formats/text/markup_bounds.h"
 #include "formats/text/xml_characters.h"
 
 namespace parvex::xml {
@@ -41,7 +42,8 @@ bool ReadsAgainWithoutContent(const xmlNode* element) {
     return false;
   }
   const xmlAttr* attribute = element->properties;
-  while (attribute != nullptr && ReadsAgain(attribute)) {
+  std::size_t attributes = 0;
+  while (attribute != nullptr && ++attributes <= kMostAttributes && ReadsAgain(attribute)) {
     attribute = attribute->next;
   }
   return attribute == nullptr;

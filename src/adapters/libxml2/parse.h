@@ -12,7 +12,7 @@ namespace parvex::xml {
 ///
 /// Nothing outside the text is ever read: no external entity, no external subset, no network. Entities that the text
 /// declares are expanded when they are plain text, up to a bound in all; a reference to any other is a parse error, as
-/// are parameter entities, elements nested more deeply than kDeepestElement, and texts of 2 GB.
+/// are parameter entities, what passes the bounds of formats/text/markup_bounds.h, and texts of 2 GB.
 UnheldDocument ParseText(std::string_view text);
 
 /// An empty document with that parse error.

@@ -18,17 +18,25 @@ std::size_t AttributesOf(std::string_view text, const MarkupTag& tag) {
   return count;
 }
 
+// The "<" with which a search that has come to the one at `from` goes on: where tags are near each other one that is
+// far ahead, where they are not the next.
+std::size_t FurtherTag(std::string_view text, std::size_t from) {
+  constexpr std::size_t kNear = 64;
+  const std::size_t ahead = from + kShortestRefused - kNear;
+  const std::size_t last = text.substr(ahead, kNear).rfind('<');
+  return last == kNowhere ? text.find('<', from + 1) : ahead + last;
+}
+
 // Whether some tag seems to have too many attributes. A "<" ends what was a tag so far, so only stretches without one
 // are looked at, and of others none but every so many bytes.
 bool SeemsToHaveTooManyAttributes(std::string_view text) {
   std::size_t from = text.find('<');
   while (from != kNowhere && text.size() - from > kShortestRefused) {
-    const std::size_t last = text.rfind('<', from + kShortestRefused);
-    if (last != from) {
-      from = last;
+    const std::size_t next = std::min(FurtherTag(text, from), text.size());
+    if (next - from < kShortestRefused) {
+      from = next;
       continue;
     }
-    const std::size_t next = std::min(text.find('<', from + kShortestRefused), text.size());
     const std::string_view stretch = text.substr(from, next - from);
     MarkupTag tag{};
     if (MarkupTags tags(stretch); tags.Next(tag) && AttributesOf(stretch, tag) > kMostAttributes) {

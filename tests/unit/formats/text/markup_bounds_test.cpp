@@ -34,6 +34,15 @@ TEST(MarkupBounds, AttributesAreCountedBehindWhateverComesBefore) {
   }
 }
 
+TEST(MarkupBounds, AttributesAreCountedWhereverTheElementStands) {
+  const std::string many = WithAttributes(1'001);
+  for (std::size_t offset = 0; offset < 12'000; offset += 97) {
+    EXPECT_NE(BeyondBounds("<r>" + std::string(offset, 'x') + many + std::string(12'000, 'x') + "</r>"), "") << offset;
+    EXPECT_NE(BeyondBounds("<r>" + Repeated("<a/>", offset / 4) + std::string(offset % 64, ' ') + many + "</r>"), "")
+        << offset;
+  }
+}
+
 TEST(MarkupBounds, WhatIsNoTagHasNoAttributes) {
   const std::string many = WithAttributes(5'000);
   EXPECT_EQ(BeyondBounds("<r><![CDATA[" + many + "]]></r>"), "");

@@ -66,7 +66,7 @@ std::string NestedDeclarations(std::size_t depth, std::size_t each) {
 
 const std::string kLongDoctype = "the DOCTYPE is longer than 32768 bytes";
 const std::string kManyAttributes = "an element with more than 1000 attributes";
-const std::string kLargeTree = "the document's tree would take more than 14 times the bytes of its text";
+const std::string kLargeTree = "the document's tree would take more than 13 times the bytes of its text";
 
 INSTANTIATE_TEST_SUITE_P(
     Declares, DenseMarkup,

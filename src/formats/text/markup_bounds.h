@@ -37,9 +37,9 @@ inline constexpr std::size_t kLongestNamespace = 4'096;  ///< bytes of its name;
 /// Different names of one document: of elements, attributes, prefixes and instructions.
 inline constexpr std::size_t kMostDifferentNames = 100'000;
 
-/// What the tree of a text may take beside the text: so many times its bytes, and this much always. With the text
-/// itself, and the copy that is parsed, a document takes 16 times its bytes; those of the legacy application take 9.
-inline constexpr std::size_t kTreeOfText = 14;
+/// What the tree of a text may take beside the text: so many times its bytes, and this much always. With the file, its
+/// text, and the copy that is parsed, a document takes 16 times its bytes; those of the legacy application take 9.
+inline constexpr std::size_t kTreeOfText = 13;
 inline constexpr std::size_t kTreeAnyway = 32u << 20;
 
 /// Why a text is refused that passes one of these.

@@ -54,8 +54,12 @@ void SetComponentAttributes(const ComponentElement& component, std::string_view 
 }  // namespace
 
 void BlanketRoom::Take(std::size_t bytes) {
+  Expect(bytes);
   taken_ += bytes;
-  if (taken_ > kMost) {
+}
+
+void BlanketRoom::Expect(std::uint64_t bytes) const {
+  if (taken_ + bytes > kMost) {
     throw MakeRuntimeError(RuntimeError::Overflow,
                            "the blanket items of all base units take more than " + std::to_string(kMost >> 20) + " MB");
   }
@@ -76,7 +80,11 @@ void AppendBaseUnits(const SelectedTag& tag, const xml::Node& baseUnitsElement, 
     Counter16 components("components of one base unit");
     AppendAccessoryComponents(element.components, unit->accessories, components);
     AppendWarrantyComponents(element.components, unit->warranties, components);
+    const std::size_t taken = blanketRoom.Taken();
     AppendBlanketComponents(tag, element.components, components, blanketRoom);
+    if (sequence.Value() == 1) {
+      blanketRoom.Expect(std::uint64_t{baseUnits.Count() - 1} * (blanketRoom.Taken() - taken));
+    }
     element.components.Fold();
     SetSapXml(element.sapXml, unit->sapXml);
   }

@@ -59,6 +59,9 @@ class BlanketRoom {
 
   /// Takes some bytes of it. Overflow (6) when there is no room left.
   void Take(std::size_t bytes);
+  /// The same error when that much more could not be taken.
+  void Expect(std::uint64_t bytes) const;
+  std::size_t Taken() const { return taken_; }
 
  private:
   std::size_t taken_ = 0;

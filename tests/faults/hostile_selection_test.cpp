@@ -67,8 +67,8 @@ TEST(HostileSelection, WithManyTagsOfManyBaseUnitsAndBlanketItemsIsRefused) {
   EXPECT_EQ(Exported(Selection(30, 150, 150)), "the blanket items of all base units take more than 128 MB");
 }
 
-TEST(HostileSelection, WithAsManyBlanketItemsAsThereIsRoomForIsExported) {
-  EXPECT_EQ(Exported(Selection(1, 40, 2'000)), "80000 items");
+TEST(HostileSelection, WithBlanketItemsThatThereIsRoomForIsExported) {
+  EXPECT_EQ(Exported(Selection(1, 25, 2'000)), "50000 items");
 }
 
 }  // namespace

@@ -97,9 +97,9 @@ TEST(XmlDifference, OfOtherTextIsWhereTheFirstByteDiffers) {
 TEST(XmlDifference, OfLargeDocumentsIsFoundInOnePass) {
   std::string flat = "<A>";
   std::string indented = "<A>\r\n";
-  for (int i = 0; i < 200'000; ++i) {
-    flat += "<B c=\"1\" d=\"2\">t</B>";
-    indented += "  <B d='2' c='1'>t</B>\r\n";
+  for (int i = 0; i < 100'000; ++i) {
+    flat += "<BASEUNIT SEQUENCE=\"1\" QUANTITY=\"2\">text of a unit</BASEUNIT>";
+    indented += "  <BASEUNIT QUANTITY='2' SEQUENCE='1'>text of a unit</BASEUNIT>\r\n";
   }
   EXPECT_EQ(FirstXmlDifference(flat + "</A>", indented + "</A>"), std::nullopt);
   const auto difference = FirstXmlDifference(flat + "</A>", indented + "<C/></A>");

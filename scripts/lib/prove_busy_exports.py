@@ -30,19 +30,19 @@ def main():
     with tempfile.TemporaryDirectory() as scratch:
         machine = export_machine.install(Path(scratch), native_bin, windows_bin)
         quote, cases = Path(scratch) / "quote.xml", Path(scratch) / "cases"
-        whole = export(machine, quote, cases)
+        whole, ended = export(machine, quote, cases)
         if whole is None:
-            sys.exit("the export fails on the idle machine")
+            sys.exit(f"the export fails on the idle machine: {ended}")
         try:
             loops += [subprocess.Popen([sys.executable, "-c", "while True: pass"], start_new_session=True)
                       for _ in range(BUSY)]
             for number in range(1, runs + 1):
                 shutil.rmtree(cases, ignore_errors=True)
-                found = export(machine, quote, cases)
+                found, ended = export(machine, quote, cases)
                 if found == whole:
                     outcomes["whole"] += 1
                     continue
-                said = what_happened(native_bin, cases)
+                said = f"{ended}; {what_happened(native_bin, cases)}"
                 outcomes[said] += 1
                 print(f"run {number}: {said}", flush=True)
                 if cases.exists():
@@ -57,10 +57,11 @@ def main():
 
 
 def export(machine, quote, cases):
-    """The quote as the program wrote it; None where it wrote none."""
+    """The quote as the program wrote it, None where it wrote none; and how it ended."""
     quote.unlink(missing_ok=True)
-    machine.start_export(PROJECT, quote, cases).communicate()
-    return quote.read_bytes() if quote.exists() else None
+    process = machine.start_export(PROJECT, quote, cases)
+    said = process.communicate()[1].strip()
+    return quote.read_bytes() if quote.exists() else None, f"ended with {process.returncode}, saying {said!r}"
 
 
 def what_happened(native_bin, cases):

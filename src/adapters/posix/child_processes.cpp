@@ -112,8 +112,12 @@ std::unique_ptr<Process> ChildProcesses::Start(std::string_view commandLine, int
   const int failed = posix_spawn(&child, line.program.c_str(), files.Actions(), nullptr,
                                  Pointers(line.arguments).data(), Pointers(environment).data());
   if (failed != 0) {
+    // Only what is known to lie in the file is said of it; anything else has the system's number.
+    const bool isNoProgram = failed == ENOEXEC || failed == EACCES;
     throw MakeRuntimeError(RuntimeError::InvalidCall,
-                           FailureText("cannot start", commandLine, "it is no program that the system can run"));
+                           FailureText("cannot start", commandLine,
+                                       isNoProgram ? "it is no program that the system can run"
+                                                   : "the system refuses to, with error " + std::to_string(failed)));
   }
   return std::make_unique<ChildProcess>(child, abandoned_);
 }

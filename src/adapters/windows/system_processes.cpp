@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 #include "adapters/windows/wide_text.h"
 #include "seams/automation_error.h"
 
@@ -36,6 +38,26 @@ std::wstring LineFor(std::string_view program, std::string_view commandLine) {
   return Widen(commandLine);
 }
 
+bool IsMissing(DWORD code) {
+  return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND || code == ERROR_DIRECTORY;
+}
+
+// Only what is known to lie in the file is said of it; anything else has the system's number.
+std::string ReasonOf(DWORD code) {
+  if (IsMissing(code)) {
+    return "the program does not exist";
+  }
+  switch (code) {
+    case ERROR_BAD_EXE_FORMAT:
+    case ERROR_INVALID_EXE_SIGNATURE:
+    case ERROR_EXE_MARKED_INVALID:
+    case ERROR_EXE_MACHINE_TYPE_MISMATCH:
+      return "it is no program that the system can run";
+    default:
+      return "the system refuses to, with error " + std::to_string(code);
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<Process> SystemProcesses::Start(std::string_view commandLine, int windowStyle,
@@ -51,11 +73,8 @@ std::unique_ptr<Process> SystemProcesses::Start(std::string_view commandLine, in
   if (!CreateProcessW(path.empty() ? nullptr : path.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                       &startup, &started)) {
     const DWORD code = GetLastError();
-    const bool missing = code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND || code == ERROR_DIRECTORY;
-    throw MakeRuntimeError(
-        missing ? RuntimeError::FileNotFound : RuntimeError::InvalidCall,
-        FailureText("cannot start", commandLine,
-                    missing ? "the program does not exist" : "it is no program that the system can run"));
+    throw MakeRuntimeError(IsMissing(code) ? RuntimeError::FileNotFound : RuntimeError::InvalidCall,
+                           FailureText("cannot start", commandLine, ReasonOf(code)));
   }
   // The handle for polling is opened by the process's id with query rights only, before the creation's own handles are
   // closed, so the id cannot meanwhile belong to another process.

@@ -55,6 +55,14 @@ class ChildProcessesTest : public testing::Test {
   ChildProcesses processes{machine};
 };
 
+TEST_F(ChildProcessesTest, ARefusalThatDoesNotLieInTheFileHasTheSystemsNumber) {
+  Install("script.exe", "#!/bin/sh\n");
+  const std::string line = "C:\\script.exe " + std::string(3'000'000, 'x');  // longer than the system takes
+  const std::string said = test::DescriptionOfErrorIn([&] { processes.Start(line, 1); });
+  ASSERT_GT(said.size(), line.size());
+  EXPECT_THAT(said.substr(line.size()), HasSubstr("xx\": the system refuses to, with error 7"));
+}
+
 TEST_F(ChildProcessesTest, ANativeProgramRuns) {
   std::filesystem::copy_file("/bin/false", Host("native.exe"));
   EXPECT_EQ(Wait(*processes.Start("C:\\native.exe", 1)), 1u);

@@ -35,6 +35,7 @@ struct OpenElement {
 struct Parsing {
   std::size_t expanded = 0;
   std::size_t knownNames = 0;  // that the dictionary had before
+  bool countsNames = false;    // whether the text has room for too many
   NodeArena* memory = nullptr;
   std::size_t mostMemory = 0;           // that the arena may hold
   std::string error;                    // the first one
@@ -153,7 +154,8 @@ bool StaysInBounds(void* context, const Parsing& parsing) {
     EndParse(context, TooLargeTree());
     return false;
   }
-  if (static_cast<std::size_t>(xmlDictSize(parser->dict)) > parsing.knownNames + kMostDifferentNames) {
+  if (parsing.countsNames &&
+      static_cast<std::size_t>(xmlDictSize(parser->dict)) > parsing.knownNames + kMostDifferentNames) {
     EndParse(context, TooManyNames());
     return false;
   }
@@ -167,13 +169,23 @@ void Carefully(void* context, Work work) noexcept {
   try {
     if (!parsing.error.empty()) {
       xmlStopParser(static_cast<xmlParserCtxt*>(context));
-    } else if (StaysInBounds(context, parsing)) {
+    } else {
       work(parsing);
     }
   } catch (const std::bad_alloc&) {
     parsing.outOfMemory = true;
     xmlStopParser(static_cast<xmlParserCtxt*>(context));
   }
+}
+
+// The same for what begins a node, with a look at the bounds. Texts and ends of elements never come alone.
+template <typename Work>
+void AddCarefully(void* context, Work work) noexcept {
+  Carefully(context, [&](Parsing& parsing) {
+    if (StaysInBounds(context, parsing)) {
+      work(parsing);
+    }
+  });
 }
 
 // What was read as text since the last node becomes one, or is remembered as dropped white space.
@@ -277,7 +289,7 @@ void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, c
   const auto* read = reinterpret_cast<const ReadAttribute*>(attributes);
   const int written = attributeCount - defaultedCount;
   const auto declared = static_cast<std::size_t>(namespaceCount);
-  Carefully(context, [&](Parsing& parsing) {
+  AddCarefully(context, [&](Parsing& parsing) {
     if (const std::string refusal = Refusal(parsing, namespaces, declared); !refusal.empty()) {
       EndParse(context, refusal);
       return;
@@ -319,7 +331,7 @@ void OnCharacters(void* context, const xmlChar* text, int length) {
 }
 
 void OnCData(void* context, const xmlChar* text, int length) {
-  Carefully(context, [&](Parsing& parsing) {
+  AddCarefully(context, [&](Parsing& parsing) {
     EndText(parsing);
     AppendLeaf(parsing.open, XML_CDATA_SECTION_NODE, Between(text, text + length));
   });
@@ -332,7 +344,7 @@ void OnComment(void* context, const xmlChar* text) {
     xmlSAX2Comment(context, text);
     return;
   }
-  Carefully(context, [&](Parsing& parsing) {
+  AddCarefully(context, [&](Parsing& parsing) {
     EndText(parsing);
     AppendLeaf(parsing.open, XML_COMMENT_NODE, View(text));
   });
@@ -343,7 +355,7 @@ void OnProcessingInstruction(void* context, const xmlChar* target, const xmlChar
     xmlSAX2ProcessingInstruction(context, target, text);
     return;
   }
-  Carefully(context, [&](Parsing& parsing) {
+  AddCarefully(context, [&](Parsing& parsing) {
     EndText(parsing);
     AppendLeaf(parsing.open, XML_PI_NODE, View(text), target);
   });
@@ -435,6 +447,7 @@ UnheldDocument ParseText(std::string_view text) {
   parsing.mostMemory = std::max(kTreeAnyway, kTreeOfText * text.size());
   const Parser parser = NewParser(text, parsing);
   parsing.knownNames = static_cast<std::size_t>(xmlDictSize(parser->dict));
+  parsing.countsNames = text.size() > kMostDifferentNames;
   xmlParseDocument(parser.get());
   xmlDoc* parsed = std::exchange(parser->myDoc, nullptr);
   UnheldDocument document(parsed);

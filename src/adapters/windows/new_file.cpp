@@ -84,17 +84,31 @@ DWORD Moved(const std::wstring& from, const std::wstring& to, DWORD flags) {
   return MoveFileExW(from.c_str(), to.c_str(), flags) ? 0 : GetLastError();
 }
 
+// The old file gets a name of ours while it goes: without one Wine makes up names, and leaves files of them behind.
+bool IsReplaced(const std::wstring& from, const std::wstring& to, DWORD flags) {
+  const std::wstring aside = FolderBefore(to) + Widen(MakeNewFileName());
+  bool isDone =
+      ReplaceFileW(to.c_str(), from.c_str(), aside.c_str(), REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr);
+  if (!isDone && GetLastError() == ERROR_UNABLE_TO_MOVE_REPLACEMENT_2) {
+    isDone = Moved(from, to, flags) == 0;  // the old one stands aside
+    if (!isDone) {
+      Moved(aside, to, 0);
+    }
+  }
+  if (isDone) {
+    DeleteFileW(aside.c_str());
+  }
+  return isDone;
+}
+
 DWORD MovedOver(const std::wstring& from, const std::wstring& to, DWORD flags) {
   for (int turn = 1;; ++turn) {
     const DWORD failed = Moved(from, to, flags);
     if (!IsHeldByAnother(failed)) {
       return failed;
     }
-    if (ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr)) {
+    if (IsReplaced(from, to, flags)) {
       return 0;
-    }
-    if (GetLastError() == ERROR_UNABLE_TO_MOVE_REPLACEMENT_2) {
-      return Moved(from, to, flags);  // the old one has gone
     }
     if (turn == kMostTurns) {
       return failed;

@@ -84,9 +84,12 @@ DWORD Moved(const std::wstring& from, const std::wstring& to, DWORD flags) {
   return MoveFileExW(from.c_str(), to.c_str(), flags) ? 0 : GetLastError();
 }
 
-// The old file gets a name of ours while it goes: without one Wine makes up names, and leaves files of them behind.
+// The old file gets a name of ours while it goes: without one Wine makes up names, and leaves files of them behind. It
+// is not that of a new file, which somebody might remove as a leftover: when this program ends here, it is all there
+// is.
 bool IsReplaced(const std::wstring& from, const std::wstring& to, DWORD flags) {
-  const std::wstring aside = FolderBefore(to) + Widen(MakeNewFileName());
+  std::wstring aside = FolderBefore(to) + Widen(MakeNewFileName());
+  aside.replace(aside.size() - 3, 3, L"old");
   bool isDone =
       ReplaceFileW(to.c_str(), from.c_str(), aside.c_str(), REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr);
   if (!isDone && GetLastError() == ERROR_UNABLE_TO_MOVE_REPLACEMENT_2) {

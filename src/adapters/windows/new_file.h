@@ -17,8 +17,8 @@ enum class Durability { OfSystem, OnDisk };
 /// FileError and name the target.
 ///
 /// The name changes hands in one step (MoveFileEx). A target that another program has open cannot be replaced so; where
-/// that one lets files be deleted under it, ReplaceFile does it, and for a moment nobody has the name. Where it does
-/// not, it is waited for, a second at most.
+/// that one lets files be deleted under it, ReplaceFile does it: for a moment nobody has the name, and the old file
+/// stands beside it as "~parvex-*.old". Where it does not, it is waited for, a second at most.
 class NewFile {
  public:
   /// Makes the file, under a name that nobody has. A read-only target and a folder are refused.

@@ -1,15 +1,27 @@
 #include "legacy_standin/installation/json_members.h"
 
+#include <stdexcept>
+
 #include "seams/automation_error.h"
 
 namespace parvex::standin {
 
 Json ParseJson(std::string_view text, std::string_view fileName) {
-  try {
-    return Json::parse(text);
-  } catch (const Json::parse_error& error) {
-    throw MakeRuntimeError(RuntimeError::InvalidCall, std::string(fileName) + ": " + error.what());
+  const auto refuse = [&](const std::string& reason) {
+    throw MakeRuntimeError(RuntimeError::InvalidCall, std::string(fileName) + ": " + reason);
+  };
+  if (text.size() > kLongestJsonFile) {
+    refuse("it has more than " + std::to_string(kLongestJsonFile) + " bytes");
   }
+  std::size_t values = kMostJsonFileValues;
+  try {
+    return ParseBoundedJson(text, values);
+  } catch (const std::invalid_argument& problem) {
+    refuse(problem.what());
+  } catch (const Json::exception& error) {
+    refuse(error.what());
+  }
+  return {};
 }
 
 JsonMembers::JsonMembers(std::string fileName, std::string place, const Json& object)

@@ -1,14 +1,21 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
+#include "formats/json/bounded_json.h"
+
 namespace parvex::standin {
 
-using Json = nlohmann::ordered_json;
+using parvex::Json;
 
-/// The parsed text; an AutomationError (5) that names `fileName` and the position when it is no JSON.
+/// A file of more bytes is refused, and so is one of more values, which are thousands of units.
+inline constexpr std::size_t kLongestJsonFile = 32u << 20;
+inline constexpr std::size_t kMostJsonFileValues = 500'000;
+
+/// The parsed text; an AutomationError (5) that names `fileName` and what is wrong when it is no JSON, or more than
+/// ParseBoundedJson reads.
 Json ParseJson(std::string_view text, std::string_view fileName);
 
 /// The members of one object of a JSON file, taken by name. Whatever does not fit is an AutomationError (5) that names

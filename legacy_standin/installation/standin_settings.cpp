@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <span>
 
 #include "legacy_standin/installation/json_members.h"
@@ -116,7 +115,10 @@ StandinSettings ReadStandinSettings(const std::filesystem::path& machineFolder) 
   if (!file || !std::filesystem::is_regular_file(path)) {
     throw MakeRuntimeError(RuntimeError::PathFileAccess, "cannot read " + path.string());
   }
-  return ParseStandinSettings(std::string(std::istreambuf_iterator<char>(file), {}), path.string());
+  std::string json(kLongestJsonFile + 1, '\0');  // one byte more than is parsed at most
+  file.read(json.data(), static_cast<std::streamsize>(json.size()));
+  json.resize(static_cast<std::size_t>(file.gcount()));
+  return ParseStandinSettings(json, path.string());
 }
 
 }  // namespace parvex::standin

@@ -15,6 +15,7 @@
 #include "formats/zip/zip_writer.h"
 #include "legacy_standin/installation/json_members.h"
 #include "seams/automation_error.h"
+#include "seams/file_parts.h"
 
 namespace parvex::standin {
 namespace {
@@ -74,6 +75,11 @@ std::string FormatProperties(const Fields& properties) {
 bool IsMark(std::string_view path) {
   return EqualIgnoringCase(path, kAdditions) || EqualIgnoringCase(path, kContent) ||
          EqualIgnoringCase(path, kUnfinished);
+}
+
+// One byte more than is parsed at most, so that a longer file is refused.
+std::string ReadJsonFile(Files& files, const std::string& path) {
+  return ReadPart(files, path, 0, kLongestJsonFile + 1);
 }
 
 void AddFiles(Files& files, const std::string& folder, const std::string& below, std::vector<ProjectFile>& found) {
@@ -206,7 +212,7 @@ Fields ProjectStore::ReadProperties(std::string_view name) const {
   const std::string path = Folder(name) + "\\" + kProperties;
   Fields properties;
   if (files_.IsFile(path)) {
-    const Json object = ParseJson(files_.ReadAll(path), path);
+    const Json object = ParseJson(ReadJsonFile(files_, path), path);
     JsonMembers members(path, "", object);
     for (const auto& [key, value] : object.items()) {
       properties.emplace_back(key, members.TakeText(key));
@@ -254,7 +260,7 @@ void ProjectStore::Make(std::string_view name, std::vector<ProjectFile> files) c
 
 std::vector<Unit> ProjectStore::UnitsIn(const std::string& folder) const {
   const std::string path = folder + "\\" + kUnits;
-  return files_.IsFile(path) ? ParseUnits(files_.ReadAll(path), path) : std::vector<Unit>();
+  return files_.IsFile(path) ? ParseUnits(ReadJsonFile(files_, path), path) : std::vector<Unit>();
 }
 
 void ProjectStore::Change(const std::string& folder, const char* writtenDown,

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "journal/bounded_json.h"
+#include "formats/json/bounded_json.h"
 #include "journal/journal_lines.h"
 #include "journal/xml_difference.h"
 #include "seams/automation_error.h"
@@ -60,7 +60,7 @@ std::vector<Exchange> ReadExchanges(std::string_view journal, const std::string&
       continue;
     }
     try {
-      const Json line = ParseBounded(text);
+      const Json line = ParseBoundedJson(text);
       if (IsRouterLine(line)) {
         exchanges.push_back(ReadExchange(line, number));
       }

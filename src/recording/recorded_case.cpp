@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "formats/json/bounded_json.h"
 #include "formats/zip/archive_file.h"
-#include "journal/bounded_json.h"
 #include "recording/case_layout.h"
 #include "recording/case_members.h"
 #include "seams/automation_error.h"
@@ -21,7 +21,7 @@ constexpr std::size_t kLongestLine = 64u << 20;
 template <typename Refuse>
 Json Parsed(std::string_view text, std::size_t& values, Refuse refuse) {
   try {
-    return journal::ParseBounded(text, values);
+    return ParseBoundedJson(text, values);
   } catch (const std::invalid_argument& problem) {
     refuse("is damaged: " + std::string(problem.what()));
   } catch (const Json::exception&) {
@@ -38,7 +38,7 @@ Json ReadFacts(const std::string& path, const CaseMembers& members) {
     }
     return {{"format", kFormat}, {"outcome", "unfinished"}};  // the host died with its first step
   }
-  std::size_t values = journal::kMostValues;
+  std::size_t values = kMostJsonValues;
   Json facts = Parsed(member->second, values,
                       [&](const std::string& problem) { RefuseCase(path, std::string(kFacts) + " " + problem); });
   const Json format = facts.is_object() ? facts.value("format", Json()) : Json();
@@ -62,7 +62,7 @@ std::vector<Json> ReadSteps(const std::string& path, std::string_view journal, b
   const auto refuse = [&](const std::string& problem) {
     RefuseCase(path, "line " + std::to_string(steps.size() + 1) + " of " + std::string(kJournal) + " " + problem);
   };
-  std::size_t values = journal::kMostValues;  // of the whole journal
+  std::size_t values = kMostJsonValues;  // of the whole journal
   while (!journal.empty()) {
     const std::size_t end = journal.find('\n');
     const std::string_view line = journal.substr(0, end);

@@ -1,9 +1,9 @@
-#include "journal/bounded_json.h"
+#include "formats/json/bounded_json.h"
 
 #include <stdexcept>
 #include <vector>
 
-namespace parvex::journal {
+namespace parvex {
 namespace {
 
 void Take(std::size_t& values) {
@@ -27,14 +27,14 @@ void CheckBounds(std::string_view text, std::size_t& values) {
     } else if (character == '{' || character == '[') {
       keys.push_back(0);
       Take(values);
-      if (keys.size() > kDeepestNesting) {
+      if (keys.size() > kDeepestJson) {
         throw std::invalid_argument("it is nested too deep");
       }
     } else if ((character == '}' || character == ']') && !keys.empty()) {
       keys.pop_back();
     } else if (character == ',') {
       Take(values);
-    } else if (character == ':' && !keys.empty() && ++keys.back() > kMostKeys) {
+    } else if (character == ':' && !keys.empty() && ++keys.back() > kMostJsonKeys) {
       throw std::invalid_argument("an object has too many keys");
     }
   }
@@ -42,14 +42,14 @@ void CheckBounds(std::string_view text, std::size_t& values) {
 
 }  // namespace
 
-Json ParseBounded(std::string_view text) {
-  std::size_t values = kMostValues;
-  return ParseBounded(text, values);
+Json ParseBoundedJson(std::string_view text) {
+  std::size_t values = kMostJsonValues;
+  return ParseBoundedJson(text, values);
 }
 
-Json ParseBounded(std::string_view text, std::size_t& values) {
+Json ParseBoundedJson(std::string_view text, std::size_t& values) {
   CheckBounds(text, values);
   return Json::parse(text);
 }
 
-}  // namespace parvex::journal
+}  // namespace parvex

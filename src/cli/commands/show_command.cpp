@@ -26,7 +26,7 @@ void Write(const ShowOptions& options, const std::string& shown) {
 
 ExitStatus Show(const ShowOptions& options) {
   const std::string& lastName = options.files.back();
-  const Quote last = ReadQuote(ReadQuoteDocument(lastName));
+  const Quote last = ReadQuote(ReadQuoteDocument(lastName), lastName);
   const bool isPage = !options.html.empty();
   if (options.files.size() == 1) {
     const std::string shown = isPage ? QuotePage(last, lastName) : QuoteAsText(last, TakesColours(stdout));
@@ -34,7 +34,7 @@ ExitStatus Show(const ShowOptions& options) {
     return kReply;
   }
   const std::string& firstName = options.files.front();
-  const std::vector<Difference> differences = Compare(ReadQuote(ReadQuoteDocument(firstName)), last);
+  const std::vector<Difference> differences = Compare(ReadQuote(ReadQuoteDocument(firstName), firstName), last);
   const std::string shown = isPage ? ComparisonPage(last, differences, firstName, lastName)
                                    : DifferencesAsText(differences, TakesColours(stdout));
   Write(options, shown);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "cli/host/exit_status.h"
 #include "codec/bin_encoder.h"
 
 namespace parvex::cli {
@@ -16,10 +17,28 @@ std::string AttributeOf(const xml::Node& element, std::string_view name) {
   return element ? element.Attribute(name).value_or("") : std::string();
 }
 
+// Counts the items of a quote.
+class ItemCount {
+ public:
+  explicit ItemCount(const std::string& fileName) : fileName_(fileName) {}
+
+  void Add() {
+    if (++items_ > kMostQuoteItems) {
+      throw UsageError(fileName_ + " holds more than " + std::to_string(kMostQuoteItems) +
+                       " tags, units, components, descriptions and attributes");
+    }
+  }
+
+ private:
+  const std::string& fileName_;
+  std::size_t items_ = 0;
+};
+
 // Calls `read` for every child element of that name; the parent may be missing.
 template <typename Read>
-void ForEachChild(const xml::Node& parent, std::string_view name, Read read) {
+void ForEachChild(const xml::Node& parent, std::string_view name, ItemCount& items, Read read) {
   for (xml::Node child = parent ? parent.Child(name) : xml::Node(); child; child = child.Next(name)) {
+    items.Add();
     read(child);
   }
 }
@@ -56,7 +75,7 @@ QuoteComponent ReadComponent(const xml::Node& element) {
           .preOrder = TextOf(attributes, "PREORDERREQ")};
 }
 
-QuoteUnit ReadUnit(const xml::Node& element) {
+QuoteUnit ReadUnit(const xml::Node& element, ItemCount& items) {
   const xml::Node attributes = element.Child("ATTRIBUTES_LIST");
   QuoteUnit unit = {.sequence = AttributeOf(element, "SEQUENCE"),
                     .partNumber = AttributeOf(element, "PARTNUMBER"),
@@ -67,22 +86,23 @@ QuoteUnit ReadUnit(const xml::Node& element) {
                     .etoDescription = AttributeOf(attributes ? attributes.Child("ETO") : xml::Node(), "ETODESCRIPTION"),
                     .orderConfiguration = TextOf(element, "SAP_XML"),
                     .components = {}};
-  ForEachChild(element.Child("EXTENDED_DESCRIPTIONS"), "DESCRIPTION", [&unit](const xml::Node& line) {
+  ForEachChild(element.Child("EXTENDED_DESCRIPTIONS"), "DESCRIPTION", items, [&unit](const xml::Node& line) {
     if (std::string text = line.Text(); !text.empty()) {
       unit.descriptions.push_back(std::move(text));
     }
   });
   for (xml::Node node = attributes ? attributes.FirstChild() : xml::Node(); node; node = node.NextSibling()) {
     if (const std::string text = node.IsElement() ? node.Text() : ""; !text.empty()) {
+      items.Add();
       unit.attributes.push_back(Named(node.Name(), text));
     }
   }
-  ForEachChild(element.Child("COMPONENTS"), "COMPONENT",
+  ForEachChild(element.Child("COMPONENTS"), "COMPONENT", items,
                [&unit](const xml::Node& component) { unit.components.push_back(ReadComponent(component)); });
   return unit;
 }
 
-QuoteTag ReadTag(const xml::Node& element) {
+QuoteTag ReadTag(const xml::Node& element, ItemCount& items) {
   const xml::Node attributes = element.Child("ATTRIBUTES_LIST");
   QuoteTag tag = {.markFor = TextOf(attributes, "MARKFOR"),
                   .pdsg = TextOf(attributes, "PDSG"),
@@ -90,18 +110,19 @@ QuoteTag ReadTag(const xml::Node& element) {
                   .buildVersion = TextOf(attributes, "BUILDVERSION"),
                   .storedData = TextOf(attributes, "BLOB"),
                   .units = {}};
-  ForEachChild(element.Child("BASEUNITS"), "BASEUNIT",
-               [&tag](const xml::Node& unit) { tag.units.push_back(ReadUnit(unit)); });
+  ForEachChild(element.Child("BASEUNITS"), "BASEUNIT", items,
+               [&](const xml::Node& unit) { tag.units.push_back(ReadUnit(unit, items)); });
   return tag;
 }
 
 }  // namespace
 
-Quote ReadQuote(const xml::Document& document) {
+Quote ReadQuote(const xml::Document& document, const std::string& fileName) {
+  ItemCount items(fileName);
   Quote quote = {.project = AttributeOf(document.First("/PROJECT/ATTRIBUTES_LIST/JOB"), "LEGACY_PROJECTNAME"),
                  .tags = {}};
-  ForEachChild(document.First("/PROJECT/TAGS"), "TAG",
-               [&quote](const xml::Node& tag) { quote.tags.push_back(ReadTag(tag)); });
+  ForEachChild(document.First("/PROJECT/TAGS"), "TAG", items,
+               [&](const xml::Node& tag) { quote.tags.push_back(ReadTag(tag, items)); });
   return quote;
 }
 

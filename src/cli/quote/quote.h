@@ -59,8 +59,13 @@ struct Quote {
   std::vector<QuoteTag> tags;
 };
 
-/// The content of a document whose root is PROJECT. What the document lacks is empty.
-Quote ReadQuote(const xml::Document& document);
+/// So many tags, units, components, descriptions and attributes a quote has together that is shown: each takes many
+/// times the memory of its text, and legacy projects have some thousands.
+inline constexpr std::size_t kMostQuoteItems = 100'000;
+
+/// The content of a document whose root is PROJECT. What the document lacks is empty. A UsageError that names the file
+/// for one of more than kMostQuoteItems.
+Quote ReadQuote(const xml::Document& document, const std::string& fileName);
 
 /// What several amounts come to; those that are none are counted.
 struct Total {

@@ -1,8 +1,9 @@
 #include "cli/quote/quote_differences.h"
 
-#include <deque>
 #include <map>
 #include <utility>
+
+#include "formats/text/text.h"
 
 namespace parvex::cli {
 namespace {
@@ -53,18 +54,21 @@ Pairs<Item> Match(const std::vector<Item>& before, const std::vector<Item>& afte
   Pairs<Item> pairs{std::vector<const Item*>(after.size()), {}};
   std::vector<bool> isTaken(before.size());
   for (const Key<Item> key : keys) {
-    std::map<std::string, std::deque<std::size_t>> open;
+    struct Places {
+      std::vector<std::size_t> all;
+      std::size_t next = 0;
+    };
+    std::map<std::string, Places> open;
     for (std::size_t i = 0; i < before.size(); ++i) {
       if (!isTaken[i]) {
-        open[key(before[i])].push_back(i);
+        open[key(before[i])].all.push_back(i);
       }
     }
     for (std::size_t i = 0; i < after.size(); ++i) {
       const std::string wanted = key(after[i]);
       const auto found = pairs.ofBefore[i] != nullptr || wanted.empty() ? open.end() : open.find(wanted);
-      if (found != open.end() && !found->second.empty()) {
-        const std::size_t partner = found->second.front();
-        found->second.pop_front();
+      if (found != open.end() && found->second.next < found->second.all.size()) {
+        const std::size_t partner = found->second.all[found->second.next++];
         pairs.ofBefore[i] = &before[partner];
         isTaken[partner] = true;
       }
@@ -95,8 +99,17 @@ Field Long(const char* name, const std::string& value, const std::string& unit) 
   return {name, value, value.empty() ? "none" : std::to_string(value.size()) + " " + unit};
 }
 
+// A name as it stands before all that differs below it: one of megabytes would be repeated there thousands of times.
+std::string Shortened(const std::string& name) {
+  constexpr std::size_t kLongestName = 60;
+  const std::string_view begin = FirstUnits(name, kLongestName);
+  return begin.size() == name.size() ? name : std::string(begin) + "\u2026";
+}
+
+std::string KeyOf(const QuoteComponent& component) { return component.type + " " + component.partNumber; }
+
 std::string NameOf(const QuoteComponent& component) {
-  return (component.type.empty() ? "component" : component.type) + " " + component.partNumber;
+  return (component.type.empty() ? "component" : Shortened(component.type)) + " " + Shortened(component.partNumber);
 }
 
 // What a whole item is told by when it was added or removed.
@@ -110,7 +123,7 @@ std::vector<Field> FieldsOf(const QuoteComponent& component) {
           Plain("type of sale", component.typeOfSale), Plain("ordered ahead", component.preOrder)};
 }
 
-std::string NameOf(const QuoteUnit& unit) { return "base unit " + unit.sequence; }
+std::string NameOf(const QuoteUnit& unit) { return "base unit " + Shortened(unit.sequence); }
 
 std::vector<Field> FieldsOf(const QuoteUnit& unit) {
   return {Plain("part number", unit.partNumber),
@@ -121,7 +134,7 @@ std::vector<Field> FieldsOf(const QuoteUnit& unit) {
           Long("order configuration", unit.orderConfiguration, "characters")};
 }
 
-std::string NameOf(const QuoteTag& tag) { return "tag " + tag.markFor; }
+std::string NameOf(const QuoteTag& tag) { return "tag " + Shortened(tag.markFor); }
 
 std::vector<Field> FieldsOf(const QuoteTag& tag) {
   return {Plain("mark-for", tag.markFor), Plain("PDSG", tag.pdsg), Plain("tag id", tag.legacyTagId),
@@ -172,8 +185,8 @@ void ComparePair(Comparison& comparison, const std::string& where, const QuoteUn
   CompareAttributes(comparison, where, before, after);
   CompareLists<QuoteComponent>(
       comparison, where, before.components, after.components,
-      {[](const QuoteComponent& item) { return Joined(NameOf(item), Joined(item.description, item.price)); },
-       [](const QuoteComponent& item) { return NameOf(item); }});
+      {[](const QuoteComponent& item) { return Joined(KeyOf(item), Joined(item.description, item.price)); },
+       [](const QuoteComponent& item) { return KeyOf(item); }});
 }
 
 void ComparePair(Comparison& comparison, const std::string& where, const QuoteTag& before, const QuoteTag& after) {

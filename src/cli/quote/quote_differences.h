@@ -10,7 +10,7 @@ namespace parvex::cli {
 
 /// One thing in which two quotes differ.
 struct Difference {
-  std::string where;                  ///< the tag, unit or component; empty for the project
+  std::string where;                  ///< the tag, unit or component, long names shortened; empty for the project
   std::string what;                   ///< the value that differs; empty for a whole tag, unit or component
   std::optional<std::string> before;  ///< nothing when it was added
   std::optional<std::string> after;   ///< nothing when it was removed

@@ -11,6 +11,9 @@ namespace {
 
 constexpr const char* kNoNumber = "?";
 
+// So wide a column becomes; a wider cell moves what follows it in its own row, and no other row is filled up to it.
+constexpr std::size_t kWidestColumn = 60;
+
 // Columns of text, each as wide as its widest cell.
 class Table {
  public:
@@ -18,7 +21,7 @@ class Table {
 
   void Add(std::vector<std::string> cells) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
-      widths_[i] = std::max(widths_[i], Width(cells[i]));
+      widths_[i] = std::max(widths_[i], std::min(Width(cells[i]), kWidestColumn));
     }
     rows_.push_back(std::move(cells));
   }
@@ -28,7 +31,7 @@ class Table {
     for (const std::vector<std::string>& row : rows_) {
       std::string line(indent);
       for (std::size_t i = 0; i < row.size(); ++i) {
-        const std::string padding(widths_[i] - Width(row[i]), ' ');
+        const std::string padding(widths_[i] - std::min(Width(row[i]), widths_[i]), ' ');
         line += isRight_[i] ? padding + row[i] : row[i] + padding;
         line += "  ";
       }

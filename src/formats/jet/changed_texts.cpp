@@ -65,6 +65,7 @@ class Changer {
       : file_(std::move(bytes), "", codePages),
         version_(file_.Texts().FileVersion()),
         bytes_(file_.Bytes()),
+        leftOfLongValues_(bytes_.size()),
         change_(change) {}
 
   std::string Changed() {
@@ -144,7 +145,7 @@ class Changer {
       PutNumber(column, value, text);
       return;
     }
-    const std::string stored = column.type == ColumnType::Memo ? LongValue(value) : value;
+    const std::string stored = column.type == ColumnType::Memo ? LongValueAgain(value) : value;
     std::string encoded;
     for (const bool compress : {stored.starts_with("\xFF\xFE"), false, true}) {
       encoded = file_.Texts().Encode(text, compress).value_or("");
@@ -177,7 +178,13 @@ class Changer {
   }
 
   // Long values are read as they are by now: two rows cannot share one and change it twice.
-  std::string LongValue(const std::string& value) { return file_.ReadLongValue(value); }
+  std::string LongValue(const std::string& value) { return file_.ReadLongValue(value, leftOfLongValues_); }
+
+  // One that was read before.
+  std::string LongValueAgain(const std::string& value) const {
+    std::size_t left = bytes_.size();
+    return file_.ReadLongValue(value, left);
+  }
 
   void ReachLongValue(const std::string& value) {
     ForEachPiece(value, [](std::string&, std::size_t) {});
@@ -306,6 +313,7 @@ class Changer {
   const File file_;
   const Version version_;
   std::string bytes_;
+  std::size_t leftOfLongValues_;
   const std::function<void(RowTexts&)>& change_;
   std::map<std::uint32_t, DataPage> pages_;  // as they become
   std::set<std::uint64_t> reached_;

@@ -16,6 +16,24 @@ constexpr std::uint16_t kOffsetMask = 0x1FFF;
 constexpr std::size_t SlotCountAt(Version version) { return version == Version::Jet3 ? 8 : 12; }
 constexpr std::size_t SlotsAt(Version version) { return SlotCountAt(version) + 2; }
 
+/// Calls `use` with flags and bytes of each slot; false as soon as the page is found not to be a sound data page.
+template <typename Use>
+bool ForEachSlot(Version version, std::string_view page, Use use) {
+  const std::size_t slotsAt = SlotsAt(version);
+  if (page.size() != PageSize(version) || ByteAt(page, 0) != static_cast<std::uint8_t>(PageType::Data)) return false;
+  const std::size_t count = Get16(page, SlotCountAt(version));
+  const std::size_t rowsFrom = slotsAt + 2 * count;
+  std::size_t end = page.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint16_t entry = Get16(page, slotsAt + 2 * i);
+    const std::size_t from = entry & kOffsetMask;
+    if (from < rowsFrom || from > end) return false;
+    use((entry & kHiddenFlag) != 0, (entry & kPointerFlag) != 0, page.substr(from, end - from));
+    end = from;
+  }
+  return true;
+}
+
 }  // namespace
 
 std::ptrdiff_t DataPage::FreeBytes() const {
@@ -30,23 +48,21 @@ bool DataPage::HasRoom(std::size_t rowLength) const {
 }
 
 std::optional<DataPage> DecodeDataPage(Version version, std::string_view page) {
-  const std::size_t slotsAt = SlotsAt(version);
-  if (page.size() != PageSize(version) || ByteAt(page, 0) != static_cast<std::uint8_t>(PageType::Data))
-    return std::nullopt;
-  DataPage decoded{.version = version, .owner = Get32(page, 4), .slots = {}};
-  const std::size_t count = Get16(page, SlotCountAt(version));
-  const std::size_t rowsFrom = slotsAt + 2 * count;
-  std::size_t end = page.size();
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::uint16_t entry = Get16(page, slotsAt + 2 * i);
-    const std::size_t from = entry & kOffsetMask;
-    if (from < rowsFrom || from > end) return std::nullopt;
-    decoded.slots.push_back({.hidden = (entry & kHiddenFlag) != 0,
-                             .pointer = (entry & kPointerFlag) != 0,
-                             .bytes = std::string(page.substr(from, end - from))});
-    end = from;
-  }
+  DataPage decoded{.version = version, .owner = 0, .slots = {}};
+  const auto take = [&](bool hidden, bool pointer, std::string_view bytes) {
+    decoded.slots.push_back({.hidden = hidden, .pointer = pointer, .bytes = std::string(bytes)});
+  };
+  if (!ForEachSlot(version, page, take)) return std::nullopt;
+  decoded.owner = Get32(page, 4);
   return decoded;
+}
+
+bool FindRecord(Version version, std::string_view page, std::uint8_t row, std::optional<std::string_view>& record) {
+  std::size_t number = 0;
+  record.reset();
+  return ForEachSlot(version, page, [&](bool hidden, bool pointer, std::string_view bytes) {
+    if (number++ == row && !(hidden && pointer)) record = bytes;
+  });
 }
 
 std::string EncodeDataPage(const DataPage& decoded) {

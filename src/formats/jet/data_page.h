@@ -34,6 +34,10 @@ struct DataPage {
 std::optional<DataPage> DecodeDataPage(Version version, std::string_view page);
 std::string EncodeDataPage(const DataPage& page);
 
+/// One record, for whom taking the whole page apart is too much: false when the bytes are not a sound data page, else
+/// `record` is its slot of that number, nothing when there is none or it is deleted.
+bool FindRecord(Version version, std::string_view page, std::uint8_t row, std::optional<std::string_view>& record);
+
 /// Rows of a page are numbered in one byte.
 inline constexpr std::size_t kMostRows = 255;
 

@@ -77,8 +77,14 @@ class OpenFile {
 
 class JetRecordSet : public TypedRecordSet {
  public:
-  JetRecordSet(std::shared_ptr<OpenFile> file, std::string tableName, TableDefinition table, std::vector<TextRow> rows)
-      : file_(std::move(file)), tableName_(std::move(tableName)), table_(std::move(table)), rows_(std::move(rows)) {}
+  /// `rows` are places in the rows of the table.
+  JetRecordSet(std::shared_ptr<OpenFile> file, std::string tableName, std::shared_ptr<const Table> read,
+               std::vector<std::size_t> rows)
+      : file_(std::move(file)),
+        tableName_(std::move(tableName)),
+        table_(read->Definition()),
+        read_(std::move(read)),
+        rows_(std::move(rows)) {}
 
   bool AtEnd() override { return current_ == rows_.size(); }
 
@@ -125,7 +131,7 @@ class JetRecordSet : public TypedRecordSet {
       const RowPlace place = Current().stored.place;
       file_->Save([&](File& file) { Replace(file); });
       for (const TextRow& row : file_->TableAt(table_.page)->Rows()) {
-        if (row.stored.place == place) rows_[current_] = row;
+        if (row.stored.place == place) changed_[current_] = row;
       }
     }
     change_ = Change::None;
@@ -136,7 +142,8 @@ class JetRecordSet : public TypedRecordSet {
 
   const TextRow& Current() const {
     if (current_ == rows_.size()) Fail(EngineError::NoCurrentRecord, "no current row" + InTable());
-    return rows_[current_];
+    const auto changed = changed_.find(current_);
+    return changed == changed_.end() ? read_->Rows()[rows_[current_]] : changed->second;
   }
 
   std::size_t Find(std::string_view name) const {
@@ -179,7 +186,9 @@ class JetRecordSet : public TypedRecordSet {
   std::shared_ptr<OpenFile> file_;
   std::string tableName_;
   TableDefinition table_;
-  std::vector<TextRow> rows_;
+  std::shared_ptr<const Table> read_;  ///< as it was when the record set was opened
+  std::vector<std::size_t> rows_;
+  std::map<std::size_t, TextRow> changed_;  ///< by this record set, as they read since
   std::size_t current_ = 0;
   Change change_ = Change::None;
   StoredValues values_;  ///< of the row that is being added or changed
@@ -196,9 +205,7 @@ class JetDatabase : public TypedDatabase {
     for (const Statement::Condition& condition : statement.conditions) {
       conditions.emplace_back(FindTextColumn(*table, condition.column, sql), condition.text);
     }
-    std::vector<TextRow> rows;
-    for (const std::size_t row : table->Find(conditions)) rows.push_back(table->Rows()[row]);
-    return std::make_unique<JetRecordSet>(file_, statement.table, table->Definition(), std::move(rows));
+    return std::make_unique<JetRecordSet>(file_, statement.table, table, table->Find(conditions));
   }
 
  private:

@@ -21,6 +21,11 @@ constexpr std::size_t kFreeBytesAt = 2;
 
 constexpr std::size_t kMostDefinitionPages = 256;
 
+/// A null takes a bit in the file and many bytes in memory: of rows that are nothing else, a table has so many values,
+/// and one more for so many bytes of the file.
+constexpr std::size_t kMostValues = 500'000;
+constexpr std::size_t kBytesOfFurtherValue = 8;
+
 std::size_t PagesPerMapPage(Version version) { return (PageSize(version) - kMapPagePrefix) * 8; }
 
 std::string EmptyMapPage(Version version, bool marked) {
@@ -85,6 +90,7 @@ std::vector<Row> File::ReadRows(const TableDefinition& table) const {
   std::vector<Row> rows;
   // Sound rows have bytes of their own; pointers that share a row would make a small file a large table.
   std::size_t rowBytes = 0;
+  std::size_t values = kMostValues + bytes_.size() / kBytesOfFurtherValue;
   std::map<std::uint32_t, DataPage> pages;
   const auto page = [&](std::uint32_t number) -> const DataPage& {
     auto found = pages.find(number);
@@ -108,6 +114,8 @@ std::vector<Row> File::ReadRows(const TableDefinition& table) const {
       }
       rowBytes += slot->bytes.size();
       if (rowBytes > bytes_.size()) Damaged("rows share their bytes");
+      if (table.shape.columns.size() > values) Damaged("a table has more values than its file has room for");
+      values -= table.shape.columns.size();
       std::optional<StoredValues> values = DecodeRow(table.shape, slot->bytes);
       if (!values) {
         Damaged("row " + std::to_string(i) + " of page " + std::to_string(number) + " contradicts its table");
@@ -118,7 +126,7 @@ std::vector<Row> File::ReadRows(const TableDefinition& table) const {
   return rows;
 }
 
-std::string File::ReadLongValue(const std::string& value) const {
+std::string File::ReadLongValue(const std::string& value, std::size_t& left) const {
   constexpr std::size_t kHeaderSize = 12;
   constexpr std::uint32_t kInsideRow = 0x80000000u;
   constexpr std::uint32_t kOnOnePage = 0x40000000u;
@@ -126,16 +134,23 @@ std::string File::ReadLongValue(const std::string& value) const {
   const std::uint32_t flags = Get32(value, 0);
   const std::size_t length = flags & 0x3FFFFFFFu;
   if (length > bytes_.size()) Damaged("a long value is longer than the file");
+  const auto takeOff = [&](const std::string& record) {
+    if (record.size() > left) Damaged("memos share their bytes");
+    left -= record.size();
+  };
   std::string bytes;
   if ((flags & kInsideRow) != 0) {
     bytes = value.substr(kHeaderSize);
+    takeOff(bytes);
   } else if ((flags & kOnOnePage) != 0) {
     bytes = SlotBytes(GetPlace(value, 4));
+    takeOff(bytes);
   } else {
     std::size_t parts = 0;
     for (RowPlace next = GetPlace(value, 4); next != RowPlace{} && bytes.size() < length;) {
       const std::string part = SlotBytes(next);
       if (part.size() <= 4 || ++parts > PageCount()) Damaged("the parts of a long value have no end");
+      takeOff(part);
       bytes += part.substr(4);
       next = GetPlace(part, 0);
     }
@@ -214,9 +229,12 @@ void File::WritePage(std::uint32_t number, std::string_view bytes) {
 }
 
 std::string File::SlotBytes(RowPlace place) const {
-  const DataPage page = ReadDataPage(place.page);
-  if (place.row >= page.slots.size() || page.slots[place.row].Deleted()) Damaged("a referenced record is missing");
-  return page.slots[place.row].bytes;
+  std::optional<std::string_view> record;
+  if (!FindRecord(version_, Page(place.page), place.row, record)) {
+    Damaged("page " + std::to_string(place.page) + " is no sound data page");
+  }
+  if (!record) Damaged("a referenced record is missing");
+  return std::string(*record);
 }
 
 std::vector<std::uint32_t> File::PagesInMap(RowPlace map) const {
@@ -224,7 +242,10 @@ std::vector<std::uint32_t> File::PagesInMap(RowPlace map) const {
   std::vector<std::uint32_t> pages;
   const auto collect = [&](std::string_view bits, std::size_t first) {
     for (std::size_t i = 0; i < bits.size() * 8; ++i) {
-      if ((bits[i / 8] >> i % 8 & 1) != 0) pages.push_back(static_cast<std::uint32_t>(first + i));
+      if ((bits[i / 8] >> i % 8 & 1) == 0) continue;
+      // Several entries of a map may name the same page of bits, all of them set.
+      if (pages.size() >= PageCount()) Damaged("a usage map marks more pages than there are");
+      pages.push_back(static_cast<std::uint32_t>(first + i));
     }
   };
   if (record.size() < 5) Damaged("a usage map is empty");

@@ -35,8 +35,10 @@ class File {
   TableDefinition ReadTable(std::uint32_t definitionPage) const;
   /// In the order of the pages and of the rows in them.
   std::vector<Row> ReadRows(const TableDefinition& table) const;
-  /// The stored bytes of a memo or long binary value, which may be spread over pages. Not longer than the file.
-  std::string ReadLongValue(const std::string& value) const;
+  /// The stored bytes of a memo or long binary value, which may be spread over pages. What was read for it is taken off
+  /// `left`, which begins as the file's size: sound values have bytes of their own, and those that share some would
+  /// make a small file a large table.
+  std::string ReadLongValue(const std::string& value, std::size_t& left) const;
 
   /// Refused for a table with an index or a counting column, which would have to be kept in step.
   void AddRow(const TableDefinition& table, const StoredValues& values);

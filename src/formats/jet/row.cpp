@@ -137,6 +137,7 @@ std::optional<StoredValues> DecodeRow(const RowShape& shape, std::string_view ro
   if (!offsets) return std::nullopt;
 
   StoredValues values;
+  values.reserve(shape.columns.size());
   for (const Column& column : shape.columns) {
     const bool present =
         column.number < columnCount && (ByteAt(row, maskAt + column.number / 8) >> column.number % 8 & 1) != 0;

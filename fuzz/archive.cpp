@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   posix::Windows1252 codePage;
   WatchedFolder folder;
   try {
-    const std::vector<PackedEntry> entries = Unpack(codePage, bytes, kBlob);
+    const std::vector<PackedEntry> entries = Unpack(codePage, bytes, kBlob, kUnpackedAsFiles);
     for (const PackedEntry& entry : entries) {
       fuzz::Require(entry.bytes.size() <= kLargestPackedEntry, "no entry is larger than is unpacked");
     }

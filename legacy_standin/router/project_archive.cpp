@@ -65,7 +65,7 @@ std::string PackProject(const ProjectArchive& archive) {
 
 ProjectArchive ReadProjectArchive(const Application& application, const std::string& path) {
   ProjectArchive archive;
-  for (PackedEntry& entry : Unpack(application.codePage, application.files.ReadAll(path), path)) {
+  for (PackedEntry& entry : Unpack(application.codePage, application.files.ReadAll(path), path, kUnpackedAsFiles)) {
     if (entry.isFolder) {
       continue;
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_map>
 #include <utility>
 
 #include "formats/text/file_names.h"
@@ -46,8 +47,10 @@ std::vector<std::string_view> PathsWithin(std::string_view name) {
 
 std::string_view LastOf(std::string_view path) { return path.substr(FolderOf(path).size()); }
 
+enum class Called { NotThere, BySpelling, Otherwise };
+
 // Whether what exists at a path has another name of its own: the machine knows it by a short one too.
-bool IsCalledOtherwise(Files& files, const std::string& path) {
+Called HowCalled(Files& files, const std::string& path) {
   std::vector<std::string> own;
   if (files.IsFile(path)) {
     own = files.ListFiles(path);
@@ -55,18 +58,30 @@ bool IsCalledOtherwise(Files& files, const std::string& path) {
     const std::string_view above = FolderOf(path);
     own = files.ListFolders(above.empty() ? "." : above);
   } else {
-    return false;
+    return Called::NotThere;
   }
   const std::string name = FoldName(LastOf(path));
-  return std::none_of(own.begin(), own.end(), [&name](const std::string& one) { return FoldName(one) == name; });
+  const bool is = std::ranges::any_of(own, [&name](const std::string& one) { return FoldName(one) == name; });
+  return is ? Called::BySpelling : Called::Otherwise;
 }
 
-// Whether writing the entry would change another file than its own name says.
-bool MeansAnother(Files& files, const std::string& folder, const PackedEntry& entry) {
-  const std::vector<std::string_view> paths = PathsWithin(entry.name);
-  return std::any_of(paths.begin(), paths.end(), [&](std::string_view path) {
-    return MayBeShortName(LastOf(path)) && IsCalledOtherwise(files, folder + std::string(path));
-  });
+// Whether writing the entry would change another file than its own name says. Below what is not there nothing is:
+// `known` holds what was looked at for an entry before.
+bool MeansAnother(Files& files, const std::string& folder, const PackedEntry& entry,
+                  std::unordered_map<std::string, Called>& known) {
+  for (const std::string_view path : PathsWithin(entry.name)) {
+    if (!MayBeShortName(LastOf(path))) {
+      continue;
+    }
+    const auto [called, isNew] = known.try_emplace(std::string(path), Called::NotThere);
+    if (isNew) {
+      called->second = HowCalled(files, folder + std::string(path));
+    }
+    if (called->second != Called::BySpelling) {
+      return called->second == Called::Otherwise;
+    }
+  }
+  return false;
 }
 
 bool MeansDevice(const PackedEntry& entry) {
@@ -113,11 +128,12 @@ void ExtractBesideBlob(Files& files, const std::vector<PackedEntry>& entries, st
                        NamedBlobs* named) {
   const std::string folder(FolderOf(blobPath));
   const std::string_view blobName = blobPath.substr(folder.size());
+  std::unordered_map<std::string, Called> known;
   for (const PackedEntry& entry : entries) {
     if (MeansBlob(files, PathsWithin(entry.name).front(), folder, blobName)) {
       RefuseEntry(blobPath, entry.name, "has the name of the blob itself");
     }
-    if (MeansAnother(files, folder, entry)) {
+    if (MeansAnother(files, folder, entry, known)) {
       RefuseEntry(blobPath, entry.name, "has the short name of another file");
     }
     RefuseProtectedFile(files, folder, entry, blobPath, named);

@@ -110,7 +110,7 @@ StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileN
   }
   RefuseDevicePath(fileName);
   std::string archive = platform.files->ReadIfFile(fileName).value_or(std::string());
-  std::vector<PackedEntry> entries = Unpack(*platform.codePage, archive, fileName);
+  std::vector<PackedEntry> entries = Unpack(*platform.codePage, archive, fileName, kUnpackedAsFiles);
   const std::string tagFile = TagFileBeside(fileName);
   const std::optional<PackedEntry> tag = tagFile.empty() ? std::nullopt : TakeTagEntry(entries);
   ExtractBesideBlob(*platform.files, entries, fileName, named);

@@ -173,6 +173,59 @@ INSTANTIATE_TEST_SUITE_P(
         Attack{"DataWithoutAnEnd", EmptyBlocks}),
     [](const testing::TestParamInfo<Attack>& info) { return info.param.name; });
 
+// --- Crowds ---
+
+std::string Named(std::size_t count, const std::function<std::string(std::size_t)>& name) {
+  ZipWriter writer;
+  for (std::size_t i = 0; i < count; ++i) {
+    writer.Add(name(i), "", false);
+  }
+  return writer.Finish();
+}
+
+std::string DeepName(const std::string& component, std::size_t depth) {
+  std::string name;
+  for (std::size_t i = 0; i < depth; ++i) {
+    name += component + "/";
+  }
+  return name;
+}
+
+class Crowd : public testing::TestWithParam<Attack> {};
+
+TEST_P(Crowd, IsRefused) { ExpectRefused(GetParam().make()); }
+
+INSTANTIATE_TEST_SUITE_P(
+    InAnArchive, Crowd,
+    testing::Values(
+        Attack{"OfFiles", [] { return Named(65'534, [](std::size_t i) { return std::to_string(i); }); }},
+        Attack{"OfJustTooManyFiles",
+               [] { return Named(kUnpackedAsFiles.entries + 1, [](std::size_t i) { return std::to_string(i); }); }},
+        Attack{"OfFolders", [] { return Named(20'000, [](std::size_t i) { return std::to_string(i) + "/"; }); }},
+        Attack{"OfFoldersThatHoldAFile",
+               [] { return Named(1'999, [](std::size_t i) { return std::to_string(i) + "/a"; }); }},
+        Attack{"OfFoldersInFolders",
+               [] {
+                 return Named(1'999, [](std::size_t i) { return std::to_string(i) + "/" + DeepName("a", 60) + "x"; });
+               }}),
+    [](const testing::TestParamInfo<Attack>& info) { return info.param.name; });
+
+// As many as are unpacked, in as many folders, each under a name that may be a short one.
+TEST(LargestCrowd, IsUnpackedInTheTimeThatHostileOnesMayTake) {
+  FakeMachine machine;
+  const std::string folder = DeepName("a~1", kUnpackedAsFiles.folders / 8);
+  machine.Write(kBlob, Named(kUnpackedAsFiles.entries, [&](std::size_t i) {
+                  return i < kUnpackedAsFiles.folders * 7 / 8 - 1 ? std::to_string(i) + "~1/"
+                                                                  : folder + std::to_string(i) + "~1";
+                }));
+  const ChildOutcome outcome = InLimitedChild([&] {
+    ReadStoredTagText(machine.platform, kBlob);
+    return std::string("read");
+  });
+  ExpectQuick(outcome);
+  EXPECT_EQ(outcome.answer, "read");
+}
+
 TEST(LargestArchive, IsReadInTheMemoryThatHostileOnesMayTake) {
   const std::string archive = Zeros(63 * kMegabyte, 2);
   FakeMachine machine;

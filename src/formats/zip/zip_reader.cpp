@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <unordered_set>
 #include <utility>
 
 #include "formats/text/text.h"
@@ -130,6 +131,7 @@ class Archive {
       entries.push_back(NamedEntry(entry.name, subject_));
       CheckKind(entry, entries.back().isFolder);
     }
+    CheckFolders(entries);
     RefuseClashes(entries, subject_);
     CheckLimits(listed);
     const std::vector<std::string_view> data = LocateData(listed, directory.offset);
@@ -180,6 +182,9 @@ class Archive {
     std::string_view rest = bytes_.substr(directory.offset, directory.length);
     while (listed.size() < directory.entries) {
       listed.push_back(TakeDirectoryRecord(rest));
+      if (listed.size() > limits_.entries) {
+        RefuseEntryOf(subject_, listed.back().name, "brings the archive to more entries than are unpacked");
+      }
     }
     if (!rest.empty()) {
       Refuse(subject_, "its directory is longer than its entries");
@@ -239,6 +244,20 @@ class Archive {
     }
     if (entry.method == kStored && entry.packedLength != entry.length) {
       RefuseEntryOf(subject_, entry.name, "is damaged: it is stored with two lengths");
+    }
+  }
+
+  // Of an entry, every folder that it makes or lies in counts once.
+  void CheckFolders(const std::vector<PackedEntry>& entries) const {
+    std::unordered_set<std::string> folders;
+    for (const PackedEntry& entry : entries) {
+      std::size_t end = entry.isFolder ? entry.name.size() : entry.name.rfind('\\');
+      while (end != std::string::npos && folders.insert(ToUpper(std::string_view(entry.name).substr(0, end))).second) {
+        if (folders.size() > limits_.folders) {
+          RefuseEntryOf(subject_, entry.name, "brings the archive to more folders than are unpacked");
+        }
+        end = end == 0 ? std::string::npos : entry.name.rfind('\\', end - 1);
+      }
     }
   }
 

@@ -28,7 +28,13 @@ struct UnpackLimits {
   std::uint64_t entry = kLargestPackedEntry;
   std::uint64_t total = kLargestPackedTotal;
   std::string_view what = "blob";  ///< what refusals call the archive
+  std::size_t entries = SIZE_MAX;
+  std::size_t folders = SIZE_MAX;  ///< that the entries make or lie in
 };
+
+/// Of an archive whose entries become files and folders of the machine, each of which takes its time. The legacy
+/// application's have a dozen.
+inline constexpr UnpackLimits kUnpackedAsFiles = {.entries = 2'000, .folders = 500};
 
 /// The unpacked entries of the archive that `archive` holds, in the archive's order; none when it is no archive. No two
 /// have the same name. An archive that is damaged, holds an entry with a hostile name or of a kind that is not read, or

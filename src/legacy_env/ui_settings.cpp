@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <vector>
 
 #include "legacy_env/install_paths.h"
 #include "seams/automation_error.h"
 #include "seams/durable_files.h"
+#include "seams/file_parts.h"
 
 namespace parvex {
 namespace {
@@ -36,54 +36,76 @@ bool IsSettingOf(std::string_view line, std::string_view key) {
   return line.starts_with(key) && line.find('=') != std::string_view::npos;
 }
 
-std::string Rewritten(const std::string& line, std::string_view value) {
+std::string ReadText(const Platform& platform, std::string_view path) {
+  const std::string bytes = ReadPart(*platform.files, path, 0, kLongestUiFile + 1);
+  if (bytes.size() > kLongestUiFile) {
+    throw MakeFileError(RuntimeError::PathFileAccess, "read", path,
+                        "it has more than " + std::to_string(kLongestUiFile) + " bytes");
+  }
+  return platform.codePage->FromAnsi(bytes);
+}
+
+// Takes the first line off, without its line break.
+std::string_view TakeLine(std::string_view& text) {
+  const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
+  text.remove_prefix(line.size());
+  text.remove_prefix(std::min<std::size_t>(text.size(), text.starts_with("\r\n") ? 2 : 1));
+  return line;
+}
+
+std::size_t CountLines(std::string_view text) {
+  std::size_t count = 0;
+  for (; !text.empty(); ++count) {
+    TakeLine(text);
+  }
+  return count;
+}
+
+std::string FindValue(std::string_view text, std::string_view key) {
+  while (!text.empty()) {
+    if (const std::string_view line = TakeLine(text); IsSettingOf(line, key)) {
+      return std::string(line.substr(line.find('=') + 1));
+    }
+  }
+  return {};
+}
+
+std::string Rewritten(std::string_view line, std::string_view value) {
   if (IsSettingOf(line, "ToolBarActive") || IsSettingOf(line, "TreeViewActive")) {
-    return line.substr(0, line.find('=') + 1).append(value);
+    return std::string(line.substr(0, line.find('=') + 1)).append(value);
   }
-  return IsSettingOf(line, "SplitterPosition") ? std::string(kSplitterLine) : line;
+  return std::string(IsSettingOf(line, "SplitterPosition") ? kSplitterLine : line);
 }
 
-std::string FindValue(const std::vector<std::string>& lines, std::string_view key) {
-  const auto line = std::ranges::find_if(lines, [&](const std::string& each) { return IsSettingOf(each, key); });
-  return line == lines.end() ? std::string() : line->substr(line->find('=') + 1);
-}
-
-std::string RewrittenText(const std::vector<std::string>& lines, std::string_view value) {
-  std::string text;
-  for (const std::string& line : lines) {
-    text += Rewritten(line, value) + "\r\n";
+std::string RewrittenText(std::string_view text, std::string_view value) {
+  std::string rewritten;
+  while (!text.empty()) {
+    rewritten += Rewritten(TakeLine(text), value) + "\r\n";
   }
-  return text;
+  return rewritten;
 }
 
 }  // namespace
 
 std::string getUIValue(const Platform& platform, std::string_view key) {
-  return Under("KDQU470.getUIValue", [&] { return FindValue(ReadUiLines(platform, SettingsFile(platform)), key); });
+  return Under("KDQU470.getUIValue", [&] { return FindValue(ReadText(platform, SettingsFile(platform)), key); });
 }
 
-std::vector<std::string> ReadUiLines(const Platform& platform, std::string_view path) {
-  const std::string text = platform.codePage->FromAnsi(platform.files->ReadAll(path));
-  std::vector<std::string> lines;
-  for (std::size_t from = 0; from < text.size();) {
-    const std::size_t end = std::min(text.find_first_of("\r\n", from), text.size());
-    lines.push_back(text.substr(from, end - from));
-    from = end + (text.compare(end, 2, "\r\n") == 0 ? 2 : 1);
-  }
-  return lines;
+std::size_t CountUiLines(const Platform& platform, std::string_view path) {
+  return CountLines(ReadText(platform, path));
 }
 
 void setUIValue(const Platform& platform, std::string_view value) {
   Under("KDQU470.setUIValue", [&] {
     const std::string path = SettingsFile(platform);
     const std::shared_ptr<void> alone = platform.files->HoldForChange(path);
-    const std::vector<std::string> lines = ReadUiLines(platform, path);
-    if (lines.size() > kMostUiLines) {
-      throw MakeRuntimeError(RuntimeError::SubscriptOutOfRange, path + " has " + std::to_string(lines.size()) +
-                                                                    " lines; it may have at most " +
-                                                                    std::to_string(kMostUiLines));
+    const std::string text = ReadText(platform, path);
+    if (const std::size_t lines = CountLines(text); lines > kMostUiLines) {
+      throw MakeRuntimeError(
+          RuntimeError::SubscriptOutOfRange,
+          path + " has " + std::to_string(lines) + " lines; it may have at most " + std::to_string(kMostUiLines));
     }
-    ReplaceOnDisk(*platform.files, path, platform.codePage->ToAnsi(RewrittenText(lines, value)));
+    ReplaceOnDisk(*platform.files, path, platform.codePage->ToAnsi(RewrittenText(text, value)));
   });
 }
 

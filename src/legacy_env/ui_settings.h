@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "seams/automation_error.h"
 #include "seams/platform.h"
@@ -23,8 +22,11 @@ inline constexpr std::uint32_t kBinPathUnknown = kObjectErrorBase + 0x200u;
 /// there is none.
 std::string getUIValue(const Platform& platform, std::string_view key);
 
-/// The lines of a file of that kind, each without its line break (CR LF, CR or LF); the last one needs none.
-std::vector<std::string> ReadUiLines(const Platform& platform, std::string_view path);
+/// How many lines a file of that kind has. CR LF, CR and LF end a line; the last one needs none.
+std::size_t CountUiLines(const Platform& platform, std::string_view path);
+
+/// A file of more bytes is refused (75), in all these operations.
+inline constexpr std::size_t kLongestUiFile = 16u << 20;
 
 /// So many lines setUIValue has room for.
 inline constexpr std::size_t kMostUiLines = 101;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <new>
 #include <optional>
 
 #include "formats/router_ids/router_ids.h"
@@ -14,6 +15,7 @@
 #include "protocol/legacy_names.h"
 #include "protocol/reply_envelope.h"
 #include "seams/automation_error.h"
+#include "seams/file_parts.h"
 
 namespace parvex::cli {
 namespace {
@@ -34,6 +36,8 @@ Finding Check(const std::string& name, const std::string& hint, const std::funct
     return {name, found.state, found.detail, found.state == State::Ok ? "" : hint};
   } catch (const AutomationError& error) {
     return {name, State::Failure, error.Description(), hint};
+  } catch (const std::bad_alloc&) {
+    return {name, State::Failure, "what is looked at takes more memory than there is", hint};
   }
 }
 
@@ -83,7 +87,10 @@ Found WriteIntoFolder(const Platform& platform, const std::string& folder) {
 }
 
 Found FindWorkflowProgram(const Platform& platform, const HostFacts& facts, const std::string& path) {
-  const bool isForWindows = platform.files->ReadAll(path).starts_with("MZ");
+  // What is no file is refused as any reading of it is.
+  const std::string begin =
+      platform.files->IsFile(path) ? ReadPart(*platform.files, path, 0, 2) : platform.files->ReadAll(path);
+  const bool isForWindows = begin == "MZ";
   if (isForWindows == facts.runsWindowsPrograms) {
     return {path};
   }
@@ -92,14 +99,25 @@ Found FindWorkflowProgram(const Platform& platform, const HostFacts& facts, cons
 }
 
 Found FindSettings(const Platform& platform, const std::string& path) {
-  const std::size_t lines = ReadUiLines(platform, path).size();
+  const std::size_t lines = CountUiLines(platform, path);
   const bool fits = lines <= kMostUiLines;
   return {path + (fits ? "" : " has " + std::to_string(lines) + " lines, more than can be changed"),
           fits ? State::Ok : State::Failure};
 }
 
+// One byte more than so much is not read.
+std::string ReadBounded(const Platform& platform, const std::string& path) {
+  constexpr std::size_t kMost = 8u << 20;
+  std::string bytes = ReadPart(*platform.files, path, 0, kMost + 1);
+  if (bytes.size() > kMost) {
+    throw MakeFileError(RuntimeError::PathFileAccess, "read", path,
+                        "it has more than " + std::to_string(kMost) + " bytes");
+  }
+  return bytes;
+}
+
 Found FindXml(const Platform& platform, const std::string& path) {
-  const xml::Document document = xml::Document::Load(platform.files->ReadAll(path));
+  const xml::Document document = xml::Document::Load(ReadBounded(platform, path));
   return {path + (document.IsEmpty() ? " does not parse: " + document.ParseError() : ""),
           document.IsEmpty() ? State::Failure : State::Ok};
 }

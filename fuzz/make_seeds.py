@@ -218,6 +218,11 @@ def archive_seeds(chance):
     inputs += [archive_of([("Tag", tag), (name, b"x")]) for name in names]
     inputs += [archive_of([("a", b""), ("A", b"")]), archive_of([("a", b""), ("a/b", b"")]),
                archive_of([("n", b"\0" * 5000)])]
+    folders = [["a/"], ["a/", "a/b/", "a/b/c.dat"], ["a/b/c/d/e.dat"], ["a/b.dat", "A/c.dat"], ["a/b/", "a\\c/", "a\\c\\d"],
+               ["a/", "a"], ["a", "a/"], ["a./b", "a/c"], ["x~1/", "x~1/y~1"], ["a/" * 127], ["a/" * 60 + "b", "a/" * 61],
+               ["tag.blb/"], ["Tag/"], ["Tag/Tag"], ["con/a"], ["a/con.txt/b"], [f"{number}/" for number in range(40)],
+               [f"{number}/a" for number in range(600)], [f"d/{number}" for number in range(60)]]
+    inputs += [archive_of([(name, b"" if name.endswith("/") else b"x") for name in names]) for names in folders]
     with_comment = bytearray(good) + b"comment"
     struct.pack_into("<H", with_comment, len(good) - 2, 7)
     inputs.append(bytes(with_comment))
@@ -356,6 +361,95 @@ def case_seeds(chance):
         changed = bytearray(whole)
         changed[chance.randrange(len(changed))] ^= 1 << chance.randrange(8)
         inputs.append(b"\0" + bytes(changed))
+    return inputs
+
+
+# --- registry ---
+
+def registry_seeds(chance):
+    head = "Windows Registry Editor Version 5.00\r\n\r\n"
+    local, user = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Korvane\\KDQ47]\r\n", "[HKEY_CURRENT_USER\\Software\\Parvex]\r\n"
+    lines = ["", '"BinPath"="C:\\\\Korvane\\\\TQ5-VX\\\\Bin\\\\"\r\n', '@="default"\r\n', '"a"="say \\"x\\""\r\n',
+             '"a"=hex(2):41,00,42,00,00,00\r\n', '"a"=hex(2):41,00,\\\r\n  42,00,00,00\r\n', '"a"=hex(1):41,00\r\n',
+             '"a"=hex(2):4', '"a"=hex(2):\\', '"a"=hex(7):41,00,00,00,00,00\r\n', '"a"=dword:00000001\r\n', '"a"=-\r\n',
+             '"a"="1"\r\n"A"="2"\r\n', '"a"="over\r\nlines"\r\n', '"a"="never ended', '"a', '"a"', "a=b", '; "a"="b"\r\n',
+             '"a"="\\', '"\\"="x"\r\n', '"a"="\u20ac\u00e9"\r\n', '=""\r\n', "[", "[]", "[HKEY_CURRENT_USER", "[-", "\r"]
+    deletions = [f"[-{key[1:]}" for key in (local, user)]
+    texts = [head + key + line for key in (local, user) for line in lines]
+    texts += [head + local + lines[1] + deletion for deletion in deletions] + [head, "REGEDIT4", "", head * 3]
+    texts += [head + "[HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Korvane\\KDQ47]\r\n" + lines[1]]
+    asked = [b"Software\\Parvex\0a\0", b"SOFTWARE\\KORVANE\\\\KDQ47\0BinPath\0", b"\0\0", b"\\\0@\0"]
+    encodings = [lambda text: b"\xff\xfe" + text.encode("utf-16-le"), lambda text: b"\xef\xbb\xbf" + text.encode(),
+                 lambda text: text.replace(head, "REGEDIT4\r\n\r\n").encode("cp1252", "replace"),
+                 lambda text: b"\xfe\xff" + text.encode("utf-16-be")]
+    inputs = [asked[number % 4] + b"text\0" + encodings[number % 3](text) for number, text in enumerate(texts)]
+    inputs += [asked[0] + b"C:\\x \"y\"\0" + encode(texts[1])[:-chance.randrange(1, 9)] for encode in encodings]
+    return inputs
+
+
+# --- journal ---
+
+def journal_seeds(chance):
+    lines = [{"kind": "router", "answer": "<x/>"}, {"kind": "router", "request": "<R a='1'/>", "answer": "<A/>"},
+             {"kind": "router", "request": "text", "answer": "", "success": False},
+             {"kind": "router", "error": {"number": "0x800A01AD", "source": "router", "description": "gone"}},
+             {"kind": "router"}, {"kind": "note", "about": "a", "text": "t"}, {"kind": "finding", "text": "t"},
+             {"kind": "process", "op": "start"}, {"kind": "nobody knows"}, {"answer": "x"}]
+    odd = [None, True, -1, 1.5, "\u001b[2J", [], {}, [[1]], {"number": 5}, 2 ** 64]
+    journals = [json.dumps(line) for line in lines]
+    for line in lines[:4]:
+        journals += [json.dumps({**line, key: value}) for key in line for value in chance.sample(odd, 4)]
+    whole = "\r\n".join(journals[:7]) + "\n\n  \n"
+    journals += ["", "\ufeff" + whole, whole, "[" * 200, "{" * 200, '{"kind":"router","x":' + "[" * 99 + "]" * 99 + "}",
+                 "not json", '{"kind":"router"', '{"kind":"\\ud800"}', whole.replace("\n", "\r")]
+    requests = [b"\0", b"<R a='1'/>\0\0", b"text\0<R a=\"1\"></R>\0\0", b"<R\0x\0\0"]
+    return [requests[number % 4] + text.encode() for number, text in enumerate(journals)]
+
+
+# --- standin ---
+
+def standin_seeds(chance):
+    unit = {"tagId": 7, "keys": {"PartNumber": "P1", "MarkFor": "M1"},
+            "stored": {"file": "a.blb", "place": "temp", "entries": [{"name": "Tag", "deflate": False, "text": "<T/>"}]},
+            "extendedDescription": ["long", "longer"], "etoDescription": ["eto"],
+            "accessories": [{"keys": {"PartNumber": "A1"}, "stored": {"file": "b.blb", "place": "project"}}],
+            "warranties": [{"Name": "W1"}], "blanketItems": [{"PartNumber": "B1"}]}
+    settings = {"workflow": {"cancel": True, "exitCode": 3, "writeNothing": False}, "router": {"refuse": ["getTags"]},
+                "builder": {"missing": False, "cancelled": True, "failAt": "View", "polls": 3},
+                "reportServer": {"missing": False, "failAt": "Reset", "makeReport": True}}
+    odd = [None, True, -1, 1.5, "\u001b[2J", "..", "a\\b", [], {}, [[1]], {"a": {}}, 2 ** 64, -2 ** 63]
+    inputs = [b"\0" + json.dumps({"units": units}).encode() for units in ([], [unit], [unit, unit], {}, None)]
+    for key in unit:
+        inputs += [b"\0" + json.dumps({"units": [{**unit, key: value}]}).encode() for value in chance.sample(odd, 5)]
+    inputs.append(b"\1" + json.dumps(settings).encode())
+    for key, part in settings.items():
+        inputs.append(b"\1" + json.dumps({key: part}).encode())
+        inputs += [b"\1" + json.dumps({key: {**part, name: chance.choice(odd)}}).encode() for name in part]
+    deep = b"[" * 200 + b"]" * 200
+    inputs += [b"\0" + text for text in (b"", b"{", deep, b'{"units":' + deep + b"}", b'{"units":[]', b'\xff', b"{}{}")]
+    return inputs
+
+
+# --- show ---
+
+def show_seeds(chance):
+    component = '<COMPONENT TYPE="accessory" PARTNUMBER="A1" QUANTITY="2" PRICE="10.5"><DESCRIPTION>d</DESCRIPTION>' \
+                "<ATTRIBUTES_LIST><SUPPLIER>s</SUPPLIER><PREORDERREQ>1</PREORDERREQ></ATTRIBUTES_LIST></COMPONENT>"
+    unit = '<BASEUNIT SEQUENCE="1" PARTNUMBER="P" QUANTITY="1" PRICE="1000"><EXTENDED_DESCRIPTIONS><DESCRIPTION>x' \
+           '</DESCRIPTION></EXTENDED_DESCRIPTIONS><ATTRIBUTES_LIST><TON>5</TON><ETO ETODESCRIPTION="e">1</ETO><ATTRIBUTE1>a' \
+           f"</ATTRIBUTE1></ATTRIBUTES_LIST><SAP_XML>&lt;x/&gt;</SAP_XML><COMPONENTS>{component}</COMPONENTS></BASEUNIT>"
+    tag = "<TAG><ATTRIBUTES_LIST><MARKFOR>RTU-1</MARKFOR><PDSG>RTU47</PDSG><LEGACY_TAGID>71</LEGACY_TAGID><BUILDVERSION>4" \
+          f"</BUILDVERSION><BLOB>TWFu</BLOB></ATTRIBUTES_LIST><BASEUNITS>{unit}</BASEUNITS></TAG>"
+    whole = '<PROJECT><ATTRIBUTES_LIST><JOB LEGACY_PROJECTNAME="Tower"/></ATTRIBUTES_LIST>' + f"<TAGS>{tag}</TAGS></PROJECT>"
+    odd = ["", "?", "-1", "1e300", "0.005", "9" * 40, "\u20ac" * 70, "w" * 100, "&#x202E;", "&#27;[2J", "&#x85;", "&#9;"]
+    changed = [whole.replace(old, new, 1) for old in ('"2"', ">RTU-1<", '"A1"', ">x<", ">TWFu<", '"1000"')
+               for new in (value.join((old[0], old[-1])) for value in odd[:9])]
+    changed = [text.replace(">&#27;", ">").replace("&#27;", "") for text in changed]
+    changed += [whole.replace(part, part * count) for part in (component, unit, tag) for count in (0, 2, 3)]
+    inputs = [whole, "<PROJECT/>", "<PROJECT><TAGS/></PROJECT>", "<a/>", "", "<PROJECT><TAGS><TAG/></TAGS></PROJECT>"]
+    inputs = [text.encode() for text in inputs]
+    inputs += [whole.encode() + NUL + text.encode() for text in changed]
+    inputs += [text.encode() + NUL + chance.choice(changed).encode() for text in changed[:10]]
     return inputs
 
 

@@ -23,7 +23,7 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-constexpr const char* kProject = "C:\\Korvane\\TQ5-VX\\Projects\\Tower\\";
+constexpr const char* kFolderOfProject = "C:\\Korvane\\TQ5-VX\\Projects\\Tower\\";
 
 struct JsonAttack {
   std::string name;
@@ -61,14 +61,14 @@ class HostileJson : public testing::TestWithParam<JsonAttack> {
 };
 
 TEST_P(HostileJson, AsUnitsOfAProjectIsRefused) {
-  machine_.Write(std::string(kProject) + "project.mdb", "");
-  machine_.Write(std::string(kProject) + "units.json", GetParam().make("units"));
+  machine_.Write(std::string(kFolderOfProject) + "project.mdb", "");
+  machine_.Write(std::string(kFolderOfProject) + "units.json", GetParam().make("units"));
   ExpectRefused("units.json", [&] { standin::ProjectStore(application_).ReadUnits("Tower"); });
 }
 
 TEST_P(HostileJson, AsPropertiesOfAProjectIsRefused) {
-  machine_.Write(std::string(kProject) + "project.mdb", "");
-  machine_.Write(std::string(kProject) + "properties.json", GetParam().make("Customer"));
+  machine_.Write(std::string(kFolderOfProject) + "project.mdb", "");
+  machine_.Write(std::string(kFolderOfProject) + "properties.json", GetParam().make("Customer"));
   ExpectRefused("properties.json", [&] { standin::ProjectStore(application_).ReadProperties("Tower"); });
 }
 

@@ -8,6 +8,7 @@
 
 #include "formats/jet/writer.h"
 #include "formats/text/file_names.h"
+#include "formats/text/letter_case.h"
 #include "formats/text/new_file_names.h"
 #include "formats/text/text.h"
 #include "formats/zip/entry_names.h"
@@ -160,7 +161,7 @@ std::string ProjectStore::NameOf(std::string_view name) const {
     throw MakeRuntimeError(RuntimeError::PathNotFound, "there is no project \"" + std::string(name) + "\"");
   }
   for (const std::string& spelled : files_.ListFolders(application_.Root() + "\\Projects")) {
-    if (EqualIgnoringCase(spelled, name)) {
+    if (IsSameName(spelled, name)) {
       return spelled;
     }
   }
@@ -281,13 +282,13 @@ void ProjectStore::Carry(FileChange& change, const std::string& folder, const ch
   }
   std::vector<std::string> kept;
   for (const ProjectFile& file : files) {
-    kept.push_back(ToUpper(file.path));
+    kept.push_back(FoldName(file.path));
   }
   std::sort(kept.begin(), kept.end());
   std::vector<ProjectFile> before;
   AddFiles(files_, folder, "", before);
   for (const ProjectFile& old : before) {
-    if (!std::binary_search(kept.begin(), kept.end(), ToUpper(old.path))) {
+    if (!std::binary_search(kept.begin(), kept.end(), FoldName(old.path))) {
       change.Remove(folder + "\\" + old.path);
     }
   }

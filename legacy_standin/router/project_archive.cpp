@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 #include "formats/zip/zip_reader.h"
 #include "formats/zip/zip_writer.h"
@@ -18,8 +19,7 @@ constexpr const char* kUnits = "units.json";
 /// The file of that path; the list's end when there is none.
 template <typename FileList>
 auto Find(FileList& files, std::string_view path) {
-  return std::find_if(files.begin(), files.end(),
-                      [&](const ProjectFile& file) { return EqualIgnoringCase(file.path, path); });
+  return std::find_if(files.begin(), files.end(), [&](const ProjectFile& file) { return IsSameName(file.path, path); });
 }
 
 std::vector<Unit> UnitsIn(const ProjectArchive& archive) {
@@ -45,11 +45,11 @@ std::vector<std::string> SplitAtCommas(std::string_view list) {
   return names;
 }
 
-/// The file names, in upper case, of the data archives of a unit and its accessories.
+/// The file names, folded, of the data archives of a unit and its accessories.
 void AddDataOf(const Unit& unit, std::unordered_set<std::string>& names) {
-  names.insert(ToUpper(unit.stored.fileName));
+  names.insert(FoldName(unit.stored.fileName));
   for (const Accessory& accessory : unit.accessories) {
-    names.insert(ToUpper(accessory.stored.fileName));
+    names.insert(FoldName(accessory.stored.fileName));
   }
 }
 
@@ -111,7 +111,7 @@ void KeepGroups(ProjectArchive& archive, std::string_view groups) {
       AddDataOf(unit, leftOut);
     }
   }
-  std::erase_if(archive.files, [&](const ProjectFile& file) { return leftOut.contains(ToUpper(file.path)); });
+  std::erase_if(archive.files, [&](const ProjectFile& file) { return leftOut.contains(FoldName(file.path)); });
   if (const auto units = Find(archive.files, kUnits); units != archive.files.end()) {
     units->bytes = FormatUnits(kept);
   }

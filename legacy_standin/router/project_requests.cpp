@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 #include "legacy_standin/projects/project_store.h"
 #include "legacy_standin/router/project_archive.h"
@@ -64,7 +65,7 @@ std::string SetProject(const ProjectStore& store, const Application&, const xml:
 
 bool IsSamePath(std::string_view a, std::string_view b) {
   const auto plain = [](std::string_view path) { return path.substr(0, path.find_last_not_of('\\') + 1); };
-  return EqualIgnoringCase(plain(a), plain(b));
+  return IsSameName(plain(a), plain(b));
 }
 
 /// Projects lie in the application's own folder: a path of somewhere else is refused.

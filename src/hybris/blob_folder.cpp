@@ -12,10 +12,10 @@
 namespace parvex {
 namespace {
 
-// Whether a name beside the blob means the blob. Only the folder's listing knows which letters beyond Latin-1 count as
-// the same, and which file has the short name that the blob may be called by.
+// Whether a name beside the blob means the blob. Only the folder's listing knows which file has the short name that the
+// blob may be called by, and which letters a volume takes for the same.
 bool MeansBlob(Files& files, std::string_view name, const std::string& folder, std::string_view blobName) {
-  if (EqualIgnoringCase(name, blobName.substr(0, blobName.find_last_not_of(". ") + 1))) {
+  if (IsSameName(name, blobName.substr(0, blobName.find_last_not_of(". ") + 1))) {
     return true;
   }
   const auto plain = [](char c) { return static_cast<unsigned char>(c) < 0x80 && c != '~'; };

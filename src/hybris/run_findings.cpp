@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "formats/text/file_names.h"
-#include "formats/text/text.h"
+#include "formats/text/letter_case.h"
 #include "hybris/blob_folder.h"
 #include "hybris/selected_items.h"
 #include "seams/automation_error.h"
@@ -51,7 +51,7 @@ void CheckProject(const Platform& platform, Notes& notes, const QuoteBuilderRun&
                   const std::vector<SelectedTag>& tags, const std::string& asked) {
   const std::string named =
       platform.privateProfile->Section("Header", run.outputFile)->ReadString("ProjectName", "", kLongestName);
-  if (!named.empty() && !EqualIgnoringCase(named, asked)) {
+  if (!named.empty() && !IsSameName(named, asked)) {
     notes.Find("the quote builder's output is of the project " + Quoted(named) + ", not of " + Quoted(asked));
     return;
   }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "formats/text/encoded_text.h"
+#include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 #include "formats/text/unicode.h"
 #include "formats/zip/zip_reader.h"
@@ -41,7 +42,7 @@ std::string WithUniformLineEnds(std::string_view text) {
 // Where a file "Tag" beside the blob is; empty for a blob that has this name itself.
 std::string TagFileBeside(std::string_view blobPath) {
   std::string tagFile = std::string(FolderOf(blobPath)).append(kTagFile);
-  return EqualIgnoringCase(tagFile, blobPath) ? std::string() : tagFile;
+  return IsSameName(tagFile, blobPath) ? std::string() : tagFile;
 }
 
 // The bytes of a file "Tag" that an earlier run left beside the blob, which is deleted; null when there is none.

@@ -8,6 +8,7 @@
 #include <set>
 #include <utility>
 
+#include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 #include "formats/text/unicode.h"
 #include "masking/journal_masking.h"
@@ -55,12 +56,12 @@ class Lengths {
     } else if (path.starts_with(recording::kAfter)) {
       path.remove_prefix(std::min(path.find('/', recording::kAfter.size()), path.size() - 1) + 1);
     }
-    lengths_[{ToUpper(path), before}] = after;
+    lengths_[{FoldName(path), before}] = after;
   }
 
   std::optional<std::uint64_t> Now(const std::string& path, std::uint64_t before) const {
     const std::optional<std::string> member = recording::MemberOf(path);
-    const auto found = member ? lengths_.find({ToUpper(*member), before}) : lengths_.end();
+    const auto found = member ? lengths_.find({FoldName(*member), before}) : lengths_.end();
     return found == lengths_.end() ? std::nullopt : std::optional(found->second);
   }
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "formats/text/text.h"
+#include "formats/text/letter_case.h"
 #include "formats/text/windows_1252.h"
 #include "formats/zip/zip_reader.h"
 #include "recording/case_layout.h"
@@ -36,7 +36,7 @@ void CheckSize(const std::string& path, const std::string& subject, std::uint64_
 void CheckFolderName(const std::string& path, std::string_view name) {
   const std::string_view first = name.substr(0, name.find('/'));
   for (const std::string_view own : kOwnMembers) {
-    if (EqualIgnoringCase(first, own)) {
+    if (IsSameName(first, own)) {
       RefuseCase(path, "its entry " + Quoted(name) + " makes a folder of " + std::string(own));
     }
   }

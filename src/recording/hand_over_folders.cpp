@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "formats/text/text.h"
+#include "formats/text/letter_case.h"
 
 namespace parvex::recording {
 namespace {
@@ -19,7 +19,7 @@ std::string WithoutEndingSeparators(std::string_view path) {
 std::vector<std::string> HandOverFolders(std::string_view binPath) {
   std::vector<std::string> folders;
   const auto add = [&](std::string folder) {
-    const auto isSame = [&](const std::string& one) { return EqualIgnoringCase(one, folder); };
+    const auto isSame = [&](const std::string& one) { return IsSameName(one, folder); };
     if (std::none_of(folders.begin(), folders.end(), isSame)) {
       folders.push_back(std::move(folder));
     }

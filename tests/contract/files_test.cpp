@@ -131,6 +131,23 @@ TEST_F(FilesContract, LetterCaseOfLettersBeyondAsciiDoesNotMatter) {
   EXPECT_EQ(files.ReadAll(Path("GERÄT GRÖßE.TXT")), "g");
 }
 
+TEST_F(FilesContract, LettersOfOtherAlphabetsHaveOneCaseToo) {
+  Write("ж λ ž.txt", "one");
+  Write("Ж Λ Ž.txt", "two");
+  EXPECT_EQ(files.ReadAll(Path("ж λ ž.txt")), "two");
+  EXPECT_THAT(files.ListFiles(Path("*.txt")), ElementsAre("ж λ ž.txt"));
+  Write("ß.dat", "one");
+  Write("ss.dat", "two");
+  EXPECT_THAT(files.ListFiles(Path("*.dat")), ElementsAre("ss.dat", "ß.dat")) << "what needs two capitals has none";
+}
+
+TEST_F(FilesContract, NamesAreSortedByTheCapitalsOfEveryAlphabet) {
+  for (const char* name : {"жб", "ЖА", "жв"}) {
+    Write(name, "");
+  }
+  EXPECT_THAT(files.ListFiles(Path("*")), ElementsAre("ЖА", "жб", "жв"));
+}
+
 TEST_F(FilesContract, DoubledAndForwardSlashesSeparateAsOneBackslash) {
   files.CreateFolder(Path("Bin"));
   Write("Bin\\\\a.txt", "a");

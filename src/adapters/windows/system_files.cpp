@@ -9,7 +9,7 @@
 #include "adapters/windows/system_error.h"
 #include "adapters/windows/wide_text.h"
 #include "formats/text/file_names.h"
-#include "formats/text/text.h"
+#include "formats/text/letter_case.h"
 
 namespace parvex::windows {
 namespace {
@@ -61,7 +61,7 @@ std::vector<std::string> Listed(const std::wstring& pattern, bool folders) {
     const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     if (isFolder == folders && name != L"." && name != L"..") {
       const std::string narrow = Narrow(name);
-      found.emplace_back(ToUpper(narrow), narrow);
+      found.emplace_back(FoldName(narrow), narrow);
     }
   } while (FindNextFileW(search, &entry));
   FindClose(search);

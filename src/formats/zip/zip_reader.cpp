@@ -7,6 +7,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "formats/text/letter_case.h"
 #include "formats/text/text.h"
 #include "formats/text/unicode.h"
 #include "formats/zip/checksum.h"
@@ -65,7 +66,7 @@ void RefuseClashes(const std::vector<PackedEntry>& entries, const std::string& s
   constexpr char kBeforeAllOthers = '\1';
   std::vector<std::pair<std::string, const PackedEntry*>> sorted;
   for (const PackedEntry& entry : entries) {
-    sorted.emplace_back(ToUpper(entry.name), &entry);
+    sorted.emplace_back(FoldName(entry.name), &entry);
     std::replace(sorted.back().first.begin(), sorted.back().first.end(), '\\', kBeforeAllOthers);
   }
   std::sort(sorted.begin(), sorted.end());

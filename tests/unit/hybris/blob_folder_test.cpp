@@ -68,6 +68,7 @@ TEST_F(ExtractBesideBlobTest, KnowsTheBlobByAnySpellingOfItsPath) {
   machine_.Write("C:\\data\\\xC5\xA1.dat", "the blob");  // a letter pair beyond Latin-1
   EXPECT_THROW(Extract({"\xC5\xA0.dat"}, "C:\\data\\\xC5\xA1.dat"), AutomationError);
   EXPECT_EQ(machine_.Read("C:\\data\\\xC5\xA1.dat"), "the blob");
+  EXPECT_THROW(Extract({"Ж.dat"}, "C:\\data\\ж.dat"), AutomationError) << "which is not even there";
 }
 
 // A folder with one file, which has a second, short name as Windows keeps it.

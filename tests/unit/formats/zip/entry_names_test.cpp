@@ -121,6 +121,9 @@ TEST_F(Packing, RefusesNamesThatCannotStandSideBySide) {
            {"a", "a"},
            {"a", "A"},
            {"\xC3\xA4", "\xC3\x84"},
+           {"ж.txt", "Ж.txt"},
+           {"λ/a", "Λ/A"},
+           {"ž", "Ž/a"},
            {"a/b", "a\\B"},
            {"a", "a/"},
            {"a/", "A/"},
@@ -134,6 +137,7 @@ TEST_F(Packing, RefusesNamesThatCannotStandSideBySide) {
     EXPECT_THAT(RefusalOf(ArchiveOf(names)), HasSubstr("another entry takes")) << testing::PrintToString(names);
   }
   EXPECT_EQ(UnpackBytes(ArchiveOf({"a/", "a/b", "a/c", "ab", "a!"})).size(), 5u);
+  EXPECT_EQ(UnpackBytes(ArchiveOf({"ß", "ss", "ı", "I", "σ", "ς"})).size(), 6u) << "no capitals of their own";
 }
 
 }  // namespace

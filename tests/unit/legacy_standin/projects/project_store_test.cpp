@@ -92,6 +92,18 @@ TEST_F(ProjectStoreTest, LetterCaseOfANameIsIgnoredAndItsSpellingKept) {
   EXPECT_EQ(RaisedBy([&] { store.Create("ärztehaus"); }), 58);
 }
 
+TEST_F(ProjectStoreTest, LettersOfEveryAlphabetHaveOneCase) {
+  store.Create("Жилой дом Δ");
+  EXPECT_EQ(store.NameOf("жИЛОЙ ДОМ δ"), "Жилой дом Δ");
+  EXPECT_EQ(RaisedBy([&] { store.Create("ЖИЛОЙ ДОМ Δ"); }), 58);
+  std::vector<ProjectFile> files = store.ReadFiles("Жилой дом Δ");
+  files.push_back({"ж.blb", "one"});
+  store.ReplaceFiles("Жилой дом Δ", files);
+  files.back() = {"Ж.blb", "three"};
+  store.ReplaceFiles("Жилой дом Δ", files);
+  EXPECT_EQ(machine.platform.files->ReadAll(Path("Жилой дом Δ", "ж.blb")), "three") << "it is kept, and written over";
+}
+
 TEST_F(ProjectStoreTest, AnUnknownProjectIsRefusedByEveryOperation) {
   EXPECT_EQ(RaisedBy([&] { store.Folder("x"); }), 76);
   EXPECT_EQ(RaisedBy([&] { store.ReadUnits("x"); }), 76);

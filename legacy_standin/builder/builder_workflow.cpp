@@ -1,7 +1,9 @@
 #include "legacy_standin/builder/builder_workflow.h"
 
 #include <charconv>
+#include <limits>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "formats/text/text.h"
@@ -51,7 +53,10 @@ void RaiseQuantity(Unit& unit) {
   for (auto& [key, value] : unit.keys) {
     if (key == "Quantity") {
       int quantity = 0;
-      std::from_chars(value.data(), value.data() + value.size(), quantity);
+      const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), quantity);
+      if (error == std::errc::result_out_of_range || quantity == std::numeric_limits<int>::max()) {
+        throw MakeRuntimeError(RuntimeError::Overflow, "there is no quantity behind " + value);
+      }
       value = std::to_string(quantity + 1);
       SetProductAttribute(unit, "Quantity", value);
     }

@@ -111,8 +111,12 @@ StandinSettings ReadStandinSettings(const std::filesystem::path& machineFolder) 
   if (!std::filesystem::exists(path)) {
     return {};
   }
-  std::ifstream file(path, std::ios::binary);
-  if (!file || !std::filesystem::is_regular_file(path)) {
+  // A pipe would be waited for, and a device may have no end.
+  std::ifstream file;
+  if (std::filesystem::is_regular_file(path)) {
+    file.open(path, std::ios::binary);
+  }
+  if (!file.is_open()) {
     throw MakeRuntimeError(RuntimeError::PathFileAccess, "cannot read " + path.string());
   }
   std::string json(kLongestJsonFile + 1, '\0');  // one byte more than is parsed at most

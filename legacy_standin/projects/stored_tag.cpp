@@ -1,8 +1,10 @@
 #include "legacy_standin/projects/stored_tag.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "formats/text/text.h"
+#include "seams/automation_error.h"
 #include "seams/xml.h"
 
 namespace parvex::standin {
@@ -102,6 +104,9 @@ int FreeTagId(const std::vector<Unit>& units) {
   int highest = 1100;
   for (const Unit& unit : units) {
     highest = std::max(highest, unit.tagId);
+  }
+  if (highest == std::numeric_limits<int>::max()) {
+    throw MakeRuntimeError(RuntimeError::Overflow, "there is no tag number behind " + std::to_string(highest));
   }
   return highest + 1;
 }

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <span>
 
+#include "formats/text/file_names.h"
+#include "formats/text/letter_case.h"
 #include "legacy_standin/installation/json_members.h"
 
 namespace parvex::standin {
@@ -78,6 +81,18 @@ StoredData::Place TakePlace(JsonMembers& stored) {
   return place == "temp" ? StoredData::Place::Temp : StoredData::Place::Project;
 }
 
+/// Whether the name is, or on Windows may be, that of a file which the archive would replace: the project's own, or one
+/// by which runs are handed over.
+bool IsTaken(const StoredData& data) {
+  constexpr std::array<std::string_view, 3> kInProject = {"PROJECT.MDB", "UNITS.JSON", "PROPERTIES.JSON"};
+  constexpr std::array<std::string_view, 7> kInTemp = {"OUTPUT.INI",  "QBOUTPUT.INI", "UBOUT.INI", "QBINPUT.INI",
+                                                       "HBINPUT.INI", "QPBLOB.TMP",   "INPUT.INI"};
+  const std::string name = FoldName(data.fileName);
+  const std::span<const std::string_view> taken =
+      data.place == StoredData::Place::Temp ? std::span<const std::string_view>(kInTemp) : kInProject;
+  return std::ranges::find(taken, name) != taken.end() || name.find('~') != std::string::npos;
+}
+
 StoredData TakeStored(JsonMembers& parent) {
   JsonMembers stored = parent.TakeObject("stored");
   StoredData data;
@@ -86,10 +101,13 @@ StoredData TakeStored(JsonMembers& parent) {
     stored.Finish();
     return data;
   }
-  if (data.fileName.find_first_of("\\/:") != std::string::npos || data.fileName == "." || data.fileName == "..") {
+  if (!IsFileName(data.fileName)) {
     stored.Refuse(stored.PlaceOf("file"), "a file name without folder", data.fileName);
   }
   data.place = TakePlace(stored);
+  if (IsTaken(data)) {
+    stored.Refuse(stored.PlaceOf("file"), "a name that no other file has there", data.fileName);
+  }
   for (const Json& item : stored.TakeList("entries")) {
     JsonMembers entry(stored.FileName(), ItemPlace(stored, "entries", data.entries.size()), item);
     StoredData::Entry& added = data.entries.emplace_back();
@@ -105,8 +123,8 @@ StoredData TakeStored(JsonMembers& parent) {
 Unit TakeUnit(JsonMembers members) {
   Unit unit;
   const Json tagId = members.Take("tagId");
-  if (!tagId.is_number_integer()) {
-    members.Refuse(members.PlaceOf("tagId"), "a whole number", tagId);
+  if (!tagId.is_number_integer() || tagId < 0 || tagId > std::numeric_limits<int>::max()) {
+    members.Refuse(members.PlaceOf("tagId"), "a whole number from 0 to 2147483647", tagId);
   }
   unit.tagId = tagId.get<int>();
   unit.keys = TakeFields(members, members.Take("keys"), members.PlaceOf("keys"), kUnitKeys);

@@ -130,6 +130,18 @@ TEST_F(BuilderTest, ConfiguresATag) {
   EXPECT_EQ(ProductAttribute(Units()[1], "TagVersion"), "4.71.0");
 }
 
+TEST_F(BuilderTest, RefusesAQuantityAndATagNumberThatWouldGoRound) {
+  std::vector<Unit> units = Units();
+  for (auto& [key, value] : units[0].keys) {
+    value = key == "Quantity" ? "2147483647" : value;
+  }
+  units[1].tagId = 2147483647;
+  store.WriteUnits("Clinic", units);
+  EXPECT_EQ(test::RaisedBy([&] { Run("\\\\\\RTU47\\RTU-1\\1101\\Clinic\\Clinic"); }), 6);
+  EXPECT_EQ(test::RaisedBy([&] { Run("\\\\RTU47\\Clinic"); }), 6);
+  EXPECT_EQ(Units(), units) << "nothing is changed";
+}
+
 TEST_F(BuilderTest, RebuildsEveryTagWithTheVersionOfItsTool) {
   Run("\\\\:Clinic");
   std::vector<std::string> versions;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
@@ -114,6 +115,18 @@ TEST(StandinSettingsTest, ReadsTheFileOfAMachineFolder) {
 TEST(StandinSettingsTest, AFolderInThePlaceOfTheFileIsAnError) {
   const test::TemporaryFolder folder;
   std::filesystem::create_directory(folder.Path() / "standin.json");
+  EXPECT_THROW(ReadStandinSettings(folder.Path()), AutomationError);
+}
+
+TEST(StandinSettingsTest, APipeInThePlaceOfTheFileIsAnErrorAndNotWaitedFor) {
+  const test::TemporaryFolder folder;
+  ASSERT_EQ(mkfifo((folder.Path() / "standin.json").c_str(), 0600), 0);
+  EXPECT_THROW(ReadStandinSettings(folder.Path()), AutomationError);
+}
+
+TEST(StandinSettingsTest, ALinkToADeviceIsAnError) {
+  const test::TemporaryFolder folder;
+  std::filesystem::create_symlink("/dev/zero", folder.Path() / "standin.json");
   EXPECT_THROW(ReadStandinSettings(folder.Path()), AutomationError);
 }
 

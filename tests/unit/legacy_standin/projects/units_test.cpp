@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "legacy_standin/projects/stored_tag.h"
 #include "legacy_standin/sample/sample_project.h"
+#include "tests/support/raised_by.h"
 #include "tests/unit/legacy_standin/refused_text.h"
 
 namespace parvex::standin {
@@ -52,6 +54,13 @@ TEST(UnitsTest, WhatIsWrittenReadsBackAsTheSameUnits) {
 
 TEST(UnitsTest, NoUnitsReadBackAsNone) { EXPECT_TRUE(ParseUnits(FormatUnits({}), "units.json").empty()); }
 
+TEST(UnitsTest, TheHighestTagNumberIsTheLast) {
+  const auto units = ParseUnits(R"({"units":[{"tagId":2147483647,"keys":{}}]})", "units.json");
+  EXPECT_EQ(units[0].tagId, 2147483647);
+  EXPECT_EQ(test::RaisedBy([&] { FreeTagId(units); }), 6);
+  EXPECT_EQ(FreeTagId(ParseUnits(R"({"units":[{"tagId":2147483646,"keys":{}}]})", "units.json")), 2147483647);
+}
+
 TEST(UnitsTest, AMissingKeyReadsAsEmpty) { EXPECT_EQ(FieldOf({{"A", "1"}}, "B"), ""); }
 
 class UnitsRefusal : public testing::TestWithParam<RefusedText> {};
@@ -73,6 +82,33 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedText{"ArchiveInAnotherFolder",
                     R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"..\\x.blb","place":"temp"}}]})",
                     "units[0].stored.file"},
+        RefusedText{"TagIdNegative", R"({"units":[{"tagId":-1,"keys":{}}]})", "units[0].tagId"},
+        RefusedText{"TagIdBeyond32Bits", R"({"units":[{"tagId":2147483648,"keys":{}}]})", "2147483648"},
+        RefusedText{"TagIdThatWouldGoRound", R"({"units":[{"tagId":4294967303,"keys":{}}]})", "units[0].tagId"},
+        RefusedText{"TagIdBeyond63Bits", R"({"units":[{"tagId":18446744073709551615,"keys":{}}]})", "units[0].tagId"},
+        RefusedText{"TagIdBeyond64Bits", R"({"units":[{"tagId":99999999999999999999,"keys":{}}]})", "units[0].tagId"},
+        RefusedText{"ArchiveInPlaceOfTheDatabase",
+                    R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"Project.mdb","place":"project"}}]})",
+                    "a name that no other file has there"},
+        RefusedText{"ArchiveInPlaceOfTheUnits",
+                    R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"UNITS.json","place":"project"}}]})",
+                    "units[0].stored.file"},
+        RefusedText{"ArchiveUnderAShortName",
+                    R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"PROPER~1.JSO","place":"project"}}]})",
+                    "units[0].stored.file"},
+        RefusedText{"ArchiveInPlaceOfTheHandOver",
+                    R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"qboutput.ini","place":"temp"}}]})",
+                    "units[0].stored.file"},
+        RefusedText{"ArchiveOfAnotherProject",
+                    R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"../Other/a.blb","place":"project"}}]})",
+                    "a file name without folder"},
+        RefusedText{"ArchiveThatIsADevice",
+                    R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"nul.blb","place":"temp"}}]})",
+                    "units[0].stored.file"},
+        RefusedText{"ArchiveOfAnAccessoryInPlaceOfTheDatabase",
+                    R"({"units":[{"tagId":1,"keys":{},"accessories":[{"keys":{},)"
+                    R"("stored":{"file":"project.mdb","place":"project"}}]}]})",
+                    "units[0].accessories[0].stored.file"},
         RefusedText{"ArchiveNowhere", R"({"units":[{"tagId":1,"keys":{},"stored":{"file":"x.blb"}}]})",
                     "units[0].stored.place"},
         RefusedText{

@@ -1,6 +1,9 @@
 #include "com/values.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <limits>
 #include <new>
 
 #include "adapters/windows/system_error.h"
@@ -25,20 +28,30 @@ void Require(HRESULT result, const char* name) {
   }
 }
 
+bool FitsIndexes(LONG lower, std::uint64_t count) {
+  constexpr std::int64_t kLast = std::numeric_limits<LONG>::max();
+  return count <= static_cast<std::uint64_t>(kLast) &&
+         std::int64_t{lower} + static_cast<std::int64_t>(count) - 1 <= kLast;
+}
+
 struct Bounds {
   LONG lower = 0;
   LONG count = 0;
 };
 
+// An array's last index has to be a LONG, and so has the number of its elements: what lies beyond no caller can index.
+// The bounds are read from the array itself, for the last index that the runtime tells may have gone round.
 Bounds BoundsOf(SAFEARRAY* array, const char* name) {
   if (SafeArrayGetDim(array) != 1) {
     throw Mismatch(name, "an array of " + std::to_string(SafeArrayGetDim(array)) + " dimensions");
   }
-  LONG lower = 0;
-  LONG upper = -1;
-  Require(SafeArrayGetLBound(array, 1, &lower), name);
-  Require(SafeArrayGetUBound(array, 1, &upper), name);
-  return {lower, upper - lower + 1};
+  const SAFEARRAYBOUND& bound = array->rgsabound[0];
+  if (!FitsIndexes(bound.lLbound, bound.cElements) ||
+      bound.cElements > std::numeric_limits<std::size_t>::max() / std::max<ULONG>(array->cbElements, 1)) {
+    throw Mismatch(name, "an array of " + std::to_string(bound.cElements) + " elements from " +
+                             std::to_string(bound.lLbound) + " on");
+  }
+  return {bound.lLbound, static_cast<LONG>(bound.cElements)};
 }
 
 VARTYPE ElementTypeOf(SAFEARRAY* array) {
@@ -64,6 +77,9 @@ class Elements {
 };
 
 SAFEARRAY* MakeArray(VARTYPE type, LONG lowerBound, std::size_t count, const IID* elementId = nullptr) {
+  if (!FitsIndexes(lowerBound, count)) {
+    throw std::bad_alloc();
+  }
   SAFEARRAYBOUND bound = {static_cast<ULONG>(count), lowerBound};
   SAFEARRAY* array = SafeArrayCreateEx(type, 1, &bound, const_cast<IID*>(elementId));
   if (array == nullptr) {

@@ -29,8 +29,8 @@ std::string TextArgument(const VARIANT& value, const char* name);
 /// A number that a late-bound argument gives as an index; a type mismatch (13) that names it when it is none.
 LONG IndexArgument(const VARIANT& value, const char* name);
 
-/// Bytes of an array; one of another type than bytes, or with several dimensions, is a type mismatch (13). A null array
-/// has none.
+/// Bytes of an array; one of another type than bytes, with several dimensions, or with more elements than indexes of a
+/// LONG, is a type mismatch (13). A null array has none.
 std::string BytesOf(SAFEARRAY* array, const char* name);
 /// Bytes of a late-bound array argument: an array of bytes, or one of variants, or a script engine's own, whose
 /// elements are numbers from 0 to 255.

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 
 #include "parvex_idl.h"
 #include "tests/com/com_session.h"
@@ -122,6 +123,33 @@ TEST_F(BinEncoder, AnArrayOfSomethingElseIsRefused) {
     EXPECT_THAT(TakeErrorInfo().description, HasSubstr("bytes"));
     SafeArrayDestroy(array);
   }
+}
+
+TEST_F(BinEncoder, AnArrayWithMoreElementsThanIndexesIsRefused) {
+  SAFEARRAY* array = Bytes("abc");
+  const SAFEARRAYBOUND own = array->rgsabound[0];
+  constexpr LONG kFirst = std::numeric_limits<LONG>::min();
+  constexpr LONG kLast = std::numeric_limits<LONG>::max();
+  // Elements, the first index. The array's own memory holds three.
+  for (const SAFEARRAYBOUND bound : {SAFEARRAYBOUND{0xFFFFFFFF, 0},
+                                     {0x80000000, 0},
+                                     {0x80000000, kFirst},
+                                     {3, kLast},
+                                     {3, kLast - 1},
+                                     {0xFFFFFFFF, kFirst},
+                                     {0xFFFFFFFF, kLast},
+                                     {0x80000000, -1}}) {
+    array->rgsabound[0] = bound;
+    Bstr base64;
+    EXPECT_EQ(encoder->EncodeArr(&array, base64.Out()), static_cast<HRESULT>(0x800A000D)) << bound.cElements;
+    EXPECT_THAT(TakeErrorInfo().description, HasSubstr(std::to_string(bound.lLbound)));
+  }
+  for (const LONG lower : {kFirst, kLast - 2}) {
+    array->rgsabound[0] = {3, lower};
+    EXPECT_EQ(Encoded(array), "YWJj") << lower;
+  }
+  array->rgsabound[0] = own;
+  SafeArrayDestroy(array);
 }
 
 TEST_F(BinEncoder, WritesANewFileAndReadsIt) {

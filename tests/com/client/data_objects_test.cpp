@@ -275,5 +275,22 @@ TEST(ReferenceArrays, AnArrayOfSomethingElseIsRefused) {
   EXPECT_EQ(unit->get_Accessories(nullptr), static_cast<HRESULT>(0x800A0005));
 }
 
+TEST(ReferenceArrays, AnArrayWithMoreElementsThanIndexesIsRefused) {
+  const auto unit = Make<BaseUnitCls, IBaseUnitCls>();
+  References given(__uuidof(IAccessoryCls), 1, 2);
+  const SAFEARRAYBOUND own = given.Get()->rgsabound[0];
+  // The array's own memory holds two elements.
+  for (const SAFEARRAYBOUND bound : {SAFEARRAYBOUND{0x80000000, 0}, {2, 0x7FFFFFFF}, {0xFFFFFFFF, -2}}) {
+    given.Get()->rgsabound[0] = bound;
+    EXPECT_EQ(unit->put_Accessories(given.Given()), kTypeMismatch) << bound.cElements;
+  }
+  given.Get()->rgsabound[0] = {2, 0x7FFFFFFE};
+  EXPECT_EQ(unit->put_Accessories(given.Given()), S_OK);
+  const References read(AccessoriesOf(unit));
+  EXPECT_EQ(read.Lower(), 0x7FFFFFFE);
+  EXPECT_EQ(read.Upper(), 0x7FFFFFFF);
+  given.Get()->rgsabound[0] = own;
+}
+
 }  // namespace
 }  // namespace parvex::test

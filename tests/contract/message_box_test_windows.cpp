@@ -126,6 +126,19 @@ TEST(Headless, AProcessWithoutAVisibleWindowStationShowsNone) {
   CloseWindowStation(hidden);
 }
 
+TEST(BoxesOfTheHost, ShowAllOfATextButNulsAndWhatNobodyCouldRead) {
+  std::wstring seen;
+  std::thread user([&] { seen = CloseBox(L"Parvex long"); });
+  windows::SystemMessageBoxes().Show(std::string("a\0b\x1B\r\n", 6) + std::string(1'000'000, 'x'), "Parvex long",
+                                     MessageBoxes::Icon::None);
+  user.join();
+  EXPECT_EQ(seen.substr(0, 18),
+            L"Parvex long\na\xFFFD"
+            L"b\x1B\r\n");
+  EXPECT_TRUE(seen.ends_with(L"x..."));
+  EXPECT_EQ(seen.size(), 12 + 10'000 + 3u);
+}
+
 TEST(BoxesOfTheHost, BelongToItsActiveWindow) {
   const HWND host = CreateWindowW(L"STATIC", L"host", WS_POPUP | WS_VISIBLE, 0, 0, 50, 50, nullptr, nullptr,
                                   GetModuleHandleW(nullptr), nullptr);

@@ -7,8 +7,9 @@
 namespace parvex::test {
 
 inline std::wstring TextOfWindow(HWND window) {
-  wchar_t text[4096];
-  return {text, static_cast<std::size_t>(GetWindowTextW(window, text, 4096))};
+  std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+  text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+  return text;
 }
 
 /// The message box of this process with that caption; tests of others may show theirs at the same time.

@@ -2,11 +2,13 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string>
 
 #include "adapters/windows/wide_text.h"
+#include "formats/text/text.h"
 
 namespace parvex::windows {
 namespace {
@@ -59,6 +61,15 @@ HWND OwnerOfBoxes() {
   return active != nullptr && IsWindowVisible(active) ? GetLastActivePopup(active) : nullptr;
 }
 
+// A box ends its text at a NUL, and grows beyond every screen with a text that is too long for one.
+std::wstring BoxText(std::string_view text) {
+  constexpr std::size_t kMostUnits = 10'000;
+  const std::string_view first = FirstUnits(text, kMostUnits);
+  std::wstring shown = Widen(first);
+  std::ranges::replace(shown, L'\0', L'\xFFFD');
+  return first.size() < text.size() ? shown + L"..." : shown;
+}
+
 }  // namespace
 
 bool IsHeadless() {
@@ -80,7 +91,7 @@ void SystemMessageBoxes::Show(std::string_view text, std::string_view caption, I
     return;
   }
   const UINT style = MB_OK | MB_TASKMODAL | MB_SETFOREGROUND | (icon == Icon::Stop ? MB_ICONSTOP : 0u);
-  MessageBoxW(OwnerOfBoxes(), Widen(text).c_str(), Widen(caption).c_str(), style);
+  MessageBoxW(OwnerOfBoxes(), BoxText(text).c_str(), BoxText(caption).c_str(), style);
 }
 
 }  // namespace parvex::windows

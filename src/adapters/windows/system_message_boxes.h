@@ -5,8 +5,8 @@
 namespace parvex::windows {
 
 /// Boxes of the desktop, in front of everything and owned by the thread's active window; Show returns when the user has
-/// closed the box. Where nobody can close one (IsHeadless) its text goes to the debugger's output, and Show returns as
-/// if OK had been pressed.
+/// closed the box. Texts are shown as they are, but NULs as U+FFFD and 10,000 units at most. Where nobody can close one
+/// (IsHeadless) its text goes to the debugger's output, and Show returns as if OK had been pressed.
 class SystemMessageBoxes : public MessageBoxes {
  public:
   void Show(std::string_view text, std::string_view caption, Icon icon) override;

@@ -30,8 +30,8 @@ bool HasParameter(const xml::Document& command, std::string_view name) {
 /// The text of a status element in the answer to a question; the answer is read whether or not the router agreed.
 bool AskStatus(const LegacyLink& link, const xml::Document& question, std::string_view path) {
   std::string text;
-  link.SendRequestMessage(question.Xml(), text);
-  const xml::Document answer = xml::Document::Parse(text);
+  const bool carriedOut = link.SendRequestMessage(question.Xml(), text);
+  const xml::Document answer = ReadAnswer(link, GetCommandName(question), text, carriedOut);
   return StatusMeansTrue(Required(answer.First(path), path, "the legacy application's answer").Text());
 }
 

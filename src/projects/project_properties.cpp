@@ -36,7 +36,8 @@ xml::Document GetProjectList(LegacyLink& link, const xml::Document&) {
   constexpr const char* kRequest =
       "<COMMAND><NAME>getProjectList</NAME><PARAMETER><NAME>pdsg</NAME><VALUE>KDQ47</VALUE></PARAMETER></COMMAND>";
   std::string answer;
-  return link.SendRequestMessage(kRequest, answer) ? xml::Document::Parse(answer) : MakeFailedReply();
+  return link.SendRequestMessage(kRequest, answer) ? ReadAnswer(link, "getProjectList", answer, true)
+                                                   : MakeFailedReply();
 }
 
 xml::Document GetProjectProperties(LegacyLink& link, const xml::Document& command) {
@@ -73,9 +74,9 @@ xml::Document SetProjectProperties(LegacyLink& link, const xml::Document& comman
 std::string GetProjectFolder(const LegacyLink& link, std::string_view projectName) {
   // Whether the router agreed is not asked: an answer without FOLDER says it.
   std::string text;
-  link.SendRequestMessage(
+  const bool carriedOut = link.SendRequestMessage(
       MakeCommandDocument("getProjectEx", {{"pdsg", kLegacyPdsg}, {"projectName", projectName}}).Xml(), text);
-  return RequiredInAnswer(xml::Document::Parse(text), "//FOLDER").Text();
+  return RequiredInAnswer(ReadAnswer(link, "getProjectEx", text, carriedOut), "//FOLDER").Text();
 }
 
 ProjectContact ReadProjectConfig(const Platform& platform, std::string_view folder) {

@@ -11,8 +11,17 @@ namespace parvex {
 bool Ask(const LegacyLink& link, const xml::Document& request, xml::Document& answer) {
   std::string text;
   const bool carriedOut = link.SendRequestMessage(request.Xml(), text);
-  answer = carriedOut ? xml::Document::Parse(text) : xml::Document();
+  answer = carriedOut ? ReadAnswer(link, GetCommandName(request), text, carriedOut) : xml::Document();
   return carriedOut;
+}
+
+xml::Document ReadAnswer(const LegacyLink& link, std::string_view request, const std::string& text, bool carriedOut) {
+  xml::Document answer = xml::Document::Parse(text);
+  if (carriedOut && answer.IsEmpty() && link.platform.notes != nullptr) {
+    link.platform.notes->Take(kRouterNotes, "its answer to " + std::string(request) + " is no XML document: " +
+                                                (text.empty() ? "it is empty" : answer.ParseError()));
+  }
+  return answer;
 }
 
 bool StatusMeansTrue(std::string_view status) {

@@ -6,6 +6,7 @@
 #include "legacy_env/install_paths.h"
 #include "legacy_env/program_folder_document.h"
 #include "protocol/command_document.h"
+#include "protocol/legacy_requests.h"
 #include "protocol/reply_envelope.h"
 #include "protocol/required_node.h"
 
@@ -54,8 +55,9 @@ xml::Document MakeTagRequest(const TagEntry& tag, std::string_view projectName) 
 /// The tag in the router's answer; a null node for a tag that it does not know.
 xml::Node FetchTag(const LegacyLink& link, const TagEntry& tag, std::string_view projectName) {
   std::string text;
-  link.SendRequestMessage(MakeTagRequest(tag, projectName).Xml(), text);
-  const xml::Document answer = xml::Document::Parse(text);
+  const xml::Document request = MakeTagRequest(tag, projectName);
+  const bool carriedOut = link.SendRequestMessage(request.Xml(), text);
+  const xml::Document answer = ReadAnswer(link, GetCommandName(request), text, carriedOut);
   const xml::Node found = answer.First("//TAG");
   return found ? found : answer.First("//PROTOTAG");
 }
@@ -89,7 +91,7 @@ xml::Document GetTagListOf(LegacyLink& link, std::string_view projectName) {
   if (!link.SendRequestMessage(request.Xml(), text)) {
     return MakeFailedReply();
   }
-  const xml::Document tagList = xml::Document::Parse(text);
+  const xml::Document tagList = ReadAnswer(link, "getTagList", text, true);
   if (GetBinPath(link.platform) != "error") {
     MarkUpToDate(tagList, LoadFromProgramFolder(link.platform, "Tools.xml"));
   }

@@ -84,5 +84,45 @@ TEST_F(Return, ThatCannotWriteTheHandOverIsAFailedCall) {
   EXPECT_THAT(outcome.err, HasSubstr("QPblob.tmp"));
 }
 
+const std::string kBlob = "<BLOB><![CDATA[";
+
+std::string Wrapped(const std::string& document, const char* lineEnd) {
+  const std::size_t blob = document.find(kBlob) + kBlob.size();
+  return document.substr(0, blob + 8) + lineEnd + document.substr(blob + 8);
+}
+
+TEST_F(Return, OfStoredDataThatWouldComeBackAsOtherBytesIsRefusedAndNothingIsSent) {
+  const std::string document = Exported({"CH-1"});
+  const std::size_t blob = document.find(kBlob) + kBlob.size();
+  const std::string cut = document.substr(0, blob) + "!" + document.substr(blob + 1);
+  const std::string none = document.substr(0, blob) + document.substr(document.find("]]></BLOB>"));
+  for (const auto& [changed, named] : {std::pair(Wrapped(document, "\n"), "no Base64 throughout"),
+                                       {Wrapped(document, "  "), "no Base64 throughout"},
+                                       {cut, "no Base64 throughout"},
+                                       {none, "has no stored data"}}) {
+    const Outcome outcome = Run({}, changed);
+    EXPECT_EQ(outcome.status, 3) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("the tag of - was not brought back as it was exported: "));
+    EXPECT_THAT(outcome.err, HasSubstr(named));
+    EXPECT_FALSE(BroughtBack());
+  }
+}
+
+TEST_F(Return, LenientlyBringsBackWhatTheProtocolMakesOfStoredData) {
+  EXPECT_EQ(Run({"--lenient"}, Wrapped(Exported({"CH-1"}), "\n")).status, 0);
+  EXPECT_TRUE(BroughtBack());
+  EXPECT_NE(ReadHostFile(Installed("Projects/Riverside Clinic/tag1103.blb")),
+            ReadHostFile(Installed("Temp/QPblob.tmp")));
+}
+
+TEST_F(Return, IsCheckedByWhatLiesInTheHandOver) {
+  const std::string document = Exported({"CH-1"});
+  std::filesystem::remove_all(Installed("Temp"));
+  std::filesystem::create_directories(Installed("Temp"));
+  EXPECT_EQ(Run({}, document).status, 0);
+  const std::string note = ReadHostFile(Installed("Temp/input.ini"));
+  EXPECT_THAT(note, HasSubstr("QPblob.tmp"));
+}
+
 }  // namespace
 }  // namespace parvex::test

@@ -99,6 +99,7 @@ void CommandLine::AddReturn() {
                           [this] { return Return(session_, return_); });
   command->add_option("FILE", return_.file, "The Hybris document; - for standard input")->required()->type_name("");
   command->add_option("--tag", return_.tag, "Which of several tags, from 1")->type_name("NUMBER");
+  command->add_flag("--lenient", return_.lenient, "Bring back whatever the protocol makes of the tag's stored data");
 }
 
 void CommandLine::AddShow() {

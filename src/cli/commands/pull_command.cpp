@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "cli/session/consumer.h"
+#include "cli/session/kept_findings.h"
 #include "cli/session/replies.h"
 #include "cli/terminal/standard_streams.h"
 #include "formats/text/encoded_text.h"
@@ -42,7 +43,9 @@ bool SendText(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage
 
 ExitStatus SendAll(Session& session, const std::vector<std::string>& names, const std::vector<std::string>& contents,
                    SendOne sendOne) {
-  const Platform platform = session.Platform();
+  Platform platform = session.Platform();
+  KeptFindings findings(platform.notes);
+  platform.notes = &findings;
   LegacyORLAPull pull(platform, session.Recorder());
   pull.SetConsumer(MakeConsumer());
   ExitStatus status = kReply;
@@ -53,6 +56,9 @@ ExitStatus SendAll(Session& session, const std::vector<std::string>& names, cons
     } catch (const AutomationError& error) {
       ReportError(names[i], error);
       anyCallFailed = true;
+    }
+    for (const std::string& answer : findings.TakeAnswers()) {
+      TellError(names[i] + ": the message router: " + answer);
     }
   }
   return anyCallFailed ? kFailedCall : status;

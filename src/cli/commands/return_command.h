@@ -12,10 +12,14 @@ namespace parvex::cli {
 struct ReturnOptions {
   std::string file;                ///< a Hybris document, "-" for standard input
   std::optional<std::size_t> tag;  ///< the tag's place among those of the document, from 1; needed when it has several
+  bool lenient = false;            ///< bring back whatever the protocol makes of the tag's stored data
 };
 
 /// Brings a tag of a Hybris document back to the legacy application, by the command RebuildTag, which takes one tag. A
 /// refusal is told and is kFailedReply.
+///
+/// Stored data that are missing, or no Base64 throughout, would bring back other bytes than were exported: nothing is
+/// sent then, and it is kFailedCall, as it is when something else than they lies in the hand-over afterwards.
 ///
 /// The tag is sent without its base units: what is brought back lies in its attributes, and RebuildTag shows a message
 /// box for every component that it is given.

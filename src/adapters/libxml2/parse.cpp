@@ -5,11 +5,9 @@
 #include <libxml/parserInternals.h>
 
 #include <algorithm>
-#include <climits>
 #include <map>
 #include <memory>
 #include <new>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -18,6 +16,7 @@
 #include "adapters/libxml2/library_memory.h"
 #include "adapters/libxml2/names.h"
 #include "adapters/libxml2/nodes.h"
+#include "adapters/libxml2/objection.h"
 #include "formats/text/markup_bounds.h"
 #include "formats/text/xml_characters.h"
 #include "seams/automation_error.h"
@@ -47,10 +46,6 @@ struct Parsing {
 };
 
 Parsing& ParsingOf(void* context) { return *static_cast<Parsing*>(static_cast<xmlParserCtxt*>(context)->_private); }
-
-std::string At(long line, long column) {
-  return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": ";
-}
 
 // Records why the text is refused, the first time.
 template <typename MakeReason>
@@ -105,12 +100,10 @@ void OnProblem(void* context, Error* problem) {
   });
 }
 
-bool IsPlainText(std::string_view replacement) { return replacement.find_first_of("&<") == std::string_view::npos; }
-
 // Only entities that are plain text become known; a reference to any other meets none of its name.
 void OnEntityDeclaration(void* context, const xmlChar* name, int type, const xmlChar* publicId, const xmlChar* systemId,
                          xmlChar* content) {
-  if (type == XML_INTERNAL_GENERAL_ENTITY && IsPlainText(View(content))) {
+  if (type == XML_INTERNAL_GENERAL_ENTITY && View(content).find_first_of("&<") == std::string_view::npos) {
     xmlSAX2EntityDecl(context, name, type, publicId, systemId, content);
   }
 }
@@ -144,7 +137,6 @@ xmlEntity* OnParameterEntity(void* context, const xmlChar* name) {
 }
 
 xmlParserInputPtr OnResolve(void*, const xmlChar*, const xmlChar*) { return nullptr; }
-
 void OnExternalSubset(void*, const xmlChar*, const xmlChar*, const xmlChar*) {}
 
 // Ends the parse when the document has become too large. False then.
@@ -409,27 +401,6 @@ void RestoreEntities(xmlDoc* document) {
       reinterpret_cast<xmlEntity*>(node)->etype = XML_INTERNAL_GENERAL_ENTITY;
     }
   }
-}
-
-// Why a text cannot be given to the parser; empty when it can.
-std::string Objection(std::string_view text) {
-  if (text.empty()) {
-    return At(1, 1) + "Document is empty";
-  }
-  if (text.size() >= INT_MAX) {
-    return "the text is longer than 2 GB";
-  }
-  if (const std::size_t bad = FindForbidden(text); bad != std::string_view::npos) {
-    return PlaceOf(text, bad) + ": not a character of XML, or not in the encoding";
-  }
-  if (std::string beyond = BeyondBounds(text); !beyond.empty()) {
-    return beyond;
-  }
-  // The parser guesses at encodings from the first bytes. A text that begins like this leaves it nothing to guess.
-  if (text[0] != '<' && !IsBlank(text[0])) {
-    return At(1, 1) + "the document does not begin with '<'";
-  }
-  return "";
 }
 
 }  // namespace

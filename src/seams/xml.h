@@ -117,7 +117,8 @@ class Document {
   /// A new, empty document.
   static Document New();
   /// A new document with the content of `text`; empty when the text does not parse, or passes a bound: 1,000 elements
-  /// in each other are one of those in docs/bounds.md. An encoding named in the text's declaration is not looked at: the text is UTF-8.
+  /// in each other are one of those in docs/bounds.md. An encoding named in the text's declaration is not looked at:
+  /// the text is UTF-8.
   static Document Parse(std::string_view text);
   /// A new document from the bytes of a file, decoded as its byte order mark or declaration says, UTF-8 otherwise;
   /// empty when they do not parse or are not valid in their encoding.

@@ -5,12 +5,12 @@
 namespace parvex::xml {
 namespace {
 
-constexpr std::size_t kNowhere = std::string_view::npos;
+constexpr std::size_t kNoTag = std::string_view::npos;
 
 // Behind the next such mark; the end of the text when there is none.
 std::size_t EndAtMark(std::string_view text, std::size_t from, std::string_view mark) {
   const std::size_t at = text.find(mark, from);
-  return at == kNowhere ? text.size() : at + mark.size();
+  return at == kNoTag ? text.size() : at + mark.size();
 }
 
 // Behind a comment or an instruction that begins at `from`; `from` itself when none does.
@@ -24,9 +24,9 @@ std::size_t BehindAside(std::string_view text, std::size_t from) {
 }  // namespace
 
 MarkupTags::MarkupTags(std::string_view text) : text_(text), at_(0) {
-  if (const std::size_t doctype = DoctypeIn(text); doctype != kNowhere) {
+  if (const std::size_t doctype = DoctypeIn(text); doctype != kNoTag) {
     const std::size_t end = EndOfDoctype(text, doctype);
-    at_ = end == kNowhere ? text.size() : end;
+    at_ = end == kNoTag ? text.size() : end;
   }
 }
 
@@ -70,11 +70,11 @@ std::size_t DoctypeIn(std::string_view text) {
   for (std::size_t at = text.starts_with("\xEF\xBB\xBF") ? 3 : 0; at < text.size();) {
     const std::size_t behind = IsBlank(text[at]) ? at + 1 : BehindAside(text, at);
     if (behind == at) {
-      return text.substr(at).starts_with("<!DOCTYPE") ? at : kNowhere;
+      return text.substr(at).starts_with("<!DOCTYPE") ? at : kNoTag;
     }
     at = behind;
   }
-  return kNowhere;
+  return kNoTag;
 }
 
 std::size_t EndOfDoctype(std::string_view text, std::size_t from) {
@@ -87,14 +87,14 @@ std::size_t EndOfDoctype(std::string_view text, std::size_t from) {
     const char c = text[at++];
     if (c == '"' || c == '\'') {
       const std::size_t close = text.find(c, at);
-      at = close == kNowhere ? text.size() : close + 1;
+      at = close == kNoTag ? text.size() : close + 1;
     } else if (c == '[' || c == ']') {
       inSubset = c == '[';
     } else if (c == '>' && !inSubset) {
       return at;
     }
   }
-  return kNowhere;
+  return kNoTag;
 }
 
 std::string_view NameIn(std::string_view text, const MarkupTag& tag) {

@@ -27,11 +27,12 @@ constexpr const char* kProperties = "properties.json";
 
 // A change of several files is first written down whole, in a file of the project's folder. Who finds that file, after
 // a substitute was killed, brings the change to its end: kAdditions holds files beside which others stay, kContent all
-// of the project's. A project that is being made or removed is marked by kUnfinished; it is none while it has no
-// database.
+// of the project's. A project that is being made is marked by kUnfinished, one that is being removed by kRemoved; it is
+// none while it has no database.
 constexpr const char* kAdditions = "~change.zip";
 constexpr const char* kContent = "~content.zip";
 constexpr const char* kUnfinished = "~unfinished";
+constexpr const char* kRemoved = "~removed";
 
 JetTable ConfigTable(const std::vector<ConfigRow>& config) {
   JetTable table = {"Config", {{.name = "sPdsg", .size = 10}, {.name = "sKey", .size = 50}, {.name = "sValue"}}, {}};
@@ -75,7 +76,7 @@ std::string FormatProperties(const Fields& properties) {
 
 bool IsMark(std::string_view path) {
   return EqualIgnoringCase(path, kAdditions) || EqualIgnoringCase(path, kContent) ||
-         EqualIgnoringCase(path, kUnfinished);
+         EqualIgnoringCase(path, kUnfinished) || EqualIgnoringCase(path, kRemoved);
 }
 
 // One byte more than is parsed at most, so that a longer file is refused.
@@ -147,13 +148,26 @@ std::string MakeProjectDatabase(const std::vector<ConfigRow>& config, const std:
 std::vector<std::string> ProjectStore::Names() const {
   const std::string projects = application_.Root() + "\\Projects";
   std::vector<std::string> names = files_.ListFolders(projects);
-  std::erase_if(names,
-                [&](const std::string& name) { return !files_.IsFile(projects + "\\" + name + "\\" + kDatabase); });
+  std::erase_if(names, [&](const std::string& name) { return !IsProject(projects + "\\" + name); });
   return names;
 }
 
 bool ProjectStore::Exists(std::string_view name) const {
-  return !ProblemOfProjectName(name) && files_.IsFile(PlaceFor(name) + "\\" + kDatabase);
+  return !ProblemOfProjectName(name) && IsProject(PlaceFor(name));
+}
+
+bool ProjectStore::IsProject(const std::string& folder) const {
+  if (files_.IsFile(folder + "\\" + kDatabase)) {
+    return true;
+  }
+  if (files_.IsFile(folder + "\\" + kRemoved)) {
+    try {
+      RemoveMarked(folder);
+    } catch (const AutomationError&) {
+      // Another one is at it, or it cannot go yet; whoever asks next tries again.
+    }
+  }
+  return false;
 }
 
 std::string ProjectStore::NameOf(std::string_view name) const {
@@ -191,13 +205,25 @@ void ProjectStore::Copy(std::string_view from, std::string_view to) const { Make
 
 void ProjectStore::Remove(std::string_view name) const {
   const std::string folder = Folder(name);
-  files_.Replace(folder + "\\" + kUnfinished, "");
+  files_.Replace(folder + "\\" + kRemoved, "");
   try {
     files_.Remove(folder + "\\" + kDatabase);
   } catch (const AutomationError&) {
     // With the folder it goes, or says why not.
   }
-  files_.RemoveFolder(folder);
+  RemoveMarked(folder);
+}
+
+void ProjectStore::RemoveMarked(const std::string& folder) const {
+  for (const std::string& below : files_.ListFolders(folder)) {
+    files_.RemoveFolder(folder + "\\" + below);
+  }
+  for (const std::string& name : files_.ListFiles(folder + "\\")) {
+    if (!EqualIgnoringCase(name, kRemoved)) {
+      files_.Remove(folder + "\\" + name);
+    }
+  }
+  files_.RemoveFolder(folder);  // and the mark in it
 }
 
 std::vector<Unit> ProjectStore::ReadUnits(std::string_view name) const { return UnitsIn(Folder(name)); }
@@ -312,8 +338,10 @@ void ProjectStore::FinishChanges(const std::string& folder) const {
     files_.Remove(path);
     change.Finish();
   }
-  if (const std::string mark = folder + "\\" + kUnfinished; files_.IsFile(mark)) {
-    files_.Remove(mark);
+  for (const char* name : {kUnfinished, kRemoved}) {
+    if (const std::string mark = folder + "\\" + name; files_.IsFile(mark)) {
+      files_.Remove(mark);
+    }
   }
 }
 
@@ -324,7 +352,7 @@ void ProjectStore::RemoveUnfinished(const std::string& folder) const {
   std::vector<std::string> names = files_.ListFiles(folder + "\\");
   std::erase_if(names, IsNewFileName);
   const bool isEmpty = names.empty() && files_.ListFolders(folder).empty();
-  if (isEmpty || files_.IsFile(folder + "\\" + kUnfinished)) {
+  if (isEmpty || files_.IsFile(folder + "\\" + kUnfinished) || files_.IsFile(folder + "\\" + kRemoved)) {
     files_.RemoveFolder(folder);
   }
 }

@@ -68,6 +68,10 @@ class ProjectStore {
              const std::vector<ProjectFile>& files) const;
   void FinishChanges(const std::string& folder) const;
   void RemoveUnfinished(const std::string& folder) const;
+  /// Whether the folder holds a project. What is left of one whose removal was killed goes.
+  bool IsProject(const std::string& folder) const;
+  /// Removes what is left of a project, the mark last.
+  void RemoveMarked(const std::string& folder) const;
 
   const Application& application_;
   Files& files_;

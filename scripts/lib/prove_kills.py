@@ -26,7 +26,7 @@ from pathlib import Path
 CLINIC = "Riverside Clinic"
 ROOT = "drive_c/Korvane/TQ5-VX/"
 TEMP = ROOT + "Temp/"
-LEFT = re.compile(r"(^|/)(~parvex-[0-9a-z]+\.tmp|~change\.zip|~content\.zip|~unfinished)$")
+LEFT = re.compile(r"(^|/)(~parvex-[0-9a-z]+\.tmp|~change\.zip|~content\.zip|~unfinished|~removed)$")
 # What a command is measured by, and how much longer than that it may live.
 MEASURED = 5
 LONGER = 1.1

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <string>
@@ -134,6 +135,30 @@ INSTANTIATE_TEST_SUITE_P(
                     ProjectChange{"Copying", [](const ProjectStore& store) { store.Copy(kProject, "Copy"); }},
                     ProjectChange{"Removing", [](const ProjectStore& store) { store.Remove(kProject); }}),
     [](const testing::TestParamInfo<ProjectChange>& info) { return std::string(info.param.name); });
+
+TEST(ProjectChanges, ARemovalThatWasKilledLeavesNoFileBehindWhoAsksNext) {
+  MachineWithProject undisturbed;
+  const std::size_t calls = test::WithCallFault({}, [&] { undisturbed.store.Remove(kProject); });
+  int halfway = 0;
+  for (std::size_t at = 1; at <= calls; ++at) {
+    MachineWithProject place;
+    const std::filesystem::path folder = place.machine.folder.Path() / "drive_c/Korvane/TQ5-VX/Projects" / kProject;
+    ASSERT_TRUE(std::filesystem::is_directory(folder));
+    const pid_t child = fork();
+    if (child == 0) {
+      test::WithCallFault({CallFault::Kind::KillAfter, at, 0}, [&] { place.store.Remove(kProject); });
+      _exit(0);
+    }
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    const bool isProject = std::filesystem::exists(folder / "project.mdb");
+    halfway += !isProject && std::filesystem::exists(folder / "units.json") ? 1 : 0;
+    EXPECT_EQ(place.store.Exists(kProject), isProject);
+    if (!isProject) {
+      EXPECT_TRUE(!std::filesystem::exists(folder) || std::filesystem::is_empty(folder)) << "call " << at;
+    }
+  }
+  EXPECT_GT(halfway, 0);
+}
 
 // What an archive of somebody else calls so is no change that was written down here.
 TEST(ProjectChanges, AreNotTakenFromAnArchive) {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "fuzz/entry_points.h"
 #include "fuzz/fuzz_input.h"
 #include "interface/legacy_orla_pull.h"
 #include "legacy_standin/sample/sample_machine.h"
@@ -21,7 +22,6 @@ namespace parvex {
 namespace {
 
 namespace fs = std::filesystem;
-using fuzz::Require;
 
 const fs::path& SampleMachine() {
   static const test::TemporaryFolder made;
@@ -91,17 +91,6 @@ struct Machine {
   }
 };
 
-void SendText(LegacyORLAPull& pull, std::string_view command) {
-  const std::string reply = pull.PullNGORLA(command);
-  Require(reply.empty() || !xml::Document::Parse(reply).IsEmpty(), "a reply parses");
-}
-
-void SendDocument(LegacyORLAPull& pull, std::string_view command) {
-  if (const xml::Document reply = pull.Pull(xml::Document::Parse(command))) {
-    reply.Xml();
-  }
-}
-
 }  // namespace
 }  // namespace parvex
 
@@ -113,7 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (int done = 0; done < 12 && !input.Empty(); ++done) {
     switch (input.TakeByte()) {
       case 'P':
-        fuzz::MayBeRefused([&] { SendDocument(*pull, input.TakeUpTo('\0')); });
+        fuzz::MayBeRefused([&] { fuzz::SendDocument(*pull, input.TakeUpTo('\0')); });
         break;
       case 'F': {
         const std::string_view path = input.TakeUpTo('\0');
@@ -124,7 +113,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         pull = std::make_unique<LegacyORLAPull>(machine.platform);
         break;
       default:
-        fuzz::MayBeRefused([&] { SendText(*pull, input.TakeUpTo('\0')); });
+        fuzz::MayBeRefused([&] { fuzz::SendText(*pull, input.TakeUpTo('\0')); });
     }
   }
   return 0;

@@ -1,6 +1,7 @@
 #include <string>
 #include <string_view>
 
+#include "fuzz/entry_points.h"
 #include "fuzz/fuzz_input.h"
 #include "interface/legacy_orla_pull.h"
 #include "journal/replay_routers.h"
@@ -13,8 +14,6 @@
 
 namespace parvex {
 namespace {
-
-using fuzz::Require;
 
 constexpr const char* kBin = "C:\\Korvane\\TQ5-VX\\Bin\\";
 constexpr const char* kProject = "C:\\Korvane\\TQ5-VX\\Projects\\Tower\\";
@@ -56,15 +55,8 @@ struct Machine {
 };
 
 void SendBoth(LegacyORLAPull& pull, std::string_view command) {
-  fuzz::MayBeRefused([&] {
-    const std::string reply = pull.PullNGORLA(command);
-    Require(reply.empty() || !xml::Document::Parse(reply).IsEmpty(), "a reply parses");
-  });
-  fuzz::MayBeRefused([&] {
-    if (const xml::Document reply = pull.Pull(xml::Document::Parse(command))) {
-      reply.Xml();
-    }
-  });
+  fuzz::MayBeRefused([&] { fuzz::SendText(pull, command); });
+  fuzz::MayBeRefused([&] { fuzz::SendDocument(pull, command); });
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "adapters/posix/new_file.h"
 #include "adapters/posix/open_host_file.h"
 #include "seams/automation_error.h"
+#include "seams/streamed_replacement.h"
 
 namespace parvex::posix {
 namespace {
@@ -57,8 +58,7 @@ class ReplacingFile : public HostSystem::Replacement {
   OpenHostFile bytes_;
 };
 
-// A pipe, a device: nothing can be read back from it, and it has no place to go back to.
-class StreamedFile : public HostSystem::Replacement {
+class StreamedFile : public StreamedReplacement {
  public:
   explicit StreamedFile(std::string_view path)
       : path_(path), descriptor_(open(path_.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC)) {
@@ -68,13 +68,8 @@ class StreamedFile : public HostSystem::Replacement {
   StreamedFile(const StreamedFile&) = delete;
   StreamedFile& operator=(const StreamedFile&) = delete;
 
-  void Append(std::string_view bytes) override { bytes_ += bytes; }
-  void Overwrite(std::uint64_t at, std::string_view bytes) override { bytes_.replace(at, bytes.size(), bytes); }
-  void Truncate(std::uint64_t size) override { bytes_.resize(size); }
-  std::string Read(std::uint64_t at, std::size_t most) override { return bytes_.substr(at, most); }
-
   void TakeName() override {
-    for (std::string_view left = bytes_; !left.empty();) {
+    for (std::string_view left = Bytes(); !left.empty();) {
       const ssize_t written = write(descriptor_, left.data(), left.size());
       RaiseIfFailed(written < 0 && errno != EINTR ? errno : 0, path_);
       left.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
@@ -84,7 +79,6 @@ class StreamedFile : public HostSystem::Replacement {
  private:
   std::string path_;
   int descriptor_;
-  std::string bytes_;
 };
 
 bool IsOfSystem(std::string_view path) { return path.starts_with("/dev/") || path.starts_with("/proc/"); }

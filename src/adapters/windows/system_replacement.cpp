@@ -8,6 +8,7 @@
 #include "adapters/windows/wide_text.h"
 #include "formats/text/file_names.h"
 #include "seams/automation_error.h"
+#include "seams/streamed_replacement.h"
 
 namespace parvex::windows {
 namespace {
@@ -27,8 +28,7 @@ class ReplacingFile : public HostSystem::Replacement {
   OpenSystemFile bytes_;
 };
 
-// A pipe, a device: nothing can be read back from it, and it has no place to go back to.
-class StreamedDevice : public HostSystem::Replacement {
+class StreamedDevice : public StreamedReplacement {
  public:
   explicit StreamedDevice(std::string_view path)
       : path_(path),
@@ -42,13 +42,8 @@ class StreamedDevice : public HostSystem::Replacement {
   StreamedDevice(const StreamedDevice&) = delete;
   StreamedDevice& operator=(const StreamedDevice&) = delete;
 
-  void Append(std::string_view bytes) override { bytes_ += bytes; }
-  void Overwrite(std::uint64_t at, std::string_view bytes) override { bytes_.replace(at, bytes.size(), bytes); }
-  void Truncate(std::uint64_t size) override { bytes_.resize(size); }
-  std::string Read(std::uint64_t at, std::size_t most) override { return bytes_.substr(at, most); }
-
   void TakeName() override {
-    for (std::string_view left = bytes_; !left.empty();) {
+    for (std::string_view left = Bytes(); !left.empty();) {
       DWORD written = 0;
       const auto wanted = static_cast<DWORD>(left.substr(0, 1u << 20).size());
       if (!WriteFile(handle_, left.data(), wanted, &written, nullptr) || written == 0) {
@@ -61,7 +56,6 @@ class StreamedDevice : public HostSystem::Replacement {
  private:
   std::string path_;
   HANDLE handle_;
-  std::string bytes_;
 };
 
 bool IsDevice(std::string_view path) {

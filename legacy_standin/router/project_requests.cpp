@@ -1,5 +1,6 @@
 #include "legacy_standin/router/project_requests.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -104,10 +105,13 @@ std::string DeleteProject(const ProjectStore& store, const Application&, const x
   return answer.Xml();
 }
 
+// The list is looked through, since that removes what a killed removal left of any project.
 std::string ProjectExist(const ProjectStore& store, const Application&, const xml::Document& request) {
-  return std::string("<PROJECTEXIST><STATUS>") +
-         (store.Exists(FindParameter(request, "projectName").value_or("")) ? "True" : "False") +
-         "</STATUS></PROJECTEXIST>";
+  const std::string asked = FindParameter(request, "projectName").value_or("");
+  const std::vector<std::string> names = store.Names();
+  const bool exists =
+      std::any_of(names.begin(), names.end(), [&](const auto& name) { return IsSameName(name, asked); });
+  return std::string("<PROJECTEXIST><STATUS>") + (exists ? "True" : "False") + "</STATUS></PROJECTEXIST>";
 }
 
 std::string DoesProjectExistInFolder(const ProjectStore& store, const Application&, const xml::Document& request) {

@@ -25,11 +25,12 @@ TEST(NewFileNames, AreAllDifferentAndKnownAgain) {
 TEST(NewFileNames, OfAnEarlierVersionAreKnown) { EXPECT_TRUE(IsNewFileName("~parvex-4711-12.tmp")); }
 
 TEST(NewFileNames, AreNoOthers) {
-  for (const std::string name : {"", "~parvex-.tmp", "~parvex-0123", "parvex-0123.tmp", "~parvex-0123.tmp.xml",
-                                 "~parvex-letter.tmp", "~parvex-0123.txt", "my ~parvex-0123.tmp", "~PARVEX-0123.tmp",
-                                 "~parvex-01 3.tmp", std::string(kLockFile).c_str()}) {
+  for (const std::string name :
+       {"", "~parvex-.tmp", "~parvex-0123", "parvex-0123.tmp", "~parvex-0123.tmp.xml", "~parvex-letter.tmp",
+        "~parvex-0123.txt", "my ~parvex-0123.tmp", "~PARVEX-0123.tmp", "~parvex-01 3.tmp"}) {
     EXPECT_FALSE(IsNewFileName(name)) << name;
   }
+  EXPECT_FALSE(IsNewFileName(kLockFile));
 }
 
 }  // namespace

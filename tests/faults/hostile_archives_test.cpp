@@ -222,7 +222,8 @@ TEST(LargestCrowd, IsUnpackedInTheTimeThatHostileOnesMayTake) {
     ReadStoredTagText(machine.platform, kBlob);
     return std::string("read");
   });
-  ExpectQuick(outcome);
+  constexpr double kMost = 4.0;  // half a second and more, nearly all of it the system's, which has files to make
+  ExpectQuick(outcome, kMost);
   EXPECT_EQ(outcome.answer, "read");
 }
 

@@ -88,7 +88,7 @@ class CallsOfAnExport : public testing::Test {
     if (calls.empty()) {
       GTEST_SKIP() << "no program may watch another here";
     }
-    EXPECT_LE(calls.at(SYS_getdents64), 12u);
+    EXPECT_LE(calls.at(SYS_getdents64), kTags / 4);  // some, and more when the clock goes on between two tags
   }
 
   FakeMachine machine_;

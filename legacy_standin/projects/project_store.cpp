@@ -270,8 +270,8 @@ void ProjectStore::Make(std::string_view name, std::vector<ProjectFile> files) c
     throw MakeRuntimeError(RuntimeError::FileExists, "the name of the project \"" + std::string(name) + "\" is taken");
   }
   // It is a project from the moment on when it has a database.
-  std::ranges::stable_partition(files,
-                                [](const ProjectFile& file) { return !EqualIgnoringCase(file.path, kDatabase); });
+  std::stable_partition(files.begin(), files.end(),
+                        [](const ProjectFile& file) { return !EqualIgnoringCase(file.path, kDatabase); });
   files_.CreateFolder(folder);
   try {
     FileChange change(files_);

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <utility>
@@ -22,12 +23,13 @@ int Forced(int descriptor) {
   return fsync(descriptor) == 0 || errno == EINVAL || errno == EROFS || errno == ENOSYS ? 0 : errno;
 }
 
-// As far as the system lets this user give a file away.
-void GiveTo(const struct stat& owner, int descriptor) {
+// Gives owner and group, as far as the system lets this user give a file away. Whether the group is the one wanted.
+bool GiveTo(const struct stat& owner, int descriptor) {
   static const uid_t user = geteuid();
-  if (owner.st_uid != user && fchown(descriptor, owner.st_uid, owner.st_gid) != 0) {
-    return;
-  }
+  static const gid_t group = getegid();
+  constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
+  return (owner.st_uid == user && owner.st_gid == group) || fchown(descriptor, owner.st_uid, owner.st_gid) == 0 ||
+         fchown(descriptor, kSameOwner, owner.st_gid) == 0;
 }
 
 }  // namespace
@@ -59,8 +61,9 @@ int NewFile::Make(const struct stat* replaced, mode_t mode) {
   if (replaced == nullptr) {
     return 0;
   }
-  GiveTo(*replaced, descriptor_);
-  return fchmod(descriptor_, replaced->st_mode & kPermissions) == 0 ? 0 : errno;
+  // What one group may do is not for another.
+  const mode_t permissions = kPermissions & ~(GiveTo(*replaced, descriptor_) ? 0 : S_IRWXG);
+  return fchmod(descriptor_, replaced->st_mode & permissions) == 0 ? 0 : errno;
 }
 
 void NewFile::Hold() { flock(descriptor_, LOCK_EX | LOCK_NB); }

@@ -71,6 +71,20 @@ TEST_F(HostReplacementTest, HasTheModeOfWhatItReplacesFromTheFirstByteOn) {
   }
 }
 
+TEST_F(HostReplacementTest, BelongsToTheGroupOfWhatItReplaces) {
+  Write("old", 0660);
+  const gid_t another = getegid() + 1;
+  if (chown(file.c_str(), geteuid(), another) != 0) {
+    GTEST_SKIP() << "this user may not give files to another group";
+  }
+  ReplaceBy("new");
+  struct stat status = {};
+  ASSERT_EQ(stat(file.c_str(), &status), 0);
+  EXPECT_EQ(status.st_gid, another);
+  EXPECT_EQ(status.st_uid, geteuid());
+  EXPECT_EQ(ModeOf(file), 0660u);
+}
+
 TEST_F(HostReplacementTest, ThatIsTheFirstFollowsTheMask) {
   umask(027);
   ReplaceBy("new");

@@ -111,9 +111,9 @@ ProgramOutcome InLimitedProgram(const std::vector<std::string>& arguments, const
   return outcome;
 }
 
-void ExpectQuick(const ChildOutcome& outcome, double most) {
+void ExpectQuick(const ChildOutcome& outcome) {
   EXPECT_TRUE(outcome.ended) << "a crash or a hang";
-  EXPECT_LT(outcome.seconds, kSanitized ? 10 * most : most);
+  EXPECT_LT(outcome.seconds, kSanitized ? 10.0 : 3.0);
 }
 
 }  // namespace parvex::test

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/command_line/command_line.h"
+#include "cli/command_line/help_text.h"
 #include "cli/host/exit_status.h"
 #include "cli/host/host.h"
 #include "cli/session/replies.h"
@@ -14,17 +15,18 @@
 namespace parvex::cli {
 namespace {
 
-ExitStatus Run(std::vector<std::string> arguments) {
+ExitStatus Run(const std::vector<std::string>& arguments) {
   CommandLine line;
   try {
-    line.Parse(std::move(arguments));
+    line.Parse(arguments);
   } catch (const CLI::ParseError& end) {
     std::ostringstream out;
     std::ostringstream err;
     const bool isAnswer = line.App().exit(end, out, err) == 0;  // --help, --version
     if (!isAnswer) {
-      TellLine(err.str());
-      TellLine("Run with --help for more information.");
+      const Misuse misuse = ExplainMisuse(line.App(), arguments, end.what());
+      TellError(misuse.text);
+      TellError("run \"" + misuse.help + "\" for more information");
       return kWrongUsage;
     }
     WriteText(out.str());

@@ -5,11 +5,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
 
 #include "formats/text/text.h"
+#include "tests/cli/reply_schema.h"
 
 namespace parvex::test {
 namespace {
@@ -93,6 +95,13 @@ class Terminal {
   std::string name_;
 };
 
+/// Whether standard output is nothing but replies of the protocol.
+bool PrintsReplies(const std::vector<std::string>& arguments) {
+  const auto has = [&](const char* word) { return std::ranges::count(arguments, word) > 0; };
+  const bool isAboutThem = has("--help") || has("help") || has("commands") || has("lint");
+  return !isAboutThem && (has("pull") || has("pull-ngorla") || has("export"));
+}
+
 std::string EscapedForShell(const std::string& text) { return "'" + ReplaceAll(text, "'", "'\\''") + "'"; }
 
 }  // namespace
@@ -117,8 +126,12 @@ Outcome RunParvex(const std::vector<std::string>& arguments, const Surroundings&
   if (waitpid(child, &status, 0) != child) {
     throw std::runtime_error("lost the program");
   }
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadHostFile(streams.Path() / "out"),
-          terminal ? shown : ReadHostFile(streams.Path() / "err")};
+  const Outcome outcome = {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadHostFile(streams.Path() / "out"),
+                           terminal ? shown : ReadHostFile(streams.Path() / "err")};
+  if (PrintsReplies(arguments) && !outcome.out.empty()) {
+    CheckReplies(arguments, outcome.out);
+  }
+  return outcome;
 }
 
 CliMachine::CliMachine() {

@@ -69,10 +69,21 @@ TEST_F(References, CompletionOffersTheCommandsAndOptionsOfTheCommandLine) {
   EXPECT_THAT(Completed("doctor --"), Contains("--json"));
 }
 
+TEST_F(References, CompletionOffersTheCommandsOfTheProtocol) {
+  EXPECT_THAT(Completed("commands getProject"), ElementsAre("getProjectList", "getProjectProperties"));
+  EXPECT_THAT(Completed("commands Reb"), ElementsAre("RebuildTag"));
+  EXPECT_THAT(Completed("help expo"), ElementsAre("export"));
+}
+
+TEST_F(References, CompletionOffersTheProgramsOwnOptionsBehindACommand) {
+  EXPECT_THAT(Completed("export --"), IsSupersetOf({"--project", "--machine", "--journal", "--record", "--replay"}));
+  EXPECT_THAT(Completed("case run --mach"), ElementsAre("--machine"));
+}
+
 TEST_F(References, CompletionOffersFilesAndFoldersWhereTheyAreAskedFor) {
   WriteHostFile(Path("quote one.xml"), "");
   std::filesystem::create_directory(Path("quotes"));
-  for (const char* words : {"show quo", "return quo", "pull quo", "--replay quo", "show --html quo"}) {
+  for (const char* words : {"show quo", "return quo", "lint quo", "pull quo", "--replay quo", "show --html quo"}) {
     EXPECT_THAT(Completed(words), testing::UnorderedElementsAre("quote one.xml", "quotes")) << words;
   }
   EXPECT_THAT(Completed("--machine quo"), ElementsAre("quotes"));

@@ -3,6 +3,7 @@
 #include <set>
 
 #include "cli/command_line/command_tree.h"
+#include "cli/reference/described_command.h"
 
 namespace parvex::cli {
 namespace {
@@ -22,9 +23,37 @@ void Append(std::string& list, const std::string& separator, const std::string& 
   list += (list.empty() ? "" : separator) + item;
 }
 
+// The words that an argument may be, where they are known.
+std::vector<std::string> WordsOf(const CLI::App& program, const std::string& positional) {
+  std::vector<std::string> words;
+  if (positional == "COMMAND") {
+    for (const DescribedCommand& command : DescribedCommands()) {
+      words.emplace_back(command.entry->name);
+    }
+  } else if (positional == "SUBCOMMAND") {
+    for (const CLI::App* child : program.get_subcommands(nullptr)) {
+      words.push_back(child->get_name());
+    }
+  }
+  return words;
+}
+
+// The options of the program itself, which may stand behind every command.
+std::vector<std::string> OptionsEverywhere(const CLI::App& program) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : OptionsOf(program)) {
+    if (TakesValue(*option)) {
+      for (const std::string& name : NamesOf(*option)) {
+        names.push_back(name);
+      }
+    }
+  }
+  return names;
+}
+
 // What an option's value or an argument is: the switch of compgen that lists candidates, empty where nothing can be.
 std::string CandidatesOf(const std::string& kind) {
-  return kind == "FILE" || kind == "TYPELIB" ? "-f" : kind == "DIR" ? "-d" : "";
+  return kind == "FILE" || kind == "LATER" || kind == "TYPELIB" ? "-f" : kind == "DIR" ? "-d" : "";
 }
 
 // The patterns of the options whose values are of one kind, over all commands.
@@ -48,7 +77,7 @@ std::string OptionPatterns(const CLI::App& program, const std::string& candidate
 }
 
 // One branch of the last case: what may stand behind a command.
-std::string Branch(const CommandPath& node) {
+std::string Branch(const CLI::App& program, const CommandPath& node) {
   std::string words;
   std::string candidates;
   for (const CLI::App* child : node.command->get_subcommands(nullptr)) {
@@ -58,8 +87,16 @@ std::string Branch(const CommandPath& node) {
     const std::string positional = PositionalName(*option);
     if (!positional.empty()) {
       candidates = CandidatesOf(positional);
+      for (const std::string& word : WordsOf(program, positional)) {
+        Append(words, " ", word);
+      }
     }
     for (const std::string& name : NamesOf(*option)) {
+      Append(words, " ", name);
+    }
+  }
+  if (!node.words.empty()) {
+    for (const std::string& name : OptionsEverywhere(program)) {
       Append(words, " ", name);
     }
   }
@@ -78,7 +115,7 @@ std::string BashCompletion(const CLI::App& program) {
     if (!node.words.empty()) {
       Append(paths, "|", "'" + node.words + "'");
     }
-    branches += Branch(node);
+    branches += Branch(program, node);
   }
   return "# Completion of parvex for bash, as \"parvex completion\" prints it.\n"
          "_parvex() {\n"

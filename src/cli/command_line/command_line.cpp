@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "cli/command_line/bash_completion.h"
-#include "cli/command_line/commands_listing.h"
+#include "cli/command_line/help_text.h"
 #include "cli/command_line/manual_page.h"
 #include "cli/commands/base64_command.h"
 #include "cli/commands/case_command.h"
@@ -12,6 +12,7 @@
 #include "cli/commands/pull_command.h"
 #include "cli/commands/recording_command.h"
 #include "cli/host/host.h"
+#include "cli/reference/command_listing.h"
 #include "cli/terminal/standard_streams.h"
 #include "version.h"
 
@@ -20,7 +21,21 @@ namespace {
 
 constexpr const char* kExitStatusText =
     "Exit status: 0 a reply; 1 the last reply is a failed one; 2 wrong usage, nothing was sent; 3 a call failed.\n"
-    "doctor ends with 1 when a check failed, show when two documents differ.";
+    "doctor ends with 1 when a check failed, show when two documents differ, lint when something is wrong.";
+
+// A check of values, which help texts do not repeat.
+CLI::Validator OneOf(std::vector<std::string> values) {
+  return CLI::Validator(
+      [values = std::move(values)](const std::string& value) {
+        std::string list;
+        for (const std::string& one : values) {
+          list += (list.empty() ? "" : " or ") + one;
+        }
+        return std::ranges::find(values, value) != values.end() ? std::string()
+                                                                : "is " + list + ", not \"" + value + "\"";
+      },
+      "");
+}
 
 }  // namespace
 
@@ -42,6 +57,7 @@ CommandLine::CommandLine()
   app_.add_option("--replay", session_.replay, "Answer router requests from such a journal")->type_name("FILE");
 
   AddSending();
+  AddLint();
   AddExport();
   AddReturn();
   AddShow();
@@ -51,7 +67,8 @@ CommandLine::CommandLine()
   AddRouterIds();
   AddRecording();
   AddCases();
-  AddReferences();
+  AddReference();
+  AddManuals();
 }
 
 void CommandLine::Parse(std::vector<std::string> arguments) {
@@ -77,6 +94,16 @@ void CommandLine::AddSending() {
   };
   add("pull", "Pull", PullCommands(), [this] { return SendThroughPull(session_, files_); });
   add("pull-ngorla", "PullNGORLA", PullNgorlaCommands(), [this] { return SendThroughPullNgorla(session_, files_); });
+}
+
+void CommandLine::AddLint() {
+  CLI::App* command = Add(app_, "lint", "Find out what is wrong with a command document before it is sent",
+                          [this] { return LintFile(lint_); });
+  command->add_option("FILE", lint_.file, "The command document; - for standard input")->required()->type_name("");
+  command->add_option("--through", lint_.through, "How it will be sent: pull or pull-ngorla")
+      ->type_name("ENTRY-POINT")
+      ->check(OneOf({"pull", "pull-ngorla"}));
+  command->add_flag("--json", lint_.json, "Write what was found as JSON");
 }
 
 void CommandLine::AddExport() {
@@ -105,10 +132,8 @@ void CommandLine::AddReturn() {
 void CommandLine::AddShow() {
   CLI::App* command = Add(app_, "show", "Show a Hybris document, or what differs between an earlier and a later one",
                           [this] { return Show(show_); });
-  command->add_option("FILE", show_.files, "The Hybris document; - for standard input")
-      ->required()
-      ->expected(1, 2)
-      ->type_name("");
+  command->add_option("FILE", show_.file, "The Hybris document; - for standard input")->required()->type_name("");
+  command->add_option("LATER", show_.later, "A later one, to be compared with it")->type_name("");
   command->add_option("--html", show_.html, "Write one page for a browser instead")->type_name("FILE");
 }
 
@@ -211,14 +236,30 @@ void CommandLine::AddMachines() {
       ->required();
 }
 
-void CommandLine::AddReferences() {
+void CommandLine::AddReference() {
+  CLI::App* command = Add(app_, "commands", "Tell what commands each entry point serves, or all about one of them",
+                          [this] { return TellCommands(reference_); });
+  CLI::Option* name = command->add_option("COMMAND", reference_.command, "A command of the protocol")->type_name("");
+  CLI::Option* json = command->add_flag("--json", reference_.json, "Write it, or all of them, as JSON");
+  command->add_flag("--xml", reference_.xml, "Write a filled-in request, which runs on the sample machine")
+      ->excludes(json);
+  command->add_option("--schema", reference_.schema, "Write an XML schema: of requests, or of replies and quotes")
+      ->type_name("SCHEMA")
+      ->check(OneOf({"requests", "replies"}))
+      ->excludes(name)
+      ->excludes(json);
+}
+
+void CommandLine::AddManuals() {
   const auto add = [this](const std::string& name, const std::string& description, std::function<std::string()> text) {
-    Add(app_, name, description, [text = std::move(text)] {
+    return Add(app_, name, description, [text = std::move(text)] {
       WriteDocument(text());
       return kReply;
     });
   };
-  add("commands", "List the commands that each entry point serves", ListEntryPoints);
+  add("help", "Print what a command takes", [this] { return HelpAbout(app_, helpTopic_); })
+      ->add_option("SUBCOMMAND", helpTopic_, "The command")
+      ->type_name("");
   add("completion", "Print a script that completes this command line in bash", [this] { return BashCompletion(app_); });
   add("manual", "Print the manual page, for man -l", [this] { return ManualPage(app_); });
 }

@@ -9,7 +9,9 @@
 #include "cli/commands/case_command.h"
 #include "cli/commands/case_run_command.h"
 #include "cli/commands/export_command.h"
+#include "cli/commands/lint_command.h"
 #include "cli/commands/mask_command.h"
+#include "cli/commands/reference_command.h"
 #include "cli/commands/return_command.h"
 #include "cli/commands/router_ids_command.h"
 #include "cli/commands/show_command.h"
@@ -38,6 +40,7 @@ class CommandLine {
   /// A command of the program; `action` is what it does.
   CLI::App* Add(CLI::App& parent, const std::string& name, const std::string& description, Action action);
   void AddSending();
+  void AddLint();
   void AddExport();
   void AddReturn();
   void AddShow();
@@ -47,8 +50,9 @@ class CommandLine {
   void AddCases();
   void AddBase64();
   void AddMachines();
+  void AddReference();
   /// Commands that write down what the command line offers.
-  void AddReferences();
+  void AddManuals();
 
   SessionOptions session_;
   std::vector<std::string> files_;
@@ -65,6 +69,9 @@ class CommandLine {
   RunCaseOptions runCases_;
   MaskCaseOptions maskCase_;
   std::string extractTo_;
+  ReferenceOptions reference_;
+  LintOptions lint_;
+  std::vector<std::string> helpTopic_;
 
   Action action_;
   CLI::App app_;

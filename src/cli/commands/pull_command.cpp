@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "cli/reference/described_command.h"
 #include "cli/session/consumer.h"
 #include "cli/session/kept_findings.h"
 #include "cli/session/replies.h"
@@ -17,15 +18,31 @@
 namespace parvex::cli {
 namespace {
 
-// Sends the content of one command file, writes the reply, and tells whether it is the failed reply.
-using SendOne = bool (*)(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage);
+// The command's name before it is sent: the document becomes a request of its own on the way. Empty when it has none,
+// which the call will say.
+std::string NameIn(const xml::Document& command) {
+  const xml::Node name = command.First(".//COMMAND/NAME");
+  return name ? name.Text() : std::string();
+}
 
-bool SendDocument(LegacyORLAPull& pull, const std::string& bytes, CodePage&) {
-  const xml::Document reply = pull.Pull(xml::Document::Load(bytes));
+// How the sending of one command went.
+struct Sent {
+  bool isFailed;     // the reply is the failed one
+  std::string hint;  // why, where it is the command's name; empty otherwise
+};
+
+// Sends the content of one command file and writes the reply.
+using SendOne = Sent (*)(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage);
+
+Sent SendDocument(LegacyORLAPull& pull, const std::string& bytes, CodePage&) {
+  const xml::Document command = xml::Document::Load(bytes);
+  const std::string name = NameIn(command);
+  const xml::Document reply = pull.Pull(command);
   if (reply) {
     reply.WriteXml(WriteDocument);
   }
-  return IsFailedReply(reply);
+  const bool isFailed = IsFailedReply(reply);
+  return {isFailed, isFailed ? HintAbout(name, true) : ""};
 }
 
 // The text that a file's bytes are: UTF-16 or UTF-8 as its byte order mark says, else UTF-8 when it is well-formed,
@@ -37,8 +54,10 @@ std::string DecodeText(std::string_view bytes, CodePage& codePage) {
   return IsWellFormed(bytes) ? std::string(bytes) : codePage.FromAnsi(bytes);
 }
 
-bool SendText(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage) {
-  return pull.PullNGORLA(DecodeText(bytes, codePage), WriteDocument);
+Sent SendText(LegacyORLAPull& pull, const std::string& bytes, CodePage& codePage) {
+  const std::string text = DecodeText(bytes, codePage);
+  const bool isFailed = pull.PullNGORLA(text, WriteDocument);
+  return {isFailed, isFailed ? HintAbout(NameIn(xml::Document::Parse(text)), false) : ""};
 }
 
 ExitStatus SendAll(Session& session, const std::vector<std::string>& names, const std::vector<std::string>& contents,
@@ -52,7 +71,11 @@ ExitStatus SendAll(Session& session, const std::vector<std::string>& names, cons
   bool anyCallFailed = false;
   for (std::size_t i = 0; i < contents.size(); ++i) {
     try {
-      status = sendOne(pull, contents[i], *platform.codePage) ? kFailedReply : kReply;
+      const Sent sent = sendOne(pull, contents[i], *platform.codePage);
+      status = sent.isFailed ? kFailedReply : kReply;
+      if (!sent.hint.empty()) {
+        TellError(names[i] + ": " + sent.hint);
+      }
     } catch (const AutomationError& error) {
       ReportError(names[i], error);
       anyCallFailed = true;

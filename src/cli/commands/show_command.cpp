@@ -25,15 +25,15 @@ void Write(const ShowOptions& options, const std::string& shown) {
 }  // namespace
 
 ExitStatus Show(const ShowOptions& options) {
-  const std::string& lastName = options.files.back();
+  const std::string& lastName = options.later.empty() ? options.file : options.later;
   const Quote last = ReadQuote(ReadQuoteDocument(lastName), lastName);
   const bool isPage = !options.html.empty();
-  if (options.files.size() == 1) {
+  if (options.later.empty()) {
     const std::string shown = isPage ? QuotePage(last, lastName) : QuoteAsText(last, TakesColours(stdout));
     Write(options, shown);
     return kReply;
   }
-  const std::string& firstName = options.files.front();
+  const std::string& firstName = options.file;
   const std::vector<Difference> differences = Compare(ReadQuote(ReadQuoteDocument(firstName), firstName), last);
   const std::string shown = isPage ? ComparisonPage(last, differences, firstName, lastName)
                                    : DifferencesAsText(differences, TakesColours(stdout));

@@ -1,15 +1,15 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "cli/host/exit_status.h"
 
 namespace parvex::cli {
 
 struct ShowOptions {
-  std::vector<std::string> files;  ///< one Hybris document, or an earlier and a later one
-  std::string html;                ///< the page to write instead of text; empty for none
+  std::string file;   ///< the Hybris document, the earlier one of two
+  std::string later;  ///< the later one; empty for none
+  std::string html;   ///< the page to write instead of text; empty for none
 };
 
 /// Shows a Hybris document, or what differs between two. Of two that differ the status is kFailedReply, as scripts know

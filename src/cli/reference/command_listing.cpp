@@ -1,4 +1,4 @@
-#include "cli/command_line/commands_listing.h"
+#include "cli/reference/command_listing.h"
 
 #include <cstddef>
 

@@ -131,6 +131,11 @@ Outcome RunParvex(const std::vector<std::string>& arguments, const Surroundings&
   if (PrintsReplies(arguments) && !outcome.out.empty()) {
     CheckReplies(arguments, outcome.out);
   }
+  const auto output = std::ranges::find(arguments, "-o");
+  const bool isNamed = arguments.end() - output > 1 && output[1] != "-" && !output[1].starts_with("/dev/");
+  if (outcome.status == 0 && std::ranges::count(arguments, "export") > 0 && isNamed) {
+    CheckReplies(arguments, ReadHostFile(surroundings.folder / output[1]));
+  }
   return outcome;
 }
 

@@ -105,11 +105,9 @@ void WriteText(std::string_view text) {
   Write(shown.append(TerminalText(text.substr(plainFrom))));
 }
 
-void TellLine(std::string_view line) {
-  const std::string shown = TerminalLine(line) + "\n";
+void TellError(std::string_view line) {
+  const std::string shown = "parvex: " + TerminalLine(line) + "\n";
   std::fwrite(shown.data(), 1, shown.size(), stderr);
 }
-
-void TellError(std::string_view line) { TellLine("parvex: " + std::string(line)); }
 
 }  // namespace parvex::cli

@@ -20,9 +20,8 @@ void WriteDocument(std::string_view bytes);
 /// terminal/colours.h where they are in use. An AutomationError (75) when that fails.
 void WriteText(std::string_view text);
 
-/// Tells one line on standard error. Line breaks in it are from outside, and become blanks.
-void TellLine(std::string_view line);
-/// The same with "parvex: " in front.
+/// Tells one line on standard error, "parvex: " in front, as every line of an error begins. Line breaks in it are from
+/// outside, and become blanks.
 void TellError(std::string_view line);
 
 }  // namespace parvex::cli

@@ -46,8 +46,10 @@ struct ElementReference {
   Content content = Content::Text;
   std::string_view meaning = {};
   Occurs occurs = Occurs::Once;
-  std::string_view attributes = {};  ///< their names, a blank between; "?" behind those that may be missing
-  std::string_view values = {};      ///< the only texts that it has, "|" between; empty for any text
+  std::string_view attributes = {};     ///< their names, a blank between; "?" behind those that may be missing
+  std::string_view values = {};         ///< the only texts that it has, "|" between; empty for any text
+  std::string_view neededBy = {};       ///< of an optional one: the parameter by which it is needed all the same,
+  std::string_view neededByValue = {};  ///< when that has this value
 };
 
 /// How a caller sees that a command did not do what it is for.

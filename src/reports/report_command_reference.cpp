@@ -36,7 +36,7 @@ constexpr ElementReference kReportElements[] = {
     {1, "PDSG", Content::Text, "its product data set group"},
     {1, "DATATYPE", Content::Text, "1 for an extended tag; anything else, also nothing, for an ordinary one"},
     {0, "command", Content::Elements, "for reportName EquipmentSchedule only, which has to stand here once more",
-     Occurs::Optional},
+     Occurs::Optional, "", "", "reportName", "EquipmentSchedule"},
     {1, "Report", Content::Elements},
     {2, "Name", Content::Text, "EquipmentSchedule"},
 };

@@ -73,6 +73,16 @@ const LintCase kLintCases[] = {
      "<COMMAND><NAME>RebuildTag</NAME><PARAMETERS><PARAMETER><PROJECT><TAGS><TAG><ATTRIBUTES_LIST><PDSG/>"
      "</ATTRIBUTES_LIST></TAG></TAGS></PROJECT></PARAMETER></PARAMETERS></COMMAND>",
      {"1:76 missing-element"}},
+    {"EquipmentScheduleNamedOnce",
+     "<COMMAND><NAME>getReport</NAME>\n" + Parameter("projectName", "A") +
+         Parameter("reportName", "EquipmentSchedule") + "<TAG><NAME>a</NAME><PDSG>b</PDSG><DATATYPE/></TAG></COMMAND>",
+     {"1:1 missing-element"}},
+    {"EquipmentScheduleNamedTwice",
+     "<COMMAND><NAME>getReport</NAME>\n" + Parameter("projectName", "A") +
+         Parameter("reportName", "EquipmentSchedule") +
+         "<TAG><NAME>a</NAME><PDSG>b</PDSG><DATATYPE/></TAG>"
+         "<command><Report><Name>EquipmentSchedule</Name></Report></command></COMMAND>",
+     {}},
     {"WhatIsInCommentsAndCData",
      "<?xml version=\"1.0\"?>\n<!-- <COMMAND> -->\n" + kAdd + Parameter("projectName", "<![CDATA[<A>]]>") +
          "</COMMAND>",
@@ -125,6 +135,18 @@ TEST(Lint, ReadsTextOfTwoBytesACharacter) {
   for (const char* mark : {"\xFF\xFE", ""}) {
     EXPECT_THAT(RunParvex({"lint", "-"}, {.input = mark + bytes}).out, HasSubstr("-:3:14: ")) << mark;
   }
+}
+
+TEST(Lint, TellsOfManyThingsInTheOrderOfTheText) {
+  std::string document = kAdd;
+  constexpr int kMany = 20'000;
+  for (int i = 0; i < kMany; ++i) {
+    document += "<PARAMETER/>\n";
+  }
+  const SortedJson told = SortedJson::parse(RunParvex({"lint", "--json", "-"}, {.input = document + "</COMMAND>"}).out);
+  ASSERT_EQ(told["findings"].size(), static_cast<std::size_t>(kMany) + 1);
+  EXPECT_EQ(told["findings"][0]["line"], 1) << "the command lacks a parameter";
+  EXPECT_EQ(told["findings"][kMany]["line"], kMany + 2);
 }
 
 TEST(Lint, FindsNothingInTheCommandsOfTheSampleMachine) {

@@ -73,6 +73,8 @@ TEST_F(References, CompletionOffersTheCommandsOfTheProtocol) {
   EXPECT_THAT(Completed("commands getProject"), ElementsAre("getProjectList", "getProjectProperties"));
   EXPECT_THAT(Completed("commands Reb"), ElementsAre("RebuildTag"));
   EXPECT_THAT(Completed("help expo"), ElementsAre("export"));
+  EXPECT_THAT(Completed("commands --schema re"), ElementsAre("requests", "replies"));
+  EXPECT_THAT(Completed("lint --through pull-"), ElementsAre("pull-ngorla"));
 }
 
 TEST_F(References, CompletionOffersTheProgramsOwnOptionsBehindACommand) {

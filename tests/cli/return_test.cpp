@@ -43,13 +43,48 @@ TEST_F(Return, NeedsToBeToldWhichOfSeveralTags) {
   for (const char* number : {"0", "3"}) {
     EXPECT_EQ(Run({"--tag", number}, document).status, 2) << number;
   }
-  for (const char* number : {"-1", "x", ""}) {
+  for (const char* number : {"-1", "x", "", "1 ", "+1", "99999999999999999999"}) {
     EXPECT_EQ(Run({"--tag", number}, document).status, 2) << number;
   }
   EXPECT_FALSE(BroughtBack());
   EXPECT_EQ(Run({"--tag", "2"}, document).status, 0);
   EXPECT_EQ(ReadHostFile(Installed("Projects/Riverside Clinic/tag1103.blb")),
             ReadHostFile(Installed("Temp/QPblob.tmp")));
+}
+
+TEST_F(Return, TakesATagByItsName) {
+  const std::string document = Exported({"RTU-1", "CH-1"});
+  EXPECT_EQ(Run({"--tag", "CH-1"}, document).status, 0);
+  EXPECT_EQ(ReadHostFile(Installed("Projects/Riverside Clinic/tag1103.blb")),
+            ReadHostFile(Installed("Temp/QPblob.tmp")));
+  const Outcome misspelt = Run({"--tag", "CH1"}, document);
+  EXPECT_EQ(misspelt.status, 2);
+  EXPECT_THAT(misspelt.err, HasSubstr("has no tag \"CH1\"; did you mean \"CH-1\"?"));
+}
+
+std::string Renamed(std::string document, const std::vector<std::string>& names) {
+  std::size_t from = 0;
+  for (const std::string& name : names) {
+    from = document.find("<MARKFOR>", from) + std::string("<MARKFOR>").size();
+    document.replace(from, document.find("</MARKFOR>", from) - from, name);
+  }
+  return document;
+}
+
+TEST_F(Return, NeverGuessesATag) {
+  const std::string document = Exported({"RTU-1", "CH-1"});
+  const Outcome twice = Run({"--tag", "AHU"}, Renamed(document, {"AHU", "AHU"}));
+  EXPECT_EQ(twice.status, 2);
+  EXPECT_THAT(twice.err, HasSubstr("several tags \"AHU\": say which by its place, 1, 2"));
+  const std::string crossed = Renamed(document, {"2", "x"});
+  const Outcome both = Run({"--tag", "2"}, crossed);
+  EXPECT_EQ(both.status, 2);
+  EXPECT_THAT(both.err, HasSubstr("\"2\" is the name of tag 1 of - and the place of another: say \"#1\" or \"#2\""));
+  EXPECT_FALSE(BroughtBack());
+  EXPECT_EQ(Run({"--tag", "#2"}, crossed).status, 0);
+  EXPECT_EQ(ReadHostFile(Installed("Projects/Riverside Clinic/tag1103.blb")),
+            ReadHostFile(Installed("Temp/QPblob.tmp")));
+  EXPECT_EQ(Run({"--tag", "2"}, Renamed(document, {"1", "2"})).status, 0) << "name and place of the same tag";
 }
 
 TEST_F(Return, OfATagThatDidNotComeFromTheLegacyApplicationIsRefused) {

@@ -1,9 +1,11 @@
 #include "cli/command_line/bash_completion.h"
 
+#include <map>
 #include <set>
 
 #include "cli/command_line/command_tree.h"
 #include "cli/reference/described_command.h"
+#include "formats/text/text.h"
 
 namespace parvex::cli {
 namespace {
@@ -51,27 +53,32 @@ std::vector<std::string> OptionsEverywhere(const CLI::App& program) {
   return names;
 }
 
-// What an option's value or an argument is: the switch of compgen that lists candidates, empty where nothing can be.
+// What an option's value or an argument is: the switch of compgen that lists candidates, empty where nothing can be. A
+// kind "one|other" lists the only words.
 std::string CandidatesOf(const std::string& kind) {
+  if (kind.find('|') != std::string::npos) {
+    return "-W '" + ReplaceAll(kind, "|", " ") + "'";
+  }
   return kind == "FILE" || kind == "LATER" || kind == "TYPELIB" ? "-f" : kind == "DIR" ? "-d" : "";
 }
 
-// The patterns of the options whose values are of one kind, over all commands.
-std::string OptionPatterns(const CLI::App& program, const std::string& candidates) {
-  std::set<std::string> names;
+// The patterns of the options that take a value, over all commands, by what their values are.
+std::map<std::string, std::string> OptionPatterns(const CLI::App& program) {
+  std::map<std::string, std::set<std::string>> names;
   for (const CommandPath& node : NodesOf(program)) {
     for (const CLI::Option* option : OptionsOf(*node.command)) {
-      if (PositionalName(*option).empty() && TakesValue(*option) &&
-          CandidatesOf(option->get_type_name()) == candidates) {
+      if (PositionalName(*option).empty() && TakesValue(*option)) {
         for (const std::string& name : NamesOf(*option)) {
-          names.insert(name);
+          names[CandidatesOf(option->get_type_name())].insert(name);
         }
       }
     }
   }
-  std::string patterns;
-  for (const std::string& name : names) {
-    Append(patterns, "|", name);
+  std::map<std::string, std::string> patterns;
+  for (const auto& [candidates, options] : names) {
+    for (const std::string& name : options) {
+      Append(patterns[candidates], "|", name);
+    }
   }
   return patterns;
 }
@@ -106,9 +113,15 @@ std::string Branch(const CLI::App& program, const CommandPath& node) {
 }  // namespace
 
 std::string BashCompletion(const CLI::App& program) {
-  const std::string files = OptionPatterns(program, "-f");
-  const std::string folders = OptionPatterns(program, "-d");
-  const std::string others = OptionPatterns(program, "");
+  std::string options;
+  std::string values;
+  for (const auto& [candidates, patterns] : OptionPatterns(program)) {
+    Append(options, "|", patterns);
+    values +=
+        "    " + patterns + ") " +
+        (candidates.empty() ? "COMPREPLY=()" : "mapfile -t COMPREPLY < <(compgen " + candidates + " -- \"$word\")") +
+        "; return ;;\n";
+  }
   std::string paths;
   std::string branches;
   for (const CommandPath& node : NodesOf(program)) {
@@ -124,7 +137,7 @@ std::string BashCompletion(const CLI::App& program) {
          "  for ((i = 1; i < COMP_CWORD; i++)); do\n"
          "    case ${COMP_WORDS[i]} in\n"
          "      " +
-         files + "|" + folders + "|" + others +
+         options +
          ") ((i++)) ;;\n"
          "      *) case \"$command ${COMP_WORDS[i]}\" in\n"
          "        " +
@@ -133,16 +146,8 @@ std::string BashCompletion(const CLI::App& program) {
          "      esac ;;\n"
          "    esac\n"
          "  done\n"
-         "  case $before in\n"
-         "    " +
-         files +
-         ") mapfile -t COMPREPLY < <(compgen -f -- \"$word\"); return ;;\n"
-         "    " +
-         folders +
-         ") mapfile -t COMPREPLY < <(compgen -d -- \"$word\"); return ;;\n"
-         "    " +
-         others +
-         ") COMPREPLY=(); return ;;\n"
+         "  case $before in\n" +
+         values +
          "  esac\n"
          "  case $command in\n" +
          branches +

@@ -100,8 +100,8 @@ void CommandLine::AddLint() {
   CLI::App* command = Add(app_, "lint", "Find out what is wrong with a command document before it is sent",
                           [this] { return LintFile(lint_); });
   command->add_option("FILE", lint_.file, "The command document; - for standard input")->required()->type_name("");
-  command->add_option("--through", lint_.through, "How it will be sent: pull or pull-ngorla")
-      ->type_name("ENTRY-POINT")
+  command->add_option("--through", lint_.through, "How it will be sent")
+      ->type_name("pull|pull-ngorla")
       ->check(OneOf({"pull", "pull-ngorla"}));
   command->add_flag("--json", lint_.json, "Write what was found as JSON");
 }
@@ -125,7 +125,7 @@ void CommandLine::AddReturn() {
   CLI::App* command = Add(app_, "return", "Bring a tag of a Hybris document back to the legacy application",
                           [this] { return Return(session_, return_); });
   command->add_option("FILE", return_.file, "The Hybris document; - for standard input")->required()->type_name("");
-  command->add_option("--tag", return_.tag, "Which of several tags, from 1")->type_name("NUMBER");
+  command->add_option("--tag", return_.tag, "Which of several tags: its name, or its place from 1")->type_name("TAG");
   command->add_flag("--lenient", return_.lenient, "Bring back whatever the protocol makes of the tag's stored data");
 }
 
@@ -244,7 +244,7 @@ void CommandLine::AddReference() {
   command->add_flag("--xml", reference_.xml, "Write a filled-in request, which runs on the sample machine")
       ->excludes(json);
   command->add_option("--schema", reference_.schema, "Write an XML schema: of requests, or of replies and quotes")
-      ->type_name("SCHEMA")
+      ->type_name("requests|replies")
       ->check(OneOf({"requests", "replies"}))
       ->excludes(name)
       ->excludes(json);

@@ -1,5 +1,8 @@
 #include "cli/commands/return_command.h"
 
+#include <charconv>
+#include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "cli/quote/quote_file.h"
@@ -7,6 +10,7 @@
 #include "cli/session/replies.h"
 #include "cli/terminal/standard_streams.h"
 #include "codec/bin_encoder.h"
+#include "formats/text/closest_name.h"
 #include "formats/text/text.h"
 #include "interface/legacy_orla_pull.h"
 #include "legacy_env/install_paths.h"
@@ -15,21 +19,79 @@
 namespace parvex::cli {
 namespace {
 
+std::string NameOf(const xml::Node& tag) {
+  const xml::Node attributes = tag.Child("ATTRIBUTES_LIST");
+  const xml::Node markFor = attributes ? attributes.Child("MARKFOR") : xml::Node();
+  return markFor ? markFor.Text() : std::string();
+}
+
+// The place that a text of digits, perhaps behind "#", means among so many tags; 0 for any other text.
+std::size_t PlaceIn(std::string_view text, std::size_t count) {
+  text.remove_prefix(text.starts_with('#') ? 1 : 0);
+  std::size_t place = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), place);
+  return error == std::errc() && end == text.data() + text.size() && place <= count ? place : 0;
+}
+
+// The places of the tags that have a name, from 1.
+std::vector<std::size_t> PlacesOf(std::string_view name, const std::vector<std::string>& names) {
+  std::vector<std::size_t> places;
+  for (std::size_t place = 1; place <= names.size(); ++place) {
+    if (names[place - 1] == name) {
+      places.push_back(place);
+    }
+  }
+  return places;
+}
+
+std::string Listed(const std::vector<std::size_t>& places) {
+  constexpr std::size_t kMost = 5;
+  std::string text;
+  for (std::size_t i = 0; i < places.size() && i < kMost; ++i) {
+    text += (i == 0 ? "" : ", ") + std::to_string(places[i]);
+  }
+  return places.size() > kMost ? text + " and so on" : text;
+}
+
+std::size_t ChoosePlace(const std::string& file, const std::string& wanted, const std::vector<std::string>& names) {
+  const std::size_t place = PlaceIn(wanted, names.size());
+  std::vector<std::size_t> meant = PlacesOf(wanted, names);
+  if (meant.size() > 1) {
+    throw UsageError(file + " has several tags \"" + wanted + "\": say which by its place, " + Listed(meant));
+  }
+  if (meant.empty() && place == 0) {
+    const std::vector<std::string_view> views(names.begin(), names.end());
+    const std::string_view likely = ClosestName(wanted, views);
+    throw UsageError(file + " has no tag \"" + wanted + "\"" +
+                     (likely.empty() ? ", it holds " + std::to_string(names.size())
+                                     : "; did you mean \"" + std::string(likely) + "\"?"));
+  }
+  if (!meant.empty() && place != 0 && place != meant.front()) {
+    throw UsageError("\"" + wanted + "\" is the name of tag " + std::to_string(meant.front()) + " of " + file +
+                     " and the place of another: say \"#" + std::to_string(meant.front()) + "\" or \"#" +
+                     std::to_string(place) + "\"");
+  }
+  return meant.empty() ? place : meant.front();
+}
+
 xml::Node ChooseTag(const xml::Document& document, const ReturnOptions& options) {
   const std::vector<xml::Node> tags = document.All("/PROJECT/TAGS/TAG");
-  const std::string count = std::to_string(tags.size());
   if (tags.empty()) {
     throw UsageError(options.file + " holds no tag");
   }
-  if (!options.tag && tags.size() > 1) {
-    throw UsageError(options.file + " holds " + count +
-                     " tags: say with --tag which one (\"parvex show\" numbers them)");
+  if (!options.tag) {
+    if (tags.size() > 1) {
+      throw UsageError(options.file + " holds " + std::to_string(tags.size()) +
+                       " tags: say with --tag which one, by its name or its place (\"parvex show\" tells both)");
+    }
+    return tags.front();
   }
-  const std::size_t number = options.tag.value_or(1);
-  if (number < 1 || number > tags.size()) {
-    throw UsageError(options.file + " has no tag " + std::to_string(number) + ", it holds " + count);
+  std::vector<std::string> names;
+  names.reserve(tags.size());
+  for (const xml::Node& tag : tags) {
+    names.push_back(NameOf(tag));
   }
-  return tags[number - 1];
+  return tags[ChoosePlace(options.file, *options.tag, names) - 1];
 }
 
 // The text that the way back decodes; nothing for a tag that the protocol refuses.

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <optional>
 #include <set>
-#include <tuple>
 
 #include "cli/lint/placed_elements.h"
 #include "cli/reference/described_command.h"
@@ -61,17 +60,32 @@ class Lint {
     PlacedElement document;
     document.children.push_back(PlacedRoot(markup_));
     LookAt(document);
-    std::ranges::stable_sort(result_.findings, {},
-                             [](const LintFinding& finding) { return std::tuple(finding.line, finding.column); });
+    Place();
     return std::move(result_);
   }
 
  private:
   void Tell(const PlacedElement& at, std::string kind, std::string text) {
-    const std::string_view before = markup_.substr(0, at.offset);
-    const auto line = static_cast<std::size_t>(std::ranges::count(before, '\n')) + 1;
-    const std::size_t lineStart = before.rfind('\n') == std::string_view::npos ? 0 : before.rfind('\n') + 1;
-    result_.findings.push_back({line, before.size() - lineStart + 1, std::move(kind), std::move(text)});
+    found_.push_back({at.offset, {0, 0, std::move(kind), std::move(text)}});
+  }
+
+  /// Puts what was found into the order of the text, and counts its lines once for all of it.
+  void Place() {
+    std::ranges::stable_sort(found_, {}, &Found::offset);
+    std::size_t line = 1;
+    std::size_t lineStart = 0;
+    std::size_t counted = 0;
+    for (Found& found : found_) {
+      for (; counted < found.offset; ++counted) {
+        if (markup_[counted] == '\n') {
+          ++line;
+          lineStart = counted + 1;
+        }
+      }
+      found.finding.line = line;
+      found.finding.column = found.offset - lineStart + 1;
+      result_.findings.push_back(std::move(found.finding));
+    }
   }
 
   void LookAt(const PlacedElement& document) {
@@ -89,6 +103,7 @@ class Lint {
     result_.entryPoints = EntryPointsOf(known);
     LookAtEntryPoint(name, known);
     LookAtParameters(*command, known.Reference());
+    command_ = command;
     LookAtElements(document, *command, known.Reference().elements);
   }
 
@@ -206,8 +221,9 @@ class Lint {
     const ElementReference& element = tree.front();
     std::vector<const PlacedElement*> found;
     Collect(below, element, found);
-    if (found.empty() && (element.occurs == Occurs::Once || element.occurs == Occurs::AtLeastOnce)) {
+    if (found.empty() && IsNeeded(element)) {
       const PlacedElement* alike = FindIgnoringCase(below, element.name);
+      alike = alike == command_ ? nullptr : alike;  // COMMAND is no misspelt "command"
       Tell(alike != nullptr ? *alike : tellAt, alike != nullptr ? "letter-case" : "missing-element",
            alike != nullptr ? Quoted(alike->name) + " is not " + Quoted(element.name) + ": letter case counts"
                             : "there is no element " + std::string(element.name) +
@@ -216,6 +232,25 @@ class Lint {
     for (const PlacedElement* one : found) {
       LookAtElements(*one, *one, tree.subspan(1));
     }
+  }
+
+  bool IsNeeded(const ElementReference& element) const {
+    if (!element.neededBy.empty()) {
+      return GivenValue(element.neededBy) == element.neededByValue;
+    }
+    return element.occurs == Occurs::Once || element.occurs == Occurs::AtLeastOnce;
+  }
+
+  /// The value of the command's first parameter of that name; empty without one.
+  std::string_view GivenValue(std::string_view parameterName) const {
+    for (const PlacedElement& child : command_->children) {
+      const PlacedElement* name = child.name == "PARAMETER" ? child.Child("NAME") : nullptr;
+      if (name != nullptr && name->text == parameterName) {
+        const PlacedElement* value = child.Child("VALUE");
+        return value != nullptr ? std::string_view(value->text) : std::string_view();
+      }
+    }
+    return {};
   }
 
   /// The elements that a handler reads: those of that name, or the first where one is enough.
@@ -234,8 +269,15 @@ class Lint {
     }
   }
 
+  struct Found {
+    std::size_t offset;
+    LintFinding finding;  ///< its place is not known yet
+  };
+
   std::string_view markup_;
   EntryPoint through_;
+  const PlacedElement* command_ = nullptr;
+  std::vector<Found> found_;
   LintResult result_;
 };
 

@@ -71,7 +71,9 @@ Json Elements(std::span<const ElementReference> elements) {
                     {"content", NameOf(element.content)},
                     {"meaning", element.meaning},
                     {"attributes", Parts(element.attributes, ' ')},
-                    {"values", Parts(element.values, '|')}});
+                    {"values", Parts(element.values, '|')},
+                    {"neededBy", element.neededBy},
+                    {"neededByValue", element.neededByValue}});
   }
   return list;
 }

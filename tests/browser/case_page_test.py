@@ -19,9 +19,11 @@ from picture import Picture
 
 DESKTOP = (1280, 900)
 NARROW = (420, 900)
-ELEMENTS = set("html head meta title style body h1 h2 p section div dl dt dd details summary span pre a table thead "
-               "tbody tr th td footer".split())
-ATTRIBUTES = {"lang", "charset", "name", "content", "http-equiv", "class", "data-column", "style", "id", "open", "href"}
+PHONE = (360, 740)
+ELEMENTS = set("html head meta title style body h1 h2 p section div dl dt dd details summary span pre a table "
+               "caption thead tbody tr th td footer".split())
+ATTRIBUTES = {"lang", "charset", "name", "content", "http-equiv", "class", "data-column", "role", "scope", "style", "id",
+              "open", "href"}
 RAN = "document.title='ran'"
 HOSTILE = [
     f"<script>{RAN}</script>",
@@ -145,7 +147,7 @@ class Pages(unittest.TestCase):
 
     def test_places_each_step_on_the_time_line_and_tells_kinds_apart_without_colour(self):
         page = self.show(self.case(STEPS, outcome="reply", microseconds=1_000_000))
-        for size in (DESKTOP, NARROW):
+        for size in (DESKTOP, NARROW, PHONE):
             measured = self.measured(page, size)
             self.assertEqual(size[0], measured["width"])
             self.assertTrue(all(is_seen for _, _, is_seen in measured["bars"]), measured)

@@ -23,10 +23,12 @@ from picture import Picture
 
 DESKTOP = (1280, 900)
 NARROW = (420, 900)
+PHONE = (360, 740)
 COMPONENT_COLUMNS = ["Type", "Part number", "Quantity", "Price", "Amount", "Brand", "Description"]
-ELEMENTS = set("html head meta title style body h1 h2 h3 p section header span dl div dt dd article table thead tbody "
-               "tr th td footer".split())
-ATTRIBUTES = {"lang", "charset", "name", "content", "http-equiv", "class", "data-column"}
+ELEMENTS = set("html head meta title style body h1 h2 h3 p nav a section header span dl div dt dd article details summary "
+               "pre table caption thead tbody tfoot tr th td footer".split())
+ATTRIBUTES = {"lang", "charset", "name", "content", "http-equiv", "class", "data-column", "role", "scope", "aria-label",
+              "id", "href"}
 RAN = "document.title='ran'"
 HOSTILE = [
     f"<script>{RAN}</script>",
@@ -45,14 +47,14 @@ MEASURED = """<!DOCTYPE html>
 <html><body><iframe style="width: %dpx; height: %dpx; border: 0" srcdoc="%s"></iframe><script>
 onload = () => {
   const page = document.querySelector("iframe").contentWindow;
-  const cells = [...page.document.querySelectorAll("td")].filter(cell => cell.textContent);
+  const cells = [...page.document.querySelectorAll("td, tbody th, tfoot th")].filter(cell => cell.textContent);
   const boxes = cells.map(cell => cell.getBoundingClientRect());
   document.documentElement.dataset.measured = JSON.stringify({
     title: page.document.title,
     width: page.document.documentElement.scrollWidth,
     cells: cells.length,
     seen: boxes.filter(box => box.width > 0 && box.height > 0 && box.left >= 0 && box.right <= page.innerWidth).length,
-    headings: page.getComputedStyle(page.document.querySelector("thead")).display != "none",
+    headings: page.document.querySelector("thead").getBoundingClientRect().height > 1,
   });
 };
 </script></body></html>"""
@@ -98,12 +100,12 @@ class Pages(unittest.TestCase):
         for unit, article in zip(units, articles):
             self.assertEqual([f"Base unit {unit.get('SEQUENCE')}: {unit.get('PARTNUMBER')}"], article.texts("h3"))
             lines = [line.text for line in unit.iterfind("EXTENDED_DESCRIPTIONS/DESCRIPTION") if line.text]
-            price = f"{unit.get('QUANTITY')} × {unit.get('PRICE')} = {amount(unit)}"
+            price = f"{unit.get('QUANTITY')} × {Decimal(unit.get('PRICE')):,.2f} = {amount(unit)}"
             self.assertEqual([price] + [dom.plain(line) for line in lines], article.texts("p"))
             self.assertEqual(unit.findtext("ATTRIBUTES_LIST/SUPPLIER"), terms_of(article.children("dl")[0])["brand"])
             components = unit.findall("COMPONENTS/COMPONENT")
             self.assertEqual([row_of(component) for component in components], rows_in(article))
-            self.assertEqual(COMPONENT_COLUMNS if components else [], article.texts("th"))
+            self.assertEqual(COMPONENT_COLUMNS if components else [], headings_of(article))
             total += sum(map(amount_of, [unit, *components]))
         self.assertEqual(f"{total:,.2f}", section.texts("span")[0])
 
@@ -120,7 +122,7 @@ class Pages(unittest.TestCase):
         page = self.opened(self.show(self.quote, later, status=1))
         differences = list(page.every("section"))[0]
         self.assertEqual(["4 differences"], differences.texts("h2"))
-        self.assertEqual(["Where", "What", "Before", "After"], differences.texts("th"))
+        self.assertEqual(["Where", "What", "Before", "After"], headings_of(differences))
         self.assertCountEqual(
             [["changed", "tag RTU-1, base unit 1", "price", "18450.00", "18990.00"],
              ["removed", "tag RTU-1, base unit 1, ACCESSORY ECON-120", "removed", "Economizer, enthalpy control", ""],
@@ -193,7 +195,7 @@ class Pages(unittest.TestCase):
 
     def test_shows_every_cell_without_scrolling_sideways(self):
         page = self.show(self.quote)
-        for size, has_headings in ((DESKTOP, True), (NARROW, False)):
+        for size, has_headings in ((DESKTOP, True), (NARROW, False), (PHONE, False)):
             measured = self.measured(page, size)
             self.assertEqual(size[0], measured["width"])
             self.assertGreater(measured["cells"], 70)
@@ -203,9 +205,10 @@ class Pages(unittest.TestCase):
     def test_is_never_wider_than_its_window_however_long_its_words(self):
         page = self.show(self.hostile_quote())
         self.assertEqual(DESKTOP[0], self.measured(page, DESKTOP)["width"])
-        measured = self.measured(page, NARROW)
-        self.assertEqual(NARROW[0], measured["width"])
-        self.assertEqual(measured["cells"], measured["seen"])
+        for size in (NARROW, PHONE):
+            measured = self.measured(page, size)
+            self.assertEqual(size[0], measured["width"])
+            self.assertEqual(measured["cells"], measured["seen"])
         self.assertEqual(dom.plain("".join(HOSTILE)), measured["title"], "no script ran where scripts may")
 
     def test_is_painted_at_the_size_of_the_window(self):
@@ -248,13 +251,18 @@ def amount(item):
 
 def row_of(component):
     ordered_ahead = component.findtext("ATTRIBUTES_LIST/PREORDERREQ") == "1"
-    return [component.get("TYPE"), component.get("PARTNUMBER"), component.get("QUANTITY"), component.get("PRICE"),
-            amount(component), component.findtext("ATTRIBUTES_LIST/SUPPLIER"),
+    return [component.get("TYPE"), component.get("PARTNUMBER"), component.get("QUANTITY"),
+            f"{Decimal(component.get('PRICE')):,.2f}", amount(component), component.findtext("ATTRIBUTES_LIST/SUPPLIER"),
             dom.plain(component.findtext("DESCRIPTION") + (" (ordered ahead)" if ordered_ahead else ""))]
 
 
 def rows_in(part):
-    return [row.texts("td") for body in part.every("tbody") for row in body.every("tr")]
+    return [[cell.text() for cell in row.every() if cell.name in ("th", "td")]
+            for body in part.every("tbody") for row in body.every("tr")]
+
+
+def headings_of(part):
+    return [heading for head in part.every("thead") for heading in head.texts("th")]
 
 
 def terms_of(list_of_terms):

@@ -9,14 +9,12 @@
 #include <vector>
 
 #include "cli/cases/case_steps.h"
+#include "cli/page/file_text.h"
 #include "cli/page/html_page.h"
 #include "cli/terminal/printable.h"
-#include "formats/text/encoded_text.h"
 #include "formats/text/letter_case.h"
 #include "formats/text/machine_folder_places.h"
 #include "formats/text/text.h"
-#include "formats/text/unicode.h"
-#include "formats/text/windows_1252.h"
 #include "recording/case_layout.h"
 
 namespace parvex::cli {
@@ -108,17 +106,8 @@ std::optional<std::string> TextOf(const KeptFile& file) {
   if (file.bytes.empty() || file.bytes.size() > kLargestText) {
     return std::nullopt;
   }
-  posix::Windows1252 ansi;
-  std::optional<std::string> text = MarkedText(file.bytes);
-  if (!text) {
-    text = IsWellFormed(file.bytes) ? file.bytes : ansi.FromAnsi(file.bytes);
-  }
-  for (const char c : *text) {
-    if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\r' && c != '\n') {
-      return std::nullopt;
-    }
-  }
-  return std::string(FirstUnits(*text, kLongestFileText));
+  const std::optional<std::string> text = TextOfFile(file.bytes);
+  return text ? std::optional(std::string(FirstUnits(*text, kLongestFileText))) : std::nullopt;
 }
 
 std::string TextElement(const std::string& when, const KeptFile* file) {
@@ -131,7 +120,7 @@ std::string TextsOf(const FileStates& states) {
   for (const auto& [step, file] : states.after) {
     texts += TextElement("at step " + step, file);
   }
-  return texts.empty() ? texts : "<details>" + Element("summary", states.place) + "\n" + texts + "</details>\n";
+  return texts.empty() ? texts : Folded(states.place, texts);
 }
 
 std::string AfterText(const FileStates& states) {
@@ -159,7 +148,7 @@ std::string FilesTable(const recording::RecordedCase& read) {
     rows += TableRow("tr" + kind, columns, {states.place, before, AfterText(states)});
     texts += TextsOf(states);
   }
-  return rows.empty() ? "<p>None.</p>\n" : TableElement(columns, rows) + texts;
+  return rows.empty() ? "<p>None.</p>\n" : TableElement("Files", columns, rows) + texts;
 }
 
 }  // namespace parvex::cli

@@ -24,9 +24,7 @@ constexpr std::size_t kLongestSaying = 160;
 
 // Kinds differ by the pattern of their bars and by the word in front, not by colour alone.
 constexpr std::string_view kStyle = R"(
-pre, dd { white-space: pre-wrap; overflow-wrap: anywhere; margin: 0; }
-pre { background: var(--soft); padding: .6rem; border-radius: .3rem; max-height: 40rem; overflow: auto; }
-summary { cursor: pointer; }
+dd { white-space: pre-wrap; overflow-wrap: anywhere; }
 .bad { font-weight: 600; color: #b00; } .bad::before { content: "\2717  "; }
 @media (prefers-color-scheme: dark) { .bad { color: #f77; } }
 .step { border-top: 1px solid var(--soft); padding: .15rem 0; } .step:target { background: var(--soft); }
@@ -42,24 +40,15 @@ summary { cursor: pointer; }
 .process .bar { color: #283; background: repeating-linear-gradient(90deg, currentColor 0 6px, transparent 6px 9px); }
 .messageBox .bar { color: #a60; background: repeating-linear-gradient(0deg, currentColor 0 1px, transparent 1px 3px); }
 .open .bar { border-style: dashed; }
+@media print { .step:not([open]) > summary::after { content: none; } }
 @media (max-width: 45rem) {
   .step summary { grid-template-columns: 3.5rem minmax(0, 1fr) 4.5rem 4.5rem; }
   .step summary > .saying { grid-column: 1 / -1; } .step dl { margin-left: 0; }
 }
 )";
 
-std::string Cut(std::string_view text, std::size_t longest) {
-  const std::string_view shown = FirstUnits(text, longest);
-  const std::size_t more = text.size() - shown.size();
-  return EscapedLines(shown) + (more == 0 ? "" : "\n... and " + Counted(more, "byte") + " more");
-}
-
 std::string Section(const std::string& title, const std::string& content) {
   return "<section>\n" + Element("h2", title) + "\n" + content + "</section>\n";
-}
-
-std::string Folded(const std::string& title, std::string_view text) {
-  return "<details>" + Element("summary", title) + "<pre>" + Cut(text, kLongestDocument) + "</pre></details>\n";
 }
 
 std::string Heading(const recording::RecordedCase& read) {
@@ -87,10 +76,12 @@ std::string FailuresSection(const recording::RecordedCase& read, const std::vect
 }
 
 std::string ExchangeSection(const recording::RecordedCase& read) {
-  const std::string reply = read.reply ? Folded("The reply, " + Counted(read.reply->size(), "byte"), *read.reply)
-                                       : "<p>No document came back.</p>\n";
-  return Section("Asked and answered",
-                 Folded("The command, " + Counted(read.command.size(), "byte"), read.command) + reply);
+  const std::string reply =
+      read.reply ? Folded("The reply, " + Counted(read.reply->size(), "byte"), TextBlock(*read.reply, kLongestDocument))
+                 : "<p>No document came back.</p>\n";
+  return Section("Asked and answered", Folded("The command, " + Counted(read.command.size(), "byte"),
+                                              TextBlock(read.command, kLongestDocument)) +
+                                           reply);
 }
 
 void AppendTerms(std::string& terms, const Json& object, const std::string& before) {
@@ -145,8 +136,8 @@ std::string Details(const CaseStep& step) {
     }
     for (const auto& [key, value] : line->items()) {
       if (key != "n" && key != "at" && key != "us" && !value.is_null()) {
-        terms +=
-            "<div>" + Element("dt", key) + "<dd>" + Cut(TextIn(*line, key.c_str()), kLongestValue) + "</dd></div>\n";
+        terms += "<div>" + Element("dt", key) + "<dd>" + CutLines(TextIn(*line, key.c_str()), kLongestValue) +
+                 "</dd></div>\n";
       }
     }
   }
@@ -196,7 +187,7 @@ std::string MissingSection(const Json& facts) {
       }
     }
   }
-  return rows.empty() ? rows : Section("Missing from the case", TableElement(columns, rows));
+  return rows.empty() ? rows : Section("Missing from the case", TableElement("Missing from the case", columns, rows));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "cli/quote/amounts.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -17,6 +18,16 @@ std::optional<double> ParseNumber(std::string_view text) {
     return std::nullopt;
   }
   return number;
+}
+
+// The digits before the point with a comma between thousands.
+std::string Grouped(std::string_view digits) {
+  std::string text;
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    text += i > 0 && (digits.size() - i) % 3 == 0 ? "," : "";
+    text += digits[i];
+  }
+  return text;
 }
 
 }  // namespace
@@ -40,12 +51,21 @@ std::optional<Hundredths> Multiply(std::string_view price, std::string_view quan
 std::string FormatAmount(Hundredths amount) {
   const std::uint64_t magnitude =
       amount < 0 ? 0 - static_cast<std::uint64_t>(amount) : static_cast<std::uint64_t>(amount);
-  std::string text = std::to_string(magnitude / 100);
-  for (std::size_t group = 3; group < text.size(); group += 4) {
-    text.insert(text.size() - group, 1, ',');
-  }
   const std::string cents = std::to_string(100 + magnitude % 100).substr(1);
-  return (amount < 0 ? "-" : "") + text + "." + cents;
+  return (amount < 0 ? "-" : "") + Grouped(std::to_string(magnitude / 100)) + "." + cents;
+}
+
+std::string FormatPrice(std::string_view price) {
+  if (price.empty() || !ParseNumber(price)) {
+    return std::string(price);
+  }
+  const bool isNegative = price.starts_with('-');
+  const std::string_view digits = price.substr(isNegative);
+  const std::size_t point = std::min(digits.find('.'), digits.size());
+  const std::string_view before = digits.substr(0, point);
+  std::string after(digits.substr(std::min(point + 1, digits.size())));
+  after.resize(std::max<std::size_t>(after.size(), 2), '0');
+  return (isNegative ? "-" : "") + Grouped(before.empty() ? "0" : before) + "." + after;
 }
 
 }  // namespace parvex::cli

@@ -17,4 +17,8 @@ std::optional<Hundredths> Multiply(std::string_view price, std::string_view quan
 /// "1,234.50"
 std::string FormatAmount(Hundredths amount);
 
+/// A price in the same way, with every digit that it has: "1234.5" as "1,234.50", "0.125" as "0.125". An empty text,
+/// and one that is no decimal number, stands as it is.
+std::string FormatPrice(std::string_view price);
+
 }  // namespace parvex::cli

@@ -1,64 +1,34 @@
 #include "cli/quote/quote_page.h"
 
 #include "cli/page/html_page.h"
+#include "cli/quote/folded_data.h"
 #include "cli/quote/quote_text.h"
+#include "cli/quote/tag_section.h"
 #include "cli/terminal/printable.h"
 
 namespace parvex::cli {
 namespace {
 
-const std::vector<Column> kComponentColumns = {{"Type", false},       {"Part number", false}, {"Quantity", true},
-                                               {"Price", true},       {"Amount", true},       {"Brand", false},
-                                               {"Description", false}};
+const std::vector<Column> kTagColumns = {{"Tag", false, true}, {"PDSG", false}, {"Base units", true}, {"Total", true}};
 const std::vector<Column> kDifferenceColumns = {{"Where", false}, {"What", false}, {"Before", false}, {"After", false}};
 
-std::string AmountOrQuestionMark(const std::optional<Hundredths>& amount) {
-  return amount ? FormatAmount(*amount) : "?";
-}
-
-std::string ComponentsTable(const QuoteUnit& unit) {
-  if (unit.components.empty()) {
-    return {};
-  }
+// The tags with their totals, each leading to its section, and the whole total below them.
+std::string ListOfTags(const Quote& quote) {
   std::string rows;
-  for (const QuoteComponent& component : unit.components) {
-    rows += TableRow("tr", kComponentColumns,
-                     {component.type, component.partNumber, component.quantity, component.price,
-                      AmountOrQuestionMark(component.Amount()), component.supplier,
-                      component.description + (component.preOrder == "1" ? " (ordered ahead)" : "")});
+  std::size_t units = 0;
+  for (std::size_t i = 0; i < quote.tags.size(); ++i) {
+    const QuoteTag& tag = quote.tags[i];
+    units += tag.units.size();
+    rows += TableRow("tr", kTagColumns,
+                     {{std::to_string(i + 1) + ". " + tag.markFor, TagId(i)},
+                      tag.pdsg,
+                      std::to_string(tag.units.size()),
+                      TotalText(TotalOf(tag))});
   }
-  return TableElement(kComponentColumns, rows);
-}
-
-std::string UnitArticle(const QuoteUnit& unit) {
-  std::string html =
-      "<article>\n" + Element("h3", "Base unit " + unit.sequence + ": " + unit.partNumber) + "\n" +
-      Element("p", unit.quantity + " \u00D7 " + unit.price + " = " + AmountOrQuestionMark(unit.Amount())) + "\n";
-  for (const std::string& line : unit.descriptions) {
-    html += Element("p", line) + "\n";
-  }
-  html += "<dl>\n";
-  for (const QuoteAttribute& attribute : unit.attributes) {
-    html += Term(attribute.name, attribute.value);
-  }
-  html += Term("ETO description", unit.etoDescription);
-  if (!unit.orderConfiguration.empty()) {
-    html += Term("order configuration", Counted(unit.orderConfiguration.size(), "character"));
-  }
-  return html + "</dl>\n" + ComponentsTable(unit) + "</article>\n";
-}
-
-std::string TagSection(std::size_t number, const QuoteTag& tag) {
-  const std::size_t stored = StoredBytes(tag);
-  std::string html = "<section>\n<header>" + Element("h2", std::to_string(number) + ". " + tag.markFor) +
-                     Element("span class=\"total\"", TotalText(TotalOf(tag))) + "</header>\n<dl>\n" +
-                     Term("PDSG", tag.pdsg) + Term("tag id", tag.legacyTagId) +
-                     Term("build version", tag.buildVersion) +
-                     Term("stored data", stored == 0 ? "none" : Counted(stored, "byte")) + "</dl>\n";
-  for (const QuoteUnit& unit : tag.units) {
-    html += UnitArticle(unit);
-  }
-  return html + "</section>\n";
+  const std::string together = TableRow(
+      "tr", kTagColumns, {std::string("together"), std::string(), std::to_string(units), TotalText(TotalOf(quote))});
+  return rows.empty() ? rows
+                      : "<nav aria-label=\"Tags\">" + TableElement("Tags", kTagColumns, rows, together) + "</nav>\n";
 }
 
 std::string DifferencesSection(const std::vector<Difference>& differences) {
@@ -75,7 +45,7 @@ std::string DifferencesSection(const std::vector<Difference>& differences) {
         {difference.where.empty() ? "quote" : difference.where, difference.what.empty() ? kind : difference.what,
          difference.before.value_or(""), difference.after.value_or("")});
   }
-  return html + "\n" + TableElement(kDifferenceColumns, rows) + "</section>\n";
+  return html + "\n" + TableElement("Differences", kDifferenceColumns, rows) + "</section>\n";
 }
 
 std::string Page(const Quote& quote, const std::string& above, const std::string& origin) {
@@ -83,9 +53,10 @@ std::string Page(const Quote& quote, const std::string& above, const std::string
   std::string body =
       Element("h1", title) + "\n" +
       Element("p class=\"sum\"", Counted(quote.tags.size(), "tag") + ", together " + TotalText(TotalOf(quote))) + "\n" +
-      above;
+      ListOfTags(quote) + above;
+  FoldedData folded;
   for (std::size_t i = 0; i < quote.tags.size(); ++i) {
-    body += TagSection(i + 1, quote.tags[i]);
+    body += TagSection(i + 1, quote.tags[i], {TagId(i), "", "", {}}, folded);
   }
   return PageOf(title, "", body, origin);
 }

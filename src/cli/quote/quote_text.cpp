@@ -59,7 +59,7 @@ std::string ComponentTable(const QuoteUnit& unit) {
   Table table({false, false, true, true, true, false, false});
   for (const QuoteComponent& component : unit.components) {
     table.Add({Printable(component.type), Printable(component.partNumber), Printable(component.quantity) + " x",
-               Printable(component.price), AmountText(component.Amount()), Printable(component.supplier),
+               Printable(FormatPrice(component.price)), AmountText(component.Amount()), Printable(component.supplier),
                Printable(component.description) + (component.preOrder == "1" ? " (ordered ahead)" : "")});
   }
   return table.Text("       ");
@@ -76,8 +76,8 @@ std::string AttributesLine(const QuoteUnit& unit) {
 std::string UnitAsText(const QuoteUnit& unit, bool takesColours) {
   std::string text = "   Base unit " + Printable(unit.sequence) + "  " +
                      Coloured(Printable(unit.partNumber), Colour::Bold, takesColours) + "  " +
-                     Printable(unit.quantity) + " x " + Printable(unit.price) + " = " + AmountText(unit.Amount()) +
-                     "\n";
+                     Printable(unit.quantity) + " x " + Printable(FormatPrice(unit.price)) + " = " +
+                     AmountText(unit.Amount()) + "\n";
   std::vector<std::string> lines = unit.descriptions;
   lines.push_back(AttributesLine(unit));
   if (!unit.etoDescription.empty()) {

@@ -45,9 +45,9 @@ TEST(CasePage, ShowsFilesBeforeAndAfter) {
                 {"after/9/drive_c/new.ini", "<new>", false}};
   const std::string page = CasePage(read, "a.pvxcase");
   const auto row = [](const char* kind, const char* file, const char* before, const char* after) {
-    return "<tr" + std::string(kind) + "><td data-column=\"File\">" + file +
-           "</td><td class=\"n\" data-column=\"Before\">" + before + "</td><td data-column=\"After\">" + after +
-           "</td></tr>";
+    return "<tr" + std::string(kind) + " role=\"row\"><td role=\"cell\" data-column=\"File\">" + file +
+           "</td><td role=\"cell\" class=\"n\" data-column=\"Before\">" + before +
+           "</td><td role=\"cell\" data-column=\"After\">" + after + "</td></tr>";
   };
   EXPECT_THAT(page, AllOf(HasSubstr(row(" class=\"changed\"", "drive_c/kept.ini", "10 bytes", "5 bytes at step 3")),
                           HasSubstr(row(" class=\"removed\"", "drive_c/gone.ini", "1 byte", "removed")),

@@ -94,5 +94,29 @@ TEST(Amounts, AreWrittenWithTwoDecimalsAndGroupsOfThree) {
   }
 }
 
+TEST(Amounts, OfOneThingAreWrittenInTheSameWayAndLoseNoDigit) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"18450.00", "18,450.00"},
+      {"8450", "8,450.00"},
+      {"100", "100.00"},
+      {"1234567.5", "1,234,567.50"},
+      {"0.125", "0.125"},
+      {"-1000", "-1,000.00"},
+      {".5", "0.50"},
+      {"5.", "5.00"},
+      {"1234.56789", "1,234.56789"},
+      {"", ""},
+      {"call us", "call us"},
+      {"1e3", "1e3"},
+      {"1,000", "1,000"},
+      {"-", "-"},
+      {".", "."},
+      {"nan", "nan"},
+  };
+  for (const auto& [price, written] : cases) {
+    EXPECT_EQ(FormatPrice(price), written);
+  }
+}
+
 }  // namespace
 }  // namespace parvex::cli

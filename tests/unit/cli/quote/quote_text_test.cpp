@@ -21,12 +21,12 @@ TEST(QuoteText, ShowsTagsUnitsAndComponentsWithWhatTheyComeTo) {
             "\n"
             "1. AHU-1  8,570.50\n"
             "   PDSG RTU47, tag id 1101, build version 4.7, stored data 3 bytes\n"
-            "   Base unit 1  RTUA120  1 x 8450.00 = 8,450.00\n"
+            "   Base unit 1  RTUA120  1 x 8,450.00 = 8,450.00\n"
             "     double-wall\n"
             "     brand KV, tons 10\n"
             "     order configuration: 10 characters\n"
-            "       ACCESSORY  CURB-1  2 x  10.25   20.50  KV  roof curb\n"
-            "       WARRANTY   W5      1 x    100  100.00      five years (ordered ahead)\n"
+            "       ACCESSORY  CURB-1  2 x   10.25   20.50  KV  roof curb\n"
+            "       WARRANTY   W5      1 x  100.00  100.00      five years (ordered ahead)\n"
             "\n"
             "2. AHU-2  0.00\n"
             "   PDSG WSH47, tag id 1102, build version unknown, stored data none\n");
@@ -42,7 +42,7 @@ TEST(QuoteText, CountsPricesThatAreNoNumbers) {
   EXPECT_THAT(QuoteAsText(quote, false), HasSubstr("2 x  call us       ?  KV  roof curb\n"));
   quote.tags[0].units[0].quantity = "one";
   EXPECT_THAT(QuoteAsText(quote, false), HasSubstr("1. AHU-1  100.00 without 2 lines whose price is no number\n"));
-  EXPECT_THAT(QuoteAsText(quote, false), HasSubstr("one x 8450.00 = ?\n"));
+  EXPECT_THAT(QuoteAsText(quote, false), HasSubstr("one x 8,450.00 = ?\n"));
 }
 
 TEST(QuoteText, AlignsColumnsByCharactersAndNotByBytes) {

@@ -70,6 +70,30 @@ void AppendTag(const xml::Document& document, const SelectedTag& tag, bool isLas
   AppendBaseUnits(tag, element.baseUnits, baseUnits, blanketRoom);
 }
 
+/// Tells of the tags as they are read.
+class ToldTags {
+ public:
+  ToldTags(Progress* progress, std::size_t count) : progress_(progress), count_(count) {}
+  ~ToldTags() {
+    if (number_ > 0) {
+      progress_->HasReadTags();
+    }
+  }
+  ToldTags(const ToldTags&) = delete;
+  ToldTags& operator=(const ToldTags&) = delete;
+
+  void Next(const std::string& name) {
+    if (progress_ != nullptr) {
+      progress_->ReadsTag(++number_, count_, name);
+    }
+  }
+
+ private:
+  Progress* progress_;
+  const std::size_t count_;
+  std::size_t number_ = 0;
+};
+
 }  // namespace
 
 xml::Document GetHybrisXML(LegacyLink& link, const xml::Document&) {
@@ -110,7 +134,9 @@ xml::Document BuildHybrisTagDocument(const Platform& platform, std::string_view 
   const xml::Document document = CreateHybrisDocument(projectName);
   const std::vector<SelectedTag> tags = ReadSelectedTags(platform, qbOutputFile);
   BlanketRoom blanketRoom;
+  ToldTags told(platform.progress, tags.size());
   for (const SelectedTag& tag : tags) {
+    told.Next(tag.markFor);
     AppendTag(document, tag, &tag == &tags.back(), blanketRoom);
   }
   return document;

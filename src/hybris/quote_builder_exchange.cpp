@@ -30,8 +30,8 @@ QuoteBuilderRun RunWorkflow(const Platform& platform, const std::string& binPath
   // A program folder that ends with a backslash gives a doubled one; the command line has always looked so.
   // The line is not quoted, so a program folder with a blank could mean another program.
   const std::string program = binPath + "\\kdwfm470.exe";
-  const std::int32_t exitCode =
-      RunAndWait(platform, program + " " + std::string(option), kNormalWindowWithFocus, program);
+  const std::int32_t exitCode = RunAndWait(platform, program + " " + std::string(option), kNormalWindowWithFocus,
+                                           program, "the quote builder is running");
   return ReadOutcome(platform, binPath, actionWhenMissing, exitCode);
 }
 

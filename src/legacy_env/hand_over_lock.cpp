@@ -4,6 +4,7 @@
 #include <string>
 
 #include "legacy_env/thread_state.h"
+#include "legacy_env/told_wait.h"
 #include "seams/automation_error.h"
 
 namespace parvex {
@@ -26,6 +27,7 @@ std::string NameOf(const MachineLocks::Holder& holder) {
 }
 
 std::unique_ptr<MachineLocks::Lock> Take(const Platform& platform, const std::string& folder, bool waitsForUser) {
+  ToldWait wait(platform.progress);
   for (int polls = 0;; ++polls) {
     MachineLocks::Holder holder;
     if (auto lock = platform.locks->TryTake(folder, waitsForUser, holder)) {
@@ -37,6 +39,7 @@ std::unique_ptr<MachineLocks::Lock> Take(const Platform& platform, const std::st
     if (polls == kMostPolls) {
       throw Refusal(folder, NameOf(holder) + " holds them, and has not let go for 30 s");
     }
+    wait.GoesOn(NameOf(holder) + " is using the hand-over files");
     platform.messagePump->RunPending();
     platform.messagePump->Sleep(kLockPollInterval);
   }

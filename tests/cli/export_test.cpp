@@ -1,5 +1,12 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <sstream>
+#include <thread>
 
 #include "seams/xml.h"
 #include "tests/cli/program.h"
@@ -8,6 +15,7 @@
 namespace parvex::test {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
@@ -159,11 +167,63 @@ TEST_F(Export, IsJournalledWhenAsked) {
   EXPECT_THAT(Journalled("process")[0]["command"].get<std::string>(), HasSubstr("/OrlaImportNoUI"));
 }
 
+// The lines of progress in what a terminal got, in their order.
+std::vector<std::string> ToldIn(const std::string& shown) {
+  std::vector<std::string> told;
+  std::stringstream pieces(shown);
+  for (std::string piece; std::getline(pieces, piece, '\r');) {
+    if (piece.find_first_not_of(" \n") != std::string::npos) {
+      told.push_back(piece);
+    }
+  }
+  return told;
+}
+
+// The lock of the hand-over files is another process's for this long.
+class HeldHandOver {
+ public:
+  HeldHandOver(const std::filesystem::path& temp, std::chrono::milliseconds duration)
+      : path_(temp / "~parvex-lock.tmp"), file_(open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+    EXPECT_EQ(flock(file_, LOCK_EX), 0);
+    release_ = std::thread([this, duration] {
+      std::this_thread::sleep_for(duration);
+      std::filesystem::remove(path_);
+      close(file_);
+    });
+  }
+  ~HeldHandOver() { release_.join(); }
+
+ private:
+  const std::filesystem::path path_;
+  const int file_;
+  std::thread release_;
+};
+
+TEST_F(Export, CountsTheTagsOfTheRunOnceAndInOrder) {
+  std::vector<std::string> told = ToldIn(Run({"--project", kClinic, "-o", Output()}, {.onTerminal = true}).err);
+  std::erase_if(told, [](const std::string& line) { return line.find("tag") == std::string::npos; });
+  ASSERT_EQ(told.size(), 6u);
+  const std::vector<std::string> marks = MarksIn(ReadHostFile(Output()));
+  ASSERT_EQ(marks.size(), 6u);
+  for (std::size_t i = 0; i < told.size(); ++i) {
+    EXPECT_EQ(told[i], "Reading tag " + std::to_string(i + 1) + " of 6: " + marks[i]);
+  }
+}
+
+TEST_F(Export, TellsHowLongAnotherRunIsWaitedFor) {
+  const HeldHandOver held(std::filesystem::path(Sample()) / "drive_c/Korvane/TQ5-VX/Temp",
+                          std::chrono::milliseconds(1500));
+  const Outcome outcome = Run({"--project", kClinic, "-o", Output()}, {.onTerminal = true});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_THAT(outcome.err, HasSubstr("\rAnother process is using the hand-over files"));
+  EXPECT_THAT(outcome.err, HasSubstr("\rAnother process is using the hand-over files, 1 s"));
+  EXPECT_THAT(ToldIn(outcome.err), Contains("The quote builder is running")) << "whose seconds are its own";
+}
+
 TEST_F(Export, TellsAWaitingUserWhatGoesOnAndLeavesNothingOfIt) {
   const Outcome outcome = Run({"--project", kClinic, "-o", Output()}, {.onTerminal = true});
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.err, HasSubstr("\rThe quote builder runs"));
-  EXPECT_THAT(outcome.err, HasSubstr("\rReading tag 6"));
+  EXPECT_THAT(outcome.err, HasSubstr("\rThe quote builder is running"));
   EXPECT_THAT(outcome.err, Not(HasSubstr("\x1b"))) << "no escape sequences";
   const std::size_t end = outcome.err.rfind('\r');
   EXPECT_EQ(outcome.err.size() - 1, end);
@@ -195,6 +255,12 @@ class ExportOfAnotherWorkflow : public Export {
 
   static constexpr const char* kBefore = "the quote of yesterday";
 };
+
+TEST_F(ExportOfAnotherWorkflow, TellsHowLongTheQuoteBuilderRuns) {
+  Workflow("sleep 1.3\n" + Leave("[Header]\\r\\nAction=ok\\r\\n"));
+  const Outcome outcome = Run({"--project", kClinic, "-o", Output(), "--lenient"}, {.onTerminal = true});
+  EXPECT_THAT(outcome.err, HasSubstr("\rThe quote builder is running, 1 s"));
+}
 
 constexpr const char* kOneTag =
     "[Header]\\r\\nAction=ok\\r\\n[PartNumber1]\\r\\nPartNumber=A\\r\\nPDSG=RTU47\\r\\nMarkFor=RTU-1\\r\\n";

@@ -7,7 +7,6 @@
 #include "cli/session/kept_findings.h"
 #include "cli/session/replies.h"
 #include "cli/terminal/output_file.h"
-#include "cli/terminal/progress.h"
 #include "cli/terminal/standard_streams.h"
 #include "interface/legacy_orla_pull.h"
 #include "seams/xml.h"
@@ -66,10 +65,8 @@ struct Answer {
   std::vector<std::string> findings;
 };
 
-Answer SendWatched(Session& session, const std::string& command) {
-  ProgressLine line;
-  WatchedExport watched(session.Platform(), line);
-  Platform machine = watched.Platform();
+Answer Send(Session& session, const std::string& command) {
+  Platform machine = session.Platform();
   KeptFindings findings(machine.notes);
   machine.notes = &findings;
   LegacyORLAPull pull(machine, session.Recorder());
@@ -84,7 +81,7 @@ ExitStatus Export(const SessionOptions& sessionOptions, const ExportOptions& opt
   const std::string command = MakeCommand(options);
   OutputFile output(options.output);
   Session session(sessionOptions);
-  const Answer answer = SendWatched(session, command);
+  const Answer answer = Send(session, command);
   session.Close();
   if (const std::optional<std::string> failure = FailureIn(answer.reply)) {
     TellError("the export of \"" + options.project + "\" failed: " + *failure);

@@ -47,6 +47,7 @@ parvex::Platform Session::Unjournalled() {
   if (replay_) {
     machine.messageRouters = &*replay_;
   }
+  machine.progress = progress_.IsShown() ? &progress_ : nullptr;
   return machine;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "cli/host/host.h"
+#include "cli/terminal/progress.h"
 #include "journal/journalled_platform.h"
 #include "journal/replay_routers.h"
 #include "recording/recorder.h"
@@ -21,7 +22,8 @@ struct SessionOptions {
   std::string replay;   ///< the journal to answer router requests from; empty for none
 };
 
-/// The machine that the user named, with the journal and the replay that he asked for.
+/// The machine that the user named, with the journal and the replay that he asked for. On a terminal it tells him what
+/// goes on while he waits.
 class Session {
  public:
   /// A UsageError for a machine, a journal or a replay that is no use. An earlier journal is replaced only when all the
@@ -48,6 +50,7 @@ class Session {
 
   std::string journalName_;
   std::string replayName_;
+  ShownProgress progress_;
   std::optional<journal::ReplayRouters> replay_;
   std::optional<Host> host_;
   std::unique_ptr<HostSystem> system_;

@@ -1,44 +1,39 @@
 #pragma once
 
-#include <memory>
+#include <chrono>
+#include <cstddef>
+#include <optional>
 #include <string>
+#include <string_view>
 
-#include "seams/platform.h"
+#include "seams/progress.h"
 
 namespace parvex::cli {
 
-/// One line on standard error that tells a waiting user what goes on; nothing at all where standard error is no
-/// terminal. It is gone when the object is.
-class ProgressLine {
+/// Progress as one line on standard error, which is gone when there is nothing more to tell: what is waited for, with
+/// the seconds since the wait began, and which tag of how many is read. Nothing at all where standard error is no
+/// terminal.
+class ShownProgress : public Progress {
  public:
-  ProgressLine();
-  ~ProgressLine();
-  ProgressLine(const ProgressLine&) = delete;
-  ProgressLine& operator=(const ProgressLine&) = delete;
+  ShownProgress();
+  ~ShownProgress() override;
+  ShownProgress(const ShownProgress&) = delete;
+  ShownProgress& operator=(const ShownProgress&) = delete;
 
   bool IsShown() const { return isShown_; }
-  void Show(const std::string& text);
-  void Clear() { Show({}); }
+
+  void Waits(std::string_view what) override;
+  void HasWaited() override;
+  void ReadsTag(std::size_t number, std::size_t count, std::string_view name) override;
+  void HasReadTags() override;
 
  private:
+  using Clock = std::chrono::steady_clock;
+  void Show(const std::string& text);
+
   const bool isShown_;
   std::string text_;
-};
-
-/// A machine on which an export is watched: the program that is waited for with the seconds that it takes, then the
-/// tags that are read, appear on the line. Nothing else about the machine changes. `outside` and the line outlive this.
-class WatchedExport {
- public:
-  WatchedExport(const parvex::Platform& outside, ProgressLine& line);
-  ~WatchedExport();
-  WatchedExport(const WatchedExport&) = delete;
-  WatchedExport& operator=(const WatchedExport&) = delete;
-
-  parvex::Platform Platform();
-
- private:
-  struct Parts;
-  std::unique_ptr<Parts> parts_;
+  std::optional<Clock::time_point> waitBegan_;
 };
 
 }  // namespace parvex::cli

@@ -8,6 +8,7 @@
 #include "legacy_env/thread_state.h"
 #include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/recorded_progress.h"
 
 namespace parvex::test {
 namespace {
@@ -62,6 +63,27 @@ TEST_F(HandOver, AfterHalfAMinuteTheProcessThatHoldsThemIsNamed) {
   EXPECT_EQ(refused->Description(),
             "cannot use the hand-over files in \"C:\\Korvane\\TQ5-VX\\Temp\": process 4711 "
             "(C:\\Host\\front.exe) holds them, and has not let go for 30 s");
+}
+
+TEST_F(HandOver, TheMachinesProgressIsToldWhoIsWaitedForAndWhenItIsOver) {
+  RecordedProgress progress;
+  machine.platform.progress = &progress;
+  locks.refusals = 1;
+  EXPECT_FALSE(Refused());
+  const std::string waits = "waits: process 4711 (C:\\Host\\front.exe) is using the hand-over files";
+  EXPECT_THAT(progress.told, testing::ElementsAre(waits, "has waited"));
+  progress.told.clear();
+  locks.refusals = 301;
+  EXPECT_TRUE(Refused());
+  EXPECT_EQ(progress.told.size(), 301u);
+  EXPECT_EQ(progress.told.back(), "has waited");
+}
+
+TEST_F(HandOver, WhoNeedNotWaitTellsNoProgress) {
+  RecordedProgress progress;
+  machine.platform.progress = &progress;
+  EXPECT_FALSE(Refused());
+  EXPECT_THAT(progress.told, testing::IsEmpty());
 }
 
 TEST_F(HandOver, ARunWithWindowsIsNotWaitedFor) {

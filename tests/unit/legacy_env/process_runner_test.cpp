@@ -6,6 +6,7 @@
 
 #include "seams/automation_error.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/recorded_progress.h"
 
 namespace parvex {
 namespace {
@@ -85,6 +86,22 @@ TEST_F(RunAndWaitTest, ReadsThenPumpsThenSleepsAndClosesAtTheEnd) {
   recorded.messagePump = &recorder;
   RunAndWait(recorded, "program");
   EXPECT_EQ(recorder.steps, "start read pump sleep100 read pump sleep100 close");
+}
+
+TEST_F(RunAndWaitTest, TellsTheMachinesProgressOfEachPollAndOfTheEnd) {
+  test::RecordedProgress progress;
+  machine_.platform.progress = &progress;
+  machine_.processes.polls = 1;
+  RunAndWait(machine_.platform, "program", std::nullopt, {}, "it is running");
+  EXPECT_EQ(progress.told, (std::vector<std::string>{"waits: it is running", "waits: it is running", "has waited"}));
+}
+
+TEST_F(RunAndWaitTest, TellsNoProgressOfAProgramThatDoesNotStart) {
+  test::RecordedProgress progress;
+  machine_.platform.progress = &progress;
+  machine_.processes.startError = 53;
+  RunAndWait(machine_.platform, "program", std::nullopt, {}, "it is running");
+  EXPECT_EQ(progress.told, std::vector<std::string>{});
 }
 
 TEST_F(RunAndWaitTest, GivesTheErrorNumberPlusTheObjectErrorBaseWhenStartingFails) {

@@ -55,7 +55,15 @@ constexpr FailureReference kTemporaryFolder = {FailureKind::CallEnds, "a tempora
                                                "", 75};
 constexpr FailureReference kNoTemporaryFolder = {FailureKind::CallEnds, "a temporary folder does not exist", "", 76};
 constexpr FailureReference kTooMany = {FailureKind::CallEnds,
-                                       "more than 32767 tags, units of a tag or components of a unit", "", 6};
+                                       "more than 32767 tags, units of a tag or components of a unit; blanket items "
+                                       "of all units that take more than 128 MB",
+                                       "", 6};
+constexpr FailureReference kDamagedStoredData = {
+    FailureKind::CallEnds,
+    "a tag's stored data is an archive that is damaged, too large to be unpacked, or has an entry that would replace "
+    "files of the hand-over, of the selection or of the application; nothing of it is written",
+    "", 5};
+constexpr FailureReference kDiskFull = {FailureKind::CallEnds, "the disk is full", "", 61};
 constexpr FailureReference kHandOverHeld = {FailureKind::CallEnds,
                                             "another run of this machine holds the hand-over files", "", 70};
 
@@ -65,6 +73,8 @@ constexpr FailureReference kExportFailures[] = {
     kTemporaryFolder,
     kNoTemporaryFolder,
     kTooMany,
+    kDamagedStoredData,
+    kDiskFull,
     kHandOverHeld,
     {FailureKind::IncompleteReply, "the quote builder was not started, or left the output of an earlier run",
      "it has the units of an earlier selection; parvex export refuses such a document"},
@@ -77,6 +87,8 @@ constexpr FailureReference kExportNoUiFailures[] = {
     kTemporaryFolder,
     kNoTemporaryFolder,
     kTooMany,
+    kDamagedStoredData,
+    kDiskFull,
     kHandOverHeld,
     {FailureKind::IncompleteReply, "the quote builder was not started, or left no output",
      "it has no tag; parvex export refuses such a document"},
@@ -118,7 +130,7 @@ constexpr FailureReference kReturnFailures[] = {
      "Tag document BLOB is missing"},
     {FailureKind::CallEnds, "there is no folder Temp", "", 76},
     {FailureKind::CallEnds, "a file of an earlier call is read-only", "", 75},
-    {FailureKind::CallEnds, "the disk is full", "", 61},
+    kDiskFull,
     kHandOverHeld,
 };
 

@@ -107,7 +107,7 @@ StandinSettings ParseStandinSettings(std::string_view json, std::string_view fil
 }
 
 StandinSettings ReadStandinSettings(const std::filesystem::path& machineFolder) {
-  const std::filesystem::path path = machineFolder / "standin.json";
+  const std::filesystem::path path = machineFolder / kSettingsFile;
   if (!std::filesystem::exists(path)) {
     return {};
   }

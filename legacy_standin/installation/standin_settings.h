@@ -39,6 +39,9 @@ struct StandinSettings {
 /// AutomationErrors (5) that name `fileName`, the key and the value.
 StandinSettings ParseStandinSettings(std::string_view json, std::string_view fileName);
 
+/// The file of a machine folder that has them.
+inline constexpr const char* kSettingsFile = "standin.json";
+
 /// The settings of a machine folder: those of its standin.json, or the defaults when it has none.
 StandinSettings ReadStandinSettings(const std::filesystem::path& machineFolder);
 

@@ -253,6 +253,11 @@ void ClaimFolder(const fs::path& folder) {
 
 }  // namespace
 
+bool IsSampleMachine(const fs::path& folder) {
+  std::error_code none;
+  return fs::exists(folder / kMarker, none);
+}
+
 void CreateSampleMachine(const fs::path& folder, const fs::path& workflowProgram) {
   if (!fs::is_regular_file(workflowProgram)) {
     throw MakeRuntimeError(RuntimeError::FileNotFound, "no workflow program " + workflowProgram.string());

@@ -13,6 +13,9 @@ namespace parvex::standin {
 /// refused (53) before anything is touched.
 void CreateSampleMachine(const std::filesystem::path& folder, const std::filesystem::path& workflowProgram);
 
+/// Whether a folder is a machine that this function made.
+bool IsSampleMachine(const std::filesystem::path& folder);
+
 /// The project of the sample machine.
 inline constexpr const char* kSampleProject = "Riverside Clinic";
 

@@ -4,6 +4,7 @@
 #include "legacy_env/file_routines.h"
 #include "legacy_env/ini_target.h"
 #include "legacy_env/install_paths.h"
+#include "legacy_env/installed_files.h"
 #include "legacy_env/process_runner.h"
 #include "protocol/required_node.h"
 #include "seams/automation_error.h"
@@ -29,7 +30,7 @@ QuoteBuilderRun RunWorkflow(const Platform& platform, const std::string& binPath
                             std::string_view actionWhenMissing) {
   // A program folder that ends with a backslash gives a doubled one; the command line has always looked so.
   // The line is not quoted, so a program folder with a blank could mean another program.
-  const std::string program = binPath + "\\kdwfm470.exe";
+  const std::string program = binPath + "\\" + std::string(kWorkflowProgram);
   const std::int32_t exitCode = RunAndWait(platform, program + " " + std::string(option), kNormalWindowWithFocus,
                                            program, "the quote builder is running");
   return ReadOutcome(platform, binPath, actionWhenMissing, exitCode);
@@ -44,7 +45,7 @@ std::string FolderOfOutput(std::string_view binPath) {
     return {};
   }
   const std::string_view folder = binPath.substr(0, last);
-  return std::string(folder.substr(0, folder.rfind('\\') + 1)) + "Temp";
+  return std::string(folder.substr(0, folder.rfind('\\') + 1)).append(kTemporaryFolder);
 }
 
 QuoteBuilderRun RunQuoteBuilder(const Platform& platform, const std::string& binPath) {

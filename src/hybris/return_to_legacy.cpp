@@ -62,7 +62,7 @@ void ShowComponents(const Platform& platform, const xml::Document& command) {
 /// deletes both files first and makes them anew; here each is replaced, so that whoever looks meanwhile, or after this
 /// program was killed, finds an instruction that names what is there: the data before the instruction.
 void WriteHandOver(const Platform& platform, const std::string& storedData) {
-  const std::string folder = GetDataRoot(platform) + "\\Temp";
+  const std::string folder = GetHandOverFolder(platform);
   const HandOverLock alone(platform, folder, HandOverLock::Run::Alone);
   const std::string selectionFile = folder + "\\QPblob.tmp";
   platform.files->Replace(selectionFile, DecodeBase64(storedData));

@@ -8,6 +8,7 @@
 #include "hybris/stored_tag_text.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/install_paths.h"
+#include "legacy_env/installed_files.h"
 #include "legacy_env/thread_state.h"
 #include "protocol/required_node.h"
 #include "seams/automation_error.h"
@@ -27,7 +28,7 @@ void ReadProduct(const xml::Document& stored, TagStoredData& data) {
 }
 
 std::unique_ptr<Database> OpenProjectDatabase(const Platform& platform, const std::string& projectName) {
-  const std::string path = GetDataRoot(platform) + "\\Projects\\" + projectName + "\\project.mdb";
+  const std::string path = GetProjectsFolder(platform) + "\\" + projectName + "\\" + std::string(kProjectDatabase);
   if (!FileExists(platform, path)) {
     return nullptr;
   }
@@ -65,9 +66,8 @@ void LookUpTagIds(const Platform& platform, const xml::Document& document, std::
       continue;
     }
     const std::string markFor = Required(attributes.Child("MARKFOR"), "MARKFOR", "a TAG").Text();
-    const std::unique_ptr<RecordSet> rows = database->OpenRecordSet(TagIndexStatement(pdsg, markFor));
-    if (!rows->AtEnd()) {
-      legacyTagId = rows->Column("lTagId").value_or("");
+    if (const std::optional<std::string> found = FindTagId(*database, pdsg, markFor)) {
+      legacyTagId = *found;
       Required(attributes.Child("LEGACY_TAGID"), "LEGACY_TAGID", "a TAG").SetText(legacyTagId);
     }
   }
@@ -115,6 +115,11 @@ void AppendBlob(const SelectedTag& tag, const xml::Node& blobElement, std::strin
 }
 
 }  // namespace
+
+std::optional<std::string> FindTagId(Database& database, std::string_view pdsg, std::string_view markFor) {
+  const std::unique_ptr<RecordSet> rows = database.OpenRecordSet(TagIndexStatement(pdsg, markFor));
+  return rows->AtEnd() ? std::nullopt : std::optional(rows->Column("lTagId").value_or(""));
+}
 
 TagStoredData ReadTagStoredData(const SelectedTag& tag, const TagElement& element, bool isLastTag) {
   const StoredTagText read = ReadStoredTagText(tag.Machine(), tag.blobFileName, tag.namedBlobs.get());

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "hybris/hybris_document.h"
 #include "hybris/selected_tag.h"
+#include "seams/project_database.h"
 
 namespace parvex {
 
@@ -31,5 +34,9 @@ struct TagStoredData {
 /// `element` is the element of this tag, the last one of its document, with its texts PDSG and MARKFOR set. Encoding a
 /// blob consumes a file under "\Temp", so it comes last.
 TagStoredData ReadTagStoredData(const SelectedTag& tag, const TagElement& element, bool isLastTag);
+
+/// The id that a project's TagIndex has for a tag: of the first row found, an empty text for a null; nothing where
+/// there is no row.
+std::optional<std::string> FindTagId(Database& database, std::string_view pdsg, std::string_view markFor);
 
 }  // namespace parvex

@@ -18,14 +18,6 @@ AutomationError Refusal(const std::string& folder, const std::string& why) {
                           FailureText("cannot use the hand-over files in", folder, why));
 }
 
-std::string NameOf(const MachineLocks::Holder& holder) {
-  if (holder.processId == 0) {
-    return "another process";
-  }
-  const std::string number = "process " + std::to_string(holder.processId);
-  return holder.program.empty() ? number : number + " (" + holder.program + ")";
-}
-
 std::unique_ptr<MachineLocks::Lock> Take(const Platform& platform, const std::string& folder, bool waitsForUser) {
   ToldWait wait(platform.progress);
   for (int polls = 0;; ++polls) {
@@ -46,6 +38,14 @@ std::unique_ptr<MachineLocks::Lock> Take(const Platform& platform, const std::st
 }
 
 }  // namespace
+
+std::string NameOf(const MachineLocks::Holder& holder) {
+  if (holder.processId == 0) {
+    return "another process";
+  }
+  const std::string number = "process " + std::to_string(holder.processId);
+  return holder.program.empty() ? number : number + " (" + holder.program + ")";
+}
 
 HandOverLock::HandOverLock(const Platform& platform, const std::string& folder, Run run) {
   if (ThisThread().holdsHandOver) {

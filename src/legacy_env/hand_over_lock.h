@@ -26,4 +26,7 @@ class HandOverLock {
   std::unique_ptr<MachineLocks::Lock> lock_;
 };
 
+/// How a holder is told of: "process 12 (C:\Host\host.exe)", or "another process" when he did not tell.
+std::string NameOf(const MachineLocks::Holder& holder);
+
 }  // namespace parvex

@@ -1,6 +1,7 @@
 #include "legacy_env/install_paths.h"
 
 #include "formats/text/text.h"
+#include "legacy_env/installed_files.h"
 #include "legacy_env/registry_value.h"
 #include "legacy_env/thread_state.h"
 #include "seams/automation_error.h"
@@ -11,7 +12,6 @@ namespace {
 // The two spellings of the key and of the value name are deliberate: to the registry they are the same value, but each
 // goes with its own answer for a failed read.
 constexpr std::string_view kKey = "SOFTWARE\\Korvane\\KDQ47\\";
-constexpr std::string_view kKeyOfDesignRoot = "SOFTWARE\\Korvane\\KDQ47";
 constexpr std::string_view kUnreadable = "error";
 constexpr std::string_view kDesignFolder = "TQ5-VX";
 
@@ -26,6 +26,10 @@ std::string_view CutAtLastBackslash(std::string_view path, std::string_view binP
                            "BinPath \"" + std::string(binPath) + "\" has fewer than two folders above it");
   }
   return path.substr(0, cut);
+}
+
+std::string FolderOfDataRoot(const Platform& platform, std::string_view name) {
+  return GetDataRoot(platform).append("\\").append(name);
 }
 
 }  // namespace
@@ -49,13 +53,17 @@ std::string GetDataRoot(const Platform& platform) {
   return kept;
 }
 
+std::string GetHandOverFolder(const Platform& platform) { return FolderOfDataRoot(platform, kTemporaryFolder); }
+std::string GetProjectsFolder(const Platform& platform) { return FolderOfDataRoot(platform, kProjectsFolder); }
+std::string GetArchivesFolder(const Platform& platform) { return FolderOfDataRoot(platform, kArchivesFolder); }
+
 bool ReadBinPath(const Platform& platform, std::string& binPath) {
-  binPath = ReadRegistryValue(platform, kKey, "BinPath", "");
+  binPath = ReadRegistryValue(platform, kKey, kProgramFolderValue, "");
   return !binPath.empty();
 }
 
 std::string GetDesignRoot(const Platform& platform) {
-  const std::string binPath = ReadRegistryValue(platform, kKeyOfDesignRoot, "BinPath", "");
+  const std::string binPath = ReadRegistryValue(platform, kInstallationKey, kProgramFolderValue, "");
   if (LengthInUnits(binPath) <= 8) {
     return {};
   }
@@ -69,7 +77,7 @@ std::string GetDesignRoot(const Platform& platform) {
 }
 
 std::string GetDesignTempFolder(const Platform& platform) {
-  return GetDesignRoot(platform) + "\\" + std::string(kDesignFolder) + "\\Temp\\";
+  return GetDesignRoot(platform) + "\\" + std::string(kDesignFolder) + "\\" + std::string(kTemporaryFolder) + "\\";
 }
 
 }  // namespace parvex

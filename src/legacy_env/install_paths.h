@@ -7,6 +7,10 @@
 
 namespace parvex {
 
+/// Where the registry of the machine has the program folder.
+inline constexpr std::string_view kInstallationKey = "SOFTWARE\\Korvane\\KDQ47";
+inline constexpr std::string_view kProgramFolderValue = "BinPath";
+
 // Where the legacy application is. Its setup writes one registry value, BinPath, which normally ends with a backslash;
 // all other folders are derived from it by cutting text. What is kept is kept in the thread's state
 // (legacy_env/thread_state.h).
@@ -19,6 +23,11 @@ std::string GetBinPath(const Platform& platform);
 /// Archives and Temp lie in it. Kept for the thread's life once read; empty after a failed read, which the next call
 /// repeats. A program folder with fewer than two backslashes is an error (5).
 std::string GetDataRoot(const Platform& platform);
+
+/// Folders of the data root, without a final backslash: of the hand-over files, of projects, of archived projects.
+std::string GetHandOverFolder(const Platform& platform);
+std::string GetProjectsFolder(const Platform& platform);
+std::string GetArchivesFolder(const Platform& platform);
 
 /// Reads the program folder afresh. False when it is empty or cannot be read.
 bool ReadBinPath(const Platform& platform, std::string& binPath);

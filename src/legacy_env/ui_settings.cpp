@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "legacy_env/install_paths.h"
+#include "legacy_env/installed_files.h"
 #include "seams/automation_error.h"
 #include "seams/durable_files.h"
 #include "seams/file_parts.h"
@@ -29,7 +30,7 @@ std::string SettingsFile(const Platform& platform) {
   if (!ReadBinPath(platform, binPath)) {
     throw AutomationError(kBinPathUnknown, kErrorSource, "Unable to read BinPath");
   }
-  return binPath + "\\UIKeys.txt";
+  return binPath + "\\" + std::string(kUiKeysFile);
 }
 
 bool IsSettingOf(std::string_view line, std::string_view key) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "legacy_env/install_paths.h"
+#include "legacy_env/installed_files.h"
 #include "legacy_env/program_folder_document.h"
 #include "protocol/command_document.h"
 #include "protocol/reply_envelope.h"
@@ -19,7 +20,7 @@ namespace {
 
 constexpr std::string_view kGeneralOptions[] = {"cmbLanguage", "cmbUnitOfMeasure"};
 
-std::string OptionsPath(const LegacyLink& link) { return GetBinPath(link.platform) + "\\Options.xml"; }
+std::string OptionsPath(const LegacyLink& link) { return GetBinPath(link.platform) + "\\" + std::string(kOptionsFile); }
 
 /// The Option of tool SOV02 with that name; a null node when there is none.
 xml::Node GeneralOption(const xml::Document& options, std::string_view name) {
@@ -98,7 +99,7 @@ void WriteOptions(const LegacyLink& link, const xml::Document& command) {
 
 xml::Document GetOptions(LegacyLink& link, const xml::Document&) {
   const xml::Document reply = MakeCommandDocument("setOptions");
-  const xml::Document options = LoadFromProgramFolder(link.platform, "Options.xml");
+  const xml::Document options = LoadFromProgramFolder(link.platform, kOptionsFile);
   if (options.IsEmpty()) {
     return reply;
   }

@@ -15,11 +15,11 @@ namespace {
 constexpr std::string_view kEverything = "*";
 
 std::string ProjectPath(const LegacyLink& link, std::string_view projectName) {
-  return GetDataRoot(link.platform) + "\\Projects\\" + std::string(projectName);
+  return GetProjectsFolder(link.platform) + "\\" + std::string(projectName);
 }
 
 std::string ArchivePath(const LegacyLink& link, std::string_view projectName) {
-  return GetDataRoot(link.platform) + "\\Archives\\" + std::string(projectName) + ".E3A";
+  return GetArchivesFolder(link.platform) + "\\" + std::string(projectName) + ".E3A";
 }
 
 bool HasParameter(const xml::Document& command, std::string_view name) {

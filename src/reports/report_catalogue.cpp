@@ -3,6 +3,7 @@
 #include "formats/text/text.h"
 #include "legacy_env/file_routines.h"
 #include "legacy_env/install_paths.h"
+#include "legacy_env/installed_files.h"
 #include "legacy_env/program_folder_document.h"
 #include "protocol/command_document.h"
 
@@ -99,7 +100,7 @@ void OfferConfigured(const xml::Document& reports, std::string_view qdf) {
 
 /// The Builder elements of a group. The name is compared here and never made part of an expression.
 void OfferCustomReports(const Platform& platform, const xml::Document& reports, std::string_view pdsg) {
-  const xml::Document configuration = LoadFromProgramFolder(platform, "KDCustomRpt_Cfg.xml");
+  const xml::Document configuration = LoadFromProgramFolder(platform, kCustomReportsFile);
   for (const xml::Node& builder : configuration.All("//Builder")) {
     if (builder.Attribute("name") != pdsg) {
       continue;

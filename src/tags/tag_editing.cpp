@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "legacy_env/installed_files.h"
 #include "legacy_env/program_folder_document.h"
 #include "legacy_env/registry_strings.h"
 #include "protocol/command_document.h"
@@ -35,7 +36,7 @@ void AddTableAndUpdateInfo(const LegacyLink& link, const xml::Document& command)
     return;
   }
   const xml::Node data = AddEmptyParameter(command, "data");
-  if (const xml::Node info = LoadFromFolder(link.platform, binPath, "TagUpdateInfo.xml").Root()) {
+  if (const xml::Node info = LoadFromFolder(link.platform, binPath, kTagUpdateInfoFile).Root()) {
     data.Append(info);
   }
 }

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "legacy_env/install_paths.h"
+#include "legacy_env/installed_files.h"
 #include "legacy_env/program_folder_document.h"
 #include "protocol/command_document.h"
 #include "protocol/legacy_requests.h"
@@ -93,7 +94,7 @@ xml::Document GetTagListOf(LegacyLink& link, std::string_view projectName) {
   }
   const xml::Document tagList = ReadAnswer(link, "getTagList", text, true);
   if (GetBinPath(link.platform) != "error") {
-    MarkUpToDate(tagList, LoadFromProgramFolder(link.platform, "Tools.xml"));
+    MarkUpToDate(tagList, LoadFromProgramFolder(link.platform, kToolsFile));
   }
   return tagList;
 }

@@ -8,8 +8,6 @@
 namespace parvex::xml {
 namespace {
 
-constexpr CLSID kDomDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
-
 /// The thread's class factory, locked, so that its module stays loaded; null when it could not be had. Nothing lets it
 /// go at the end of a thread, when its apartment is gone: those who expect documents do.
 thread_local IClassFactory* factory = nullptr;

@@ -12,7 +12,6 @@ using automation::Argument;
 using automation::ObjectRef;
 using automation::Value;
 
-constexpr const char* kEngines[] = {"DAO.DBEngine.36", "DAO.DBEngine.120"};
 constexpr std::int32_t kDynaset = 2;
 
 ObjectRef AsObject(Value value, const std::string& what) {
@@ -128,7 +127,7 @@ std::unique_ptr<Database> OpenBy(const ObjectRef& engine, std::string_view path)
 
 std::unique_ptr<Database> DaoDatabases::Open(std::string_view path) {
   std::string reasons;
-  for (const char* engine : kEngines) {
+  for (const char* engine : kDatabaseEngines) {
     ObjectRef created;
     try {
       created = automation_.Create(engine);

@@ -5,6 +5,9 @@
 
 namespace parvex::windows {
 
+/// The engines that are tried, in this order.
+inline constexpr const char* kDatabaseEngines[] = {"DAO.DBEngine.36", "DAO.DBEngine.120"};
+
 /// Jet databases through the engine's own objects, late bound: "DAO.DBEngine.36" (32-bit only) or "DAO.DBEngine.120".
 /// docs/jet-databases.md lists the members used.
 class DaoDatabases : public ProjectDatabases {

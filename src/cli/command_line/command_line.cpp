@@ -8,7 +8,6 @@
 #include "cli/commands/base64_command.h"
 #include "cli/commands/case_command.h"
 #include "cli/commands/case_run_command.h"
-#include "cli/commands/doctor_command.h"
 #include "cli/commands/pull_command.h"
 #include "cli/commands/recording_command.h"
 #include "cli/host/host.h"
@@ -138,9 +137,10 @@ void CommandLine::AddShow() {
 }
 
 void CommandLine::AddDoctor() {
-  Add(app_, "doctor", "Find out whether the machine has everything that commands need", [this] {
-    return Doctor(session_, doctorAsJson_);
-  })->add_flag("--json", doctorAsJson_, "Write what was found as JSON");
+  CLI::App* command = Add(app_, "doctor", "Find out whether the machine has everything that commands need",
+                          [this] { return Doctor(session_, doctor_); });
+  CLI::Option* json = command->add_flag("--json", doctor_.json, "Write what was found as JSON");
+  command->add_flag("--report", doctor_.report, "Write text to send to others, without personal data")->excludes(json);
 }
 
 void CommandLine::AddRouterIds() {

@@ -8,6 +8,7 @@
 
 #include "cli/commands/case_command.h"
 #include "cli/commands/case_run_command.h"
+#include "cli/commands/doctor_command.h"
 #include "cli/commands/export_command.h"
 #include "cli/commands/lint_command.h"
 #include "cli/commands/mask_command.h"
@@ -59,7 +60,7 @@ class CommandLine {
   ExportOptions export_;
   ReturnOptions return_;
   ShowOptions show_;
-  bool doctorAsJson_ = false;
+  DoctorOptions doctor_;
   std::string base64File_ = "-";
   std::string newMachine_;
   RouterIdsOptions routerIds_;

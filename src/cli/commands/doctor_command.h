@@ -5,8 +5,13 @@
 
 namespace parvex::cli {
 
-/// Examines the machine and writes what was found to standard output, as a table or as JSON. kFailedReply when a check
-/// failed; warnings do not count.
-ExitStatus Doctor(const SessionOptions& sessionOptions, bool asJson);
+struct DoctorOptions {
+  bool json = false;
+  bool report = false;  ///< text for others, without personal data
+};
+
+/// Examines the machine and writes what was found to standard output. kFailedReply when a check failed; warnings do not
+/// count.
+ExitStatus Doctor(const SessionOptions& sessionOptions, const DoctorOptions& options);
 
 }  // namespace parvex::cli

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/host/machine_look.h"
 #include "formats/router_ids/router_ids.h"
 #include "seams/host_system.h"
 #include "seams/own_settings.h"
@@ -15,10 +16,9 @@ namespace parvex::cli {
 
 /// What only the platform knows about itself.
 struct HostFacts {
-  std::string program;         ///< what this program is to components in its process: "64-bit Windows program"
-  std::string xmlEngine;       ///< what parses XML
-  std::string databaseEngine;  ///< what reads project databases
-  std::string codePage;        ///< the ANSI code page's number
+  std::string program;   ///< what this program is to components in its process: "64-bit Windows program"
+  unsigned bitness;      ///< of this program
+  std::string codePage;  ///< the ANSI code page's number
   bool runsWindowsPrograms;
 };
 
@@ -37,6 +37,7 @@ class Host {
   /// The members live as long as the host.
   parvex::Platform Platform();
   OwnSettings& Settings();
+  MachineLook& Look();
 
   static HostFacts Facts();
 

@@ -5,6 +5,7 @@
 #include "adapters/posix/machine.h"
 #include "adapters/posix/native_system.h"
 #include "cli/host/exit_status.h"
+#include "cli/host/folder_look_posix.h"
 #include "cli/host/host.h"
 #include "cli/host/written_boxes.h"
 #include "legacy_standin/sample/sample_machine.h"
@@ -63,6 +64,7 @@ struct Host::Parts {
   WrittenBoxes messageBoxes;
   standin::Standin standin;
   FolderRouters routers{machine.GetOwnSettings(), standin.Routers()};
+  std::unique_ptr<MachineLook> look = LookAtFolder(machine, standin.Classes(), WorkflowProgram());
 };
 
 Host::Host(const std::string& machineFolder) {
@@ -83,10 +85,12 @@ parvex::Platform Host::Platform() {
 
 OwnSettings& Host::Settings() { return parts_->machine.GetOwnSettings(); }
 
+MachineLook& Host::Look() { return *parts_->look; }
+
 HostFacts Host::Facts() {
-  return {.program = std::to_string(8 * sizeof(void*)) + "-bit program on a machine folder, which has no bitness",
-          .xmlEngine = "libxml2",
-          .databaseEngine = "the built-in Jet reader",
+  constexpr unsigned kBitness = 8 * sizeof(void*);
+  return {.program = std::to_string(kBitness) + "-bit program on a machine folder, which has no bitness",
+          .bitness = kBitness,
           .codePage = "1252",
           .runsWindowsPrograms = false};
 }

@@ -10,6 +10,7 @@
 #include "adapters/windows/this_program.h"
 #include "cli/host/exit_status.h"
 #include "cli/host/host.h"
+#include "cli/host/system_look_windows.h"
 #include "cli/host/written_boxes.h"
 #include "com_server/router_ids.h"
 #include "legacy_standin/sample/sample_machine.h"
@@ -26,6 +27,7 @@ std::filesystem::path WorkflowProgram() {
 struct Host::Parts {
   windows::Machine machine;
   WrittenBoxes messageBoxes;
+  std::unique_ptr<MachineLook> look = LookAtSystem(machine.GetFiles());
 };
 
 Host::Host(const std::string& machineFolder) : parts_(std::make_unique<Parts>()) {
@@ -44,10 +46,12 @@ parvex::Platform Host::Platform() {
 
 OwnSettings& Host::Settings() { return parts_->machine.GetOwnSettings(); }
 
+MachineLook& Host::Look() { return *parts_->look; }
+
 HostFacts Host::Facts() {
-  return {.program = std::to_string(8 * sizeof(void*)) + "-bit Windows program",
-          .xmlEngine = "MSXML 3",
-          .databaseEngine = "DAO",
+  constexpr unsigned kBitness = 8 * sizeof(void*);
+  return {.program = std::to_string(kBitness) + "-bit Windows program",
+          .bitness = kBitness,
           .codePage = std::to_string(GetACP()),
           .runsWindowsPrograms = true};
 }

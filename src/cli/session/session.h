@@ -37,6 +37,7 @@ class Session {
   /// The members live until Close.
   parvex::Platform Platform();
   OwnSettings& Settings() { return host_->Settings(); }
+  MachineLook& Look() { return host_->Look(); }
   /// For every LegacyORLAPull of the session.
   recording::Recorder* Recorder() { return &*recorder_; }
 

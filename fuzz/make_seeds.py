@@ -453,6 +453,23 @@ def show_seeds(chance):
     return inputs
 
 
+# --- lint ---
+
+def lint_seeds(chance):
+    names = ("addProject", "getReport", "getTags", "RebuildTag", "getHybrisXMLNoUI", "setOptions", "noSuchCommand", "AddProject")
+    parameter = "<PARAMETER>\n<NAME>projectName</NAME><VALUE>A &amp; B</VALUE></PARAMETER>"
+    tag = "<TAG><NAME>a</NAME><PDSG>b</PDSG><DATATYPE/></TAG>"
+    whole = f"<COMMAND><NAME>getReport</NAME>{parameter}{tag}</COMMAND>"
+    parts = (parameter * 2, parameter.lower(), "<PARAMETER/>", "<PARAMETERS>" + parameter + "</PARAMETERS>", tag, tag.lower(),
+             "<!-- <COMMAND> -->", "<![CDATA[<A>]]>", "<?target <A> ?>", "<a b='>' c=\">\"/>", "&#112;&lt;&gt;", "\r\n \n",
+             "<UserSelectionTransfer><ProjectName/></UserSelectionTransfer>")
+    documents = [f"<COMMAND><NAME>{name}</NAME>{part}</COMMAND>" for name in names for part in chance.sample(parts, 6)]
+    documents += [whole, "", "<", "<A/>", "<A><COMMAND/></A>", whole[:-12], whole.replace("COMMAND", "command"),
+                  '<?xml version="1.0" encoding="iso-8859-1"?>' + whole, "<!DOCTYPE a [<!ENTITY e '<b/>'>]><a>&e;</a>",
+                  "<a>" * 300 + "</a>" * 300]
+    return [text.encode() for text in documents] + [whole.encode("utf-16"), whole.encode("utf-16-le")]
+
+
 def main(target, folder):
     makers = {name[:-len("_seeds")]: maker for name, maker in globals().items() if name.endswith("_seeds")}
     if target not in makers:

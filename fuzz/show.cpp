@@ -36,7 +36,7 @@ void Look(const std::string& text) {
 void Show(const Quote& quote) {
   Look(cli::QuoteAsText(quote, false));
   Require(cli::QuotePage(quote, "quote.xml").find("<script") == std::string::npos, "a page holds no script");
-  Require(cli::Compare(quote, quote).empty(), "a quote does not differ from itself");
+  Require(cli::Compare(quote, quote).differences.empty(), "a quote does not differ from itself");
 }
 
 }  // namespace
@@ -53,9 +53,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   if (before && after) {
-    const auto differences = cli::Compare(*before, *after);
-    Look(cli::DifferencesAsText(differences, false));
-    cli::ComparisonPage(*after, differences, "before.xml", "after.xml");
+    const cli::QuoteComparison comparison = cli::Compare(*before, *after);
+    Look(cli::ComparisonAsText(comparison, false));
+    cli::ComparisonPage(*after, comparison.differences, "before.xml", "after.xml");
   }
   return 0;
 }

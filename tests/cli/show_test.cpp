@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "codec/bin_encoder.h"
 #include "formats/text/text.h"
+#include "formats/zip/zip_writer.h"
 #include "tests/cli/program.h"
 
 namespace parvex::test {
@@ -48,6 +50,7 @@ class Show : public testing::Test {
     WriteHostFile(folder_.Path() / name, bytes);
     return (folder_.Path() / name).string();
   }
+  const std::filesystem::path& Folder() const { return folder_.Path(); }
   std::string Page() const { return ReadHostFile(folder_.Path() / "page.html"); }
   std::string PageName() const { return (folder_.Path() / "page.html").string(); }
 
@@ -137,8 +140,12 @@ TEST_F(Show, OfTwoDocumentsTellsEveryValueThatChanged) {
       {{.project = "Q"}, "~ project  \"P\" -> \"Q\"\n"},
       {{.tagId = "8"}, "~ tag M-1: tag id  \"7\" -> \"8\"\n"},
       {{.markFor = "M-2"}, "~ tag M-1: mark-for  \"M-1\" -> \"M-2\"\n"},
-      {{.blob = ""}, "~ tag M-1: stored data  \"4 characters of Base64\" -> \"none\"\n"},
-      {{.blob = "AAED"}, "~ tag M-1: stored data  \"4 characters of Base64\" -> \"4 characters of Base64\"\n"},
+      {{.blob = ""},
+       "~ tag M-1: stored data  \"4 characters of Base64\" -> \"none\"\n"
+       "    not looked into: no archive that holds something\n"},
+      {{.blob = "AAED"},
+       "~ tag M-1: stored data  \"4 characters of Base64\" -> \"4 characters of Base64\"\n"
+       "    not looked into: no archive that holds something\n"},
       {{.unit = R"(PARTNUMBER="U1" QUANTITY="3" PRICE="10.50" SEQUENCE="1")"},
        "~ tag M-1, base unit 1: quantity  \"2\" -> \"3\"\n"},
       {{.unit = R"(PARTNUMBER="U9" QUANTITY="2" PRICE="10.50" SEQUENCE="1")"},
@@ -148,16 +155,17 @@ TEST_F(Show, OfTwoDocumentsTellsEveryValueThatChanged) {
       {{.attributes = "<SUPPLIER>Korvane</SUPPLIER><ETO ETODESCRIPTION=\"Low\">0</ETO>"},
        "~ tag M-1, base unit 1: ETO description  \"\" -> \"Low\"\n"},
       {{.orderConfiguration = "abc"}, "~ tag M-1, base unit 1: order configuration  \"none\" -> \"3 characters\"\n"},
-      {{.components = ""}, "- tag M-1, base unit 1, ACCESSORY A1  \n"},
+      {{.components = ""}, "- tag M-1, base unit 1, ACCESSORY A1  3.00\n"},
       {{.components = R"(<COMPONENT TYPE="ACCESSORY" PARTNUMBER="A1" QUANTITY="1" PRICE="4"/>)"},
        "~ tag M-1, base unit 1, ACCESSORY A1: price  \"3\" -> \"4\"\n"},
       {{.moreTags = "<TAG><ATTRIBUTES_LIST><MARKFOR>N</MARKFOR><PDSG>AHE47</PDSG></ATTRIBUTES_LIST></TAG>"},
-       "+ tag N  AHE47\n"},
+       "+ tag N  AHE47  0.00\n"},
   };
   for (const auto& [after, line] : cases) {
     const Outcome outcome = Compared(after);
     EXPECT_EQ(outcome.status, 1) << outcome.err;
-    EXPECT_EQ(outcome.out, std::string("1 difference\n") + line);
+    EXPECT_THAT(outcome.out,
+                StartsWith(std::string("1 difference\n") + line + "\ntotal before  24.00\ntotal after   "));
   }
 }
 
@@ -177,8 +185,53 @@ TEST_F(Show, OfTwoDocumentsFindsTheSameItemsWhateverTheirOrder) {
       << "the one that is still there is not the one that went";
 
   const std::string tag = "<TAG><ATTRIBUTES_LIST><MARKFOR>M-1</MARKFOR><PDSG>X</PDSG></ATTRIBUTES_LIST></TAG>";
-  EXPECT_EQ(Compared(Document({.moreTags = tag}), Document({.moreTags = tag + tag})).out,
-            "1 difference\n+ tag M-1  X\n");
+  EXPECT_THAT(Compared(Document({.moreTags = tag}), Document({.moreTags = tag + tag})).out,
+              StartsWith("1 difference\n+ tag M-1  X  0.00\n\n"));
+}
+
+// Runs of the program count the ids of tags without stored data from 1, in the order of the export.
+TEST_F(Show, OfTwoExportsTakesNoTagForAnotherOfTheSameCountedId) {
+  ASSERT_EQ(RunParvex({"machine", "create", (Folder() / "machine").string()}).status, 0);
+  std::filesystem::remove(Folder() / "machine/drive_c/Korvane/TQ5-VX/Projects/Riverside Clinic/project.mdb");
+  const auto exported = [&](const std::string& name, std::vector<std::string> tags) {
+    std::vector<std::string> arguments = {
+        "--machine", (Folder() / "machine").string(), "export", "--project", "Riverside Clinic",
+        "-o",        (Folder() / name).string(),      "--tags"};
+    arguments.insert(arguments.end(), tags.begin(), tags.end());
+    EXPECT_EQ(RunParvex(arguments).status, 0);
+    return (Folder() / name).string();
+  };
+  const std::string before = exported("before.xml", {"SS-2", "HP-7"});
+  const std::string after = exported("after.xml", {"HP-7", "SS-2", "RTU-1"});
+  EXPECT_THAT(RunParvex({"show", before}).out, HasSubstr("PDSG SD347, tag id 1,"));
+  EXPECT_THAT(RunParvex({"show", after}).out, HasSubstr("PDSG WSH47, tag id 1,"));
+  const Outcome outcome = RunParvex({"show", before, after});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out,
+            "1 difference\n"
+            "+ tag RTU-1  RTU47  59,110.00\n"
+            "\n"
+            "total before  44,655.00\n"
+            "total after   103,765.00\n"
+            "change        +59,110.00\n"
+            "1 tag added, together 59,110.00\n");
+}
+
+TEST_F(Show, OfStoredDataThatDifferTellsTheEntriesAndTheirXml) {
+  const auto blob = [](const std::string& version, const std::string& drawing) {
+    ZipWriter archive;
+    archive.Add("Tag", "<Application><Product TagVersion=\"" + version + "\"/></Application>", true);
+    archive.Add(drawing, "outline", true);
+    return EncodeBase64(archive.Finish());
+  };
+  const Outcome outcome =
+      Compared(Document({.blob = blob("4.7", "a.dat")}), Document({.blob = blob("4.8.1", "b.dat")}));
+  EXPECT_EQ(outcome.status, 1) << outcome.err;
+  EXPECT_THAT(outcome.out, HasSubstr("\n"
+                                     "    ~ Tag  54 -> 56 bytes\n"
+                                     "        ~ Application/Product/@TagVersion  \"4.7\" -> \"4.8.1\"\n"
+                                     "    - a.dat  7 bytes\n"
+                                     "    + b.dat  7 bytes\n"));
 }
 
 TEST_F(Show, WritesAPageThatNeedsNothingBesideIt) {

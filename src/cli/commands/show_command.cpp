@@ -34,11 +34,11 @@ ExitStatus Show(const ShowOptions& options) {
     return kReply;
   }
   const std::string& firstName = options.file;
-  const std::vector<Difference> differences = Compare(ReadQuote(ReadQuoteDocument(firstName), firstName), last);
-  const std::string shown = isPage ? ComparisonPage(last, differences, firstName, lastName)
-                                   : DifferencesAsText(differences, TakesColours(stdout));
+  const QuoteComparison comparison = Compare(ReadQuote(ReadQuoteDocument(firstName), firstName), last);
+  const std::string shown = isPage ? ComparisonPage(last, comparison.differences, firstName, lastName)
+                                   : ComparisonAsText(comparison, TakesColours(stdout));
   Write(options, shown);
-  return differences.empty() ? kReply : kFailedReply;
+  return comparison.differences.empty() ? kReply : kFailedReply;
 }
 
 }  // namespace parvex::cli

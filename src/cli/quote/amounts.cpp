@@ -49,10 +49,10 @@ std::optional<Hundredths> Multiply(std::string_view price, std::string_view quan
 }
 
 std::string FormatAmount(Hundredths amount) {
-  const std::uint64_t magnitude =
-      amount < 0 ? 0 - static_cast<std::uint64_t>(amount) : static_cast<std::uint64_t>(amount);
-  const std::string cents = std::to_string(100 + magnitude % 100).substr(1);
-  return (amount < 0 ? "-" : "") + Grouped(std::to_string(magnitude / 100)) + "." + cents;
+  const std::string plain = PlainAmount(amount);
+  const std::size_t sign = amount < 0 ? 1 : 0;
+  const std::size_t point = plain.size() - 3;
+  return plain.substr(0, sign) + Grouped(std::string_view(plain).substr(sign, point - sign)) + plain.substr(point);
 }
 
 std::string FormatPrice(std::string_view price) {
@@ -66,6 +66,15 @@ std::string FormatPrice(std::string_view price) {
   std::string after(digits.substr(std::min(point + 1, digits.size())));
   after.resize(std::max<std::size_t>(after.size(), 2), '0');
   return (isNegative ? "-" : "") + Grouped(before.empty() ? "0" : before) + "." + after;
+}
+
+std::string SignedAmount(Hundredths change) { return (change > 0 ? "+" : "") + FormatAmount(change); }
+
+std::string PlainAmount(Hundredths amount) {
+  const std::uint64_t magnitude =
+      amount < 0 ? 0 - static_cast<std::uint64_t>(amount) : static_cast<std::uint64_t>(amount);
+  const std::string cents = std::to_string(100 + magnitude % 100).substr(1);
+  return (amount < 0 ? "-" : "") + std::to_string(magnitude / 100) + "." + cents;
 }
 
 }  // namespace parvex::cli

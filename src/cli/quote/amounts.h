@@ -21,4 +21,10 @@ std::string FormatAmount(Hundredths amount);
 /// and one that is no decimal number, stands as it is.
 std::string FormatPrice(std::string_view price);
 
+/// A change: "+1,234.50", "-3.00", "0.00".
+std::string SignedAmount(Hundredths change);
+
+/// An amount without groups, for other programs: "1234.50"
+std::string PlainAmount(Hundredths amount);
+
 }  // namespace parvex::cli

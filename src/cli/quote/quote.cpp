@@ -138,11 +138,17 @@ Total& Total::operator+=(const Total& part) {
   return *this;
 }
 
+Total TotalOf(const QuoteComponent& component) {
+  Total total;
+  total += component.Amount();
+  return total;
+}
+
 Total TotalOf(const QuoteUnit& unit) {
   Total total;
   total += unit.Amount();
   for (const QuoteComponent& component : unit.components) {
-    total += component.Amount();
+    total += TotalOf(component);
   }
   return total;
 }

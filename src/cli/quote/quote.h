@@ -76,6 +76,7 @@ struct Total {
   Total& operator+=(const Total& part);
 };
 
+Total TotalOf(const QuoteComponent& component);
 Total TotalOf(const QuoteUnit& unit);
 Total TotalOf(const QuoteTag& tag);
 Total TotalOf(const Quote& quote);

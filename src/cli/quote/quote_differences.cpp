@@ -1,6 +1,7 @@
 #include "cli/quote/quote_differences.h"
 
 #include <map>
+#include <type_traits>
 #include <utility>
 
 #include "formats/text/text.h"
@@ -15,28 +16,27 @@ struct Field {
   std::string shown;
 };
 
-class Comparison {
- public:
-  std::vector<Difference> differences;
+// An item that stands in both quotes, or what holds items in both.
+struct Shared {
+  std::string name;  // where its differences are
+  ItemPlace before;
+  ItemPlace after;
+};
 
-  void CompareFields(const std::string& where, const std::vector<Field>& before, const std::vector<Field>& after) {
-    for (std::size_t i = 0; i < before.size(); ++i) {
-      if (before[i].value != after[i].value) {
-        differences.push_back({where, before[i].name, before[i].shown, after[i].shown});
-      }
+void CompareFields(QuoteComparison& comparison, const Shared& item, const std::vector<Field>& before,
+                   const std::vector<Field>& after) {
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (before[i].value != after[i].value) {
+      comparison.differences.push_back(
+          {item.name, before[i].name, before[i].shown, after[i].shown, item.before, item.after});
     }
   }
-  void CompareField(const std::string& where, const std::string& name, const std::string& before,
-                    const std::string& after) {
-    CompareFields(where, {{name, before, before}}, {{name, after, after}});
-  }
-  void Removed(const std::string& where, const std::string& shown) {
-    differences.push_back({where, "", shown, std::nullopt});
-  }
-  void Added(const std::string& where, const std::string& shown) {
-    differences.push_back({where, "", std::nullopt, shown});
-  }
-};
+}
+
+void CompareField(QuoteComparison& comparison, const Shared& item, const std::string& name, const std::string& before,
+                  const std::string& after) {
+  CompareFields(comparison, item, {{name, before, before}}, {{name, after, after}});
+}
 
 // Items that belong together by the first key, or else by the next one. A key that is empty matches nothing. Of several
 // items with one key the first go together, then the second.
@@ -45,13 +45,13 @@ using Key = std::string (*)(const Item& item);
 
 template <typename Item>
 struct Pairs {
-  std::vector<const Item*> ofBefore;  // for each item of the later list its earlier one, or null
-  std::vector<const Item*> removed;
+  std::vector<std::optional<std::size_t>> ofBefore;  // for each item of the later list the place of its earlier one
+  std::vector<std::size_t> removed;
 };
 
 template <typename Item>
 Pairs<Item> Match(const std::vector<Item>& before, const std::vector<Item>& after, const std::vector<Key<Item>>& keys) {
-  Pairs<Item> pairs{std::vector<const Item*>(after.size()), {}};
+  Pairs<Item> pairs{std::vector<std::optional<std::size_t>>(after.size()), {}};
   std::vector<bool> isTaken(before.size());
   for (const Key<Item> key : keys) {
     struct Places {
@@ -66,17 +66,17 @@ Pairs<Item> Match(const std::vector<Item>& before, const std::vector<Item>& afte
     }
     for (std::size_t i = 0; i < after.size(); ++i) {
       const std::string wanted = key(after[i]);
-      const auto found = pairs.ofBefore[i] != nullptr || wanted.empty() ? open.end() : open.find(wanted);
+      const auto found = pairs.ofBefore[i] || wanted.empty() ? open.end() : open.find(wanted);
       if (found != open.end() && found->second.next < found->second.all.size()) {
         const std::size_t partner = found->second.all[found->second.next++];
-        pairs.ofBefore[i] = &before[partner];
+        pairs.ofBefore[i] = partner;
         isTaken[partner] = true;
       }
     }
   }
   for (std::size_t i = 0; i < before.size(); ++i) {
     if (!isTaken[i]) {
-      pairs.removed.push_back(&before[i]);
+      pairs.removed.push_back(i);
     }
   }
   return pairs;
@@ -134,14 +134,21 @@ std::vector<Field> FieldsOf(const QuoteUnit& unit) {
           Long("order configuration", unit.orderConfiguration, "characters")};
 }
 
+constexpr const char* kStoredData = "stored data";
+
 std::string NameOf(const QuoteTag& tag) { return "tag " + Shortened(tag.markFor); }
 
-std::vector<Field> FieldsOf(const QuoteTag& tag) {
-  return {Plain("mark-for", tag.markFor), Plain("PDSG", tag.pdsg), Plain("tag id", tag.legacyTagId),
-          Plain("build version", tag.buildVersion), Long("stored data", tag.storedData, "characters of Base64")};
+std::vector<Field> FieldsOf(const QuoteTag& tag, const std::string& id) {
+  return {Plain("mark-for", tag.markFor), Plain("PDSG", tag.pdsg), Plain("tag id", id),
+          Plain("build version", tag.buildVersion), Long(kStoredData, tag.storedData, "characters of Base64")};
 }
 
-void CompareAttributes(Comparison& comparison, const std::string& where, const QuoteUnit& before,
+// The id that stands in the tag's stored data; empty for one that was counted. What has none has no build version.
+std::string StoredId(const QuoteTag& tag) { return tag.buildVersion.empty() ? std::string() : tag.legacyTagId; }
+
+std::string NamesOf(const QuoteTag& tag) { return Joined(tag.markFor, tag.pdsg); }
+
+void CompareAttributes(QuoteComparison& comparison, const Shared& item, const QuoteUnit& before,
                        const QuoteUnit& after) {
   std::map<std::string, std::pair<std::string, std::string>> values;
   for (const QuoteAttribute& attribute : before.attributes) {
@@ -151,61 +158,132 @@ void CompareAttributes(Comparison& comparison, const std::string& where, const Q
     values[attribute.name].second = attribute.value;
   }
   for (const auto& [name, pair] : values) {
-    comparison.CompareField(where, name, pair.first, pair.second);
+    CompareField(comparison, item, name, pair.first, pair.second);
   }
 }
 
-void ComparePair(Comparison& comparison, const std::string& where, const QuoteComponent& before,
-                 const QuoteComponent& after) {
-  comparison.CompareFields(where, FieldsOf(before), FieldsOf(after));
+// How the levels of a quote differ: where an item's place stands, and what is counted of those that came and went.
+template <typename Item>
+struct Level;
+
+template <>
+struct Level<QuoteTag> {
+  static constexpr auto kPlace = &ItemPlace::tag;
+  static constexpr auto kAdded = &QuoteComparison::addedTags;
+  static constexpr auto kRemoved = &QuoteComparison::removedTags;
+};
+
+template <>
+struct Level<QuoteUnit> {
+  static constexpr auto kPlace = &ItemPlace::unit;
+  static constexpr auto kAdded = &QuoteComparison::addedUnits;
+  static constexpr auto kRemoved = &QuoteComparison::removedUnits;
+};
+
+template <>
+struct Level<QuoteComponent> {
+  static constexpr auto kPlace = &ItemPlace::component;
+};
+
+// Notes that an item is in one of the quotes only.
+template <typename Item>
+void Note(QuoteComparison& comparison, const Shared& holder, const Item& item, std::size_t place, bool isAdded) {
+  Difference difference{(holder.name.empty() ? "" : holder.name + ", ") + NameOf(item),
+                        "",
+                        std::nullopt,
+                        std::nullopt,
+                        holder.before,
+                        holder.after,
+                        TotalOf(item)};
+  (isAdded ? difference.after : difference.before) = SummaryOf(item);
+  ItemPlace& itsPlace = isAdded ? difference.placeAfter : difference.placeBefore;
+  itsPlace.*Level<Item>::kPlace = place;
+  if constexpr (!std::is_same_v<Item, QuoteComponent>) {
+    ItemsTogether& together = comparison.*(isAdded ? Level<Item>::kAdded : Level<Item>::kRemoved);
+    ++together.count;
+    together.total += *difference.total;
+  }
+  comparison.differences.push_back(std::move(difference));
 }
 
-void ComparePair(Comparison& comparison, const std::string& where, const QuoteUnit& before, const QuoteUnit& after);
-void ComparePair(Comparison& comparison, const std::string& where, const QuoteTag& before, const QuoteTag& after);
+void ComparePair(QuoteComparison& comparison, const Shared& item, const QuoteComponent& before,
+                 const QuoteComponent& after) {
+  CompareFields(comparison, item, FieldsOf(before), FieldsOf(after));
+}
+
+void ComparePair(QuoteComparison& comparison, const Shared& item, const QuoteUnit& before, const QuoteUnit& after);
+void ComparePair(QuoteComparison& comparison, const Shared& item, const QuoteTag& before, const QuoteTag& after);
 
 template <typename Item>
-void CompareLists(Comparison& comparison, const std::string& where, const std::vector<Item>& before,
-                  const std::vector<Item>& after, const std::vector<Key<Item>>& keys) {
-  const auto place = [&where](const Item& item) { return (where.empty() ? "" : where + ", ") + NameOf(item); };
-  const Pairs<Item> pairs = Match(before, after, keys);
-  for (const Item* removed : pairs.removed) {
-    comparison.Removed(place(*removed), SummaryOf(*removed));
+Pairs<Item> CompareLists(QuoteComparison& comparison, const Shared& holder, const std::vector<Item>& before,
+                         const std::vector<Item>& after, const std::vector<Key<Item>>& keys) {
+  Pairs<Item> pairs = Match(before, after, keys);
+  for (const std::size_t removed : pairs.removed) {
+    Note(comparison, holder, before[removed], removed, false);
   }
   for (std::size_t i = 0; i < after.size(); ++i) {
-    if (pairs.ofBefore[i] == nullptr) {
-      comparison.Added(place(after[i]), SummaryOf(after[i]));
-    } else {
-      ComparePair(comparison, place(*pairs.ofBefore[i]), *pairs.ofBefore[i], after[i]);
+    if (!pairs.ofBefore[i]) {
+      Note(comparison, holder, after[i], i, true);
+      continue;
     }
+    const Item& earlier = before[*pairs.ofBefore[i]];
+    Shared item{(holder.name.empty() ? "" : holder.name + ", ") + NameOf(earlier), holder.before, holder.after};
+    item.before.*Level<Item>::kPlace = pairs.ofBefore[i];
+    item.after.*Level<Item>::kPlace = i;
+    ComparePair(comparison, item, earlier, after[i]);
   }
+  return pairs;
 }
 
-void ComparePair(Comparison& comparison, const std::string& where, const QuoteUnit& before, const QuoteUnit& after) {
-  comparison.CompareFields(where, FieldsOf(before), FieldsOf(after));
-  CompareAttributes(comparison, where, before, after);
-  CompareLists<QuoteComponent>(
-      comparison, where, before.components, after.components,
-      {[](const QuoteComponent& item) { return Joined(KeyOf(item), Joined(item.description, item.price)); },
-       [](const QuoteComponent& item) { return KeyOf(item); }});
+void ComparePair(QuoteComparison& comparison, const Shared& item, const QuoteUnit& before, const QuoteUnit& after) {
+  CompareFields(comparison, item, FieldsOf(before), FieldsOf(after));
+  CompareAttributes(comparison, item, before, after);
+  CompareLists<QuoteComponent>(comparison, item, before.components, after.components,
+                               {[](const QuoteComponent& component) {
+                                  return Joined(KeyOf(component), Joined(component.description, component.price));
+                                },
+                                [](const QuoteComponent& component) { return KeyOf(component); }});
 }
 
-void ComparePair(Comparison& comparison, const std::string& where, const QuoteTag& before, const QuoteTag& after) {
-  comparison.CompareFields(where, FieldsOf(before), FieldsOf(after));
+void ComparePair(QuoteComparison& comparison, const Shared& item, const QuoteTag& before, const QuoteTag& after) {
+  const bool haveIds = !before.buildVersion.empty() && !after.buildVersion.empty();
+  CompareFields(comparison, item, FieldsOf(before, haveIds ? before.legacyTagId : ""),
+                FieldsOf(after, haveIds ? after.legacyTagId : ""));
   CompareLists<QuoteUnit>(
-      comparison, where, before.units, after.units,
+      comparison, item, before.units, after.units,
       {[](const QuoteUnit& unit) { return Joined(unit.partNumber, unit.sequence); },
        [](const QuoteUnit& unit) { return unit.partNumber; }, [](const QuoteUnit& unit) { return unit.sequence; }});
 }
 
+void LookIntoStoredData(QuoteComparison& comparison, const Quote& before, const Quote& after) {
+  StoredDataBudget budget;
+  for (Difference& difference : comparison.differences) {
+    if (difference.what == kStoredData && !difference.placeAfter.unit) {
+      difference.stored =
+          CompareStoredData(before.tags[*difference.placeBefore.tag], after.tags[*difference.placeAfter.tag], budget);
+    }
+  }
+}
+
 }  // namespace
 
-std::vector<Difference> Compare(const Quote& before, const Quote& after) {
-  Comparison comparison;
-  comparison.CompareField("", "project", before.project, after.project);
-  CompareLists<QuoteTag>(comparison, "", before.tags, after.tags,
-                         {[](const QuoteTag& tag) { return tag.legacyTagId; },
-                          [](const QuoteTag& tag) { return Joined(tag.markFor, tag.pdsg); }});
-  return std::move(comparison.differences);
+QuoteComparison Compare(const Quote& before, const Quote& after) {
+  QuoteComparison comparison;
+  comparison.totalBefore = TotalOf(before);
+  comparison.totalAfter = TotalOf(after);
+  CompareField(comparison, {}, "project", before.project, after.project);
+  const Pairs<QuoteTag> pairs = CompareLists<QuoteTag>(
+      comparison, {}, before.tags, after.tags,
+      {[](const QuoteTag& tag) { return StoredId(tag).empty() ? std::string() : Joined(StoredId(tag), NamesOf(tag)); },
+       NamesOf, StoredId});
+  LookIntoStoredData(comparison, before, after);
+  for (const std::size_t removed : pairs.removed) {
+    comparison.tags.push_back({removed, std::nullopt});
+  }
+  for (std::size_t i = 0; i < after.tags.size(); ++i) {
+    comparison.tags.push_back({pairs.ofBefore[i], i});
+  }
+  return comparison;
 }
 
 }  // namespace parvex::cli

@@ -1,6 +1,7 @@
 #include "cli/quote/quote_text.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "cli/terminal/colours.h"
 #include "cli/terminal/printable.h"
@@ -107,6 +108,64 @@ std::string TagAsText(std::size_t number, const QuoteTag& tag, bool takesColours
   return text;
 }
 
+// What came or went is green or red, what changed yellow.
+template <typename Value>
+std::string MarkedLine(const std::string& indent, const std::optional<Value>& before, const std::optional<Value>& after,
+                       const std::string& line, bool takesColours) {
+  const Colour colour = !before ? Colour::Green : !after ? Colour::Red : Colour::Yellow;
+  return indent + Coloured((!before ? "+ " : !after ? "- " : "~ ") + line, colour, takesColours) + "\n";
+}
+
+std::string DifferenceLine(const Difference& difference, bool takesColours) {
+  std::string line = Printable(difference.where);
+  if (!difference.what.empty()) {
+    line += (difference.where.empty() ? "" : ": ") + Printable(difference.what);
+  }
+  if (difference.before && difference.after) {
+    line += "  " + Printable("\"" + *difference.before + "\" -> \"" + *difference.after + "\"");
+  } else {
+    const std::string& summary = difference.before ? *difference.before : *difference.after;
+    for (const std::string& part :
+         {Printable(summary), difference.total ? TotalText(*difference.total) : std::string()}) {
+      line += part.empty() ? "" : "  " + part;
+    }
+  }
+  return MarkedLine("", difference.before, difference.after, line, takesColours);
+}
+
+// A value of a stored text may be a whole file.
+std::string ShortValue(const std::string& value) {
+  constexpr std::size_t kLongestValue = 200;
+  const std::string_view begin = FirstUnits(value, kLongestValue);
+  return Printable("\"" + std::string(begin) + (begin.size() == value.size() ? "" : "\u2026") + "\"");
+}
+
+std::string ContentLine(const ContentDifference& difference, bool takesColours) {
+  std::string line =
+      Printable(difference.path) + "  " + ShortValue(difference.before ? *difference.before : *difference.after);
+  if (difference.before && difference.after) {
+    line += " -> " + ShortValue(*difference.after);
+  }
+  return MarkedLine("        ", difference.before, difference.after, line, takesColours);
+}
+
+std::string StoredDataAsText(const StoredDataComparison& stored, bool takesColours) {
+  std::string text;
+  for (const StoredEntryDifference& entry : stored.entries) {
+    const std::string sizes = !entry.before  ? Counted(*entry.after, "byte")
+                              : !entry.after ? Counted(*entry.before, "byte")
+                                             : std::to_string(*entry.before) + " -> " + Counted(*entry.after, "byte");
+    text += MarkedLine("    ", entry.before, entry.after,
+                       Printable(entry.name) + "  " + sizes + (entry.note.empty() ? "" : "; " + Printable(entry.note)),
+                       takesColours);
+    for (const ContentDifference& difference : entry.contents) {
+      text += ContentLine(difference, takesColours);
+    }
+  }
+  return stored.note.empty() ? text
+                             : text + "    " + Coloured(Printable(stored.note), Colour::Dim, takesColours) + "\n";
+}
+
 }  // namespace
 
 std::string QuoteAsText(const Quote& quote, bool takesColours) {
@@ -129,19 +188,30 @@ std::string DifferencesAsText(const std::vector<Difference>& differences, bool t
   }
   std::string text = Counted(differences.size(), "difference") + "\n";
   for (const Difference& difference : differences) {
-    const bool isAdded = !difference.before;
-    const bool isRemoved = !difference.after;
-    std::string line = isAdded ? "+ " : isRemoved ? "- " : "~ ";
-    line += Printable(difference.where);
-    if (!difference.what.empty()) {
-      line += (difference.where.empty() ? "" : ": ") + Printable(difference.what);
+    text += DifferenceLine(difference, takesColours);
+    if (difference.stored) {
+      text += StoredDataAsText(*difference.stored, takesColours);
     }
-    if (isAdded || isRemoved) {
-      line += "  " + Printable(isAdded ? *difference.after : *difference.before);
-    } else {
-      line += "  " + Printable("\"" + *difference.before + "\" -> \"" + *difference.after + "\"");
+  }
+  return text;
+}
+
+std::string ComparisonAsText(const QuoteComparison& comparison, bool takesColours) {
+  std::string text = DifferencesAsText(comparison.differences, takesColours);
+  if (comparison.differences.empty()) {
+    return text;
+  }
+  text += "\ntotal before  " + TotalText(comparison.totalBefore) + "\ntotal after   " +
+          TotalText(comparison.totalAfter) + "\nchange        " + SignedAmount(comparison.Change()) + "\n";
+  const std::tuple<const ItemsTogether&, const char*, const char*> kinds[] = {
+      {comparison.addedTags, "tag", "added"},
+      {comparison.removedTags, "tag", "removed"},
+      {comparison.addedUnits, "base unit", "added"},
+      {comparison.removedUnits, "base unit", "removed"}};
+  for (const auto& [items, noun, what] : kinds) {
+    if (items.count > 0) {
+      text += Counted(items.count, noun) + " " + what + ", together " + TotalText(items.total) + "\n";
     }
-    text += Coloured(line, isAdded ? Colour::Green : isRemoved ? Colour::Red : Colour::Yellow, takesColours) + "\n";
   }
   return text;
 }

@@ -118,5 +118,17 @@ TEST(Amounts, OfOneThingAreWrittenInTheSameWayAndLoseNoDigit) {
   }
 }
 
+TEST(Amounts, OfAChangeHaveASign) {
+  EXPECT_EQ(SignedAmount(123'450), "+1,234.50");
+  EXPECT_EQ(SignedAmount(-5), "-0.05");
+  EXPECT_EQ(SignedAmount(0), "0.00");
+}
+
+TEST(Amounts, ForOtherProgramsHaveNoGroups) {
+  EXPECT_EQ(PlainAmount(123'456'789), "1234567.89");
+  EXPECT_EQ(PlainAmount(-7), "-0.07");
+  EXPECT_EQ(PlainAmount(std::numeric_limits<Hundredths>::min()), "-92233720368547758.08");
+}
+
 }  // namespace
 }  // namespace parvex::cli

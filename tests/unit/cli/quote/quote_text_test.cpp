@@ -115,6 +115,48 @@ TEST(DifferencesText, ColoursWholeLines) {
             "\x1B[33m~ c: d  \"x\" -> \"y\"\x1B[0m\n");
 }
 
+TEST(DifferencesText, ShowsWhatDiffersInStoredDataBelowThem) {
+  Difference difference{"tag A", "stored data", "8 characters of Base64", "none"};
+  difference.stored = {{{"Tag", 10, 11, {{"P/@v", "1", std::string(300, 'x')}, {"P/Q", std::nullopt, "\x1B"}}},
+                        {"a.dat", 1, 2, {}, "no text"},
+                        {"b.dat", 1, std::nullopt},
+                        {"c.dat", std::nullopt, 2}}};
+  EXPECT_EQ(DifferencesAsText({difference}, false),
+            "1 difference\n"
+            "~ tag A: stored data  \"8 characters of Base64\" -> \"none\"\n"
+            "    ~ Tag  10 -> 11 bytes\n"
+            "        ~ P/@v  \"1\" -> \"" +
+                std::string(200, 'x') +
+                "\xE2\x80\xA6\"\n"
+                "        + P/Q  \"\xEF\xBF\xBD\"\n"
+                "    ~ a.dat  1 -> 2 bytes; no text\n"
+                "    - b.dat  1 byte\n"
+                "    + c.dat  2 bytes\n");
+  difference.stored = {{}, "not looked into: no archive"};
+  EXPECT_THAT(DifferencesAsText({difference}, false), testing::EndsWith("\n    not looked into: no archive\n"));
+}
+
+TEST(ComparisonText, EndsWithWhatTheQuotesComeTo) {
+  Quote after = SampleQuote();
+  after.tags[1] = after.tags[0];
+  after.tags[1].markFor = "AHU-7";
+  after.tags[1].buildVersion = "";
+  after.tags[1].units[0].components[0].price = "call us";
+  after.tags[0].units[0].components.pop_back();
+  EXPECT_EQ(ComparisonAsText(Compare(SampleQuote(), after), false),
+            "3 differences\n"
+            "- tag AHU-2  WSH47  0.00\n"
+            "- tag AHU-1, base unit 1, WARRANTY W5  five years  100.00\n"
+            "+ tag AHU-7  RTU47  8,550.00 without 1 line whose price is no number\n"
+            "\n"
+            "total before  8,570.50\n"
+            "total after   17,020.50 without 1 line whose price is no number\n"
+            "change        +8,450.00\n"
+            "1 tag added, together 8,550.00 without 1 line whose price is no number\n"
+            "1 tag removed, together 0.00\n");
+  EXPECT_EQ(ComparisonAsText(Compare(after, after), false), "No differences.\n");
+}
+
 TEST(TotalText, TellsOfPricesThatAreNoNumbers) {
   EXPECT_EQ(TotalText({123450, 0}), "1,234.50");
   EXPECT_EQ(TotalText({0, 1}), "0.00 without 1 line whose price is no number");

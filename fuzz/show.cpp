@@ -55,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (before && after) {
     const cli::QuoteComparison comparison = cli::Compare(*before, *after);
     Look(cli::ComparisonAsText(comparison, false));
-    cli::ComparisonPage(*after, comparison.differences, "before.xml", "after.xml");
+    cli::ComparisonPage(*before, *after, comparison, "before.xml", "after.xml");
   }
   return 0;
 }

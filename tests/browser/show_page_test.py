@@ -124,11 +124,12 @@ class Pages(unittest.TestCase):
         self.assertEqual(["4 differences"], differences.texts("h2"))
         self.assertEqual(["Where", "What", "Before", "After"], headings_of(differences))
         self.assertCountEqual(
-            [["changed", "tag RTU-1, base unit 1", "price", "18450.00", "18990.00"],
-             ["removed", "tag RTU-1, base unit 1, ACCESSORY ECON-120", "removed", "Economizer, enthalpy control", ""],
+            [["changed", "tag RTU-1, base unit 1", "price", "18,450.00", "18,990.00"],
+             ["removed", "tag RTU-1, base unit 1, ACCESSORY ECON-120", "removed, 2,550.00",
+              "Economizer, enthalpy control", ""],
              ["changed", "tag HP-7", "stored data", "none", "4 characters of Base64"],
-             ["added", "tag New <one>", "added", "", ""]],
-            [[row.attributes.get("class"), *row.texts("td")] for row in list(differences.every("tr"))[1:]])
+             ["added", "tag New <one>", "added, 0.00", "", ""]],
+            [[row.attributes.get("class"), *cells_of(row)] for row in differences_in(differences)])
         self.assertEqual(8, len(list(page.every("section"))), "the later document stands below the differences")
 
     def test_of_two_equal_documents_says_so(self):
@@ -159,11 +160,11 @@ class Pages(unittest.TestCase):
         page = self.opened(self.show(named, self.hostile_quote(), status=1))
         self.assert_made_of_nothing_else(page)
         self.assertIn(str(named), page.texts("footer")[0])
-        shown = [row.texts("td") for row in list(list(page.every("section"))[0].every("tr"))[1:]]
+        shown = [cells_of(row) for row in differences_in(list(page.every("section"))[0])]
         self.assertIn(["quote", "project", "Riverside Clinic", "".join(HOSTILE)], shown)
         for text in HOSTILE:
             place = text if len(text) <= LONGEST_PLACE else text[:LONGEST_PLACE] + "…"
-            self.assertIn([f"tag {place}", "added", "", text], shown)
+            self.assertIn([f"tag {place}", "added, 0.00 without 2 lines whose price is no number", "", text], shown)
 
     def assert_made_of_nothing_else(self, page):
         for element in page.every():
@@ -257,8 +258,15 @@ def row_of(component):
 
 
 def rows_in(part):
-    return [[cell.text() for cell in row.every() if cell.name in ("th", "td")]
-            for body in part.every("tbody") for row in body.every("tr")]
+    return [cells_of(row) for body in part.every("tbody") for row in body.every("tr")]
+
+
+def cells_of(row):
+    return [cell.text() for cell in row.every() if cell.name in ("th", "td")]
+
+
+def differences_in(section):
+    return [row for row in section.every("tr") if row.attributes.get("id", "").startswith("difference-")]
 
 
 def headings_of(part):

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "codec/bin_encoder.h"
 #include "tests/faults/case_bytes.h"
 #include "tests/faults/limited_child.h"
 #include "tests/support/fake_platform.h"
@@ -14,6 +15,7 @@
 namespace parvex::test {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 
 constexpr std::size_t kMegabyteOfText = 1u << 20;
@@ -85,6 +87,34 @@ TEST_F(HostileQuote, OfAsManyItemsAsAreShownIsShownAndComparedInTheMemoryThatHos
   const ProgramOutcome compared = Show({before, after});
   ExpectQuick(compared);
   EXPECT_EQ(compared.status, 1) << compared.answer;
+  const ProgramOutcome page = Show({"--html", "-", after});
+  ExpectQuick(page);
+  EXPECT_EQ(page.status, 0) << page.answer;
+  const ProgramOutcome pageOfTwo = Show({"--html", "-", before, after});
+  ExpectQuick(pageOfTwo);
+  EXPECT_EQ(pageOfTwo.status, 1) << pageOfTwo.answer;
+}
+
+TEST_F(HostileQuote, WhoseStoredDataUnpackToGigabytesIsOpenedOnAPageWithinABound) {
+  const std::string blob = "<TAG><ATTRIBUTES_LIST><BLOB>" +
+                           EncodeBase64(Packed({{"Tag", std::string(31 * kMegabyteOfText, ' ')}})) +
+                           "</BLOB></ATTRIBUTES_LIST></TAG>";
+  const std::string file = Write("quote.xml", "<PROJECT><TAGS>" + Repeat(blob, 200) + "</TAGS></PROJECT>");
+  const ProgramOutcome page = Show({"--html", "-", file});
+  ExpectQuick(page);
+  EXPECT_EQ(page.status, 0) << page.answer;
+  EXPECT_THAT(ReadHostFile(Shown()), AllOf(HasSubstr("<summary>Stored data, "), HasSubstr("<p>Not opened: ")));
+}
+
+TEST_F(HostileQuote, OfManyDeepOrderConfigurationsIsAPageOfABoundedSize) {
+  const std::string deep =
+      "<BASEUNIT><SAP_XML><![CDATA[" + Repeat("<A>", 900) + Repeat("</A>", 900) + "]]></SAP_XML></BASEUNIT>";
+  const std::string file = Write(
+      "quote.xml", "<PROJECT><TAGS><TAG><BASEUNITS>" + Repeat(deep, 1'000) + "</BASEUNITS></TAG></TAGS></PROJECT>");
+  const ProgramOutcome page = Show({"--html", "-", file});
+  ExpectQuick(page);
+  EXPECT_EQ(page.status, 0) << page.answer;
+  EXPECT_LT(std::filesystem::file_size(Shown()), 12 * kMegabyteOfText);
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ dd { white-space: pre-wrap; overflow-wrap: anywhere; }
 .messageBox .bar { color: #a60; background: repeating-linear-gradient(0deg, currentColor 0 1px, transparent 1px 3px); }
 .open .bar { border-style: dashed; }
 @media print { .step:not([open]) > summary::after { content: none; } }
-@media (max-width: 45rem) {
+@media screen and (max-width: 45rem) {
   .step summary { grid-template-columns: 3.5rem minmax(0, 1fr) 4.5rem 4.5rem; }
   .step summary > .saying { grid-column: 1 / -1; } .step dl { margin-left: 0; }
 }

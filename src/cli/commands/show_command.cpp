@@ -34,8 +34,9 @@ ExitStatus Show(const ShowOptions& options) {
     return kReply;
   }
   const std::string& firstName = options.file;
-  const QuoteComparison comparison = Compare(ReadQuote(ReadQuoteDocument(firstName), firstName), last);
-  const std::string shown = isPage ? ComparisonPage(last, comparison.differences, firstName, lastName)
+  const Quote first = ReadQuote(ReadQuoteDocument(firstName), firstName);
+  const QuoteComparison comparison = Compare(first, last);
+  const std::string shown = isPage ? ComparisonPage(first, last, comparison, firstName, lastName)
                                    : ComparisonAsText(comparison, TakesColours(stdout));
   Write(options, shown);
   return comparison.differences.empty() ? kReply : kFailedReply;

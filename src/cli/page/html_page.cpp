@@ -140,36 +140,53 @@ std::string TableRow(const std::string& tag, const std::vector<Column>& columns,
   std::string html = "<" + tag + " role=\"row\">";
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const std::string name = columns[i].isRowHeading ? "th" : "td";
-    html += "<" + name + (columns[i].isRowHeading ? " scope=\"row\" role=\"rowheader\"" : " role=\"cell\"") +
-            (columns[i].isNumber ? " class=\"n\"" : "") + " data-column=\"" + columns[i].name + "\">";
+    html += "<" + name + (columns[i].isRowHeading ? " scope=\"row\" role=\"rowheader\"" : " role=\"cell\"");
+    if (!cells[i].text.empty()) {
+      html += std::string(columns[i].isNumber ? " class=\"n\"" : "") + " data-column=\"" + columns[i].name + "\"";
+    }
+    html += ">";
     html += cells[i].target.empty() ? Escaped(cells[i].text) : LinkTo(cells[i].target, cells[i].text);
     html += "</" + name + ">";
   }
   return html + "</tr>\n";
 }
 
-std::string TableElement(const std::string& caption, const std::vector<Column>& columns, const std::string& rows,
-                         const std::string& sums) {
+std::string TableElement(const std::string& caption, const std::vector<Column>& columns, const std::string& rows) {
+  return TableBegin(caption, columns) + rows + TableEnd();
+}
+
+std::string TableBegin(const std::string& caption, const std::vector<Column>& columns) {
   std::string html = "<div class=\"scroll\"><table role=\"table\">" + Element("caption", caption) +
                      "\n<thead role=\"rowgroup\"><tr role=\"row\">";
   for (const Column& column : columns) {
     html += Element(std::string("th scope=\"col\" role=\"columnheader\"") + (column.isNumber ? " class=\"n\"" : ""),
                     column.name);
   }
-  return html + "</tr></thead>\n<tbody role=\"rowgroup\">\n" + rows + "</tbody>" +
-         (sums.empty() ? "" : "\n<tfoot role=\"rowgroup\">\n" + sums + "</tfoot>") + "</table></div>\n";
+  return html + "</tr></thead>\n<tbody role=\"rowgroup\">\n";
+}
+
+std::string TableEnd(const std::string& sums) {
+  return "</tbody>" + (sums.empty() ? "" : "\n<tfoot role=\"rowgroup\">\n" + sums + "</tfoot>") + "</table></div>\n";
 }
 
 std::string PageOf(std::string_view title, std::string_view style, std::string_view body, std::string_view origin) {
+  std::string html = PageBegin(title, style);
+  html += body;
+  return html + PageEnd(origin);
+}
+
+std::string PageBegin(std::string_view title, std::string_view style) {
   std::string html =
       "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
       "<meta http-equiv=\"Content-Security-Policy\" content=\"" +
       std::string(kPolicy) + "\">\n" + Element("title", title) + "\n<style>" + std::string(kStyle);
   html += style;
-  html += "</style>\n</head>\n<body>\n";
-  html += body;
-  return html + Element("footer", std::string(origin) + ", shown by parvex " PARVEX_VERSION) + "\n</body>\n</html>\n";
+  return html + "</style>\n</head>\n<body>\n";
+}
+
+std::string PageEnd(std::string_view origin) {
+  return Element("footer", std::string(origin) + ", shown by parvex " PARVEX_VERSION) + "\n</body>\n</html>\n";
 }
 
 }  // namespace parvex::cli

@@ -49,12 +49,17 @@ struct Cell {
 /// A row with a cell a column; `tag` is "tr", with attributes when it has some.
 std::string TableRow(const std::string& tag, const std::vector<Column>& columns, const std::vector<Cell>& cells);
 /// A table whose caption only screen readers tell. In a narrow window each cell is a line behind its column's name; it
-/// stays a table for screen readers. `sums` are rows below the others.
-std::string TableElement(const std::string& caption, const std::vector<Column>& columns, const std::string& rows,
-                         const std::string& sums = {});
+/// stays a table for screen readers. `sums` are rows below all others.
+std::string TableElement(const std::string& caption, const std::vector<Column>& columns, const std::string& rows);
+/// What stands around the rows of a long one.
+std::string TableBegin(const std::string& caption, const std::vector<Column>& columns);
+std::string TableEnd(const std::string& sums = {});
 
 /// The whole page. `style` stands behind the style that all pages have; `title` and `origin` are text, `body` is
 /// markup.
 std::string PageOf(std::string_view title, std::string_view style, std::string_view body, std::string_view origin);
+/// What stands around the body of a long one.
+std::string PageBegin(std::string_view title, std::string_view style);
+std::string PageEnd(std::string_view origin);
 
 }  // namespace parvex::cli

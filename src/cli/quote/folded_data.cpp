@@ -10,9 +10,6 @@
 #include "codec/bin_encoder.h"
 #include "formats/text/indented_markup.h"
 #include "formats/text/text.h"
-#include "formats/text/windows_1252.h"
-#include "formats/zip/zip_reader.h"
-#include "seams/automation_error.h"
 #include "seams/xml.h"
 
 namespace parvex::cli {
@@ -45,11 +42,8 @@ std::string FoldedData::OrderConfiguration(const QuoteUnit& unit) {
 }
 
 std::string FoldedData::StoredData(const QuoteTag& tag) {
-  const std::string bytes = DecodeBase64(tag.storedData);
-  if (bytes.empty()) {
-    return {};
-  }
-  return Folded(Sized("Stored data", bytes.size()), Entries(bytes, tag.markFor));
+  const std::size_t bytes = StoredBytes(tag);
+  return bytes == 0 ? "" : Folded(Sized("Stored data", bytes), Entries(tag));
 }
 
 // The text, and how many bytes the whole has when it was cut or is too much for the page.
@@ -84,35 +78,19 @@ std::string FoldedData::Entry(const std::string& name, const std::string& bytes)
   return Folded(Sized(name, bytes.size()), Readable(*text, bytes.size()));
 }
 
-std::string FoldedData::Entries(const std::string& archive, const std::string& markFor) {
-  posix::Windows1252 ansi;
-  UnpackLimits limits = kUnpackedAsFiles;
-  limits.total = std::min(kLargestOpenedArchive, kMostOpened - opened_);
-  limits.entry = limits.total;
-  limits.what = "stored data of";
-  std::vector<PackedEntry> entries;
-  try {
-    entries = Unpack(ansi, archive, markFor, limits);
-  } catch (const AutomationError& refused) {
-    // What was unpacked until then is not known; the format packs a byte into a thousandth of one at best.
-    opened_ += std::min<std::uint64_t>(limits.total, std::uint64_t{archive.size()} * 1032);
-    return Element("p", "Not opened: " + std::string(refused.what())) + "\n";
-  }
+std::string FoldedData::Entries(const QuoteTag& tag) {
+  const StoredArchive archive = OpenStoredData(tag, stored_);
+  const std::vector<PackedEntry>& entries = archive.entries;
   if (entries.empty()) {
-    return Element("p", "No archive.") + "\n" + Entry("The bytes", archive);
+    return Element("p", "Not opened: " + archive.refusal) + "\n" + Entry("The bytes", DecodeBase64(tag.storedData));
   }
   std::string html = Element("p", entries.size() == 1 ? "1 entry" : std::to_string(entries.size()) + " entries") + "\n";
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    const PackedEntry& entry = entries[i];
-    opened_ += entry.bytes.size();
-    if (i == kMostListedEntries) {
-      html += Element("p", "... and " + std::to_string(entries.size() - i) + " more") + "\n";
-    }
-    if (i < kMostListedEntries) {
-      html += entry.isFolder ? Element("p", entry.name + ", a folder") + "\n" : Entry(entry.name, entry.bytes);
-    }
+  for (std::size_t i = 0; i < std::min(entries.size(), kMostListedEntries); ++i) {
+    html += entries[i].isFolder ? Element("p", entries[i].name + ", a folder") + "\n"
+                                : Entry(entries[i].name, entries[i].bytes);
   }
-  return html;
+  const std::size_t more = entries.size() - std::min(entries.size(), kMostListedEntries);
+  return html + (more == 0 ? "" : Element("p", "... and " + std::to_string(more) + " more") + "\n");
 }
 
 }  // namespace parvex::cli

@@ -1,6 +1,7 @@
 #include "cli/quote/quote_page.h"
 
 #include "cli/page/html_page.h"
+#include "cli/quote/differences_section.h"
 #include "cli/quote/folded_data.h"
 #include "cli/quote/quote_text.h"
 #include "cli/quote/tag_section.h"
@@ -10,64 +11,153 @@ namespace parvex::cli {
 namespace {
 
 const std::vector<Column> kTagColumns = {{"Tag", false, true}, {"PDSG", false}, {"Base units", true}, {"Total", true}};
-const std::vector<Column> kDifferenceColumns = {{"Where", false}, {"What", false}, {"Before", false}, {"After", false}};
+const std::vector<Column> kPairColumns = {
+    {"Tag", false, true}, {"Change", false}, {"Before", true}, {"After", true}, {"Difference", true}};
 
-// The tags with their totals, each leading to its section, and the whole total below them.
-std::string ListOfTags(const Quote& quote) {
+constexpr std::string_view kComparisonStyle = R"(
+.change { font-weight: 600; }
+section.removed { border-style: dashed; } section.removed h2 { text-decoration: line-through; }
+section.added, section.changed { border-left-width: 4px; }
+)";
+
+std::string NameOf(const Quote& quote, std::size_t place) {
+  return std::to_string(place + 1) + ". " + quote.tags[place].markFor;
+}
+
+// A list of tags, each leading to its section; `together` is the row below them.
+std::string ListOfTags(const std::vector<Column>& columns, const std::string& rows, const std::string& together) {
+  return rows.empty()
+             ? rows
+             : "<nav aria-label=\"Tags\">" + TableBegin("Tags", columns) + rows + TableEnd(together) + "</nav>\n";
+}
+
+std::string TotalsOf(const Quote& quote) {
   std::string rows;
   std::size_t units = 0;
   for (std::size_t i = 0; i < quote.tags.size(); ++i) {
     const QuoteTag& tag = quote.tags[i];
     units += tag.units.size();
-    rows += TableRow("tr", kTagColumns,
-                     {{std::to_string(i + 1) + ". " + tag.markFor, TagId(i)},
-                      tag.pdsg,
-                      std::to_string(tag.units.size()),
-                      TotalText(TotalOf(tag))});
+    rows +=
+        TableRow("tr", kTagColumns,
+                 {{NameOf(quote, i), TagId(i)}, tag.pdsg, std::to_string(tag.units.size()), TotalText(TotalOf(tag))});
   }
-  const std::string together = TableRow(
-      "tr", kTagColumns, {std::string("together"), std::string(), std::to_string(units), TotalText(TotalOf(quote))});
-  return rows.empty() ? rows
-                      : "<nav aria-label=\"Tags\">" + TableElement("Tags", kTagColumns, rows, together) + "</nav>\n";
+  const std::string all = std::to_string(units);
+  return ListOfTags(
+      kTagColumns, rows,
+      TableRow("tr", kTagColumns, {std::string("together"), std::string(), all, TotalText(TotalOf(quote))}));
 }
 
-std::string DifferencesSection(const std::vector<Difference>& differences) {
-  std::string html =
-      "<section>\n" + Element("h2", differences.empty() ? "No differences" : Counted(differences.size(), "difference"));
-  if (differences.empty()) {
-    return html + "\n</section>\n";
-  }
-  std::string rows;
-  for (const Difference& difference : differences) {
-    const std::string kind = !difference.before ? "added" : !difference.after ? "removed" : "changed";
-    rows += TableRow(
-        "tr class=\"" + kind + "\"", kDifferenceColumns,
-        {difference.where.empty() ? "quote" : difference.where, difference.what.empty() ? kind : difference.what,
-         difference.before.value_or(""), difference.after.value_or("")});
-  }
-  return html + "\n" + TableElement("Differences", kDifferenceColumns, rows) + "</section>\n";
-}
+// The page of two quotes.
+class PageOfTwo {
+ public:
+  PageOfTwo(const Quote& before, const Quote& after, const QuoteComparison& comparison, const std::string& beforeName)
+      : before_(before),
+        after_(after),
+        comparison_(comparison),
+        beforeName_(beforeName),
+        links_(comparison.differences) {}
 
-std::string Page(const Quote& quote, const std::string& above, const std::string& origin) {
-  const std::string title = quote.project.empty() ? "Quote" : quote.project;
-  std::string body =
-      Element("h1", title) + "\n" +
-      Element("p class=\"sum\"", Counted(quote.tags.size(), "tag") + ", together " + TotalText(TotalOf(quote))) + "\n" +
-      ListOfTags(quote) + above;
-  FoldedData folded;
-  for (std::size_t i = 0; i < quote.tags.size(); ++i) {
-    body += TagSection(i + 1, quote.tags[i], {TagId(i), "", "", {}}, folded);
+  void AppendTo(std::string& page) {
+    page += ListOfPairs();
+    AppendDifferences(page, comparison_.differences);
+    for (const TagPair& pair : comparison_.tags) {
+      if (pair.after) {
+        AppendLater(page, pair);
+      }
+    }
+    for (const TagPair& pair : comparison_.tags) {
+      if (!pair.after) {
+        AppendRemoved(page, *pair.before);
+      }
+    }
   }
-  return PageOf(title, "", body, origin);
+
+ private:
+  std::string ChangeOf(const TagPair& pair) const {
+    return !pair.before ? "added" : !pair.after ? "removed" : links_.FromTag(*pair.after).empty() ? "" : "changed";
+  }
+
+  std::string Row(const TagPair& pair) const {
+    const Total before = pair.before ? TotalOf(before_.tags[*pair.before]) : Total();
+    const Total after = pair.after ? TotalOf(after_.tags[*pair.after]) : Total();
+    const std::string change = ChangeOf(pair);
+    return TableRow("tr" + (change.empty() ? "" : " class=\"" + change + "\""), kPairColumns,
+                    {pair.after ? Cell(NameOf(after_, *pair.after), TagId(*pair.after))
+                                : Cell(NameOf(before_, *pair.before), RemovedTagId(*pair.before)),
+                     change.empty() ? "the same" : change, pair.before ? TotalText(before) : "",
+                     pair.after ? TotalText(after) : "", SignedAmount(after.amount - before.amount)});
+  }
+
+  // In the order of the sections.
+  std::string ListOfPairs() const {
+    std::string rows;
+    for (const bool isLater : {true, false}) {
+      for (const TagPair& pair : comparison_.tags) {
+        rows += pair.after.has_value() == isLater ? Row(pair) : "";
+      }
+    }
+    return ListOfTags(kPairColumns, rows,
+                      TableRow("tr", kPairColumns,
+                               {std::string("together"), std::string(), TotalText(comparison_.totalBefore),
+                                TotalText(comparison_.totalAfter), SignedAmount(comparison_.Change())}));
+  }
+
+  static std::string Remark(const std::string& text, const std::string& link) {
+    return "<p class=\"change\">" + Escaped(text) + link + "</p>\n";
+  }
+
+  void AppendLater(std::string& page, const TagPair& pair) {
+    const std::size_t place = *pair.after;
+    const std::string change = ChangeOf(pair);
+    const std::string remark = change == "added"     ? Remark("Added: ", links_.FromTag(place))
+                               : change == "changed" ? Remark("Changed: ", links_.FromTag(place))
+                                                     : "";
+    const auto ofUnit = [this, place](std::size_t unit) {
+      const std::string link = links_.FromUnit(place, unit);
+      return link.empty() ? link : Remark("", link);
+    };
+    AppendTagSection(page, place + 1, after_.tags[place], {TagId(place), change, remark, ofUnit}, folded_);
+  }
+
+  void AppendRemoved(std::string& page, std::size_t place) {
+    const std::string remark = Remark("Removed, it stands in " + beforeName_ + " only: ", links_.FromRemovedTag(place));
+    AppendTagSection(page, place + 1, before_.tags[place], {RemovedTagId(place), "removed", remark, {}}, folded_);
+  }
+
+  const Quote& before_;
+  const Quote& after_;
+  const QuoteComparison& comparison_;
+  const std::string& beforeName_;
+  DifferenceLinks links_;
+  FoldedData folded_;
+};
+
+std::string TitleOf(const Quote& quote) { return quote.project.empty() ? "Quote" : quote.project; }
+
+std::string Heading(const Quote& quote) {
+  return Element("h1", TitleOf(quote)) + "\n" +
+         Element("p class=\"sum\"", Counted(quote.tags.size(), "tag") + ", together " + TotalText(TotalOf(quote))) +
+         "\n";
 }
 
 }  // namespace
 
-std::string QuotePage(const Quote& quote, const std::string& fileName) { return Page(quote, "", fileName); }
+std::string QuotePage(const Quote& quote, const std::string& fileName) {
+  std::string page = PageBegin(TitleOf(quote), "") + Heading(quote) + TotalsOf(quote);
+  FoldedData folded;
+  for (std::size_t i = 0; i < quote.tags.size(); ++i) {
+    AppendTagSection(page, i + 1, quote.tags[i], {TagId(i), "", "", {}}, folded);
+  }
+  page += PageEnd(fileName);
+  return page;
+}
 
-std::string ComparisonPage(const Quote& after, const std::vector<Difference>& differences,
+std::string ComparisonPage(const Quote& before, const Quote& after, const QuoteComparison& comparison,
                            const std::string& beforeName, const std::string& afterName) {
-  return Page(after, DifferencesSection(differences), afterName + " compared with " + beforeName);
+  std::string page = PageBegin(TitleOf(after), kComparisonStyle) + Heading(after);
+  PageOfTwo(before, after, comparison, beforeName).AppendTo(page);
+  page += PageEnd(afterName + " compared with " + beforeName);
+  return page;
 }
 
 }  // namespace parvex::cli

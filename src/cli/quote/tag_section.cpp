@@ -18,36 +18,37 @@ std::string AmountOrQuestionMark(const std::optional<Hundredths>& amount) {
   return amount ? FormatAmount(*amount) : "?";
 }
 
-std::string ComponentsTable(const QuoteUnit& unit) {
+void AppendComponents(std::string& page, const QuoteUnit& unit) {
   if (unit.components.empty()) {
-    return {};
+    return;
   }
-  std::string rows;
+  page += TableBegin("Components of base unit " + unit.sequence, kComponentColumns);
   for (const QuoteComponent& component : unit.components) {
-    rows += TableRow("tr", kComponentColumns,
+    page += TableRow("tr", kComponentColumns,
                      {component.type, component.partNumber, component.quantity, FormatPrice(component.price),
                       AmountOrQuestionMark(component.Amount()), component.supplier,
                       component.description + (component.preOrder == "1" ? " (ordered ahead)" : "")});
   }
-  return TableElement("Components of base unit " + unit.sequence, kComponentColumns, rows);
+  page += TableEnd();
 }
 
-std::string UnitArticle(const QuoteUnit& unit, const std::string& id, const std::string& remark, FoldedData& folded) {
-  std::string html =
+void AppendUnit(std::string& page, const QuoteUnit& unit, const std::string& id, const std::string& remark,
+                FoldedData& folded) {
+  page +=
       "<article id=\"" + id + "\">\n" + Element("h3", "Base unit " + unit.sequence + ": " + unit.partNumber) + "\n" +
       remark +
       Element("p", unit.quantity + " \u00D7 " + FormatPrice(unit.price) + " = " + AmountOrQuestionMark(unit.Amount())) +
       "\n";
   for (const std::string& line : unit.descriptions) {
-    html += Element("p", line) + "\n";
+    page += Element("p", line) + "\n";
   }
-  std::string terms;
+  page += "<dl>\n";
   for (const QuoteAttribute& attribute : unit.attributes) {
-    terms += Term(attribute.name, attribute.value);
+    page += Term(attribute.name, attribute.value);
   }
-  terms += Term("ETO description", unit.etoDescription);
-  html += "<dl>\n" + terms + "</dl>\n";
-  return html + folded.OrderConfiguration(unit) + ComponentsTable(unit) + "</article>\n";
+  page += Term("ETO description", unit.etoDescription) + "</dl>\n" + folded.OrderConfiguration(unit);
+  AppendComponents(page, unit);
+  page += "</article>\n";
 }
 
 }  // namespace
@@ -58,19 +59,19 @@ std::string RemovedTagId(std::size_t place) { return "removed-tag-" + std::to_st
 
 std::string UnitId(const std::string& tagId, std::size_t place) { return tagId + "-unit-" + std::to_string(place + 1); }
 
-std::string TagSection(std::size_t number, const QuoteTag& tag, const TagRemarks& remarks, FoldedData& folded) {
+void AppendTagSection(std::string& page, std::size_t number, const QuoteTag& tag, const TagRemarks& remarks,
+                      FoldedData& folded) {
   const std::size_t stored = StoredBytes(tag);
-  std::string html =
-      "<section id=\"" + remarks.id + "\"" + (remarks.change.empty() ? "" : " class=\"" + remarks.change + "\"") +
-      ">\n<header>" + Element("h2", std::to_string(number) + ". " + tag.markFor) +
-      Element("span class=\"total\"", TotalText(TotalOf(tag))) + "</header>\n" + remarks.ofTag + "<dl>\n" +
-      Term("PDSG", tag.pdsg) + Term("tag id", tag.legacyTagId) + Term("build version", tag.buildVersion) +
-      Term("stored data", stored == 0 ? "none" : Counted(stored, "byte")) + "</dl>\n";
-  html += folded.StoredData(tag);
+  page += "<section id=\"" + remarks.id + "\"" + (remarks.change.empty() ? "" : " class=\"" + remarks.change + "\"") +
+          ">\n<header>" + Element("h2", std::to_string(number) + ". " + tag.markFor) +
+          Element("span class=\"total\"", TotalText(TotalOf(tag))) + "</header>\n" + remarks.ofTag + "<dl>\n" +
+          Term("PDSG", tag.pdsg) + Term("tag id", tag.legacyTagId) + Term("build version", tag.buildVersion) +
+          Term("stored data", stored == 0 ? "none" : Counted(stored, "byte")) + "</dl>\n";
+  page += folded.StoredData(tag);
   for (std::size_t i = 0; i < tag.units.size(); ++i) {
-    html += UnitArticle(tag.units[i], UnitId(remarks.id, i), remarks.ofUnit ? remarks.ofUnit(i) : "", folded);
+    AppendUnit(page, tag.units[i], UnitId(remarks.id, i), remarks.ofUnit ? remarks.ofUnit(i) : "", folded);
   }
-  return html + "</section>\n";
+  page += "</section>\n";
 }
 
 }  // namespace parvex::cli

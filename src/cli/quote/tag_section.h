@@ -23,7 +23,9 @@ struct TagRemarks {
   std::function<std::string(std::size_t unit)> ofUnit;  ///< markup below the heading of a base unit; may be empty
 };
 
-/// A tag with its base units as a section of a page; `number` is its place in its quote, counted from 1.
-std::string TagSection(std::size_t number, const QuoteTag& tag, const TagRemarks& remarks, FoldedData& folded);
+/// Puts a tag with its base units behind the page, as a section of it; `number` is its place in its quote, counted from
+/// 1. Pages may be as long as memory allows: nothing of them is held twice.
+void AppendTagSection(std::string& page, std::size_t number, const QuoteTag& tag, const TagRemarks& remarks,
+                      FoldedData& folded);
 
 }  // namespace parvex::cli

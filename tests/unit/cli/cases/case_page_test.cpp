@@ -46,8 +46,8 @@ TEST(CasePage, ShowsFilesBeforeAndAfter) {
   const std::string page = CasePage(read, "a.pvxcase");
   const auto row = [](const char* kind, const char* file, const char* before, const char* after) {
     return "<tr" + std::string(kind) + " role=\"row\"><td role=\"cell\" data-column=\"File\">" + file +
-           "</td><td role=\"cell\" class=\"n\" data-column=\"Before\">" + before +
-           "</td><td role=\"cell\" data-column=\"After\">" + after + "</td></tr>";
+           "</td><td role=\"cell\" class=\"n\" data-column=\"Before\">" + before + "</td><td role=\"cell\"" +
+           (*after == 0 ? ">" : " data-column=\"After\">" + std::string(after)) + "</td></tr>";
   };
   EXPECT_THAT(page, AllOf(HasSubstr(row(" class=\"changed\"", "drive_c/kept.ini", "10 bytes", "5 bytes at step 3")),
                           HasSubstr(row(" class=\"removed\"", "drive_c/gone.ini", "1 byte", "removed")),

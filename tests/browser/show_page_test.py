@@ -157,7 +157,10 @@ class Pages(unittest.TestCase):
     def test_shows_hostile_differences_and_file_names_as_they_are(self):
         named = self.folder / f"<img src=x onerror={RAN}>.xml"
         named.write_bytes(self.quote.read_bytes())
-        page = self.opened(self.show(named, self.hostile_quote(), status=1))
+        shown = self.show(named, self.hostile_quote(), status=1)
+        for size in (DESKTOP, PHONE):
+            self.assertEqual(size[0], self.measured(shown, size)["width"])
+        page = self.opened(shown)
         self.assert_made_of_nothing_else(page)
         self.assertIn(str(named), page.texts("footer")[0])
         shown = [cells_of(row) for row in differences_in(list(page.every("section"))[0])]

@@ -19,7 +19,7 @@ const std::vector<Column> kStoredColumns = {{"Entry, value", false, true}, {"Bef
 std::string DifferenceId(std::size_t row) { return "difference-" + std::to_string(row + 1); }
 
 // Of the section that looks into stored data.
-std::string StoredId(std::size_t row) { return "stored-" + std::to_string(row + 1); }
+std::string StoredDataId(std::size_t row) { return "stored-" + std::to_string(row + 1); }
 
 // What a difference is about: the base unit where both quotes have it, else its tag; nothing for the project.
 std::string TargetOf(const Difference& difference) {
@@ -51,7 +51,7 @@ std::string RowOf(std::size_t row, const Difference& difference) {
   const auto [before, after] = ShownValues(difference);
   return TableRow("tr class=\"" + kind + "\" id=\"" + DifferenceId(row) + "\"", kDifferenceColumns,
                   {{difference.where.empty() ? "quote" : difference.where, TargetOf(difference)},
-                   {difference.what.empty() ? whole : difference.what, difference.stored ? StoredId(row) : ""},
+                   {difference.what.empty() ? whole : difference.what, difference.stored ? StoredDataId(row) : ""},
                    before,
                    after});
 }
@@ -59,7 +59,7 @@ std::string RowOf(std::size_t row, const Difference& difference) {
 std::string SizeText(const std::optional<std::size_t>& bytes) { return bytes ? Counted(*bytes, "byte") : ""; }
 
 // A value of a stored text may be a whole file.
-std::string ShortValue(const std::optional<std::string>& value) {
+std::string ShortCell(const std::optional<std::string>& value) {
   constexpr std::size_t kLongestValue = 200;
   const std::string_view begin = value ? FirstUnits(*value, kLongestValue) : "";
   return std::string(begin) + (value && begin.size() < value->size() ? "\u2026" : "");
@@ -70,12 +70,12 @@ void AppendEntry(std::string& page, const StoredEntryDifference& entry) {
       "tr class=\"" + KindOf(entry.before, entry.after) + "\"", kStoredColumns,
       {entry.name + (entry.note.empty() ? "" : ": " + entry.note), SizeText(entry.before), SizeText(entry.after)});
   for (const ContentDifference& value : entry.contents) {
-    page += TableRow("tr", kStoredColumns, {value.path, ShortValue(value.before), ShortValue(value.after)});
+    page += TableRow("tr", kStoredColumns, {value.path, ShortCell(value.before), ShortCell(value.after)});
   }
 }
 
 void AppendStored(std::string& page, std::size_t row, const Difference& difference) {
-  page += "<details id=\"" + StoredId(row) + "\">" +
+  page += "<details id=\"" + StoredDataId(row) + "\">" +
           Element("summary", difference.where + ": what differs in the stored data") + "\n";
   if (!difference.stored->entries.empty()) {
     page += TableBegin("Stored data of " + difference.where, kStoredColumns);

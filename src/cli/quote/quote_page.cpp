@@ -20,7 +20,7 @@ section.removed { border-style: dashed; } section.removed h2 { text-decoration: 
 section.added, section.changed { border-left-width: 4px; }
 )";
 
-std::string NameOf(const Quote& quote, std::size_t place) {
+std::string NumberedName(const Quote& quote, std::size_t place) {
   return std::to_string(place + 1) + ". " + quote.tags[place].markFor;
 }
 
@@ -37,9 +37,9 @@ std::string TotalsOf(const Quote& quote) {
   for (std::size_t i = 0; i < quote.tags.size(); ++i) {
     const QuoteTag& tag = quote.tags[i];
     units += tag.units.size();
-    rows +=
-        TableRow("tr", kTagColumns,
-                 {{NameOf(quote, i), TagId(i)}, tag.pdsg, std::to_string(tag.units.size()), TotalText(TotalOf(tag))});
+    rows += TableRow(
+        "tr", kTagColumns,
+        {{NumberedName(quote, i), TagId(i)}, tag.pdsg, std::to_string(tag.units.size()), TotalText(TotalOf(tag))});
   }
   const std::string all = std::to_string(units);
   return ListOfTags(
@@ -82,8 +82,8 @@ class PageOfTwo {
     const Total after = pair.after ? TotalOf(after_.tags[*pair.after]) : Total();
     const std::string change = ChangeOf(pair);
     return TableRow("tr" + (change.empty() ? "" : " class=\"" + change + "\""), kPairColumns,
-                    {pair.after ? Cell(NameOf(after_, *pair.after), TagId(*pair.after))
-                                : Cell(NameOf(before_, *pair.before), RemovedTagId(*pair.before)),
+                    {pair.after ? Cell(NumberedName(after_, *pair.after), TagId(*pair.after))
+                                : Cell(NumberedName(before_, *pair.before), RemovedTagId(*pair.before)),
                      change.empty() ? "the same" : change, pair.before ? TotalText(before) : "",
                      pair.after ? TotalText(after) : "", SignedAmount(after.amount - before.amount)});
   }

@@ -34,6 +34,9 @@ UPGRADE_CODES = {"x64": "{1D5C0B0E-33E7-4E0B-8C1C-0E0F7D8B6A64}", "x86": "{1D5C0
 APPLICATION = "{5C1C5A5E-3A2F-4A4B-9F4D-276E0BD1C047}"
 NAMESPACE = uuid.UUID("6a1f0e52-78f4-4f0e-9f0f-0f4f3f1c5e01")
 FILES = ["Parvex.dll", "Parvex.tlb", "Parvex.Component.manifest", "parvex.exe", "LICENSE.txt"]
+# The program of the other bitness: its name, and whether the system runs it.
+OTHER_PROGRAMS = {"x64": ("parvex32.exe", ""), "x86": ("parvex64.exe", "VersionNT64")}
+OTHER_SOURCE = "other/parvex.exe"
 DLL = "[#ParvexDll]"
 # Where 64-bit programs do not see the programmatic ids, type libraries and applications that 32-bit ones see: before
 # Windows 7, and on Wine before 10. (Wine that has one key for both shows 32-bit programs what 64-bit ones know of texts.)
@@ -45,12 +48,14 @@ PROPERTIES = ["ONE_CLASSES_KEY", "WIX_UPGRADE_DETECTED", "WIX_DOWNGRADE_DETECTED
 
 @dataclass
 class Component:
-    """What is installed and removed together, where the user chose it and the system needs it. `values` are (root, key,
-    value name, type, value); `path` names the environment's variable that gets the folder behind its value."""
+    """What is installed and removed together, where the user chose it and the system needs it. `source` is the file's
+    name where it is built, if it is another. `values` are (root, key, value name, type, value); `path` names the
+    environment's variable that gets the folder behind its value."""
     name: str
     guid: str
     in_64_bit_view: bool
     file: str = ""
+    source: str = ""
     choice: str = ""
     system: str = ""
     values: list = field(default_factory=list)
@@ -66,7 +71,7 @@ class Component:
         yield f'          <Component Id="{self.name}" Guid="{self.guid}"{win64}>'
         if self.file:
             yield (f'            <File Id="{file_identifier(self.file)}" Name="{self.file}"'
-                   f' Source="$(var.BIN)/{self.file}" KeyPath="yes"/>')
+                   f' Source="$(var.BIN)/{self.source or self.file}" KeyPath="yes"/>')
         for i, (root, key, name, kind, value) in enumerate(self.values):
             named = f" Name={quoteattr(name)}" if name else ""
             key_path = ' KeyPath="yes"' if i == 0 and not self.file else ""
@@ -155,6 +160,9 @@ def components(library, architecture):
             platform = "win64" if x64 else "win32"
             file_component.values.append(text(f"{library_key(library)}\\0\\{platform}", "", DLL))
         yield file_component
+    program, system = OTHER_PROGRAMS[architecture]
+    yield Component("OtherProgram", identifier("component", program, architecture), x64, file=program, source=OTHER_SOURCE,
+                    system=system)
 
     def own(name, values, choice="", system=""):
         return Component(name, identifier("component", name, architecture), x64, choice=choice, system=system,

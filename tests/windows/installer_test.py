@@ -76,12 +76,15 @@ def main():
         wine.run("msiexec", "/i", wine.windows_path(msi), "/qn")
         installed = wine.drive_c() / "Program Files" / "Parvex"
         names = {path.name for path in installed.iterdir()}
-        check(names == {"Parvex.dll", "Parvex.tlb", "Parvex.Component.manifest", "parvex.exe", "LICENSE.txt"},
-              "the files are installed")
+        wanted = {"Parvex.dll", "Parvex.tlb", "Parvex.Component.manifest", "parvex.exe", "LICENSE.txt"}
+        if is_64_bit_windows():
+            wanted.add(OTHER_PROGRAM[architecture])
+        check(names == wanted, "the files are installed", names)
         check("PASS" in run_script(scratch), "a script creates and uses the installed classes")
         machine = subprocess.run([Path(native_bin) / "parvex", "commands"], capture_output=True).stdout
         program = wine.run(installed / "parvex.exe", "commands").stdout.replace(b"\r\n", b"\n")
         check(program == machine, "the installed program runs")
+        check_both_bitnesses(installed, architecture)
         after_installing = classes()
 
         wine.run("msiexec", "/x", wine.windows_path(msi), "/qn")
@@ -101,6 +104,33 @@ def main():
         check(of_parvex(after_installing) == of_parvex(registered),
               "the installer registers the classes as the DLL does itself",
               difference(of_parvex(registered), of_parvex(after_installing)))
+
+
+OTHER_PROGRAM = {"x64": "parvex32.exe", "x86": "parvex64.exe"}
+PROCESSORS = {"x64": b"\x64\x86", "x86": b"\x4C\x01"}
+
+
+def is_64_bit_windows():
+    return wine.run("cmd", "/c", "echo %PROCESSOR_ARCHITECTURE%").stdout.strip() != b"x86"
+
+
+def processor_of(program):
+    content = program.read_bytes()
+    header = int.from_bytes(content[0x3C:0x40], "little")
+    return content[header + 4:header + 6]
+
+
+def check_both_bitnesses(installed, architecture):
+    """The program of the other bitness lies beside, and the doctor says whom to ask. (It runs on a Windows only that runs
+    programs of both.)"""
+    check(processor_of(installed / "parvex.exe") == PROCESSORS[architecture], "the program has the installer's bitness")
+    told = wine.run(installed / "parvex.exe", "doctor", check=False).stdout.decode()
+    if not is_64_bit_windows():
+        check("; for what" not in told, "the doctor sends nobody to a program that does not run", told)
+        return
+    other = installed / OTHER_PROGRAM[architecture]
+    check(processor_of(other) == PROCESSORS["x86" if architecture == "x64" else "x64"], "the other has the other one")
+    check(f"-bit hosts see, ask C:\\Program Files\\Parvex\\{other.name}" in told, "the doctor names it", told)
 
 
 NOBODY = "{11111111-2222-3333-4444-555555555555}"

@@ -470,6 +470,29 @@ def lint_seeds(chance):
     return [text.encode() for text in documents] + [whole.encode("utf-16"), whole.encode("utf-16-le")]
 
 
+# --- open ---
+
+def open_seeds(chance):
+    texts = [b"<PROJECT><TAGS><TAG><ATTRIBUTES_LIST><BLOB>UEsDBA==</BLOB></ATTRIBUTES_LIST></TAG></TAGS></PROJECT>",
+             b"<SAPDATA><CHARACTERISTIC NAME='a' VALUE='b'/></SAPDATA>", b"<a><b></a>",
+             b"<COMMAND><NAME>getOptions</NAME><PARAMETER><NAME>n</NAME></PARAMETER></COMMAND>",
+             b"<LegacyORLA><returnError>-1</returnError></LegacyORLA>", b"<Tools><Option/></Tools>", b"<?xml version='1.0'?><x/>",
+             b"REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\A]\r\n\"b\"=\"c\"\r\n@=\"\x1b\"\r\n", b"[a]\r\nb=c\r\n\x1b=\x9b\r\n",
+             b"[Header]\r\nAction=OK\r\n[PartNumber1]\r\nPartNumber=A\r\n[Accessory1]\r\nPartNumber:1=B\r\n",
+             b"[Header]\n[Partnumber1]\nfilename=x\n", b"a=b\nc=d\n", b'{"kind":"router","request":"<a/>"}\n{"kind":"no',
+             b'{"a": [1, null], "\\u001b": {}}', b"[1, 2]", b"[" * 200, b"PK\3\4", b"", b"text"]
+    texts += [text.decode("latin-1").encode("utf-16") for text in texts[:12]]
+    texts.append(b"\0\1\0\0Standard Jet DB\0\1".ljust(4096 * 4, b"\0"))
+    inputs = texts + archive_seeds(chance)[:30]
+    inputs += [archive_of([("Tag", text), ("inner", archive_of([("a", text)]))]) for text in texts]
+    inputs.append(archive_of([("case.json", b"{}"), ("journal.jsonl", b"")]))
+    for text in texts[:12]:
+        changed = bytearray(text)
+        changed[chance.randrange(len(changed))] ^= 1 << chance.randrange(8)
+        inputs.append(bytes(changed))
+    return inputs
+
+
 def main(target, folder):
     makers = {name[:-len("_seeds")]: maker for name, maker in globals().items() if name.endswith("_seeds")}
     if target not in makers:

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "formats/jet/catalogue.h"
 #include "formats/text/letter_case.h"
 #include "replay/same_database.h"
 #include "replay/same_text.h"
@@ -74,7 +75,7 @@ bool SameContent(std::string_view expected, std::string_view actual, bool asXml)
   if (expected == actual) {
     return true;
   }
-  if (LooksLikeDatabase(expected) && LooksLikeDatabase(actual)) {
+  if (jet::LooksLikeDatabase(expected) && jet::LooksLikeDatabase(actual)) {
     return SameDatabase(expected, actual);
   }
   return asXml && SameDocument(expected, actual);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "formats/jet/catalogue.h"
 #include "formats/jet/decoder.h"
 #include "seams/automation_error.h"
 
@@ -40,33 +41,15 @@ Content ContentOf(const jet::Table& table) {
 }
 
 std::map<std::string, Content> TablesOf(std::string_view bytes) {
-  constexpr std::string_view kOfEngine = "MSys";
-  constexpr std::uint32_t kPageOfId = 0x00FFFFFF;
   const jet::File file{std::string(bytes), "database"};
-  const jet::Table catalogue = jet::DecodeTable(file, jet::kCataloguePage);
-  const auto id = catalogue.Definition().FindColumn("Id");
-  const auto type = catalogue.Definition().FindColumn("Type");
-  const auto name = catalogue.Definition().FindColumn("Name");
   std::map<std::string, Content> tables;
-  if (!id || !type || !name) {
-    return tables;
-  }
-  for (const jet::TextRow& row : catalogue.Rows()) {
-    const auto& [idText, typeText, nameText] = std::tie(row.texts[*id], row.texts[*type], row.texts[*name]);
-    if (idText && nameText && typeText == std::to_string(jet::kTableObject) && !nameText->starts_with(kOfEngine)) {
-      const auto page = static_cast<std::uint32_t>(std::stol(*idText)) & kPageOfId;
-      tables[*nameText] = ContentOf(jet::DecodeTable(file, page));
-    }
+  for (const jet::NamedTable& table : jet::UserTables(file)) {
+    tables[table.name] = ContentOf(jet::DecodeTable(file, table.definitionPage));
   }
   return tables;
 }
 
 }  // namespace
-
-bool LooksLikeDatabase(std::string_view bytes) {
-  constexpr std::string_view kMark{"\0\1\0\0Standard Jet DB\0", 20};
-  return bytes.starts_with(kMark);
-}
 
 bool SameDatabase(std::string_view one, std::string_view other) {
   try {

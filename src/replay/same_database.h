@@ -4,9 +4,6 @@
 
 namespace parvex::replay {
 
-/// Whether the bytes begin as a Jet database does.
-bool LooksLikeDatabase(std::string_view bytes);
-
 /// Whether two databases have the same tables with the same columns and rows, whatever their order: engines lay the
 /// same content out in many ways. False for what cannot be read.
 bool SameDatabase(std::string_view one, std::string_view other);

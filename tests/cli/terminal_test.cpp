@@ -70,6 +70,7 @@ TEST_F(Terminals, ArgumentsThatAnErrorNames) {
       {"return", kAnywhere, "--tag", kAnywhere},
       {"show", kAnywhere},
       {"show", kAnywhere, kAnywhere},
+      {"open", kAnywhere},
       {"--journal", "/" + kAnywhere + "/x", "doctor"},
       {"--replay", kAnywhere, "doctor"},
       {"base64", "encode", kAnywhere},
@@ -101,9 +102,18 @@ TEST_F(Terminals, NamesInQuotesAndInTheirDifferences) {
   const std::string after = Write("after.xml", Quote(kInDocument + "2"));
   ExpectShown({"show", before});
   ExpectShown({"show", before, after});
+  ExpectShown({"open", before});
+  ExpectShown({"open", before, "--json"});
   ExpectShown({"return", Write("other.xml", "<seen/>")});
   ExpectShown({"return", Write("failed.xml", "<LegacyORLA><returnError>-1</returnError><errorMessage>" + kInDocument +
                                                  "</errorMessage></LegacyORLA>")});
+}
+
+TEST_F(Terminals, WhatLiesInAFileThatIsOpened) {
+  const std::string named = Write("ini", "[" + kAnywhere + "]\n" + kAnywhere + "=" + kAnywhere + "\n");
+  ExpectShown({"open", named});
+  ExpectShown({"open", "--json", named});
+  ExpectShown({"open", Write("journal", "{\"kind\":\"" + kInDocument + "\"}\n")});
 }
 
 TEST_F(Terminals, FailedRepliesBoxesAndErrorsOfCalls) {

@@ -60,6 +60,7 @@ CommandLine::CommandLine()
   AddExport();
   AddReturn();
   AddShow();
+  AddOpen();
   AddDoctor();
   AddBase64();
   AddMachines();
@@ -134,6 +135,17 @@ void CommandLine::AddShow() {
   command->add_option("FILE", show_.file, "The Hybris document; - for standard input")->required()->type_name("");
   command->add_option("LATER", show_.later, "A later one, to be compared with it")->type_name("");
   command->add_option("--html", show_.html, "Write one page for a browser instead")->type_name("FILE");
+}
+
+void CommandLine::AddOpen() {
+  CLI::App* command = Add(app_, "open", "Tell what a file is and what is in it", [this] { return Open(open_); });
+  command
+      ->add_option("FILE", open_.file,
+                   "A quote, stored data of a tag, an archive, a database, a journal, a case and so on; - for standard "
+                   "input")
+      ->required()
+      ->type_name("");
+  command->add_flag("--json", open_.json, "Write it as JSON");
 }
 
 void CommandLine::AddDoctor() {

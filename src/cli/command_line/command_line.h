@@ -12,6 +12,7 @@
 #include "cli/commands/export_command.h"
 #include "cli/commands/lint_command.h"
 #include "cli/commands/mask_command.h"
+#include "cli/commands/open_command.h"
 #include "cli/commands/reference_command.h"
 #include "cli/commands/return_command.h"
 #include "cli/commands/router_ids_command.h"
@@ -45,6 +46,7 @@ class CommandLine {
   void AddExport();
   void AddReturn();
   void AddShow();
+  void AddOpen();
   void AddDoctor();
   void AddRouterIds();
   void AddRecording();
@@ -61,6 +63,7 @@ class CommandLine {
   ReturnOptions return_;
   ShowOptions show_;
   DoctorOptions doctor_;
+  OpenOptions open_;
   std::string base64File_ = "-";
   std::string newMachine_;
   RouterIdsOptions routerIds_;

@@ -19,11 +19,18 @@ namespace {
   throw UsageError("cannot read " + name + ": " + std::strerror(errno));
 }
 
-std::string ReadStandardInput() {
+[[noreturn]] void TooLarge(const std::string& name, std::size_t most) {
+  throw UsageError(name + " has more than " + std::to_string(most) + " bytes");
+}
+
+std::string ReadStandardInput(std::size_t most) {
   std::string bytes;
   char block[1 << 16];
   for (std::size_t count = 0; (count = std::fread(block, 1, sizeof block, stdin)) > 0;) {
     bytes.append(block, count);
+    if (bytes.size() > most) {
+      TooLarge("standard input", most);
+    }
   }
   if (std::ferror(stdin) != 0) {
     CannotRead("standard input");
@@ -59,9 +66,9 @@ std::size_t WholeCharacters(std::string_view bytes) {
 
 }  // namespace
 
-std::string ReadInput(const std::string& fileName) {
+std::string ReadInput(const std::string& fileName, std::size_t most) {
   if (fileName == "-") {
-    static const std::string standardInput = ReadStandardInput();
+    static const std::string standardInput = ReadStandardInput(most);
     return standardInput;
   }
   std::ifstream file(PathOf(fileName), std::ios::binary);
@@ -69,6 +76,9 @@ std::string ReadInput(const std::string& fileName) {
   char block[1 << 16];
   while (file.read(block, sizeof block) || file.gcount() > 0) {
     bytes.append(block, static_cast<std::size_t>(file.gcount()));
+    if (bytes.size() > most) {
+      TooLarge(fileName, most);
+    }
   }
   if (file.bad() || !file.is_open()) {
     CannotRead(fileName);

@@ -21,6 +21,9 @@ class RegistryText {
   RegistryText() = default;
   RegistryText(std::string_view bytes, CodePage& codePage);
 
+  /// Everything, with key and value names folded.
+  const Keys& All() const { return keys_; }
+
   /// A key with its hive ("HKEY_LOCAL_MACHINE\SOFTWARE\..."); letter case and extra backslashes do not matter. The
   /// default value has the empty name.
   std::optional<std::string> Value(std::string_view key, std::string_view valueName) const;

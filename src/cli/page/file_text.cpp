@@ -10,11 +10,10 @@ namespace parvex::cli {
 
 std::optional<std::string> TextOfFile(std::string_view bytes) {
   std::optional<std::string> text = MarkedText(bytes);
-  if (!text) {
-    text = IsWellFormed(bytes) ? std::string(bytes) : posix::Windows1252().FromAnsi(bytes);
-  }
-  const bool isText = std::ranges::none_of(
-      *text, [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\r' && c != '\n'; });
+  text = text ? WellFormed(*text) : IsWellFormed(bytes) ? std::string(bytes) : posix::Windows1252().FromAnsi(bytes);
+  const bool isText = std::ranges::all_of(*text, [](char c) {
+    return static_cast<unsigned char>(c) >= 0x20 || c == '\t' || c == '\r' || c == '\n' || c == '\f';
+  });
   return isText ? text : std::nullopt;
 }
 

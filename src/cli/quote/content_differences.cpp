@@ -7,11 +7,9 @@
 #include <unordered_map>
 #include <utility>
 
+#include "cli/page/file_text.h"
 #include "cli/quote/changed_runs.h"
-#include "formats/text/encoded_text.h"
 #include "formats/text/text.h"
-#include "formats/text/unicode.h"
-#include "formats/text/windows_1252.h"
 #include "formats/text/xml_pieces.h"
 #include "seams/xml.h"
 
@@ -138,18 +136,6 @@ Content LinesOf(std::string_view text, Names& names) {
   return content;
 }
 
-// The bytes as text; nothing where they are none.
-std::optional<std::string> AsText(std::string_view bytes) {
-  std::optional<std::string> marked = MarkedText(bytes);
-  std::string text = marked                ? WellFormed(*marked)
-                     : IsWellFormed(bytes) ? std::string(bytes)
-                                           : posix::Windows1252().FromAnsi(bytes);
-  const bool isText = std::ranges::all_of(text, [](char c) {
-    return static_cast<unsigned char>(c) >= 0x20 || c == '\t' || c == '\r' || c == '\n' || c == '\f';
-  });
-  return isText ? std::optional(std::move(text)) : std::nullopt;
-}
-
 bool IsPlainXml(std::string_view text) {
   return text.find("<!DOCTYPE") == std::string_view::npos && !xml::Document::Parse(text).IsEmpty();
 }
@@ -224,8 +210,8 @@ ContentComparison CompareContents(std::string_view before, std::string_view afte
   if (std::max(before.size(), after.size()) > kLargestComparedContent) {
     return Noted(kTooLarge);
   }
-  const std::optional<std::string> first = AsText(before);
-  const std::optional<std::string> last = AsText(after);
+  const std::optional<std::string> first = TextOfFile(before);
+  const std::optional<std::string> last = TextOfFile(after);
   if (!first || !last) {
     return Noted("no text");
   }

@@ -16,6 +16,7 @@ TEST(FileText, IsUtf8OrWhatAMarkTellsOrElseAnsi) {
                                    "a\0",
                                    4)),
             "a");
+  EXPECT_EQ(TextOfFile("\xEF\xBB\xBF\xFF"), "\uFFFD") << "where the mark lies";
   EXPECT_EQ(TextOfFile(""), "");
 }
 

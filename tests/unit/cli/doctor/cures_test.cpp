@@ -2,24 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/unit/cli/doctor/windows_look.h"
+
 namespace parvex::cli {
 namespace {
-
-/// A Windows with this program in both bitnesses.
-class WindowsLook : public MachineLook {
- public:
-  Application WhoAnswers() override { return Application::Installed; }
-  std::optional<Server> ServerOf(std::string_view, Programs) override { return std::nullopt; }
-  Engine XmlParser() override { return {}; }
-  Engine DatabaseEngine() override { return {}; }
-  std::string WhyNotStarted(std::string_view) override { return {}; }
-  std::string OtherProgram() override { return "C:\\Program Files\\Parvex\\parvex32.exe"; }
-  std::string OwnPath(std::string_view path) override { return std::string(path); }
-  std::string MachineFolder() override { return {}; }
-  bool IsSampleMachine() override { return false; }
-  std::string SubstituteWorkflow() override { return {}; }
-  std::vector<PrivateFolder> PrivateFolders() override { return {}; }
-};
 
 TEST(CuresOnWindows, AreCommandsOfTheCommandPrompt) {
   WindowsLook look;

@@ -6,6 +6,7 @@
 #include "cli/host/exit_status.h"
 #include "cli/quote/quote.h"
 #include "cli/quote/quote_differences.h"
+#include "cli/quote/quote_json.h"
 #include "cli/quote/quote_page.h"
 #include "cli/quote/quote_text.h"
 #include "fuzz/fuzz_input.h"
@@ -28,7 +29,7 @@ std::optional<Quote> QuoteIn(std::string_view bytes) {
   }
 }
 
-void Look(const std::string& text) {
+void Look(std::string_view text) {
   const auto isControl = [](char c) { return c != '\n' && (static_cast<unsigned char>(c) < 0x20 || c == '\x7F'); };
   Require(std::none_of(text.begin(), text.end(), isControl), "what is shown holds no control characters");
 }
@@ -36,6 +37,7 @@ void Look(const std::string& text) {
 void Show(const Quote& quote) {
   Look(cli::QuoteAsText(quote, false));
   Require(cli::QuotePage(quote, "quote.xml").find("<script") == std::string::npos, "a page holds no script");
+  cli::WriteQuoteJson(quote, "quote.xml", Look);
   Require(cli::Compare(quote, quote).differences.empty(), "a quote does not differ from itself");
 }
 
@@ -55,6 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (before && after) {
     const cli::QuoteComparison comparison = cli::Compare(*before, *after);
     Look(cli::ComparisonAsText(comparison, false));
+    cli::WriteComparisonJson(*before, "before.xml", *after, "after.xml", comparison, Look);
     cli::ComparisonPage(*before, *after, comparison, "before.xml", "after.xml");
   }
   return 0;

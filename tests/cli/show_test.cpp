@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include "codec/bin_encoder.h"
 #include "formats/text/text.h"
 #include "formats/zip/zip_writer.h"
@@ -232,6 +234,29 @@ TEST_F(Show, OfStoredDataThatDifferTellsTheEntriesAndTheirXml) {
                                      "        ~ Application/Product/@TagVersion  \"4.7\" -> \"4.8.1\"\n"
                                      "    - a.dat  7 bytes\n"
                                      "    + b.dat  7 bytes\n"));
+}
+
+TEST_F(Show, WritesTheQuoteAndTheDifferencesAsJson) {
+  const std::string before = Write("before.xml", Document({.markFor = "A\xC2\x9B"
+                                                                      "1"}));
+  const std::string after = Write("after.xml", Document({.components = ""}));
+  const Outcome one = RunParvex({"show", "--json", before});
+  EXPECT_EQ(one.status, 0) << one.err;
+  EXPECT_THAT(one.out, AllOf(HasSubstr(R"("markFor": "A\u009B1")"), HasSubstr(R"("amount": "24.00")")))
+      << "what would control a terminal is written as an escape sequence of JSON";
+  const nlohmann::json quote = nlohmann::json::parse(one.out);
+  EXPECT_EQ(quote["file"], before);
+  EXPECT_EQ(quote["tags"][0]["units"][0]["attributes"][1],
+            nlohmann::json({{"element", "ETO"}, {"name", "engineered to order"}, {"value", "no"}}));
+
+  const Outcome both = RunParvex({"show", before, after, "--json"});
+  EXPECT_EQ(both.status, 1) << both.err;
+  EXPECT_EQ(nlohmann::json::parse(both.out)["before"], quote);
+  EXPECT_EQ(nlohmann::json::parse(both.out)["differences"].size(), 2u);
+  const Outcome same = RunParvex({"show", before, before, "--json"});
+  EXPECT_EQ(same.status, 0);
+  EXPECT_EQ(nlohmann::json::parse(same.out)["differences"], nlohmann::json::array());
+  EXPECT_EQ(RunParvex({"show", before, "--json", "--html", PageName()}).status, 2);
 }
 
 TEST_F(Show, WritesAPageThatNeedsNothingBesideIt) {

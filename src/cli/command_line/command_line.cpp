@@ -134,7 +134,8 @@ void CommandLine::AddShow() {
                           [this] { return Show(show_); });
   command->add_option("FILE", show_.file, "The Hybris document; - for standard input")->required()->type_name("");
   command->add_option("LATER", show_.later, "A later one, to be compared with it")->type_name("");
-  command->add_option("--html", show_.html, "Write one page for a browser instead")->type_name("FILE");
+  CLI::Option* json = command->add_flag("--json", show_.json, "Write it as JSON, for other programs");
+  command->add_option("--html", show_.html, "Write one page for a browser instead")->type_name("FILE")->excludes(json);
 }
 
 void CommandLine::AddOpen() {

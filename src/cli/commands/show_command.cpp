@@ -5,6 +5,7 @@
 #include "cli/quote/quote.h"
 #include "cli/quote/quote_differences.h"
 #include "cli/quote/quote_file.h"
+#include "cli/quote/quote_json.h"
 #include "cli/quote/quote_page.h"
 #include "cli/quote/quote_text.h"
 #include "cli/terminal/colours.h"
@@ -29,16 +30,22 @@ ExitStatus Show(const ShowOptions& options) {
   const Quote last = ReadQuote(ReadQuoteDocument(lastName), lastName);
   const bool isPage = !options.html.empty();
   if (options.later.empty()) {
-    const std::string shown = isPage ? QuotePage(last, lastName) : QuoteAsText(last, TakesColours(stdout));
-    Write(options, shown);
+    if (options.json) {
+      WriteQuoteJson(last, lastName, WriteText);
+    } else {
+      Write(options, isPage ? QuotePage(last, lastName) : QuoteAsText(last, TakesColours(stdout)));
+    }
     return kReply;
   }
   const std::string& firstName = options.file;
   const Quote first = ReadQuote(ReadQuoteDocument(firstName), firstName);
   const QuoteComparison comparison = Compare(first, last);
-  const std::string shown = isPage ? ComparisonPage(first, last, comparison, firstName, lastName)
-                                   : ComparisonAsText(comparison, TakesColours(stdout));
-  Write(options, shown);
+  if (options.json) {
+    WriteComparisonJson(first, firstName, last, lastName, comparison, WriteText);
+  } else {
+    Write(options, isPage ? ComparisonPage(first, last, comparison, firstName, lastName)
+                          : ComparisonAsText(comparison, TakesColours(stdout)));
+  }
   return comparison.differences.empty() ? kReply : kFailedReply;
 }
 

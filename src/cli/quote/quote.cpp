@@ -51,16 +51,16 @@ QuoteAttribute Named(const std::string& element, const std::string& text) {
                                                                       {"ETO", "engineered to order"}};
   for (const auto& [name, label] : kTexts) {
     if (element == name) {
-      return {std::string(label), text};
+      return {std::string(label), text, element};
     }
   }
   for (const auto& [name, label] : kFlags) {
     if (element == name) {
-      return {std::string(label), text == "1" ? "yes" : text == "0" ? "no" : text};
+      return {std::string(label), text == "1" ? "yes" : text == "0" ? "no" : text, element};
     }
   }
   constexpr std::string_view kNumbered = "ATTRIBUTE";
-  return {element.starts_with(kNumbered) ? "attribute " + element.substr(kNumbered.size()) : element, text};
+  return {element.starts_with(kNumbered) ? "attribute " + element.substr(kNumbered.size()) : element, text, element};
 }
 
 QuoteComponent ReadComponent(const xml::Node& element) {

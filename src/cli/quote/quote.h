@@ -26,8 +26,9 @@ struct QuoteComponent {
 
 /// A value under its name.
 struct QuoteAttribute {
-  std::string name;
-  std::string value;
+  std::string name;          ///< as people call it
+  std::string value;         ///< of a flag "yes" or "no"
+  std::string element = {};  ///< the document's name of it
 };
 
 struct QuoteUnit {

@@ -126,6 +126,7 @@ TEST(QuoteDifferences, NeverLookAtAnIdThatWasCounted) {
   after.tags[0].buildVersion = "4.7";
   EXPECT_THAT(Differences(before, after), ElementsAre("tag AHU-1|build version: \"\" -> \"4.7\""))
       << "the stored one is another id than the counted one, and no change of it";
+  after = before;
   after.tags[0].markFor = "AHU-9";
   EXPECT_THAT(Differences(before, after),
               ElementsAre("tag AHU-1|: \"RTU47\" -> nothing", "tag AHU-9|: nothing -> \"RTU47\""))

@@ -1,9 +1,11 @@
 """A browser without a window, Chromium, cut off from the network."""
 
 import os
+import pathlib
 import shutil
 import subprocess
 import sys
+import tempfile
 import unittest
 
 import dom
@@ -39,6 +41,21 @@ def browse(page, size, home, *options):
 def opened(page, size, home):
     """The tree that the browser makes of a page."""
     return dom.read(browse(page, size, home, "--dump-dom"))
+
+
+def folder_of(tests):
+    """A new folder for the tests of a class, which goes with them."""
+    folder = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)
+    tests.addClassCleanup(folder.cleanup)
+    return pathlib.Path(folder.name)
+
+
+def exported_quote(parvex, folder):
+    """The quote of a new sample machine, which stays in the folder."""
+    quote = folder / "quote.xml"
+    run(parvex, "machine", "create", folder / "machine")
+    run(parvex, "--machine", folder / "machine", "export", "--project", "Riverside Clinic", "-o", quote)
+    return quote
 
 
 def run(*arguments, status=0, environment=None):

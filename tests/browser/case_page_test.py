@@ -5,9 +5,7 @@
 """
 
 import json
-import pathlib
 import sys
-import tempfile
 import unittest
 import zipfile
 from xml.sax.saxutils import escape
@@ -74,9 +72,7 @@ STEPS = lines(
 class Pages(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)
-        cls.addClassCleanup(folder.cleanup)
-        cls.folder = pathlib.Path(folder.name)
+        cls.folder = browser.folder_of(cls)
 
     # What is on the page.
 

@@ -8,9 +8,7 @@ The browser is Chromium, cut off from the network. Ends with 77, which ctest cou
 
 import base64
 import json
-import pathlib
 import sys
-import tempfile
 import unittest
 from decimal import ROUND_HALF_UP, Decimal
 from xml.etree import ElementTree
@@ -63,12 +61,8 @@ onload = () => {
 class Pages(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)
-        cls.addClassCleanup(folder.cleanup)
-        cls.folder = pathlib.Path(folder.name)
-        run(parvex, "machine", "create", cls.folder / "machine")
-        cls.quote = cls.folder / "quote.xml"
-        run(parvex, "--machine", cls.folder / "machine", "export", "--project", "Riverside Clinic", "-o", cls.quote)
+        cls.folder = browser.folder_of(cls)
+        cls.quote = browser.exported_quote(parvex, cls.folder)
 
     # What is on the page.
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/terminal/printable.h"
+#include "formats/text/escaped_markup.h"
 #include "formats/text/text.h"
 #include "version.h"
 
@@ -68,32 +69,11 @@ footer { color: var(--dim); font-size: .85rem; }
 // Nothing of a page is loaded from elsewhere, and nothing in it may run.
 constexpr std::string_view kPolicy = "default-src 'none'; style-src 'unsafe-inline'";
 
-void AppendEscaped(std::string& escaped, std::string_view text) {
-  for (const char c : Printable(text)) {
-    switch (c) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '>':
-        escaped += "&gt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      default:
-        escaped += c;
-    }
-  }
-}
-
 }  // namespace
 
 std::string Escaped(std::string_view text) {
   std::string escaped;
-  AppendEscaped(escaped, text);
+  AppendEscapedMarkup(escaped, Printable(text));
   return escaped;
 }
 
@@ -103,7 +83,7 @@ std::string EscapedLines(std::string_view text) {
     const std::size_t end = std::min(text.find('\n'), text.size());
     std::string_view line = text.substr(0, end);
     line.remove_suffix(line.ends_with('\r') ? 1 : 0);
-    AppendEscaped(escaped, line);
+    AppendEscapedMarkup(escaped, Printable(line));
     escaped += end < text.size() ? "\n" : "";
     text.remove_prefix(std::min(end + 1, text.size()));
   }

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <sstream>
 
-#include "cli/reference/escaped_markup.h"
 #include "formats/text/closest_name.h"
+#include "formats/text/escaped_markup.h"
 
 namespace parvex::cli {
 namespace {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "cli/reference/described_command.h"
-#include "cli/reference/escaped_markup.h"
+#include "formats/text/escaped_markup.h"
 
 namespace parvex::cli {
 namespace {

@@ -90,7 +90,12 @@ TEST_F(Open, TellsWhatIsInAQuoteAndInItsStoredData) {
   EXPECT_EQ(json["tags"][0]["storedData"]["kind"], "stored-tag-data");
   EXPECT_EQ(json["tags"][0]["storedData"]["entries"][0]["name"], "Tag");
   EXPECT_EQ(json["tags"][2]["orderConfigurations"][0]["kind"], "order-configuration");
-  EXPECT_THAT(Text(quote), AllOf(HasSubstr("a quote (Hybris document)"), HasSubstr("RTU-1, pdsg RTU47"),
+  const standin::Json shown = standin::Json::parse(RunParvex({"show", "--json", quote}).out);
+  EXPECT_EQ(json["total"], shown["total"]) << "one shape for tools";
+  EXPECT_EQ(json["tags"][0]["tagId"], shown["tags"][0]["tagId"]);
+  EXPECT_EQ(json["tags"][0]["total"], shown["tags"][0]["total"]);
+  EXPECT_THAT(Text(quote), AllOf(HasSubstr("a quote (Hybris document)"), HasSubstr("\n  total: 320,406.70\n"),
+                                 HasSubstr("RTU-1, pdsg RTU47"), HasSubstr(", total 59,110.00, unit count 3\n"),
                                  HasSubstr("stored data: bytes 383, the stored data of a tag")));
 }
 

@@ -1,9 +1,15 @@
 #include <algorithm>
+#include <charconv>
+#include <optional>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "cli/open/content.h"
+#include "cli/quote/quote.h"
+#include "cli/quote/quote_text.h"
 #include "cli/terminal/printable.h"
+#include "formats/text/text.h"
 
 namespace parvex::cli {
 namespace {
@@ -18,7 +24,25 @@ std::string Words(const std::string& key) {
   return words;
 }
 
+// A total as a quote has it; nothing for any other value.
+std::optional<Total> TotalIn(const Json& value) {
+  if (!value.is_object() || value.size() != 2 || !value.contains("amount") || !value.contains("unknown") ||
+      !value["amount"].is_string() || !value["unknown"].is_number_unsigned()) {
+    return std::nullopt;
+  }
+  const std::string digits = ReplaceAll(value["amount"].get<std::string>(), ".", "");
+  Total total = {.unknown = value["unknown"].get<std::size_t>()};
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), total.amount);
+  return error == std::errc() && end == digits.data() + digits.size() ? std::optional(total) : std::nullopt;
+}
+
+// Whether a value has lines of its own.
+bool IsNested(const Json& value) { return value.is_structured() && !TotalIn(value); }
+
 std::string Plain(const Json& value) {
+  if (const std::optional<Total> total = TotalIn(value)) {
+    return TotalText(*total);
+  }
   return value.is_string()    ? Printable(value.get<std::string>())
          : value.is_null()    ? "-"
          : value.is_boolean() ? (value.get<bool>() ? "yes" : "no")
@@ -51,7 +75,7 @@ std::string NamesAndValues(const Json& list) {
 const Json* OnlyNamesAndValues(const Json& object) {
   const Json* only = nullptr;
   for (const Json& value : object) {
-    if (value.is_structured() && !value.empty() && std::exchange(only, &value) != nullptr) {
+    if (IsNested(value) && !value.empty() && std::exchange(only, &value) != nullptr) {
       return nullptr;
     }
   }
@@ -68,7 +92,7 @@ bool SaysItself(const std::string& key) {
 std::string HeadOf(const Json& object) {
   std::string head;
   for (const auto& [key, value] : object.items()) {
-    if (value.is_structured() || key == "kind" || value == "" || value == false) {
+    if (IsNested(value) || key == "kind" || value == "" || value == false) {
       continue;
     }
     head += (head.empty() ? "" : ", ") + (SaysItself(key) ? "" : Words(key) + " ") + Plain(value);
@@ -105,7 +129,7 @@ void AppendLists(const Json& object, std::size_t indent, std::string& text) {
   for (const auto& [key, value] : object.items()) {
     if (value.is_array()) {
       AppendList(key, value, indent, text);
-    } else if (value.is_object()) {
+    } else if (IsNested(value)) {
       text += std::string(indent, ' ') + Words(key) + ": " + HeadOf(value) + "\n";
       AppendLists(value, indent + 2, text);
     }
@@ -117,7 +141,7 @@ void AppendLists(const Json& object, std::size_t indent, std::string& text) {
 std::string ContentAsText(const Content& content, const std::string& file, std::size_t bytes) {
   std::string text = Printable(file) + ": " + content.what + ", " + Counted(bytes, "byte") + "\n";
   for (const auto& [key, value] : content.members.items()) {
-    if (!value.is_structured()) {
+    if (!IsNested(value)) {
       text += "  " + Words(key) + ": " + Plain(value) + "\n";
     }
   }

@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "cli/open/content.h"
+#include "cli/quote/amounts.h"
 #include "cli/quote/quote.h"
-#include "cli/quote/quote_text.h"
 #include "cli/reference/described_command.h"
 #include "codec/bin_encoder.h"
 #include "protocol/reply_envelope.h"
@@ -98,10 +98,13 @@ Json StoredDataOf(const QuoteTag& tag, Looking& looking) {
   return stored;
 }
 
+// As in "show --json".
+Json TotalJson(const Total& total) { return {{"amount", PlainAmount(total.amount)}, {"unknown", total.unknown}}; }
+
 Json TagOf(const QuoteTag& tag, Looking& looking) {
-  Json listed = {{"markFor", ShownText(tag.markFor)},         {"pdsg", ShownText(tag.pdsg)},
-                 {"legacyTagId", ShownText(tag.legacyTagId)}, {"buildVersion", ShownText(tag.buildVersion)},
-                 {"total", TotalText(TotalOf(tag))},          {"unitCount", tag.units.size()},
+  Json listed = {{"markFor", ShownText(tag.markFor)},       {"pdsg", ShownText(tag.pdsg)},
+                 {"tagId", ShownText(tag.legacyTagId)},     {"buildVersion", ShownText(tag.buildVersion)},
+                 {"total", TotalJson(TotalOf(tag))},        {"unitCount", tag.units.size()},
                  {"storedData", StoredDataOf(tag, looking)}};
   AddAll(listed, "orderConfigurations", tag.units, looking, [&](const QuoteUnit& unit) {
     Json found = {{"partNumber", ShownText(unit.partNumber)}};
@@ -120,7 +123,7 @@ Content QuoteContent(const xml::Document& document, const std::string& name, Loo
   const Quote quote = ReadQuote(document, name);
   Content content = {.kind = "quote", .what = "a quote (Hybris document)", .members = Json::object()};
   content.members["project"] = ShownText(quote.project);
-  content.members["total"] = TotalText(TotalOf(quote));
+  content.members["total"] = TotalJson(TotalOf(quote));
   content.members["tagCount"] = quote.tags.size();
   AddAll(content.members, "tags", quote.tags, looking, [&](const QuoteTag& tag) { return TagOf(tag, looking); });
   return content;

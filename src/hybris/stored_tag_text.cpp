@@ -55,13 +55,15 @@ std::optional<std::string> TakeTagFile(const Platform& platform, const std::stri
   return bytes;
 }
 
+bool IsTagFile(const PackedEntry& entry) { return !entry.isFolder && EqualIgnoringCase(entry.name, kTagFile); }
+
+bool HasOrderConfiguration(std::string_view text) { return text.find("SAPDATA") != std::string_view::npos; }
+
 // The archive's own file "Tag", taken out of the entries; null when it has none. The legacy application extracts it
 // with the others, reads it and deletes it; the same comes of never writing it, and of deleting one that an earlier run
 // left.
 std::optional<PackedEntry> TakeTagEntry(std::vector<PackedEntry>& entries) {
-  const auto tag = std::find_if(entries.begin(), entries.end(), [](const PackedEntry& entry) {
-    return !entry.isFolder && EqualIgnoringCase(entry.name, kTagFile);
-  });
+  const auto tag = std::find_if(entries.begin(), entries.end(), IsTagFile);
   if (tag == entries.end()) {
     return std::nullopt;
   }
@@ -96,7 +98,7 @@ StoredTagText TextAmong(CodePage& codePage, const std::optional<PackedEntry>& ta
     return {};  // it was the only entry, or there are several
   }
   if (const PackedEntry* file = OnlyFile(others)) {
-    if (std::string text = TextOf(codePage, file->bytes); text.find("SAPDATA") != std::string::npos) {
+    if (std::string text = TextOf(codePage, file->bytes); HasOrderConfiguration(text)) {
       return {std::move(text), false, {}};
     }
   }
@@ -104,6 +106,12 @@ StoredTagText TextAmong(CodePage& codePage, const std::optional<PackedEntry>& ta
 }
 
 }  // namespace
+
+bool HoldTagText(CodePage& codePage, const std::vector<PackedEntry>& entries) {
+  const PackedEntry* only = OnlyFile(entries);
+  return std::any_of(entries.begin(), entries.end(), IsTagFile) ||
+         (only != nullptr && HasOrderConfiguration(TextOf(codePage, only->bytes)));
+}
 
 StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileName, NamedBlobs* named) {
   if (fileName.empty()) {

@@ -2,8 +2,11 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "formats/zip/zip_reader.h"
 #include "hybris/protected_files.h"
+#include "seams/code_page.h"
 #include "seams/platform.h"
 
 namespace parvex {
@@ -29,5 +32,9 @@ struct StoredTagText {
 ///
 /// `named`: the blobs of the selection, which no archive replaces; may be null.
 StoredTagText ReadStoredTagText(const Platform& platform, std::string_view fileName, NamedBlobs* named = nullptr);
+
+/// Whether an archive's entries are those of stored tag data: a file "Tag" among them, or a single file that holds
+/// "SAPDATA". Nothing is written.
+bool HoldTagText(CodePage& codePage, const std::vector<PackedEntry>& entries);
 
 }  // namespace parvex

@@ -79,12 +79,12 @@ Found FindWorkflowProgram(const Patient& patient, const Cures& cures, const std:
   if (!files.IsFile(path)) {
     files.ReadAll(path);  // refused as any reading of it is
   }
-  const std::string reason = patient.look.WhyNotStarted(path);
-  if (reason.empty()) {
+  const MachineLook::StartRefusal refusal = patient.look.WhyNotStarted(path);
+  if (refusal.why.empty()) {
     return {Told::Path(path)};
   }
-  const bool lacksRight = reason.find("may not be run") != std::string::npos;
-  return {Told::Path(path) + Told::Words(reason), State::Failure, lacksRight ? cures.MakeRunnable(path) : Cure()};
+  return {Told::Path(path) + Told::Words(refusal.why), State::Failure,
+          refusal.lacksRightOnly ? cures.MakeRunnable(path) : Cure()};
 }
 
 Found FindSettings(const Platform& platform, const std::string& path) {

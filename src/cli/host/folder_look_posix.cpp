@@ -84,12 +84,14 @@ class FolderLook : public MachineLook {
   Engine XmlParser() override { return {.name = "libxml2", .version = xml::LibraryVersion(), .file = ""}; }
   Engine DatabaseEngine() override { return {.name = "the built-in Jet reader", .version = "", .file = ""}; }
 
-  std::string WhyNotStarted(std::string_view path) override {
+  StartRefusal WhyNotStarted(std::string_view path) override {
     const std::string begin = ReadPart(machine_.GetFiles(), path, 0, kMostOfProgramHeader);
-    const std::string reason = WhyNoProgram(ReadProgramHeader(begin));
+    if (const std::string why = WhyNoProgram(ReadProgramHeader(begin)); !why.empty()) {
+      return {why};
+    }
     const std::optional<fs::path> own = folder_.Resolve(path);
     const bool mayRun = own && access(own->c_str(), X_OK) == 0;
-    return reason.empty() && !mayRun ? " may not be run as a program" : reason;
+    return mayRun ? StartRefusal() : StartRefusal{" may not be run as a program", true};
   }
 
   std::string OtherProgram() override { return {}; }

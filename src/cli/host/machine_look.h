@@ -37,6 +37,12 @@ class MachineLook {
     std::string name;
   };
 
+  /// What is known against starting a file.
+  struct StartRefusal {
+    std::string why = {};         ///< " is no program"; empty when nothing is
+    bool lacksRightOnly = false;  ///< a program that nobody may run
+  };
+
   virtual ~MachineLook() = default;
 
   virtual Application WhoAnswers() = 0;
@@ -45,9 +51,8 @@ class MachineLook {
   virtual Engine XmlParser() = 0;
   virtual Engine DatabaseEngine() = 0;
 
-  /// Why the system would not start a file of the machine as a program: " is no program"; empty when nothing is known
-  /// against it. An AutomationError where it cannot be read.
-  virtual std::string WhyNotStarted(std::string_view path) = 0;
+  /// Why the system would not start a file of the machine as a program. An AutomationError where it cannot be read.
+  virtual StartRefusal WhyNotStarted(std::string_view path) = 0;
 
   /// This program of the other bitness, which is installed beside it; empty where it is not.
   virtual std::string OtherProgram() = 0;

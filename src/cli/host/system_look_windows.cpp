@@ -145,16 +145,16 @@ class SystemLook : public MachineLook {
     return {"DAO", "", ""};
   }
 
-  std::string WhyNotStarted(std::string_view path) override {
+  StartRefusal WhyNotStarted(std::string_view path) override {
     const std::string begin = ReadPart(files_, path, 0, kMostOfProgramHeader);
     const ProgramHeader header = ReadProgramHeader(begin);
     switch (header.kind) {
       case ProgramHeader::Kind::Windows:
-        return WhyNotOn(header.machine);
+        return {WhyNotOn(header.machine)};
       case ProgramHeader::Kind::WindowsLibrary:
-        return " is a DLL, and no program";
+        return {" is a DLL, and no program"};
       default:
-        return " is no Windows program";
+        return {" is no Windows program"};
     }
   }
 

@@ -6,6 +6,7 @@
 #include "formats/text/letter_case.h"
 #include "formats/text/windows_1252.h"
 #include "formats/zip/zip_reader.h"
+#include "hybris/stored_tag_text.h"
 #include "recording/case_layout.h"
 #include "seams/automation_error.h"
 
@@ -22,28 +23,18 @@ bool HasFile(const std::vector<PackedEntry>& entries, std::string_view name) {
                              [&](const PackedEntry& entry) { return !entry.isFolder && IsSameName(entry.name, name); });
 }
 
-// As the text of a tag is found (hybris/stored_tag_text.h): a file "Tag", or the only one with an order configuration.
-bool IsStoredTagData(const std::vector<PackedEntry>& entries) {
-  if (HasFile(entries, "Tag")) {
-    return true;
-  }
-  const auto isFile = [](const PackedEntry& entry) { return !entry.isFolder; };
-  const auto only = std::ranges::find_if(entries, isFile);
-  return std::ranges::count_if(entries, isFile) == 1 && only->bytes.find("SAPDATA") != std::string::npos;
-}
-
 bool HasDatabase(const std::vector<PackedEntry>& entries) {
   return std::ranges::any_of(entries, [](const PackedEntry& entry) { return jet::LooksLikeDatabase(entry.bytes); });
 }
 
-Content KindOf(const std::vector<PackedEntry>& entries) {
+Content KindOf(CodePage& codePage, const std::vector<PackedEntry>& entries) {
   if (HasFile(entries, recording::kFacts) && HasFile(entries, recording::kJournal)) {
     return {.kind = "case", .what = "a recorded call"};
   }
   if (HasDatabase(entries)) {
     return {.kind = "project-archive", .what = "the archive of a project"};
   }
-  if (IsStoredTagData(entries)) {
+  if (HoldTagText(codePage, entries)) {
     return {.kind = "stored-tag-data", .what = "the stored data of a tag"};
   }
   return {.kind = "archive", .what = "an archive"};
@@ -72,7 +63,7 @@ std::optional<Content> ArchiveContent(std::string_view bytes, const std::string&
   for (const PackedEntry& entry : entries) {
     looking.unpacked -= std::min<std::uint64_t>(looking.unpacked, entry.bytes.size());
   }
-  Content content = KindOf(entries);
+  Content content = KindOf(codePage, entries);
   content.members["entryCount"] = entries.size();
   --looking.depth;
   AddAll(content.members, "entries", entries, looking, [&](const PackedEntry& entry) {

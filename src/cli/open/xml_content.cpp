@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "cli/open/content.h"
-#include "cli/quote/amounts.h"
 #include "cli/quote/quote.h"
+#include "cli/quote/quote_json.h"
 #include "cli/reference/described_command.h"
 #include "codec/bin_encoder.h"
 #include "protocol/reply_envelope.h"
@@ -97,9 +97,6 @@ Json StoredDataOf(const QuoteTag& tag, Looking& looking) {
   }
   return stored;
 }
-
-// As in "show --json".
-Json TotalJson(const Total& total) { return {{"amount", PlainAmount(total.amount)}, {"unknown", total.unknown}}; }
 
 Json TagOf(const QuoteTag& tag, Looking& looking) {
   Json listed = {{"markFor", ShownText(tag.markFor)},       {"pdsg", ShownText(tag.pdsg)},

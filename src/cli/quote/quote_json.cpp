@@ -1,14 +1,11 @@
 #include "cli/quote/quote_json.h"
 
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "cli/terminal/printable.h"
 
 namespace parvex::cli {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // Writes objects and lists whose members come one after the other.
 class JsonWriter {
@@ -91,8 +88,6 @@ Json OrNull(const std::optional<Value>& value) {
 }
 
 Json AmountJson(const std::optional<Hundredths>& amount) { return amount ? Json(PlainAmount(*amount)) : Json(); }
-
-Json TotalJson(const Total& total) { return {{"amount", PlainAmount(total.amount)}, {"unknown", total.unknown}}; }
 
 // A list of what `toJson` makes of each item.
 template <typename Item, typename ToJson>
@@ -219,6 +214,8 @@ Json DifferenceJson(const Difference& difference) {
 Json TogetherJson(const ItemsTogether& items) { return {{"count", items.count}, {"total", TotalJson(items.total)}}; }
 
 }  // namespace
+
+Json TotalJson(const Total& total) { return {{"amount", PlainAmount(total.amount)}, {"unknown", total.unknown}}; }
 
 void WriteQuoteJson(const Quote& quote, const std::string& fileName, const TakeJson& take) {
   JsonWriter json(take);

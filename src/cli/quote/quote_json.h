@@ -6,6 +6,7 @@
 
 #include "cli/quote/quote.h"
 #include "cli/quote/quote_differences.h"
+#include "formats/json/bounded_json.h"
 
 namespace parvex::cli {
 
@@ -15,6 +16,9 @@ namespace parvex::cli {
 
 /// Gets the JSON piece by piece, as a large quote has a hundred times the JSON that is at hand at once.
 using TakeJson = std::function<void(std::string_view piece)>;
+
+/// A total in every JSON of this program.
+Json TotalJson(const Total& total);
 
 /// A quote with everything that is read of it.
 void WriteQuoteJson(const Quote& quote, const std::string& fileName, const TakeJson& take);

@@ -21,7 +21,7 @@ class WindowsLook : public MachineLook {
   }
   Engine XmlParser() override { return {"MSXML 3", "8.110.1.1", "C:\\Windows\\System32\\msxml3.dll"}; }
   Engine DatabaseEngine() override { return {"DAO", "", ""}; }
-  std::string WhyNotStarted(std::string_view) override { return {}; }
+  StartRefusal WhyNotStarted(std::string_view) override { return {}; }
   std::string OtherProgram() override { return "C:\\Program Files\\Parvex\\parvex32.exe"; }
   std::string OwnPath(std::string_view path) override { return std::string(path); }
   std::string MachineFolder() override { return {}; }

@@ -71,6 +71,7 @@ TEST(OpenedContent, IsKnownByItsBytes) {
       {WithMark("<SAPDATA/>", TextEncoding::Utf16Little), "order-configuration"},
       {kBlob, "stored-tag-data"},
       {MadeArchive({{"Config.xml", "<SAPDATA/>"}}), "stored-tag-data"},
+      {MadeArchive({{"Config.xml", WithMark("<SAPDATA/>", TextEncoding::Utf16Little)}}), "stored-tag-data"},
       {MadeArchive({{"a.dat", "x"}}), "archive"},
       {MadeArchive({}), "archive"},
       {MadeArchive({{"project.mdb", MadeDatabase("TagIndex")}, {"tag1.blb", kBlob}}), "project-archive"},
